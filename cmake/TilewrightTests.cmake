@@ -1,0 +1,38 @@
+include(GoogleTest)
+
+# Builds every program of unit tests, and nothing that only desktop tests need.
+add_custom_target(unit_tests)
+
+# tilewright_test(<target> SOURCES <files...> [DEPENDS <targets...>] [LABEL unit|desktop]
+#                 [GUI] [TIMEOUT <seconds>])
+#
+# A GoogleTest program; every test in it becomes a test of its own for ctest. GUI programs get a
+# QApplication (on the offscreen platform unless QT_QPA_PLATFORM says otherwise), the others a
+# QCoreApplication. A test that skips itself counts as failed: a skipped test proves nothing.
+function(tilewright_test target)
+  cmake_parse_arguments(PARSE_ARGV 1 test "GUI" "LABEL;TIMEOUT" "SOURCES;DEPENDS")
+  if(NOT test_LABEL)
+    set(test_LABEL unit)
+  endif()
+  if(NOT test_TIMEOUT)
+    set(test_TIMEOUT 300)
+  endif()
+  if(test_GUI)
+    set(main tilewright_gui_test_main)
+  else()
+    set(main tilewright_core_test_main)
+  endif()
+  add_executable(${target} ${test_SOURCES})
+  set_target_properties(${target} PROPERTIES AUTOMOC ON)
+  target_link_libraries(${target} PRIVATE
+    ${test_DEPENDS} ${main} tilewright_test_support GTest::gtest GTest::gmock tilewright_options)
+  if(test_LABEL STREQUAL "unit")
+    add_dependencies(unit_tests ${target})
+  endif()
+  gtest_discover_tests(${target}
+    DISCOVERY_TIMEOUT 120
+    PROPERTIES
+      LABELS "${test_LABEL}"
+      TIMEOUT ${test_TIMEOUT}
+      FAIL_REGULAR_EXPRESSION "\\[  SKIPPED \\]")
+endfunction()
