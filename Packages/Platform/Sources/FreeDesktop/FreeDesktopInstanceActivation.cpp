@@ -1,0 +1,130 @@
+#include "FreeDesktopInstanceActivation.h"
+
+#include <QDBusAbstractAdaptor>
+#include <QDBusMessage>
+
+namespace tilewright {
+
+namespace {
+
+constexpr int patienceInMilliseconds = 2000;
+constexpr int attempts = 3;
+constexpr quint32 doNotQueue = 4;
+constexpr quint32 isPrimaryOwner = 1;
+constexpr quint32 isAlreadyOwner = 4;
+
+QString objectPath() {
+    return QStringLiteral("/org/tilewright/Tilewright");
+}
+
+QString interfaceName() {
+    return QStringLiteral("org.tilewright.Instance");
+}
+
+QDBusMessage callToBus(const QString& method) {
+    return QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"),
+                                          QStringLiteral("/org/freedesktop/DBus"),
+                                          QStringLiteral("org.freedesktop.DBus"), method);
+}
+
+/// A bus name takes letters, digits, "_" and "-" only.
+QString nameFor(const QString& display) {
+    const qsizetype colon = display.lastIndexOf(u':');
+    const qsizetype dot = colon < 0 ? -1 : display.indexOf(u'.', colon);
+    QString name = QStringLiteral("org.tilewright.Tilewright.Display");
+    for (const char byte : display.left(dot).toUtf8()) {
+        if ((byte >= '0' && byte <= '9') || (byte >= 'a' && byte <= 'z') ||
+            (byte >= 'A' && byte <= 'Z'))
+            name += QLatin1Char(byte);
+        else
+            name += u'_' + QString::fromLatin1(QByteArray(1, byte).toHex());
+    }
+    return name;
+}
+
+class InstanceAdaptor final : public QDBusAbstractAdaptor {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.tilewright.Instance")
+
+public:
+    explicit InstanceAdaptor(InstanceActivation* instance)
+        : QDBusAbstractAdaptor(instance)
+        , instance_(instance) {}
+
+public Q_SLOTS:
+    void Activate() { Q_EMIT instance_->activationRequested(); }
+
+private:
+    InstanceActivation* instance_;
+};
+
+} // namespace
+
+FreeDesktopInstanceActivation::FreeDesktopInstanceActivation(const QString& display,
+                                                             QDBusConnection bus)
+    : bus_(std::move(bus))
+    , serviceName_(nameFor(display)) {
+    new InstanceAdaptor(this);
+}
+
+FreeDesktopInstanceActivation::~FreeDesktopInstanceActivation() {
+    bus_.unregisterObject(objectPath());
+    if (!isFirst_)
+        return;
+    QDBusMessage release = callToBus(QStringLiteral("ReleaseName"));
+    release << serviceName_;
+    bus_.call(release, QDBus::Block, patienceInMilliseconds);
+}
+
+InstanceActivation::Claim FreeDesktopInstanceActivation::claim() {
+    if (!bus_.isConnected())
+        return Claim::first;
+    // Before the name, so that whoever sees the name can call the object.
+    bus_.registerObject(objectPath(), this, QDBusConnection::ExportAdaptors);
+    for (int attempt = 0; attempt < attempts; ++attempt) {
+        isFirst_ = ownsName();
+        if (isFirst_)
+            return Claim::first;
+        if (otherAnswers())
+            return Claim::another;
+        // The other one ended between the two calls: the name is free again.
+    }
+    return Claim::first;
+}
+
+bool FreeDesktopInstanceActivation::ownsName() {
+    QDBusMessage request = callToBus(QStringLiteral("RequestName"));
+    request << serviceName_ << doNotQueue;
+    const QDBusMessage reply = bus_.call(request, QDBus::Block, patienceInMilliseconds);
+    // A bus that does not answer cannot tell of another instance.
+    if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty())
+        return true;
+    const quint32 result = reply.arguments().constFirst().toUInt();
+    return result == isPrimaryOwner || result == isAlreadyOwner;
+}
+
+bool FreeDesktopInstanceActivation::otherAnswers() {
+    QDBusMessage request = QDBusMessage::createMethodCall(
+        serviceName_, objectPath(), interfaceName(), QStringLiteral("Activate"));
+    request.setAutoStartService(false);
+    const QDBusMessage reply = bus_.call(request, QDBus::Block, patienceInMilliseconds);
+    if (reply.type() == QDBusMessage::ReplyMessage)
+        return true;
+    const QString error = reply.errorName();
+    // One that is merely slow to answer still runs, and has the message in its queue.
+    if (error == u"org.freedesktop.DBus.Error.ServiceUnknown" ||
+        error == u"org.freedesktop.DBus.Error.NameHasNoOwner")
+        return false;
+    return isOwned();
+}
+
+bool FreeDesktopInstanceActivation::isOwned() {
+    QDBusMessage request = callToBus(QStringLiteral("NameHasOwner"));
+    request << serviceName_;
+    const QDBusMessage reply = bus_.call(request, QDBus::Block, patienceInMilliseconds);
+    return !reply.arguments().isEmpty() && reply.arguments().constFirst().toBool();
+}
+
+} // namespace tilewright
+
+#include "FreeDesktopInstanceActivation.moc"

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <Platform/InstanceActivation.h>
+
+#include <QDBusConnection>
+#include <QString>
+
+namespace tilewright {
+
+/// One instance per display, by a name on the session bus. Without a bus every start is the first.
+class FreeDesktopInstanceActivation final : public InstanceActivation {
+    Q_OBJECT
+
+public:
+    /// `display` names the display as $DISPLAY does, such as ":0" or "host:10.0"; all screens of
+    /// one display are the same.
+    explicit FreeDesktopInstanceActivation(const QString& display,
+                                           QDBusConnection bus = QDBusConnection::sessionBus());
+    ~FreeDesktopInstanceActivation() override;
+
+    /// Blocks for a few seconds at most, and that only when the bus or the other instance hangs.
+    [[nodiscard]] Claim claim() override;
+
+    /// The bus name that the instance on the display owns.
+    [[nodiscard]] const QString& serviceName() const { return serviceName_; }
+
+private:
+    [[nodiscard]] bool ownsName();
+    [[nodiscard]] bool otherAnswers();
+    [[nodiscard]] bool isOwned();
+
+    QDBusConnection bus_;
+    QString serviceName_;
+    bool isFirst_ = false;
+};
+
+} // namespace tilewright

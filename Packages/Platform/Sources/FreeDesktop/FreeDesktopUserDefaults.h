@@ -1,0 +1,22 @@
+#pragma once
+
+#include <Platform/UserDefaults.h>
+
+#include <QSettings>
+
+namespace tilewright {
+
+/// The user defaults in $XDG_CONFIG_HOME/Tilewright/Tilewright.conf. A value reaches the disk on
+/// the next turn of the event loop.
+class FreeDesktopUserDefaults final : public UserDefaults {
+public:
+    FreeDesktopUserDefaults();
+
+    [[nodiscard]] std::optional<QString> string(const QString& key) const override;
+    void setString(const QString& value, const QString& key) override;
+
+private:
+    QSettings settings_;
+};
+
+} // namespace tilewright

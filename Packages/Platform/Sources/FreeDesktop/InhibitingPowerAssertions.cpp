@@ -1,0 +1,111 @@
+#include "InhibitingPowerAssertions.h"
+
+#include "IdleInhibition.h"
+
+#include <QDeadlineTimer>
+#include <QThread>
+#include <algorithm>
+#include <cerrno>
+
+using namespace Qt::StringLiterals;
+
+namespace tilewright {
+
+namespace {
+
+using Inhibitions = std::vector<IdleInhibition*>;
+
+bool isAnyHeld(const Inhibitions& inhibitions) {
+    return std::any_of(inhibitions.begin(), inhibitions.end(), [](const auto* inhibition) {
+        return inhibition->state() == IdleInhibition::State::held;
+    });
+}
+
+bool areAllAnswered(const Inhibitions& inhibitions) {
+    return std::none_of(inhibitions.begin(), inhibitions.end(), [](const auto* inhibition) {
+        return inhibition->state() == IdleInhibition::State::unanswered;
+    });
+}
+
+/// Whether the session bus has nobody who would blank the display on his own account.
+bool isDesktopWithoutIdleService(const Inhibitions& inhibitions) {
+    return std::all_of(inhibitions.begin(), inhibitions.end(), [](const auto* inhibition) {
+        return inhibition->service().bus == IdleService::Bus::system ||
+               inhibition->state() == IdleInhibition::State::absent;
+    });
+}
+
+void waitForFirstGrant(const Inhibitions& inhibitions, std::chrono::milliseconds bound) {
+    // A nested event loop would let the rest of the program run in the middle of the caller's work.
+    // The toolkit receives replies on a thread of its own and offers no bounded wait for several of
+    // them, so this looks at short intervals, and takes in nothing but these answers.
+    constexpr unsigned long intervalInMicroseconds = 500;
+    const QDeadlineTimer deadline(bound);
+    for (;;) {
+        for (IdleInhibition* inhibition : inhibitions)
+            inhibition->takeAnswers();
+        if (isAnyHeld(inhibitions) || areAllAnswered(inhibitions) || deadline.hasExpired())
+            return;
+        QThread::usleep(intervalInMicroseconds);
+    }
+}
+
+} // namespace
+
+InhibitingPowerAssertions::InhibitingPowerAssertions(MainLoop& loop, ScreenSaver* screenSaver,
+                                                     QDBusConnection sessionBus,
+                                                     QDBusConnection systemBus)
+    : loop_(loop)
+    , screenSaver_(screenSaver)
+    , sessionBus_(std::move(sessionBus))
+    , systemBus_(std::move(systemBus)) {}
+
+InhibitingPowerAssertions::~InhibitingPowerAssertions() = default;
+
+PowerAssertionResult InhibitingPowerAssertions::create(const QString& type, quint32 level,
+                                                       const QString& name) {
+    constexpr quint32 levelOn = 255;
+    if (type != u"PreventUserIdleDisplaySleep"_s || level != levelOn)
+        return {EINVAL, 0};
+    const Assertion assertion = ask(name);
+    waitForFirstGrant(assertion.inhibitions, answerBound);
+    const bool isGranted =
+        isAnyHeld(assertion.inhibitions) ||
+        (assertion.suspendsScreenSaver && isDesktopWithoutIdleService(assertion.inhibitions));
+    if (!isGranted) {
+        end(assertion);
+        return {EOPNOTSUPP, 0};
+    }
+    assertions_.emplace(++lastID_, assertion);
+    return {0, lastID_};
+}
+
+void InhibitingPowerAssertions::release(PowerAssertionID id) {
+    const auto found = assertions_.find(id);
+    if (found == assertions_.end())
+        return;
+    end(found->second);
+    assertions_.erase(found);
+}
+
+InhibitingPowerAssertions::Assertion InhibitingPowerAssertions::ask(const QString& reason) {
+    Assertion assertion;
+    for (const IdleService& service : idleServices()) {
+        const QDBusConnection& bus =
+            service.bus == IdleService::Bus::session ? sessionBus_ : systemBus_;
+        if (bus.isConnected())
+            assertion.inhibitions.push_back(
+                new IdleInhibition(loop_, service, bus, reason, &owner_));
+    }
+    assertion.suspendsScreenSaver = screenSaver_ && screenSaver_->suspend();
+    return assertion;
+}
+
+void InhibitingPowerAssertions::end(const Assertion& assertion) {
+    for (IdleInhibition* inhibition : assertion.inhibitions)
+        inhibition->end();
+    if (assertion.suspendsScreenSaver)
+        screenSaver_->resume();
+}
+
+} // namespace tilewright

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "ScreenSaver.h"
+
+#include <Platform/MainLoop.h>
+#include <Platform/PowerAssertions.h>
+
+#include <QDBusConnection>
+#include <QObject>
+#include <chrono>
+#include <map>
+#include <vector>
+
+namespace tilewright {
+
+class IdleInhibition;
+
+/// Holds an assertion through every idle-inhibit service that the session offers, together with the
+/// display server's own screen saver.
+///
+/// All services are asked at once, none is started for it. The assertion is granted when one has
+/// accepted; those that accept later are held too, as are those that appear, or come back, while it
+/// lasts. Suspending the display server's screen saver alone is enough only where no such service
+/// is on the session bus. The status of a refused assertion is an errno value.
+class InhibitingPowerAssertions final : public PowerAssertions {
+public:
+    /// How long `create` waits for the first service to accept.
+    static constexpr std::chrono::milliseconds answerBound{300};
+
+    /// `screenSaver` may be null where there is none; it and the loop outlive this. Buses that are
+    /// not connected count as buses with nothing on them.
+    explicit InhibitingPowerAssertions(MainLoop& loop, ScreenSaver* screenSaver,
+                                       QDBusConnection sessionBus = QDBusConnection::sessionBus(),
+                                       QDBusConnection systemBus = QDBusConnection::systemBus());
+    ~InhibitingPowerAssertions() override;
+
+    [[nodiscard]] PowerAssertionResult create(const QString& type, quint32 level,
+                                              const QString& name) override;
+    void release(PowerAssertionID id) override;
+
+private:
+    struct Assertion {
+        /// Children of `owner_` that destroy themselves after their end.
+        std::vector<IdleInhibition*> inhibitions;
+        bool suspendsScreenSaver = false;
+    };
+
+    [[nodiscard]] Assertion ask(const QString& reason);
+    void end(const Assertion& assertion);
+
+    MainLoop& loop_;
+    ScreenSaver* screenSaver_;
+    QDBusConnection sessionBus_;
+    QDBusConnection systemBus_;
+    std::map<PowerAssertionID, Assertion> assertions_;
+    PowerAssertionID lastID_ = 0;
+    QObject owner_;
+};
+
+} // namespace tilewright

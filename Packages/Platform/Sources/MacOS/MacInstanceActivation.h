@@ -1,0 +1,25 @@
+#pragma once
+
+#include <Platform/InstanceActivation.h>
+
+#include <memory>
+
+namespace tilewright {
+
+/// One instance of the program in a login session. The system itself starts a bundle only once;
+/// this covers a second copy of it. Main thread only.
+class MacInstanceActivation final : public InstanceActivation {
+    Q_OBJECT
+
+public:
+    MacInstanceActivation();
+    ~MacInstanceActivation() override;
+
+    [[nodiscard]] Claim claim() override;
+
+private:
+    class Observation;
+    std::unique_ptr<Observation> observation_;
+};
+
+} // namespace tilewright

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <Platform/Workspace.h>
+
+#include <memory>
+
+namespace tilewright {
+
+/// The workspace as AppKit tells it. Main thread only.
+class MacWorkspace final : public Workspace {
+    Q_OBJECT
+
+public:
+    MacWorkspace();
+    ~MacWorkspace() override;
+
+    [[nodiscard]] std::optional<ProcessID> frontmostApplication() const override;
+    [[nodiscard]] std::optional<QString> localizedName(ProcessID process) const override;
+    void openAccessibilitySettings() override;
+    void activateThisApplication() override;
+    [[nodiscard]] bool blendsWindows() const override { return true; }
+
+private:
+    class Observation;
+    std::unique_ptr<Observation> observation_;
+};
+
+} // namespace tilewright

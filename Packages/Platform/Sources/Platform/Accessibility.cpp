@@ -1,0 +1,8 @@
+#include "Accessibility.h"
+
+namespace tilewright {
+
+AccessibilityValue::~AccessibilityValue() = default;
+AccessibilityElement::Implementation::~Implementation() = default;
+
+} // namespace tilewright

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "Geometry.h"
+#include "Screens.h"
+
+#include <functional>
+
+class QRegion;
+class QWidget;
+
+namespace tilewright {
+
+/// How a surface can show its view.
+enum class OverlayRendering {
+    /// Per-pixel transparency: what is beneath shines through.
+    translucent,
+    /// No transparency to be had: the surface is cut to the view's outline, all of it opaque.
+    shaped,
+};
+
+/// What an overlay surface shows: a widget that can also do without transparency.
+class OverlayView {
+public:
+    virtual ~OverlayView() = default;
+
+    /// The widget that draws. It fills the surface.
+    [[nodiscard]] virtual QWidget& widget() = 0;
+    /// Tells the view how it is shown from now on; it repaints where that matters.
+    virtual void setRendering(OverlayRendering rendering) = 0;
+    /// What is opaque under `OverlayRendering::shaped`, in the widget's own coordinates.
+    [[nodiscard]] virtual QRegion outline() const = 0;
+    /// The area behind which a blur looks right under `OverlayRendering::translucent`, in the
+    /// widget's own coordinates.
+    [[nodiscard]] virtual QRegion blurArea() const = 0;
+    /// Registers the surface's wish to be told when `outline()` or `blurArea()` changes.
+    virtual void onAreasChanged(std::function<void()> callback) = 0;
+    /// Ends running animations at their end state: the surface was hidden.
+    virtual void finishAnimations() = 0;
+};
+
+/// A borderless, transparent, click-through surface over one screen, above everything else there,
+/// full-screen windows and panels included. It takes no focus and shows in no list of windows.
+/// Made hidden; hiding keeps it for the next showing. Main thread only.
+class OverlaySurface {
+public:
+    virtual ~OverlaySurface() = default;
+
+    /// Places the surface over a screen, its whole frame, and redraws at once if it is shown.
+    virtual void setScreen(const ScreenPtr& screen) = 0;
+    /// Shows the surface in front of everything without activating this application.
+    virtual void orderFront() = 0;
+    /// Hides the surface. The view's animations end.
+    virtual void orderOut() = 0;
+};
+
+} // namespace tilewright

@@ -1,0 +1,8 @@
+#include "Screens.h"
+
+namespace tilewright {
+
+Screen::~Screen() = default;
+Screens::~Screens() = default;
+
+} // namespace tilewright

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QObject>
+#include <QPoint>
+#include <QRect>
+#include <QString>
+#include <optional>
+
+class QIcon;
+
+namespace tilewright {
+
+/// The program's item in the menu bar or system tray. Shown from its making to its end wherever the
+/// desktop has such a place, now or later. Main thread only.
+class StatusItem : public QObject {
+    Q_OBJECT
+
+public:
+    using QObject::QObject;
+    ~StatusItem() override;
+
+    /// Shows a symbol at once. `icon` draws it crisply at every size, in one colour on transparent
+    /// ground; the item follows the bar's light or dark look where the desktop tells it.
+    virtual void setSymbol(const QString& symbolName, const QIcon& icon) = 0;
+    /// The text that names the item for accessibility and tool tips.
+    virtual void setAccessibleName(const QString& name) = 0;
+
+Q_SIGNALS:
+    /// The user clicked the item. `place` is where it is, in the toolkit's native pixels with the
+    /// origin at the top-left of the desktop; an empty rectangle where only a point is known, a
+    /// null one where the host tells nothing.
+    void activated(const QRect& place);
+};
+
+} // namespace tilewright

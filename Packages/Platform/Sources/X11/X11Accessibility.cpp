@@ -1,0 +1,50 @@
+#include "X11Accessibility.h"
+
+#include "X11WindowFacts.h"
+
+#include <cmath>
+
+namespace tilewright {
+
+X11Accessibility::X11Accessibility(X11Connection& connection, const X11Screens& screens,
+                                   X11Trust& trust, X11ActiveWindow& activeWindow,
+                                   X11FrameSetter& frameSetter)
+    : connection_(connection)
+    , screens_(screens)
+    , trust_(trust)
+    , context_(std::make_shared<X11ElementContext>(
+          X11ElementContext{connection, activeWindow, frameSetter})) {}
+
+AccessibilityElement X11Accessibility::systemWideElement() const {
+    return AccessibilityElement(std::make_shared<X11ApplicationElement>(context_, std::nullopt));
+}
+
+AccessibilityElement X11Accessibility::applicationElement(ProcessID process) const {
+    return AccessibilityElement(std::make_shared<X11ApplicationElement>(context_, process));
+}
+
+AXResult<AccessibilityElement> X11Accessibility::elementAtPosition(AXPoint point) const {
+    if (!std::isfinite(point.x) || !std::isfinite(point.y))
+        return {AXError::illegalArgument, {}};
+    if (!connection_.isAlive())
+        return {AXError::cannotComplete, {}};
+    const auto window = applicationWindowAt(connection_, screens_.coordinates().toPixel(point));
+    if (!window)
+        return {AXError::noValue, {}};
+    return {AXError::success,
+            AccessibilityElement(std::make_shared<X11WindowElement>(context_, *window))};
+}
+
+std::unique_ptr<AccessibilityValue> X11Accessibility::makeValue(AXPoint position) const {
+    if (!std::isfinite(position.x) || !std::isfinite(position.y))
+        return nullptr;
+    return std::make_unique<X11Value>(position);
+}
+
+std::unique_ptr<AccessibilityValue> X11Accessibility::makeValue(AXSize size) const {
+    if (!std::isfinite(size.width) || !std::isfinite(size.height))
+        return nullptr;
+    return std::make_unique<X11Value>(size);
+}
+
+} // namespace tilewright

@@ -1,0 +1,38 @@
+#include "X11Compositor.h"
+
+#include <xcb/xfixes.h>
+
+namespace tilewright {
+
+X11Compositor::X11Compositor(X11Connection& connection)
+    : connection_(connection)
+    , selection_(connection.intern(connection.screenName("_NET_WM_CM_S"))) {
+    if (connection_.xfixes().isPresent) {
+        listener_ = connection_.listen(
+            X11EventFilter::type(static_cast<std::uint8_t>(connection_.xfixes().firstEvent +
+                                                           XCB_XFIXES_SELECTION_NOTIFY)),
+            [this](const xcb_generic_event_t& event) {
+                const auto& notice = eventAs<xcb_xfixes_selection_notify_event_t>(event);
+                if (notice.selection == selection_)
+                    update(notice.owner != XCB_NONE);
+            });
+        xcb_xfixes_select_selection_input(
+            connection_.xcb(), connection_.root(), selection_,
+            XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
+                XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
+                XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
+    }
+    // After the selection of events: nothing is missed between the two.
+    const auto owner = connection_.reply<xcb_get_selection_owner_reply_t>(
+        xcb_get_selection_owner(connection_.xcb(), selection_));
+    isRunning_ = owner && owner->owner != XCB_NONE;
+}
+
+void X11Compositor::update(bool isRunning) {
+    if (isRunning == isRunning_)
+        return;
+    isRunning_ = isRunning;
+    Q_EMIT runningChanged();
+}
+
+} // namespace tilewright

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "X11Accessibility.h"
+#include "X11ActiveWindow.h"
+#include "X11Compositor.h"
+#include "X11FrameSetter.h"
+#include "X11Pointer.h"
+#include "X11Screens.h"
+#include "X11Trust.h"
+#include "X11WindowManagerWatch.h"
+#include "X11Workspace.h"
+
+namespace tilewright {
+
+/// The displays, the pointer and the windows of an X screen, put together. Main thread only; the
+/// arguments have to outlive it.
+class X11Desktop {
+public:
+    X11Desktop(X11Connection& connection, MainLoop& loop, UserNotifications& notifications,
+               bool isWaylandSession = X11Trust::isWaylandSession())
+        : selection_(connection)
+        , windowManager_(connection, selection_)
+        , activeWindow_(connection, selection_)
+        , compositor_(connection)
+        , screens_(connection, selection_, windowManager_, activeWindow_, loop)
+        , pointer_(connection, screens_)
+        , frameSetter_(connection, selection_, windowManager_, loop,
+                       [this] { return screens_.coordinates(); })
+        , trust_(connection, windowManager_, loop, notifications, isWaylandSession)
+        , accessibility_(connection, screens_, trust_, activeWindow_, frameSetter_)
+        , workspace_(connection, activeWindow_, compositor_, trust_, notifications) {}
+
+    [[nodiscard]] X11EventSelection& selection() { return selection_; }
+    [[nodiscard]] X11WindowManagerWatch& windowManager() { return windowManager_; }
+    [[nodiscard]] X11Compositor& compositor() { return compositor_; }
+    [[nodiscard]] X11Screens& screens() { return screens_; }
+    [[nodiscard]] X11Pointer& pointer() { return pointer_; }
+    [[nodiscard]] X11FrameSetter& frameSetter() { return frameSetter_; }
+    [[nodiscard]] X11Trust& trust() { return trust_; }
+    [[nodiscard]] X11Accessibility& accessibility() { return accessibility_; }
+    [[nodiscard]] X11Workspace& workspace() { return workspace_; }
+
+private:
+    X11EventSelection selection_;
+    X11WindowManagerWatch windowManager_;
+    X11ActiveWindow activeWindow_;
+    X11Compositor compositor_;
+    X11Screens screens_;
+    X11Pointer pointer_;
+    X11FrameSetter frameSetter_;
+    X11Trust trust_;
+    X11Accessibility accessibility_;
+    X11Workspace workspace_;
+};
+
+} // namespace tilewright

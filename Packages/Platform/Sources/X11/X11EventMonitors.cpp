@@ -1,0 +1,236 @@
+#include "X11EventMonitors.h"
+
+#include "XcbXkb.h"
+
+#include <xcb/xinput.h>
+
+namespace tilewright {
+namespace {
+
+constexpr std::uint32_t rawButtons =
+    XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_RELEASE;
+constexpr std::uint32_t rawMotion = XCB_INPUT_XI_EVENT_MASK_RAW_MOTION;
+
+/// How often the queue is read again because more arrived while the server was asked.
+constexpr int mostReadings = 8;
+/// How deep windows are nested at most between the root and one of an application.
+constexpr int mostWindowLevels = 8;
+
+ModifierFlags modifierFlags(unsigned int keyMask) {
+    quint32 bits = 0;
+    const auto carry = [&](unsigned int mask, ModifierFlag flag) {
+        if ((keyMask & mask) != 0)
+            bits |= static_cast<quint32>(flag);
+    };
+    carry(XCB_MOD_MASK_SHIFT, ModifierFlag::shift);
+    carry(XCB_MOD_MASK_CONTROL, ModifierFlag::control);
+    carry(XCB_MOD_MASK_1, ModifierFlag::option);
+    carry(XCB_MOD_MASK_4, ModifierFlag::command);
+    return ModifierFlags(bits);
+}
+
+} // namespace
+
+X11EventMonitors::X11EventMonitors(X11Connection& connection, Own own)
+    : connection_(connection)
+    , own_(std::move(own))
+    , state_(*this) {}
+
+X11EventMonitors::~X11EventMonitors() {
+    stopWatching();
+}
+
+bool X11EventMonitors::isSupported(const X11Connection& connection) {
+    // Clients of XInput 2.0 hear nothing during another client's grab.
+    return connection.xinput().isAtLeast(2, 1) && connection.xkb().isPresent;
+}
+
+std::optional<MonitorToken> X11EventMonitors::addGlobalMonitor(EventMask mask, Handler handler) {
+    return add(X11InputOwner::other, mask, std::move(handler));
+}
+
+std::optional<MonitorToken> X11EventMonitors::addLocalMonitor(EventMask mask, Handler handler) {
+    return add(X11InputOwner::own, mask, std::move(handler));
+}
+
+std::optional<MonitorToken> X11EventMonitors::add(X11InputOwner owner, EventMask mask,
+                                                  Handler handler) {
+    if (!isSupported(connection_) || !connection_.isAlive())
+        return std::nullopt;
+    const MonitorToken token{++lastToken_};
+    monitors_.emplace(token,
+                      std::make_shared<const Monitor>(Monitor{owner, mask, std::move(handler)}));
+    startWatching();
+    return token;
+}
+
+void X11EventMonitors::removeMonitor(MonitorToken token) {
+    monitors_.erase(token);
+    if (monitors_.empty())
+        stopWatching();
+}
+
+void X11EventMonitors::startWatching() {
+    if (isWatching_)
+        return;
+    isWatching_ = true;
+    const std::uint8_t xinput = connection_.xinput().majorOpcode;
+    for (const int number :
+         {XCB_INPUT_RAW_BUTTON_PRESS, XCB_INPUT_RAW_BUTTON_RELEASE, XCB_INPUT_RAW_MOTION}) {
+        const auto filter = X11EventFilter::generic(xinput, static_cast<std::uint16_t>(number));
+        listeners_.push_back(
+            connection_.listen(filter, [this](const auto& event) { handleRaw(event); }));
+    }
+    listeners_.push_back(connection_.listen(X11EventFilter::type(connection_.xkb().firstEvent),
+                                            [this](const auto& event) { handleKeyboard(event); }));
+    listeners_.push_back(connection_.listen(
+        X11EventFilter::type(XCB_MAPPING_NOTIFY), [this](const xcb_generic_event_t& event) {
+            if (eventAs<xcb_mapping_notify_event_t>(event).request == XCB_MAPPING_POINTER)
+                readButtonMapping();
+        }));
+    settling_ = QObject::connect(&connection_, &X11Connection::eventsDispatched, &connection_,
+                                 [this] { settle(); });
+    selectModifierEvents(true);
+    selectRawEvents(rawButtons);
+    readButtonMapping();
+    state_.start(serverState().value_or(X11InputServerState{}));
+    selectRawEvents(state_.isLeftButtonDown() ? rawButtons | rawMotion : rawButtons);
+}
+
+void X11EventMonitors::stopWatching() {
+    if (!isWatching_)
+        return;
+    isWatching_ = false;
+    hasNews_ = false;
+    QObject::disconnect(settling_);
+    listeners_.clear();
+    selectModifierEvents(false);
+    selectRawEvents(0);
+    connection_.flush();
+}
+
+void X11EventMonitors::selectRawEvents(std::uint32_t mask) {
+    if (mask == selectedRawEvents_)
+        return;
+    selectedRawEvents_ = mask;
+    struct {
+        xcb_input_event_mask_t head;
+        std::uint32_t mask;
+    } const selection{{XCB_INPUT_DEVICE_ALL_MASTER, 1}, mask};
+    xcb_input_xi_select_events(connection_.xcb(), connection_.root(), 1, &selection.head);
+}
+
+void X11EventMonitors::selectModifierEvents(bool isWanted) {
+    xcb_xkb_select_events_details_t details{};
+    details.affectState = XCB_XKB_STATE_PART_MODIFIER_STATE;
+    details.stateDetails = isWanted ? XCB_XKB_STATE_PART_MODIFIER_STATE : 0;
+    xcb_xkb_select_events_aux(connection_.xcb(), XCB_XKB_ID_USE_CORE_KBD,
+                              XCB_XKB_EVENT_TYPE_STATE_NOTIFY, 0, 0, 0, 0, &details);
+}
+
+void X11EventMonitors::handleRaw(const xcb_generic_event_t& event) {
+    const auto& raw = eventAs<xcb_input_raw_button_press_event_t>(event);
+    switch (raw.event_type) {
+    case XCB_INPUT_RAW_BUTTON_PRESS:
+        state_.pressed(raw.detail);
+        break;
+    case XCB_INPUT_RAW_BUTTON_RELEASE:
+        state_.released(raw.detail);
+        break;
+    default:
+        state_.moved();
+        break;
+    }
+    hasNews_ = true;
+}
+
+void X11EventMonitors::handleKeyboard(const xcb_generic_event_t& event) {
+    const auto& notice = eventAs<xcb_xkb_state_notify_event_t>(event);
+    if (notice.xkbType != XCB_XKB_STATE_NOTIFY)
+        return;
+    state_.modifiersChanged(modifierFlags(notice.mods));
+    hasNews_ = true;
+}
+
+void X11EventMonitors::settle() {
+    if (isSettling_ || !hasNews_)
+        return;
+    isSettling_ = true;
+    // The answer is newer than the events heard so far: what came before it is read first.
+    std::optional<X11InputServerState> server;
+    for (int reading = 0; hasNews_ && reading < mostReadings; ++reading) {
+        hasNews_ = false;
+        server = serverState();
+        connection_.dispatchEvents();
+    }
+    hasNews_ = false;
+    state_.settle(server);
+    isSettling_ = false;
+    selectRawEvents(state_.isLeftButtonDown() ? rawButtons | rawMotion : rawButtons);
+    deliver();
+}
+
+void X11EventMonitors::deliver() {
+    const auto reports = state_.takeReports();
+    if (reports.empty())
+        return;
+    // A copy: handlers add and remove monitors, and a new one hears nothing of what was before.
+    const auto monitors = monitors_;
+    for (const auto& report : reports) {
+        for (const auto& [token, monitor] : monitors) {
+            if (monitor->owner == report.owner && monitor->mask.contains(report.event.type) &&
+                monitors_.contains(token))
+                monitor->handler(report.event);
+        }
+    }
+}
+
+void X11EventMonitors::readButtonMapping() {
+    const auto mapping = connection_.reply<xcb_get_pointer_mapping_reply_t>(
+        xcb_get_pointer_mapping(connection_.xcb()));
+    if (!mapping)
+        return;
+    const std::uint8_t* map = xcb_get_pointer_mapping_map(mapping.get());
+    buttonMapping_.assign(map, map + xcb_get_pointer_mapping_map_length(mapping.get()));
+}
+
+std::optional<X11InputServerState> X11EventMonitors::serverState() {
+    const auto pointer = connection_.reply<xcb_query_pointer_reply_t>(
+        xcb_query_pointer(connection_.xcb(), connection_.root()));
+    if (!pointer)
+        return std::nullopt;
+    return X11InputServerState{(pointer->mask & XCB_BUTTON_MASK_1) != 0,
+                               modifierFlags(pointer->mask)};
+}
+
+bool X11EventMonitors::isOwn(xcb_window_t window) const {
+    return window != XCB_NONE && own_.ownsWindow && own_.ownsWindow(window);
+}
+
+quint32 X11EventMonitors::logicalButton(quint32 button) {
+    if (button == 0 || button > buttonMapping_.size())
+        return button;
+    return buttonMapping_[button - 1];
+}
+
+X11InputOwner X11EventMonitors::pointerOwner() {
+    if (own_.hasGrab && own_.hasGrab())
+        return X11InputOwner::own;
+    xcb_window_t window = connection_.root();
+    for (int level = 0; level < mostWindowLevels && window != XCB_NONE; ++level) {
+        if (isOwn(window))
+            return X11InputOwner::own;
+        const auto pointer = connection_.reply<xcb_query_pointer_reply_t>(
+            xcb_query_pointer(connection_.xcb(), window));
+        window = pointer ? pointer->child : static_cast<xcb_window_t>(XCB_NONE);
+    }
+    return X11InputOwner::other;
+}
+
+X11InputOwner X11EventMonitors::keyboardOwner() {
+    const auto focus =
+        connection_.reply<xcb_get_input_focus_reply_t>(xcb_get_input_focus(connection_.xcb()));
+    return focus && isOwn(focus->focus) ? X11InputOwner::own : X11InputOwner::other;
+}
+
+} // namespace tilewright

@@ -1,0 +1,80 @@
+#pragma once
+
+#include "X11Connection.h"
+#include "X11InputState.h"
+
+#include <Platform/EventMonitors.h>
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+
+namespace tilewright {
+
+/// Input of the whole X screen, by raw events of XInput 2 and state notices of XKB: both arrive
+/// while a window manager or another program holds a grab.
+///
+/// Without a monitor nothing is selected; motion only while the left button is held. Several moves
+/// that wait together are one dragged event. Monitors are refused where the server lacks what is
+/// needed.
+class X11EventMonitors final : public EventMonitors, private X11InputServer {
+public:
+    /// Which windows are this application's own.
+    struct Own {
+        /// Whether a window was made by this application.
+        std::function<bool(xcb_window_t)> ownsWindow;
+        /// Whether a popup of this application holds the pointer.
+        std::function<bool()> hasGrab;
+    };
+
+    /// The connection has to outlive the monitors.
+    X11EventMonitors(X11Connection& connection, Own own);
+    ~X11EventMonitors() override;
+
+    std::optional<MonitorToken> addGlobalMonitor(EventMask mask, Handler handler) override;
+    std::optional<MonitorToken> addLocalMonitor(EventMask mask, Handler handler) override;
+    void removeMonitor(MonitorToken token) override;
+
+    /// Whether the server tells of input in the way needed here.
+    [[nodiscard]] static bool isSupported(const X11Connection& connection);
+
+private:
+    struct Monitor {
+        X11InputOwner owner;
+        EventMask mask;
+        Handler handler;
+    };
+
+    std::optional<MonitorToken> add(X11InputOwner owner, EventMask mask, Handler handler);
+    void startWatching();
+    void stopWatching();
+    void selectRawEvents(std::uint32_t mask);
+    void selectModifierEvents(bool isWanted);
+    void handleRaw(const xcb_generic_event_t& event);
+    void handleKeyboard(const xcb_generic_event_t& event);
+    void settle();
+    void deliver();
+    void readButtonMapping();
+    [[nodiscard]] std::optional<X11InputServerState> serverState();
+    [[nodiscard]] bool isOwn(xcb_window_t window) const;
+
+    quint32 logicalButton(quint32 button) override;
+    X11InputOwner pointerOwner() override;
+    X11InputOwner keyboardOwner() override;
+
+    X11Connection& connection_;
+    Own own_;
+    X11InputState state_;
+    std::map<MonitorToken, std::shared_ptr<const Monitor>> monitors_;
+    std::vector<X11Listener> listeners_;
+    QMetaObject::Connection settling_;
+    std::vector<std::uint8_t> buttonMapping_;
+    std::uint32_t selectedRawEvents_ = 0;
+    quint64 lastToken_ = 0;
+    bool isWatching_ = false;
+    bool hasNews_ = false;
+    bool isSettling_ = false;
+};
+
+} // namespace tilewright

@@ -1,0 +1,87 @@
+#pragma once
+
+#include "X11WindowFacts.h"
+
+#include <optional>
+
+namespace tilewright {
+
+/// Brings one window into one frame: decides what to ask of the window manager, and when to ask
+/// again. Knows no server and no clock: it is told what the window looks like now and that time
+/// has passed, and answers what to do.
+///
+/// States that pin a window down (maximised, full-screen, shaded) are cleared first. Then the frame
+/// is asked for, and asked for again, twice at most, when the window is elsewhere after a while:
+/// the window manager's own tiling may have acted on the same release of the mouse button. A frame
+/// that the client's size limits explain counts as reached, and so does one in which two attempts
+/// have ended alike.
+class X11FramePlacement {
+public:
+    /// What is to be done now, in the order of the members.
+    struct Action {
+        /// Add the maximised states before they are removed: where a window is tiled without any
+        /// state that shows it, this is what frees it.
+        bool addsMaximized = false;
+        bool removesMaximized = false;
+        bool removesFullscreen = false;
+        bool removesShaded = false;
+        /// Ask for this outer corner and client size.
+        std::optional<QRect> request;
+        /// Call `timePassed` after the patience, unless another action comes first.
+        bool startsWaiting = false;
+        /// Nothing is left to do: forget the window.
+        bool isFinished = false;
+    };
+
+    /// How a window manager was found to read the corner that is asked for: off by this much for
+    /// windows with these decorations. Some take it for the client's corner, not the frame's.
+    struct Habit {
+        X11Extents decorations;
+        QPoint offset;
+    };
+
+    /// `goal` is the outer frame to reach, in pixels of the X screen. `habit` is what was found out
+    /// about the window manager before.
+    explicit X11FramePlacement(const QRect& goal, const Habit& habit = {})
+        : goal_(goal)
+        , habit_(habit) {}
+
+    /// The first thing to do for a window that looks like this.
+    [[nodiscard]] Action begin(const X11WindowFacts& facts);
+    /// Something about the window has changed; it looks like this now.
+    [[nodiscard]] Action windowChanged(const X11WindowFacts& facts);
+    /// The time that an action asked to wait for has passed; the window looks like this now.
+    [[nodiscard]] Action timePassed(const X11WindowFacts& facts);
+
+    [[nodiscard]] const QRect& goal() const { return goal_; }
+    /// What is known about the window manager by now.
+    [[nodiscard]] const Habit& habit() const { return habit_; }
+    /// Whether the window is where it belongs, as near as its own limits allow.
+    [[nodiscard]] bool isReached(const X11WindowFacts& facts) const;
+
+private:
+    enum class Phase { clearing, settling, finished };
+
+    [[nodiscard]] Action clear(const X11WindowFacts& facts);
+    [[nodiscard]] Action ask(const X11WindowFacts& facts);
+    [[nodiscard]] Action request(const X11WindowFacts& facts);
+    [[nodiscard]] Action finish();
+    [[nodiscard]] QSize agreedSize(const X11WindowFacts& facts) const;
+    [[nodiscard]] bool learnHabit(const X11WindowFacts& facts);
+    [[nodiscard]] bool mayAskAgain() const { return attempts_ < mostAttempts; }
+
+    static constexpr int mostAttempts = 3;
+    /// How often a request is put right because the extents have changed under it.
+    static constexpr int mostCorrections = 4;
+
+    QRect goal_;
+    Habit habit_;
+    Phase phase_ = Phase::clearing;
+    int attempts_ = 0;
+    int corrections_ = 0;
+    X11Extents askedWithDecorations_;
+    X11Extents askedWithShadow_;
+    std::optional<QRect> lastMiss_;
+};
+
+} // namespace tilewright

@@ -1,0 +1,88 @@
+#pragma once
+
+#include "X11Coordinates.h"
+#include "X11EventSelection.h"
+#include "X11FramePlacement.h"
+#include "X11Marker.h"
+#include "X11WindowManagerWatch.h"
+
+#include <Platform/Accessibility.h>
+#include <Platform/MainLoop.h>
+
+#include <QObject>
+#include <functional>
+#include <map>
+
+namespace tilewright {
+
+/// Sets windows' frames. The writes made to one window within one turn of the event loop become one
+/// frame; asking for it, verifying and asking again run on from the event loop and end by
+/// themselves. A newer frame of the same window, or its end, cancels what runs. Main thread only.
+class X11FrameSetter final : public QObject {
+    Q_OBJECT
+
+public:
+    /// `coordinates` answers how Accessibility space lies on the X screen now.
+    X11FrameSetter(X11Connection& connection, X11EventSelection& selection,
+                   X11WindowManagerWatch& windowManager, MainLoop& loop,
+                   std::function<X11Coordinates()> coordinates);
+    ~X11FrameSetter() override;
+
+    /// Notes the outer frame's top-left corner. Answers what one round trip can know: whether the
+    /// window exists, is managed, and somebody manages it.
+    AXError setPosition(xcb_window_t window, AXPoint position);
+    /// Notes the outer frame's size. Answers like `setPosition`.
+    AXError setSize(xcb_window_t window, AXSize size);
+
+    /// Whether a frame is being set, of any window.
+    [[nodiscard]] bool isBusy() const { return !pending_.empty() || !running_.empty(); }
+
+Q_SIGNALS:
+    /// Setting a window's frame is over, whatever came of it.
+    void finished(quint32 window);
+
+private:
+    struct Pending {
+        X11WindowFacts facts;
+        std::optional<AXPoint> position;
+        std::optional<AXSize> size;
+    };
+    struct Running {
+        X11FramePlacement placement;
+        X11EventSelection::Interest interest;
+        X11Listener listener;
+        ScopedTimer timer;
+        /// Tells when the window manager has come to what was asked.
+        std::unique_ptr<X11Marker> marker;
+        bool isDirty = false;
+    };
+
+    [[nodiscard]] Pending* pendingFor(xcb_window_t window, AXError& error);
+    void commit(xcb_window_t window);
+    void start(xcb_window_t window, const QRect& goal, const X11WindowFacts& facts);
+    void windowEvent(xcb_window_t window, const xcb_generic_event_t& event);
+    void lookAtChanged();
+    void timePassed(xcb_window_t window);
+    void perform(xcb_window_t window, const X11FramePlacement::Action& action);
+    void wait(xcb_window_t window, Running& running);
+    void markerReached(xcb_window_t window);
+    void windowManagerChanged();
+    void changeState(xcb_window_t window, bool adds, X11Atom first,
+                     std::optional<X11Atom> second = {});
+    void end(xcb_window_t window);
+
+    X11Connection& connection_;
+    X11EventSelection& selection_;
+    X11WindowManagerWatch& windowManager_;
+    MainLoop& loop_;
+    std::function<X11Coordinates()> coordinates_;
+    std::map<xcb_window_t, Pending> pending_;
+    std::map<xcb_window_t, Running> running_;
+    std::unique_ptr<X11Marker> trialMarker_;
+    bool answersMarkers_ = false;
+    X11FramePlacement::Habit habit_;
+    /// Outlived by no task in the loop.
+    std::shared_ptr<bool> life_ = std::make_shared<bool>(true);
+};
+
+} // namespace tilewright

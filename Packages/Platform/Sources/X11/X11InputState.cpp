@@ -1,0 +1,119 @@
+#include "X11InputState.h"
+
+#include <utility>
+
+namespace tilewright {
+namespace {
+
+constexpr quint32 leftLogicalButton = 1;
+constexpr quint32 rightLogicalButton = 3;
+
+} // namespace
+
+void X11InputState::start(const X11InputServerState& server) {
+    reports_.clear();
+    modifiers_ = server.modifiers;
+    isLeftDown_ = server.isLeftButtonDown;
+    leftButton_ = 0;
+    isConfirmed_ = true;
+    contradictions_ = 0;
+    hasMoved_ = false;
+    dragOwner_ = isLeftDown_ ? server_.pointerOwner() : X11InputOwner::other;
+}
+
+void X11InputState::pressed(quint32 button) {
+    switch (const quint32 logical = server_.logicalButton(button); logical) {
+    case leftLogicalButton:
+        pressedLeft(button);
+        break;
+    case 0:
+    case 4:
+    case 5:
+    case 6:
+    case 7:
+        break;
+    default:
+        flushMove();
+        report(logical == rightLogicalButton ? EventType::rightMouseDown
+                                             : EventType::otherMouseDown,
+               server_.pointerOwner());
+    }
+}
+
+void X11InputState::pressedLeft(quint32 button) {
+    // Two presses in a row: the release between them was never told.
+    if (isLeftDown_ && leftButton_ == button)
+        setLeftDown(false);
+    if (!isLeftDown_)
+        setLeftDown(true);
+    leftButton_ = button;
+    isConfirmed_ = false;
+    contradictions_ = 0;
+}
+
+void X11InputState::released(quint32 button) {
+    if (!isLeftDown_)
+        return;
+    const bool isLeft = leftButton_ != 0 ? leftButton_ == button
+                                         : server_.logicalButton(button) == leftLogicalButton;
+    if (!isLeft)
+        return;
+    setLeftDown(false);
+    isConfirmed_ = false;
+    contradictions_ = 0;
+}
+
+void X11InputState::moved() {
+    hasMoved_ = isLeftDown_;
+}
+
+void X11InputState::modifiersChanged(ModifierFlags modifiers) {
+    if (modifiers == modifiers_)
+        return;
+    flushMove();
+    modifiers_ = modifiers;
+    report(EventType::flagsChanged, server_.keyboardOwner());
+}
+
+void X11InputState::settle(const std::optional<X11InputServerState>& server) {
+    if (!server) {
+        flushMove();
+        return;
+    }
+    const bool agrees = server->isLeftButtonDown == isLeftDown_;
+    const bool overrules = !agrees && (isConfirmed_ || contradictions_ >= patience);
+    // A press that the server does not count yet is no drag yet.
+    if (!agrees && !isConfirmed_)
+        hasMoved_ = false;
+    // First the keys: were both lost, the key no longer counts for the release.
+    modifiersChanged(server->modifiers);
+    if (overrules)
+        setLeftDown(server->isLeftButtonDown);
+    isConfirmed_ = agrees || overrules;
+    contradictions_ = isConfirmed_ ? 0 : contradictions_ + 1;
+    flushMove();
+}
+
+std::vector<X11InputState::Report> X11InputState::takeReports() {
+    return std::exchange(reports_, {});
+}
+
+void X11InputState::setLeftDown(bool isDown) {
+    flushMove();
+    isLeftDown_ = isDown;
+    leftButton_ = 0;
+    if (isDown)
+        dragOwner_ = server_.pointerOwner();
+    report(isDown ? EventType::leftMouseDown : EventType::leftMouseUp, dragOwner_);
+}
+
+void X11InputState::report(EventType type, X11InputOwner owner) {
+    reports_.push_back({{type, modifiers_}, owner});
+}
+
+void X11InputState::flushMove() {
+    if (std::exchange(hasMoved_, false) && isLeftDown_)
+        report(EventType::leftMouseDragged, dragOwner_);
+}
+
+} // namespace tilewright

@@ -1,0 +1,95 @@
+#pragma once
+
+#include <Platform/EventMonitors.h>
+
+#include <optional>
+#include <vector>
+
+namespace tilewright {
+
+/// Whose input it is: that of another application, or of this one.
+enum class X11InputOwner { other, own };
+
+/// Keys and buttons as the X server has them at one moment.
+struct X11InputServerState {
+    /// The logical left button: the pointer's button mapping is already applied.
+    bool isLeftButtonDown = false;
+    ModifierFlags modifiers;
+
+    friend bool operator==(const X11InputServerState&, const X11InputServerState&) = default;
+};
+
+/// What `X11InputState` asks of the X server; each answer is a bounded round trip at most.
+class X11InputServer {
+public:
+    virtual ~X11InputServer() = default;
+
+    /// What a physical button acts as: 1 is the left one, 2 the middle one, 3 the right one, 4 to 7
+    /// are wheels, 0 does nothing.
+    [[nodiscard]] virtual quint32 logicalButton(quint32 button) = 0;
+    /// Whose window the pointer is in, or who has grabbed the pointer.
+    [[nodiscard]] virtual X11InputOwner pointerOwner() = 0;
+    /// Whose window has the keyboard.
+    [[nodiscard]] virtual X11InputOwner keyboardOwner() = 0;
+};
+
+/// Turns raw input into the events that monitors see. Knows no window system but through
+/// `X11InputServer`, and reads no clock.
+///
+/// Feed it every raw event of one reading of the queue, then `settle` it with the server's own
+/// state, so that an event that never arrived (another program's grab, a locked screen, a switched
+/// terminal) leaves nothing stuck. A raw event may also come before the server counts it, while a
+/// window manager holds the pointer frozen: what was just heard is believed until the server has
+/// agreed with it once.
+class X11InputState {
+public:
+    struct Report {
+        Event event;
+        X11InputOwner owner = X11InputOwner::other;
+    };
+
+    explicit X11InputState(X11InputServer& server)
+        : server_(server) {}
+
+    /// Takes the server's state as it is; reports nothing.
+    void start(const X11InputServerState& server);
+
+    /// A physical button was pressed.
+    void pressed(quint32 button);
+    void released(quint32 button);
+    void moved();
+    void modifiersChanged(ModifierFlags modifiers);
+    /// The raw events at hand are all told: reports the moves as one, and compares with the state
+    /// that the server had after all of them; none when it did not answer.
+    void settle(const std::optional<X11InputServerState>& server);
+
+    /// The reports since the last call, in order.
+    [[nodiscard]] std::vector<Report> takeReports();
+    /// Whether the left button is held, as far as is known: moves matter only then.
+    [[nodiscard]] bool isLeftButtonDown() const { return isLeftDown_; }
+    [[nodiscard]] ModifierFlags modifiers() const { return modifiers_; }
+
+private:
+    void pressedLeft(quint32 button);
+    void setLeftDown(bool isDown);
+    void report(EventType type, X11InputOwner owner);
+    void flushMove();
+
+    /// How often in a row the server may contradict an unconfirmed press or release before it is
+    /// believed. A freeze ends within a few milliseconds, during which few queues are read.
+    static constexpr int patience = 200;
+
+    X11InputServer& server_;
+    std::vector<Report> reports_;
+    ModifierFlags modifiers_;
+    bool isLeftDown_ = false;
+    /// The physical button that holds the left one down; 0 when that is not known.
+    quint32 leftButton_ = 0;
+    /// The server has agreed with `isLeftDown_` since it last changed.
+    bool isConfirmed_ = true;
+    int contradictions_ = 0;
+    bool hasMoved_ = false;
+    X11InputOwner dragOwner_ = X11InputOwner::other;
+};
+
+} // namespace tilewright

@@ -1,0 +1,235 @@
+#include "X11OverlaySurface.h"
+
+#include "X11Toolkit.h"
+
+#include <QBackingStore>
+#include <QGuiApplication>
+#include <QResizeEvent>
+#include <QScreen>
+#include <QWidget>
+#include <QWindow>
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <vector>
+
+namespace tilewright {
+namespace {
+
+/// A toolkit screen's place on the X screen: its corner is never scaled, its size is.
+QRect nativeGeometry(const QScreen& screen) {
+    const QSizeF size = QSizeF(screen.size()) * screen.devicePixelRatio();
+    return {screen.geometry().topLeft(), size.toSize()};
+}
+
+/// The toolkit's screen on which a part of the X screen lies.
+QScreen* toolkitScreenAt(const QRect& native) {
+    QScreen* best = QGuiApplication::primaryScreen();
+    qint64 most = 0;
+    const auto screens = QGuiApplication::screens();
+    for (QScreen* screen : screens) {
+        const QRect shared = nativeGeometry(*screen) & native;
+        const qint64 area = qint64{shared.width()} * shared.height();
+        if (area > most) {
+            most = area;
+            best = screen;
+        }
+    }
+    return best;
+}
+
+std::uint32_t unsignedOf(int value) {
+    return static_cast<std::uint32_t>(value);
+}
+
+} // namespace
+
+/// The toplevel window. It draws nothing itself; the view's widget fills it.
+class X11OverlaySurface::Container final : public QWidget {
+public:
+    explicit Container(QWidget& content)
+        : QWidget(nullptr, Qt::Window | Qt::FramelessWindowHint | Qt::WindowTransparentForInput |
+                               Qt::WindowDoesNotAcceptFocus | Qt::BypassWindowManagerHint |
+                               Qt::WindowStaysOnTopHint | Qt::NoDropShadowWindowHint)
+        , content_(content) {
+        setAttribute(Qt::WA_TranslucentBackground);
+        setAttribute(Qt::WA_ShowWithoutActivating);
+        setAttribute(Qt::WA_TransparentForMouseEvents);
+        setAttribute(Qt::WA_QuitOnClose, false);
+        setFocusPolicy(Qt::NoFocus);
+        content_.setParent(this);
+        content_.show();
+    }
+    ~Container() override {
+        // The view owns its widget.
+        content_.hide();
+        content_.setParent(nullptr);
+    }
+
+protected:
+    void resizeEvent(QResizeEvent*) override { content_.setGeometry(rect()); }
+
+private:
+    QWidget& content_;
+};
+
+X11OverlaySurface::X11OverlaySurface(X11Connection& connection, X11Compositor& compositor,
+                                     NativeFrame nativeFrame, std::shared_ptr<OverlayView> view)
+    : connection_(connection)
+    , nativeFrame_(std::move(nativeFrame))
+    , view_(std::move(view))
+    , container_(std::make_unique<Container>(view_->widget())) {
+    container_->winId();
+    if (xcb_connection_t* toolkit = x11toolkit::connection()) {
+        // Transparent from the moment it is mapped until the first painting arrives.
+        const std::uint32_t transparent = 0;
+        xcb_change_window_attributes(toolkit, window(), XCB_CW_BACK_PIXEL, &transparent);
+        // A fullscreen window beneath must not switch the blending off.
+        const std::uint32_t never = 2;
+        xcb_change_property(toolkit, XCB_PROP_MODE_REPLACE, window(),
+                            connection_.atom(X11Atom::netWmBypassCompositor), XCB_ATOM_CARDINAL, 32,
+                            1, &never);
+    }
+    following_ = QObject::connect(&compositor, &X11Compositor::runningChanged, container_.get(),
+                                  [this, &compositor] { follow(compositor); });
+    view_->onAreasChanged([this, alive = std::weak_ptr(isAlive_)] {
+        if (!alive.expired() && container_->isVisible())
+            applyAreas();
+    });
+    rendering_ = compositor.isRunning() ? OverlayRendering::translucent : OverlayRendering::shaped;
+    view_->setRendering(rendering_);
+    readBlurOffer();
+}
+
+X11OverlaySurface::~X11OverlaySurface() {
+    QObject::disconnect(following_);
+}
+
+void X11OverlaySurface::setScreen(const ScreenPtr& screen) {
+    if (!screen)
+        return;
+    place(nativeFrame_(*screen));
+    if (container_->isVisible()) {
+        applyAreas();
+        container_->repaint();
+    }
+}
+
+void X11OverlaySurface::place(const QRect& native) {
+    placedAt_ = native;
+    QScreen* screen = toolkitScreenAt(native);
+    if (!screen)
+        return;
+    const double scale = screen->devicePixelRatio();
+    const QPoint corner = screen->geometry().topLeft();
+    const QPointF offset = QPointF(native.topLeft() - corner) / scale;
+    const QSizeF size = QSizeF(native.size()) / scale;
+    container_->setScreen(screen);
+    container_->setGeometry(QRect(corner + offset.toPoint(), size.toSize()));
+    // The toolkit's own lengths are whole points: the window's are the monitor's very pixels.
+    if (xcb_connection_t* toolkit = x11toolkit::connection()) {
+        const std::array<std::uint32_t, 4> geometry{unsignedOf(native.x()), unsignedOf(native.y()),
+                                                    unsignedOf(native.width()),
+                                                    unsignedOf(native.height())};
+        xcb_configure_window(toolkit, window(),
+                             XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH |
+                                 XCB_CONFIG_WINDOW_HEIGHT,
+                             geometry.data());
+    }
+}
+
+void X11OverlaySurface::orderFront() {
+    applyAreas();
+    container_->show();
+    // Showing sets the toolkit's own, rounded geometry once more.
+    if (placedAt_.isValid())
+        place(placedAt_);
+    container_->raise();
+}
+
+void X11OverlaySurface::orderOut() {
+    if (container_->isVisible()) {
+        container_->hide();
+        releasePixels();
+        readBlurOffer();
+    }
+    view_->finishAnimations();
+}
+
+void X11OverlaySurface::follow(const X11Compositor& compositor) {
+    rendering_ = compositor.isRunning() ? OverlayRendering::translucent : OverlayRendering::shaped;
+    view_->setRendering(rendering_);
+    readBlurOffer();
+    if (container_->isVisible()) {
+        applyAreas();
+        container_->update();
+    }
+}
+
+void X11OverlaySurface::applyAreas() {
+    if (rendering_ == OverlayRendering::translucent) {
+        container_->clearMask();
+        setBlur(view_->blurArea());
+        return;
+    }
+    setBlur({});
+    // An empty mask would be none at all: nothing opaque is a region outside the window.
+    const QRegion outline = view_->outline();
+    container_->setMask(outline.isEmpty() ? QRegion(-1, -1, 1, 1) : outline);
+}
+
+void X11OverlaySurface::setBlur(const QRegion& region) {
+    xcb_connection_t* toolkit = x11toolkit::connection();
+    if (!toolkit)
+        return;
+    const xcb_atom_t property = connection_.atom(X11Atom::kdeNetWmBlurBehindRegion);
+    if (!isBlurOffered_ || region.isEmpty()) {
+        if (hasBlur_)
+            xcb_delete_property(toolkit, window(), property);
+        hasBlur_ = false;
+        return;
+    }
+    const double scale = container_->devicePixelRatio();
+    std::vector<std::uint32_t> rectangles;
+    rectangles.reserve(static_cast<std::size_t>(region.rectCount()) * 4);
+    for (const QRect& rectangle : region) {
+        const int left = static_cast<int>(std::lround(rectangle.x() * scale));
+        const int top = static_cast<int>(std::lround(rectangle.y() * scale));
+        const int right =
+            static_cast<int>(std::lround((rectangle.x() + rectangle.width()) * scale));
+        const int bottom =
+            static_cast<int>(std::lround((rectangle.y() + rectangle.height()) * scale));
+        for (const int value : {left, top, right - left, bottom - top})
+            rectangles.push_back(unsignedOf(std::max(value, 0)));
+    }
+    xcb_change_property(toolkit, XCB_PROP_MODE_REPLACE, window(), property, XCB_ATOM_CARDINAL, 32,
+                        static_cast<std::uint32_t>(rectangles.size()), rectangles.data());
+    hasBlur_ = true;
+}
+
+void X11OverlaySurface::readBlurOffer() {
+    isBlurOffered_ = false;
+    if (rendering_ != OverlayRendering::translucent)
+        return;
+    // A compositor that can blur names the property on the root window.
+    const auto properties = connection_.reply<xcb_list_properties_reply_t>(
+        xcb_list_properties(connection_.xcb(), connection_.root()));
+    if (!properties)
+        return;
+    const xcb_atom_t* atoms = xcb_list_properties_atoms(properties.get());
+    const auto* end = atoms + xcb_list_properties_atoms_length(properties.get());
+    isBlurOffered_ =
+        std::find(atoms, end, connection_.atom(X11Atom::kdeNetWmBlurBehindRegion)) != end;
+}
+
+void X11OverlaySurface::releasePixels() {
+    // The next showing paints everything anew, so the toolkit makes the buffer the right size then.
+    if (QBackingStore* pixels = container_->backingStore())
+        pixels->resize(QSize(1, 1));
+}
+
+xcb_window_t X11OverlaySurface::window() const {
+    return static_cast<xcb_window_t>(container_->internalWinId());
+}
+
+} // namespace tilewright

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "X11Compositor.h"
+
+#include <Platform/OverlaySurface.h>
+
+#include <QRect>
+#include <memory>
+
+class QScreen;
+
+namespace tilewright {
+
+/// An override-redirect window with per-pixel transparency and an empty input shape: it stays above
+/// fullscreen windows, takes no focus, and lets clicks and a window manager's drag through. Where
+/// nothing blends windows it is cut to the view's outline instead.
+///
+/// The window is made at once and kept; its pixels are kept only while it is shown.
+class X11OverlaySurface final : public OverlaySurface {
+public:
+    /// Where a screen is on the X screen, in its pixels.
+    using NativeFrame = std::function<QRect(const Screen&)>;
+
+    /// The connection and the compositor have to outlive the surface.
+    X11OverlaySurface(X11Connection& connection, X11Compositor& compositor, NativeFrame nativeFrame,
+                      std::shared_ptr<OverlayView> view);
+    ~X11OverlaySurface() override;
+
+    void setScreen(const ScreenPtr& screen) override;
+    void orderFront() override;
+    void orderOut() override;
+
+private:
+    class Container;
+
+    void place(const QRect& native);
+    void follow(const X11Compositor& compositor);
+    void applyAreas();
+    void setBlur(const QRegion& region);
+    void readBlurOffer();
+    void releasePixels();
+    [[nodiscard]] xcb_window_t window() const;
+
+    X11Connection& connection_;
+    NativeFrame nativeFrame_;
+    std::shared_ptr<OverlayView> view_;
+    std::unique_ptr<Container> container_;
+    QMetaObject::Connection following_;
+    OverlayRendering rendering_ = OverlayRendering::translucent;
+    QRect placedAt_;
+    bool isBlurOffered_ = false;
+    bool hasBlur_ = false;
+    std::shared_ptr<bool> isAlive_ = std::make_shared<bool>(true);
+};
+
+} // namespace tilewright

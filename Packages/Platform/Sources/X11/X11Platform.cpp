@@ -1,0 +1,117 @@
+#include "X11Platform.h"
+
+#include "X11Desktop.h"
+#include "X11EventMonitors.h"
+#include "X11OverlaySurface.h"
+#include "X11ScreenSaver.h"
+#include "X11Toolkit.h"
+
+#include <FreeDesktop/FreeDesktopApplicationSupport.h>
+#include <FreeDesktop/FreeDesktopInstanceActivation.h>
+#include <FreeDesktop/FreeDesktopStatusItem.h>
+#include <FreeDesktop/FreeDesktopUserDefaults.h>
+#include <FreeDesktop/FreeDesktopUserNotifications.h>
+#include <FreeDesktop/InhibitingPowerAssertions.h>
+#include <Platform/QtMainLoop.h>
+
+#include <QGuiApplication>
+#include <optional>
+
+namespace tilewright {
+namespace {
+
+/// Where a screen of this platform is; one of another kind would be a mistake of the program.
+QRect nativeFrameOf(const Screen& screen) {
+    const auto* own = dynamic_cast<const X11Screen*>(&screen);
+    return own ? own->nativeFrame() : QRect();
+}
+
+} // namespace
+
+/// In the order in which they need each other.
+struct X11Platform::Parts {
+    explicit Parts(std::unique_ptr<X11Connection> opened)
+        : connection(std::move(opened)) {}
+
+    std::unique_ptr<X11Connection> connection;
+    QtMainLoop mainLoop;
+    FreeDesktopUserDefaults userDefaults;
+    FreeDesktopApplicationSupport applicationSupport;
+    FreeDesktopUserNotifications userNotifications;
+    FreeDesktopInstanceActivation instanceActivation{qEnvironmentVariable("DISPLAY")};
+    X11ScreenSaver screenSaver{*connection};
+    InhibitingPowerAssertions powerAssertions{mainLoop, &screenSaver};
+    X11Desktop desktop{*connection, mainLoop, userNotifications};
+    X11EventMonitors eventMonitors{*connection, {x11toolkit::ownsWindow, x11toolkit::hasGrab}};
+    std::optional<FreeDesktopStatusItem> statusItem;
+};
+
+std::unique_ptr<X11Platform> X11Platform::open() {
+    auto connection = X11Connection::open();
+    if (!connection)
+        return nullptr;
+    return std::unique_ptr<X11Platform>(
+        new X11Platform(std::make_unique<Parts>(std::move(connection))));
+}
+
+X11Platform::X11Platform(std::unique_ptr<Parts> parts)
+    : parts_(std::move(parts)) {}
+
+X11Platform::~X11Platform() = default;
+
+Screens& X11Platform::screens() {
+    return parts_->desktop.screens();
+}
+
+Pointer& X11Platform::pointer() {
+    return parts_->desktop.pointer();
+}
+
+EventMonitors& X11Platform::eventMonitors() {
+    return parts_->eventMonitors;
+}
+
+Accessibility& X11Platform::accessibility() {
+    return parts_->desktop.accessibility();
+}
+
+Workspace& X11Platform::workspace() {
+    return parts_->desktop.workspace();
+}
+
+PowerAssertions& X11Platform::powerAssertions() {
+    return parts_->powerAssertions;
+}
+
+UserDefaults& X11Platform::userDefaults() {
+    return parts_->userDefaults;
+}
+
+MainLoop& X11Platform::mainLoop() {
+    return parts_->mainLoop;
+}
+
+ApplicationSupport& X11Platform::applicationSupport() {
+    return parts_->applicationSupport;
+}
+
+UserNotifications& X11Platform::userNotifications() {
+    return parts_->userNotifications;
+}
+
+InstanceActivation& X11Platform::instanceActivation() {
+    return parts_->instanceActivation;
+}
+
+StatusItem& X11Platform::statusItem() {
+    if (!parts_->statusItem)
+        parts_->statusItem.emplace();
+    return *parts_->statusItem;
+}
+
+std::unique_ptr<OverlaySurface> X11Platform::makeOverlaySurface(std::shared_ptr<OverlayView> view) {
+    return std::make_unique<X11OverlaySurface>(*parts_->connection, parts_->desktop.compositor(),
+                                               nativeFrameOf, std::move(view));
+}
+
+} // namespace tilewright

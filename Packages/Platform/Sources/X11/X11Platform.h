@@ -1,0 +1,38 @@
+#pragma once
+
+#include <Platform/Platform.h>
+
+#include <memory>
+
+namespace tilewright {
+
+/// The desktop of an X11 session: windows, input and displays from the X server, everything else
+/// from what Linux desktops share. Needs the toolkit's application object, running on X11, and has
+/// to end before it.
+class X11Platform final : public Platform {
+public:
+    /// Null when there is no X server to speak to.
+    [[nodiscard]] static std::unique_ptr<X11Platform> open();
+    ~X11Platform() override;
+
+    Screens& screens() override;
+    Pointer& pointer() override;
+    EventMonitors& eventMonitors() override;
+    Accessibility& accessibility() override;
+    Workspace& workspace() override;
+    PowerAssertions& powerAssertions() override;
+    UserDefaults& userDefaults() override;
+    MainLoop& mainLoop() override;
+    ApplicationSupport& applicationSupport() override;
+    UserNotifications& userNotifications() override;
+    InstanceActivation& instanceActivation() override;
+    StatusItem& statusItem() override;
+    std::unique_ptr<OverlaySurface> makeOverlaySurface(std::shared_ptr<OverlayView> view) override;
+
+private:
+    struct Parts;
+    explicit X11Platform(std::unique_ptr<Parts> parts);
+    std::unique_ptr<Parts> parts_;
+};
+
+} // namespace tilewright

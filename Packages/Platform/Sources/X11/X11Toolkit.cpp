@@ -1,0 +1,28 @@
+#include "X11Toolkit.h"
+
+#include <QApplication>
+#include <QWidget>
+
+namespace tilewright::x11toolkit {
+
+xcb_connection_t* connection() {
+    auto* application = qGuiApp;
+    if (!application)
+        return nullptr;
+    auto* x11 = application->nativeInterface<QNativeInterface::QX11Application>();
+    return x11 ? x11->connection() : nullptr;
+}
+
+bool ownsWindow(xcb_window_t window) {
+    xcb_connection_t* toolkit = connection();
+    if (!toolkit || window == XCB_NONE)
+        return false;
+    const xcb_setup_t* setup = xcb_get_setup(toolkit);
+    return (window & ~setup->resource_id_mask) == setup->resource_id_base;
+}
+
+bool hasGrab() {
+    return qApp && (QApplication::activePopupWidget() || QWidget::mouseGrabber());
+}
+
+} // namespace tilewright::x11toolkit

@@ -1,0 +1,87 @@
+#include "X11Trust.h"
+
+namespace tilewright {
+namespace {
+/// How long a window manager may take to appear at login.
+constexpr std::chrono::seconds loginPatience{10};
+} // namespace
+
+bool X11Trust::isWaylandSession() {
+    return qEnvironmentVariable("XDG_SESSION_TYPE") == QStringLiteral("wayland") ||
+           !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+}
+
+X11Trust::X11Trust(X11Connection& connection, X11WindowManagerWatch& windowManager, MainLoop& loop,
+                   UserNotifications& notifications, bool isWaylandSession)
+    : connection_(connection)
+    , windowManager_(windowManager)
+    , loop_(loop)
+    , notifications_(notifications)
+    , isWaylandSession_(isWaylandSession) {
+    connect(&windowManager_, &X11WindowManagerWatch::changed, this,
+            &X11Trust::windowManagerChanged);
+}
+
+X11Trust::Lack X11Trust::lack() const {
+    if (isWaylandSession_)
+        return Lack::x11Session;
+    if (!connection_.isAlive())
+        return Lack::connection;
+    if (!connection_.xinput().isAtLeast(2, 2) || !connection_.xkb().isPresent)
+        return Lack::inputEvents;
+    if (!windowManager_.isRunning())
+        return Lack::windowManager;
+    if (!windowManager_.supports(X11Atom::netMoveresizeWindow) ||
+        !windowManager_.supports(X11Atom::netActiveWindow))
+        return Lack::windowManagerSupport;
+    return Lack::nothing;
+}
+
+QString X11Trust::explanation(Lack lack) {
+    switch (lack) {
+    case Lack::nothing:
+        return {};
+    case Lack::x11Session:
+        return tr("Windows can be moved in an X11 session only. Choose one when you log in.");
+    case Lack::connection:
+        return tr("The X server does not answer.");
+    case Lack::inputEvents:
+        return tr("The X server does not offer input events of version 2.2 or later.");
+    case Lack::windowManager:
+        return tr("No window manager is running that follows the extended window manager hints.");
+    case Lack::windowManagerSupport:
+        return tr("The running window manager does not let other programs move windows.");
+    }
+    return {};
+}
+
+bool X11Trust::request() {
+    const Lack missing = lack();
+    if (missing == Lack::nothing)
+        return true;
+    if (missing != Lack::windowManager || hasWaited_)
+        tell();
+    else if (!wait_.isActive())
+        wait_ = ScopedTimer(loop_.scheduleOnce(loginPatience, [this] {
+            hasWaited_ = true;
+            if (!isTrusted())
+                tell();
+        }));
+    return false;
+}
+
+void X11Trust::windowManagerChanged() {
+    if (!wait_.isActive() || !windowManager_.isRunning())
+        return;
+    // It may still be telling what it supports: what is missing then is judged at the deadline.
+    if (isTrusted())
+        wait_.reset();
+}
+
+void X11Trust::tell() {
+    if (std::exchange(hasTold_, true))
+        return;
+    notifications_.show(tr("Tilewright cannot move windows"), explanation(lack()));
+}
+
+} // namespace tilewright

@@ -1,0 +1,254 @@
+#include "X11WindowFacts.h"
+
+#include "X11Properties.h"
+
+#include <algorithm>
+#include <array>
+
+namespace tilewright {
+namespace {
+
+constexpr std::uint32_t withdrawnState = 0;
+constexpr std::uint32_t iconicState = 3;
+/// How deep a window manager may bury a client, and how many windows are looked at on each level.
+constexpr int deepestClient = 4;
+constexpr std::size_t widestLevel = 64;
+
+X11Extents extentsFrom(const std::vector<std::uint32_t>& items) {
+    const auto at = [&](std::size_t i) {
+        return static_cast<int>(std::min<std::uint32_t>(items[i], 32767));
+    };
+    return items.size() < 4 ? X11Extents{} : X11Extents{at(0), at(1), at(2), at(3)};
+}
+
+X11SizeLimits limitsFrom(const std::vector<std::uint32_t>& hints) {
+    constexpr std::uint32_t hasMinimum = 1U << 4U;
+    constexpr std::uint32_t hasMaximum = 1U << 5U;
+    constexpr std::uint32_t hasIncrement = 1U << 6U;
+    constexpr std::uint32_t hasBase = 1U << 8U;
+    X11SizeLimits limits;
+    const std::uint32_t flags = hints.empty() ? 0 : hints[0];
+    const auto size = [&](std::size_t at) {
+        const auto bounded = [](std::uint32_t value) {
+            return static_cast<int>(std::min<std::uint32_t>(value, 32767));
+        };
+        return QSize(bounded(hints[at]), bounded(hints[at + 1]));
+    };
+    if (hints.size() < 11)
+        return limits;
+    if ((flags & hasMinimum) != 0)
+        limits.minimum = size(5).expandedTo(QSize(1, 1));
+    if ((flags & hasMaximum) != 0)
+        limits.maximum = size(7).expandedTo(limits.minimum);
+    if ((flags & hasIncrement) != 0)
+        limits.increment = size(9).expandedTo(QSize(1, 1));
+    if ((flags & hasBase) != 0 && hints.size() >= 17)
+        limits.base = size(15);
+    else if ((flags & hasMinimum) != 0)
+        limits.base = limits.minimum;
+    if ((flags & hasMinimum) == 0 && (flags & hasBase) != 0)
+        limits.minimum = limits.base.expandedTo(QSize(1, 1));
+    return limits;
+}
+
+bool contains(const std::vector<std::uint32_t>& items, xcb_atom_t atom) {
+    return std::find(items.begin(), items.end(), atom) != items.end();
+}
+
+/// What the first type that this program knows makes of a window.
+void applyType(const X11Connection& connection, const std::vector<std::uint32_t>& types,
+               X11WindowFacts& facts) {
+    using enum X11Atom;
+    facts.isApplicationWindow = true;
+    for (const std::uint32_t type : types) {
+        const auto isOneOf = [&](std::initializer_list<X11Atom> atoms) {
+            return std::any_of(atoms.begin(), atoms.end(),
+                               [&](X11Atom atom) { return connection.atom(atom) == type; });
+        };
+        if (isOneOf({netWmWindowTypeNormal, netWmWindowTypeUtility, netWmWindowTypeToolbar}))
+            return;
+        if (isOneOf({netWmWindowTypeDialog})) {
+            facts.isDialog = true;
+            return;
+        }
+        if (isOneOf({netWmWindowTypeDesktop, netWmWindowTypeDock, netWmWindowTypeSplash,
+                     netWmWindowTypeNotification, netWmWindowTypeMenu, netWmWindowTypeDropdownMenu,
+                     netWmWindowTypePopupMenu, netWmWindowTypeTooltip, netWmWindowTypeCombo,
+                     netWmWindowTypeDnd})) {
+            facts.isApplicationWindow = false;
+            return;
+        }
+    }
+}
+
+void applyState(const X11Connection& connection, const std::vector<std::uint32_t>& states,
+                X11WindowFacts& facts) {
+    const auto has = [&](X11Atom atom) { return contains(states, connection.atom(atom)); };
+    facts.isMaximized =
+        has(X11Atom::netWmStateMaximizedHorz) || has(X11Atom::netWmStateMaximizedVert);
+    facts.isFullscreen = has(X11Atom::netWmStateFullscreen);
+    facts.isShaded = has(X11Atom::netWmStateShaded);
+    facts.skipsTaskbar = has(X11Atom::netWmStateSkipTaskbar);
+    facts.isMinimized = facts.isMinimized || has(X11Atom::netWmStateHidden);
+}
+
+/// What the frame in the window tree adds to the client, for window managers that do not tell.
+X11Extents extentsFromTree(X11Connection& connection, xcb_window_t window, const QRect& client) {
+    xcb_window_t top = window;
+    for (int depth = 0; depth < deepestClient; ++depth) {
+        const auto tree =
+            connection.reply<xcb_query_tree_reply_t>(xcb_query_tree(connection.xcb(), top));
+        if (!tree)
+            return {};
+        if (tree->parent == tree->root || tree->parent == XCB_NONE)
+            break;
+        top = tree->parent;
+    }
+    if (top == window)
+        return {};
+    const auto geometry =
+        connection.reply<xcb_get_geometry_reply_t>(xcb_get_geometry(connection.xcb(), top));
+    if (!geometry)
+        return {};
+    const int border = geometry->border_width;
+    const QRect frame(geometry->x, geometry->y, geometry->width + 2 * border,
+                      geometry->height + 2 * border);
+    return {client.x() - frame.x(), frame.right() - client.right(), client.y() - frame.y(),
+            frame.bottom() - client.bottom()};
+}
+
+bool isManagedState(const std::vector<std::uint32_t>& state) {
+    return !state.empty() && state[0] != withdrawnState;
+}
+
+/// A level of the window tree: what each window bears, and its children.
+struct TreeNode {
+    xcb_window_t window;
+    xcb_get_property_cookie_t state;
+    xcb_get_property_cookie_t type;
+    xcb_query_tree_cookie_t tree;
+};
+
+} // namespace
+
+QSize X11SizeLimits::constrained(QSize wish) const {
+    const auto dimension = [](int value, int least, int most, int start, int step) {
+        const int within = std::clamp(value, least, most);
+        return within <= start ? within : start + (within - start) / step * step;
+    };
+    return {
+        dimension(wish.width(), minimum.width(), maximum.width(), base.width(), increment.width()),
+        dimension(wish.height(), minimum.height(), maximum.height(), base.height(),
+                  increment.height())};
+}
+
+QRect X11WindowFacts::outerFrame() const {
+    return client.adjusted(shadow.left - decorations.left, shadow.top - decorations.top,
+                           decorations.right - shadow.right, decorations.bottom - shadow.bottom);
+}
+
+QSize X11WindowFacts::clientSize(QSize outer) const {
+    return outer - (outerSize(QSize(0, 0)));
+}
+
+QSize X11WindowFacts::outerSize(QSize clientSize) const {
+    return {clientSize.width() + decorations.left + decorations.right - shadow.left - shadow.right,
+            clientSize.height() + decorations.top + decorations.bottom - shadow.top -
+                shadow.bottom};
+}
+
+X11WindowFacts readWindowFacts(X11Connection& connection, xcb_window_t window) {
+    xcb_connection_t* xcb = connection.xcb();
+    const auto attributesCookie = xcb_get_window_attributes(xcb, window);
+    const auto geometryCookie = xcb_get_geometry(xcb, window);
+    const auto originCookie = xcb_translate_coordinates(xcb, window, connection.root(), 0, 0);
+    const auto property = [&](X11Atom atom) { return requestProperty(connection, window, atom); };
+    const auto managedCookie = property(X11Atom::wmState);
+    const auto stateCookie = property(X11Atom::netWmState);
+    const auto typeCookie = property(X11Atom::netWmWindowType);
+    const auto processCookie = property(X11Atom::netWmPid);
+    const auto decorationsCookie = property(X11Atom::netFrameExtents);
+    const auto shadowCookie = property(X11Atom::gtkFrameExtents);
+    const auto hintsCookie = requestProperty(connection, window, XCB_ATOM_WM_NORMAL_HINTS);
+    // The server answers in order: once this has come, nothing is late.
+    const auto lastCookie = xcb_get_input_focus(xcb);
+
+    X11WindowFacts facts;
+    const auto attributes = connection.reply<xcb_get_window_attributes_reply_t>(attributesCookie);
+    const auto geometry = connection.reply<xcb_get_geometry_reply_t>(geometryCookie);
+    const auto origin = connection.reply<xcb_translate_coordinates_reply_t>(originCookie);
+    const auto managed = takeItems(connection, managedCookie);
+    const auto states = takeItems(connection, stateCookie);
+    const auto types = takeItems(connection, typeCookie);
+    const auto process = takeItems(connection, processCookie);
+    const auto decorations = takeItems(connection, decorationsCookie);
+    const auto shadow = takeItems(connection, shadowCookie);
+    const auto hints = takeItems(connection, hintsCookie);
+    facts.isUnknown = !connection.reply<xcb_get_input_focus_reply_t>(lastCookie);
+    if (!attributes || !geometry || !origin)
+        return facts;
+
+    facts.exists = true;
+    facts.isManaged = isManagedState(managed) && attributes->override_redirect == 0;
+    facts.isMinimized = !managed.empty() && managed[0] == iconicState;
+    applyState(connection, states, facts);
+    applyType(connection, types, facts);
+    facts.isApplicationWindow = facts.isApplicationWindow && facts.isManaged;
+    facts.processID = process.empty() ? 0 : static_cast<qint64>(process[0]);
+    facts.client = QRect(origin->dst_x, origin->dst_y, geometry->width, geometry->height);
+    facts.shadow = extentsFrom(shadow);
+    facts.limits = limitsFrom(hints);
+    facts.decorations = decorations.size() >= 4 || !facts.isManaged
+                            ? extentsFrom(decorations)
+                            : extentsFromTree(connection, window, facts.client);
+    return facts;
+}
+
+std::optional<xcb_window_t> applicationWindowAt(X11Connection& connection, QPoint place) {
+    xcb_connection_t* xcb = connection.xcb();
+    const auto x = static_cast<std::int16_t>(std::clamp(place.x(), -32768, 32767));
+    const auto y = static_cast<std::int16_t>(std::clamp(place.y(), -32768, 32767));
+    const auto top = connection.reply<xcb_translate_coordinates_reply_t>(
+        xcb_translate_coordinates(xcb, connection.root(), connection.root(), x, y));
+    if (!top || top->child == XCB_NONE)
+        return std::nullopt;
+
+    // The place may be on a title bar: the client is somewhere in the frame, not under the place.
+    std::vector<xcb_window_t> level{top->child};
+    for (int depth = 0; depth < deepestClient && !level.empty(); ++depth) {
+        std::vector<TreeNode> nodes;
+        nodes.reserve(level.size());
+        for (const xcb_window_t window : level) {
+            nodes.push_back({window, requestProperty(connection, window, X11Atom::wmState),
+                             requestProperty(connection, window, X11Atom::netWmWindowType),
+                             xcb_query_tree(xcb, window)});
+        }
+        level.clear();
+        std::optional<xcb_window_t> found;
+        bool isFoundForUsers = false;
+        for (const TreeNode& node : nodes) {
+            const auto state = takeItems(connection, node.state);
+            const auto types = takeItems(connection, node.type);
+            const auto tree = connection.reply<xcb_query_tree_reply_t>(node.tree);
+            // Children come bottommost first; the topmost client of a frame is its current one.
+            if (isManagedState(state)) {
+                X11WindowFacts facts;
+                applyType(connection, types, facts);
+                found = node.window;
+                isFoundForUsers = facts.isApplicationWindow;
+            }
+            if (!tree)
+                continue;
+            const xcb_window_t* children = xcb_query_tree_children(tree.get());
+            for (int i = 0; i < xcb_query_tree_children_length(tree.get()); ++i) {
+                if (level.size() < widestLevel)
+                    level.push_back(children[i]);
+            }
+        }
+        if (found)
+            return isFoundForUsers ? found : std::nullopt;
+    }
+    return std::nullopt;
+}
+
+} // namespace tilewright

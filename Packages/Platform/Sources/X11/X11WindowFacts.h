@@ -1,0 +1,79 @@
+#pragma once
+
+#include "X11Connection.h"
+
+#include <QRect>
+#include <optional>
+
+namespace tilewright {
+
+/// How far something reaches beyond a client window on each side, in pixels.
+struct X11Extents {
+    int left = 0;
+    int right = 0;
+    int top = 0;
+    int bottom = 0;
+
+    friend bool operator==(const X11Extents&, const X11Extents&) = default;
+};
+
+/// The sizes that a client agrees to, without decorations.
+struct X11SizeLimits {
+    QSize minimum{1, 1};
+    QSize maximum{32767, 32767};
+    QSize base{0, 0};
+    QSize increment{1, 1};
+
+    /// The size nearest to the wish that the client agrees to, increments rounded down.
+    [[nodiscard]] QSize constrained(QSize wish) const;
+
+    friend bool operator==(const X11SizeLimits&, const X11SizeLimits&) = default;
+};
+
+/// What was found out about a window in one look. Coordinates are the X screen's pixels.
+struct X11WindowFacts {
+    /// Whether the window exists; nothing else holds where it does not.
+    bool exists = false;
+    /// Whether the server did not answer in time: the rest is unknown.
+    bool isUnknown = false;
+    /// Whether a window manager looks after it.
+    bool isManaged = false;
+    /// Whether it is a window that users work in; panels, wallpapers, menus and the like are none.
+    bool isApplicationWindow = false;
+    bool isDialog = false;
+    bool isMinimized = false;
+    /// Maximised in either direction.
+    bool isMaximized = false;
+    bool isFullscreen = false;
+    bool isShaded = false;
+    /// Whether the client asks not to be listed among the user's windows.
+    bool skipsTaskbar = false;
+    /// The client's process; 0 where it does not tell.
+    qint64 processID = 0;
+    /// The client window's own area, and its border.
+    QRect client;
+    /// Decorations that the window manager added.
+    X11Extents decorations;
+    /// The invisible part that the client drew around itself.
+    X11Extents shadow;
+    X11SizeLimits limits;
+
+    /// What the user sees of the window: with decorations, without shadows.
+    [[nodiscard]] QRect outerFrame() const;
+    /// The client's size when the outer frame has a size.
+    [[nodiscard]] QSize clientSize(QSize outer) const;
+    /// The outer frame's size when the client has a size.
+    [[nodiscard]] QSize outerSize(QSize client) const;
+};
+
+/// Looks at a window: one round trip; another one or two where the window manager tells of no
+/// decorations.
+[[nodiscard]] X11WindowFacts readWindowFacts(X11Connection& connection, xcb_window_t window);
+
+/// The managed window of an application at a place of the X screen, topmost first; none where the
+/// wallpaper, a panel, a menu or nothing is on top there. Windows without input shape at the place
+/// are looked through.
+[[nodiscard]] std::optional<xcb_window_t> applicationWindowAt(X11Connection& connection,
+                                                              QPoint place);
+
+} // namespace tilewright

@@ -1,0 +1,76 @@
+#include "X11WindowManagerWatch.h"
+
+#include "X11Properties.h"
+
+#include <algorithm>
+
+namespace tilewright {
+
+X11WindowManagerWatch::X11WindowManagerWatch(X11Connection& connection,
+                                             X11EventSelection& selection)
+    : connection_(connection)
+    , selection_(selection)
+    , rootInterest_(selection.select(connection.root(), XCB_EVENT_MASK_PROPERTY_CHANGE)) {
+    rootListener_ = connection_.listen(
+        X11EventFilter::window(connection_.root()), [this](const xcb_generic_event_t& event) {
+            if (eventType(event) != XCB_PROPERTY_NOTIFY)
+                return;
+            const xcb_atom_t property = eventAs<xcb_property_notify_event_t>(event).atom;
+            if (property == connection_.atom(X11Atom::netSupportingWmCheck) ||
+                property == connection_.atom(X11Atom::netSupported))
+                refresh();
+        });
+    refresh();
+}
+
+bool X11WindowManagerWatch::supports(xcb_atom_t hint) const {
+    return std::find(supported_.begin(), supported_.end(), hint) != supported_.end();
+}
+
+xcb_get_property_cookie_t X11WindowManagerWatch::requestIsAlive() const {
+    return requestProperty(connection_, checkWindow_, X11Atom::netSupportingWmCheck, 1);
+}
+
+bool X11WindowManagerWatch::takeIsAlive(xcb_get_property_cookie_t cookie) const {
+    const auto items = takeItems(connection_, cookie);
+    return isRunning() && !items.empty() && items[0] == checkWindow_;
+}
+
+void X11WindowManagerWatch::refresh() {
+    const auto checkCookie =
+        requestProperty(connection_, connection_.root(), X11Atom::netSupportingWmCheck, 1);
+    const auto supportedCookie =
+        requestProperty(connection_, connection_.root(), X11Atom::netSupported, 1024);
+    const auto check = takeItems(connection_, checkCookie);
+    auto supported = takeItems(connection_, supportedCookie);
+
+    xcb_window_t window = check.empty() ? static_cast<xcb_window_t>(XCB_NONE) : check[0];
+    if (window != XCB_NONE) {
+        // Listen before looking: the window manager may end in between.
+        if (window != checkWindow_) {
+            checkInterest_ = selection_.select(window, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
+            checkListener_ = connection_.listen(X11EventFilter::window(window),
+                                                [this](const xcb_generic_event_t& event) {
+                                                    if (eventType(event) == XCB_DESTROY_NOTIFY)
+                                                        refresh();
+                                                });
+        }
+        // What a dead window manager left behind names a window that is gone, or another's.
+        const auto own = takeItems(
+            connection_, requestProperty(connection_, window, X11Atom::netSupportingWmCheck, 1));
+        if (own.empty() || own[0] != window)
+            window = XCB_NONE;
+    }
+    if (window == XCB_NONE) {
+        checkInterest_.reset();
+        checkListener_.reset();
+        supported.clear();
+    }
+    if (window == checkWindow_ && supported == supported_)
+        return;
+    checkWindow_ = window;
+    supported_ = std::move(supported);
+    Q_EMIT changed();
+}
+
+} // namespace tilewright

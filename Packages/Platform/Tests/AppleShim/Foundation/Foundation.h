@@ -1,0 +1,144 @@
+#pragma once
+
+#include <CoreFoundation/CoreFoundation.h>
+#include <CoreGraphics/CoreGraphics.h>
+
+#define NS_ENUM(type, name)                                                                        \
+    enum name : type name;                                                                         \
+    enum name : type
+#define NS_OPTIONS(type, name)                                                                     \
+    type name;                                                                                     \
+    enum : type
+
+#define nil nullptr
+#define Nil nullptr
+
+typedef signed char BOOL;
+#define YES __objc_yes
+#define NO __objc_no
+
+typedef long NSInteger;
+typedef unsigned long NSUInteger;
+typedef double NSTimeInterval;
+typedef CGPoint NSPoint;
+typedef CGSize NSSize;
+typedef CGRect NSRect;
+typedef struct _NSZone NSZone;
+
+static inline NSRect NSMakeRect(CGFloat x, CGFloat y, CGFloat width, CGFloat height) {
+    return NSRect{CGPoint{x, y}, CGSize{width, height}};
+}
+
+static const NSRect NSZeroRect = {{0, 0}, {0, 0}};
+
+@class NSString;
+@class NSArray<ObjectType>;
+
+@protocol NSObject
+- (BOOL)isEqual:(id)object;
+- (BOOL)isKindOfClass:(Class)type;
+- (NSUInteger)hash;
+@end
+
+__attribute__((objc_root_class))
+@interface NSObject<NSObject>
++ (instancetype)alloc;
++ (Class)class;
+- (instancetype)init;
+- (BOOL)isEqual:(id)object;
+- (BOOL)isKindOfClass:(Class)type;
+- (NSUInteger)hash;
+@end
+
+@protocol NSCopying
+@end
+
+typedef unsigned short unichar;
+
+@interface NSString : NSObject <NSCopying>
++ (instancetype)stringWithCharacters:(const unichar*)characters length:(NSUInteger)length;
++ (instancetype)stringWithUTF8String:(const char*)text;
+- (NSUInteger)length;
+- (void)getCharacters:(unichar*)buffer;
+@end
+
+@interface NSNumber : NSObject
+- (unsigned int)unsignedIntValue;
+@end
+
+@interface NSArray<ObjectType> : NSObject
+- (NSUInteger)count;
+- (ObjectType)objectAtIndex:(NSUInteger)index;
+- (ObjectType)objectAtIndexedSubscript:(NSUInteger)index;
+@property(readonly, nonatomic) ObjectType firstObject;
++ (instancetype)arrayWithObjects:(const ObjectType[])objects count:(NSUInteger)count;
+@end
+
+@interface NSDictionary<KeyType, ObjectType> : NSObject
+- (ObjectType)objectForKey:(KeyType)key;
+- (ObjectType)objectForKeyedSubscript:(KeyType)key;
++ (instancetype)dictionaryWithObjects:(const ObjectType[])objects
+                              forKeys:(const KeyType<NSCopying>[])keys
+                                count:(NSUInteger)count;
+@end
+
+@interface NSURL : NSObject
++ (instancetype)URLWithString:(NSString*)text;
+@property(readonly, copy) NSString* path;
+@end
+
+@interface NSBundle : NSObject
+@property(class, readonly, strong) NSBundle* mainBundle;
+@property(readonly, copy) NSString* bundleIdentifier;
+@end
+
+typedef NSString* NSNotificationName;
+
+@interface NSNotification : NSObject
+@property(readonly, copy) NSNotificationName name;
+@end
+
+@interface NSOperationQueue : NSObject
+@property(class, readonly, strong) NSOperationQueue* mainQueue;
+@end
+
+@interface NSNotificationCenter : NSObject
+@property(class, readonly, strong) NSNotificationCenter* defaultCenter;
+- (id<NSObject>)addObserverForName:(NSNotificationName)name
+                            object:(id)object
+                             queue:(NSOperationQueue*)queue
+                        usingBlock:(void (^)(NSNotification* notification))block;
+- (void)removeObserver:(id)observer;
+@end
+
+@interface NSDistributedNotificationCenter : NSNotificationCenter
++ (NSDistributedNotificationCenter*)defaultCenter;
+- (void)postNotificationName:(NSNotificationName)name
+                      object:(NSString*)object
+                    userInfo:(NSDictionary*)userInfo
+          deliverImmediately:(BOOL)deliverImmediately;
+@end
+
+@interface NSUserDefaults : NSObject
+@property(class, readonly, strong) NSUserDefaults* standardUserDefaults;
+- (NSString*)stringForKey:(NSString*)key;
+- (id)objectForKey:(NSString*)key;
+- (void)setObject:(id)value forKey:(NSString*)key;
+@end
+
+typedef NS_ENUM(NSUInteger, NSSearchPathDirectory) {
+    NSApplicationSupportDirectory = 14,
+};
+typedef NS_OPTIONS(NSUInteger, NSSearchPathDomainMask) {
+    NSUserDomainMask = 1,
+};
+
+@interface NSFileManager : NSObject
+@property(class, readonly, strong) NSFileManager* defaultManager;
+- (NSArray<NSURL*>*)URLsForDirectory:(NSSearchPathDirectory)directory
+                           inDomains:(NSSearchPathDomainMask)domains;
+@end
+
+@interface NSData : NSObject
++ (instancetype)dataWithBytes:(const void*)bytes length:(NSUInteger)length;
+@end

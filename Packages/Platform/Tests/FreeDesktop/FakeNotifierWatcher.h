@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QDBusAbstractAdaptor>
+#include <QDBusConnection>
+#include <QObject>
+#include <QStringList>
+
+namespace tilewright::testing {
+
+/// The status area's watcher as a desktop's panel runs it.
+class FakeNotifierWatcher final : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierWatcher")
+    Q_PROPERTY(bool IsStatusNotifierHostRegistered MEMBER hasHost)
+
+public:
+    explicit FakeNotifierWatcher(QDBusConnection bus, bool startsWithHost = true)
+        : hasHost(startsWithHost)
+        , bus_(std::move(bus)) {
+        bus_.registerObject(QStringLiteral("/StatusNotifierWatcher"), this,
+                            QDBusConnection::ExportAllContents);
+        bus_.registerService(QStringLiteral("org.kde.StatusNotifierWatcher"));
+    }
+    ~FakeNotifierWatcher() override {
+        bus_.unregisterService(QStringLiteral("org.kde.StatusNotifierWatcher"));
+        bus_.unregisterObject(QStringLiteral("/StatusNotifierWatcher"));
+    }
+
+    /// A host comes or goes.
+    void setHost(bool isThere) {
+        hasHost = isThere;
+        if (isThere)
+            Q_EMIT StatusNotifierHostRegistered();
+        else
+            Q_EMIT StatusNotifierHostUnregistered();
+    }
+
+    bool hasHost;
+    QStringList items;
+
+public Q_SLOTS:
+    void RegisterStatusNotifierItem(const QString& service) { items.append(service); }
+
+Q_SIGNALS:
+    void StatusNotifierHostRegistered();
+    void StatusNotifierHostUnregistered();
+
+private:
+    QDBusConnection bus_;
+};
+
+} // namespace tilewright::testing

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <QDBusConnection>
+#include <QProcess>
+#include <csignal>
+#include <gtest/gtest.h>
+#include <sys/prctl.h>
+
+namespace tilewright::testing {
+
+/// A message bus of a test's own. Each connection to it is another peer.
+class PrivateBus {
+public:
+    PrivateBus() {
+        daemon_.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
+        daemon_.setStandardErrorFile(QProcess::nullDevice());
+        daemon_.start(QStringLiteral("dbus-daemon"),
+                      {QStringLiteral("--session"), QStringLiteral("--nofork"),
+                       QStringLiteral("--print-address=1")});
+        if (daemon_.waitForStarted(20'000) && daemon_.waitForReadyRead(20'000))
+            address_ = QString::fromUtf8(daemon_.readLine()).trimmed();
+        EXPECT_FALSE(address_.isEmpty()) << "the message bus did not start";
+    }
+    ~PrivateBus() {
+        for (const QString& name : names_)
+            QDBusConnection::disconnectFromBus(name);
+        stop();
+    }
+    PrivateBus(const PrivateBus&) = delete;
+    PrivateBus& operator=(const PrivateBus&) = delete;
+
+    /// Another connection, open for as long as the bus object lives.
+    QDBusConnection connect() {
+        static int count = 0;
+        names_.append(QStringLiteral("private-%1").arg(++count));
+        return QDBusConnection::connectToBus(address_, names_.back());
+    }
+    /// Ends the bus at once.
+    void stop() {
+        if (daemon_.state() == QProcess::NotRunning)
+            return;
+        daemon_.kill();
+        daemon_.waitForFinished(20'000);
+    }
+
+    /// A connection to a bus that is not there.
+    static QDBusConnection absent() {
+        return QDBusConnection::connectToBus(QStringLiteral("unix:path=/nonexistent/bus"),
+                                             QStringLiteral("absent"));
+    }
+
+private:
+    QProcess daemon_;
+    QString address_;
+    QStringList names_;
+};
+
+} // namespace tilewright::testing

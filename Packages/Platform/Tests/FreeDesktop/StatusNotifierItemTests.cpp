@@ -1,0 +1,241 @@
+#include "FakeNotifierWatcher.h"
+#include "PrivateBus.h"
+
+#include <FreeDesktop/FreeDesktopStatusItem.h>
+#include <FreeDesktop/StatusNotifierItem.h>
+#include <FreeDesktop/StatusNotifierPixmap.h>
+#include <Waiting.h>
+
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusVariant>
+#include <QIcon>
+#include <QPainter>
+#include <QSignalSpy>
+#include <gtest/gtest.h>
+
+namespace tilewright::testing {
+namespace {
+
+QIcon discIcon() {
+    QPixmap pixmap(64, 64);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    painter.setBrush(Qt::red);
+    painter.drawEllipse(4, 4, 56, 56);
+    painter.end();
+    return QIcon(pixmap);
+}
+
+/// A host's side of the bus: calls an item and waits, turning the event loop that the item shares.
+class Host {
+public:
+    explicit Host(QDBusConnection bus)
+        : bus_(std::move(bus)) {}
+
+    QDBusMessage call(const QString& service, const QString& interface, const QString& method,
+                      const QVariantList& arguments) {
+        QDBusMessage message = QDBusMessage::createMethodCall(
+            service, QStringLiteral("/StatusNotifierItem"), interface, method);
+        message.setArguments(arguments);
+        const QDBusPendingCallWatcher pending(bus_.asyncCall(message));
+        EXPECT_TRUE(waitUntil([&] { return pending.isFinished(); }));
+        return pending.reply();
+    }
+    QVariant property(const QString& service, const QString& name) {
+        const QDBusMessage reply =
+            call(service, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"),
+                 {QStringLiteral("org.kde.StatusNotifierItem"), name});
+        return reply.arguments().value(0).value<QDBusVariant>().variant();
+    }
+
+private:
+    QDBusConnection bus_;
+};
+
+/// Counts a signal as a host receives it.
+class SignalCounter final : public QObject {
+    Q_OBJECT
+
+public:
+    int count = 0;
+
+public Q_SLOTS:
+    void add() { ++count; }
+};
+
+class StatusNotifierItemTest : public ::testing::Test {
+protected:
+    PrivateBus bus;
+    const QString interface = QStringLiteral("org.kde.StatusNotifierItem");
+};
+
+} // namespace
+
+TEST_F(StatusNotifierItemTest, RegistersWithAWatcherThatIsThereAlready) {
+    const FakeNotifierWatcher watcher(bus.connect());
+    const StatusNotifierItem item(bus.connect());
+    EXPECT_TRUE(waitUntil([&] { return watcher.items.size() == 1; }));
+    EXPECT_TRUE(waitUntil([&] { return item.isSettled() && item.isHosted(); }));
+}
+
+TEST_F(StatusNotifierItemTest, RegistersWithAWatcherThatAppearsLater) {
+    const StatusNotifierItem item(bus.connect());
+    ASSERT_TRUE(waitUntil([&] { return item.isSettled(); }));
+    EXPECT_FALSE(item.isHosted());
+    const FakeNotifierWatcher watcher(bus.connect());
+    EXPECT_TRUE(waitUntil([&] { return watcher.items.size() == 1 && item.isHosted(); }));
+}
+
+TEST_F(StatusNotifierItemTest, RegistersAgainWithEveryWatcherThatFollows) {
+    auto watcher = std::make_unique<FakeNotifierWatcher>(bus.connect());
+    const StatusNotifierItem item(bus.connect());
+    for (int restart = 0; restart < 3; ++restart) {
+        ASSERT_TRUE(waitUntil([&] { return watcher->items.size() == 1 && item.isHosted(); }));
+        watcher.reset();
+        ASSERT_TRUE(waitUntil([&] { return !item.isHosted(); }));
+        watcher = std::make_unique<FakeNotifierWatcher>(bus.connect());
+    }
+    EXPECT_TRUE(waitUntil([&] { return watcher->items.size() == 1 && item.isHosted(); }));
+}
+
+TEST_F(StatusNotifierItemTest, FollowsHostsThatComeToAWatcherAndGo) {
+    FakeNotifierWatcher watcher(bus.connect(), false);
+    const StatusNotifierItem item(bus.connect());
+    ASSERT_TRUE(waitUntil([&] { return item.isSettled() && watcher.items.size() == 1; }));
+    EXPECT_FALSE(item.isHosted());
+    watcher.setHost(true);
+    EXPECT_TRUE(waitUntil([&] { return item.isHosted(); }));
+    watcher.setHost(false);
+    EXPECT_TRUE(waitUntil([&] { return !item.isHosted(); }));
+}
+
+TEST_F(StatusNotifierItemTest, SettlesWithoutABus) {
+    const StatusNotifierItem item(PrivateBus::absent());
+    EXPECT_TRUE(item.isSettled());
+    EXPECT_FALSE(item.isHosted());
+}
+
+TEST_F(StatusNotifierItemTest, LosesItsHostWithTheBus) {
+    const FakeNotifierWatcher watcher(bus.connect());
+    const StatusNotifierItem item(bus.connect());
+    ASSERT_TRUE(waitUntil([&] { return item.isHosted(); }));
+    bus.stop();
+    EXPECT_TRUE(waitUntil([&] { return !item.isHosted(); }));
+}
+
+TEST_F(StatusNotifierItemTest, PassesClicksOnWithTheirPlace) {
+    const FakeNotifierWatcher watcher(bus.connect());
+    StatusNotifierItem item(bus.connect());
+    QSignalSpy activated(&item, &StatusNotifierItem::activated);
+    ASSERT_TRUE(waitUntil([&] { return watcher.items.size() == 1; }));
+    Host host(bus.connect());
+    const QString service = watcher.items.front();
+    host.call(service, interface, QStringLiteral("Activate"), {11, 12});
+    host.call(service, interface, QStringLiteral("SecondaryActivate"), {21, 22});
+    host.call(service, interface, QStringLiteral("ContextMenu"), {31, 32});
+    const QDBusMessage scrolled =
+        host.call(service, interface, QStringLiteral("Scroll"), {120, QStringLiteral("vertical")});
+    EXPECT_EQ(scrolled.type(), QDBusMessage::ReplyMessage);
+    ASSERT_EQ(activated.size(), 3);
+    EXPECT_EQ(activated.at(0).at(0).toPoint(), QPoint(11, 12));
+    EXPECT_EQ(activated.at(1).at(0).toPoint(), QPoint(21, 22));
+    EXPECT_EQ(activated.at(2).at(0).toPoint(), QPoint(31, 32));
+}
+
+TEST_F(StatusNotifierItemTest, DescribesItselfToHosts) {
+    const FakeNotifierWatcher watcher(bus.connect());
+    StatusNotifierItem item(bus.connect());
+    item.setTitle(QStringLiteral("Tilewright"));
+    item.setIcon(QStringLiteral("some-icon-symbolic"), discIcon());
+    ASSERT_TRUE(waitUntil([&] { return watcher.items.size() == 1; }));
+    Host host(bus.connect());
+    const QString service = watcher.items.front();
+    EXPECT_EQ(host.property(service, QStringLiteral("Status")).toString(),
+              QStringLiteral("Active"));
+    EXPECT_EQ(host.property(service, QStringLiteral("Category")).toString(),
+              QStringLiteral("ApplicationStatus"));
+    EXPECT_EQ(host.property(service, QStringLiteral("Title")).toString(),
+              QStringLiteral("Tilewright"));
+    EXPECT_EQ(host.property(service, QStringLiteral("IconName")).toString(),
+              QStringLiteral("some-icon-symbolic"));
+    const QVariant isMenu = host.property(service, QStringLiteral("ItemIsMenu"));
+    ASSERT_TRUE(isMenu.isValid());
+    EXPECT_FALSE(isMenu.toBool());
+}
+
+TEST_F(StatusNotifierItemTest, OffersItsIconInSeveralSizes) {
+    const FakeNotifierWatcher watcher(bus.connect());
+    StatusNotifierItem item(bus.connect());
+    item.setIcon(QString(), discIcon());
+    ASSERT_TRUE(waitUntil([&] { return watcher.items.size() == 1; }));
+    Host host(bus.connect());
+    const auto pixmaps = qdbus_cast<StatusNotifierPixmaps>(
+        host.property(watcher.items.front(), QStringLiteral("IconPixmap")));
+    ASSERT_GE(pixmaps.size(), 4);
+    for (const StatusNotifierPixmap& pixmap : pixmaps) {
+        const QImage image = pixmap.toImage();
+        ASSERT_FALSE(image.isNull());
+        EXPECT_EQ(image.size(), QSize(pixmap.width, pixmap.width));
+        EXPECT_EQ(image.pixelColor(0, 0).alpha(), 0);
+        EXPECT_EQ(image.pixelColor(pixmap.width / 2, pixmap.width / 2), toneForAnyBar());
+    }
+}
+
+TEST_F(StatusNotifierItemTest, TellsHostsAtOnceThatTheIconIsNew) {
+    const FakeNotifierWatcher watcher(bus.connect());
+    StatusNotifierItem item(bus.connect());
+    ASSERT_TRUE(waitUntil([&] { return watcher.items.size() == 1; }));
+    SignalCounter renewed;
+    QDBusConnection hostBus = bus.connect();
+    hostBus.connect(watcher.items.front(), QStringLiteral("/StatusNotifierItem"), interface,
+                    QStringLiteral("NewIcon"), &renewed, SLOT(add()));
+    Host host(hostBus);
+    // A round trip, after which the subscription stands.
+    static_cast<void>(host.property(watcher.items.front(), QStringLiteral("Status")));
+    item.setIcon(QStringLiteral("another-icon-symbolic"), discIcon());
+    EXPECT_TRUE(waitUntil([&] { return renewed.count == 1; }));
+}
+
+TEST(StatusNotifierPixmap, KeepsEveryPixelInNetworkByteOrder) {
+    QImage image(2, 1, QImage::Format_ARGB32);
+    image.setPixel(0, 0, 0x80112233);
+    image.setPixel(1, 0, 0xffa0b0c0);
+    const StatusNotifierPixmap pixmap = StatusNotifierPixmap::fromImage(image);
+    EXPECT_EQ(pixmap.data, QByteArray::fromHex("80112233ffa0b0c0"));
+    EXPECT_EQ(pixmap.toImage(), image);
+}
+
+TEST(StatusNotifierPixmap, StandsOutAgainstLightAndDarkBars) {
+    const auto luminance = [](const QColor& color) {
+        const auto linear = [](double part) {
+            return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+        };
+        return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) +
+               0.0722 * linear(color.blueF());
+    };
+    const double tone = luminance(toneForAnyBar());
+    EXPECT_GE((luminance(Qt::white) + 0.05) / (tone + 0.05), 3.0);
+    EXPECT_GE((tone + 0.05) / (luminance(QColor(0x2b, 0x2b, 0x2b)) + 0.05), 3.0);
+}
+
+TEST_F(StatusNotifierItemTest, TakesTheSystemTrayOnlyWhereNoHostShowsItems) {
+    FreeDesktopStatusItem item(bus.connect());
+    item.setSymbol(QStringLiteral("cup.and.saucer"), discIcon());
+    EXPECT_FALSE(item.isInSystemTray()) << "before the bus has answered";
+    EXPECT_TRUE(waitUntil([&] { return item.isInSystemTray(); }));
+    auto watcher = std::make_unique<FakeNotifierWatcher>(bus.connect());
+    EXPECT_TRUE(waitUntil([&] { return !item.isInSystemTray(); }));
+    watcher.reset();
+    EXPECT_TRUE(waitUntil([&] { return item.isInSystemTray(); }));
+}
+
+TEST_F(StatusNotifierItemTest, TakesTheSystemTrayAtOnceWithoutABus) {
+    FreeDesktopStatusItem item(PrivateBus::absent());
+    item.setSymbol(QStringLiteral("cup.and.saucer"), discIcon());
+    EXPECT_TRUE(item.isInSystemTray());
+}
+
+} // namespace tilewright::testing
+
+#include "StatusNotifierItemTests.moc"

@@ -1,0 +1,108 @@
+#include <X11/X11DisplayKeys.h>
+
+#include <QUuid>
+#include <gtest/gtest.h>
+
+using namespace tilewright;
+
+namespace {
+
+X11Edid monitor(quint16 product, quint32 serial, const QString& serialText = {}) {
+    X11Edid edid;
+    edid.manufacturer = 0x10ac;
+    edid.product = product;
+    edid.serialNumber = serial;
+    edid.serialText = serialText;
+    return edid;
+}
+
+X11DisplayKeys::Display at(const char* connector, std::optional<X11Edid> edid) {
+    return {QString::fromLatin1(connector), std::move(edid)};
+}
+
+using Keys = std::vector<std::optional<QString>>;
+
+} // namespace
+
+TEST(X11DisplayKeys, NamesAMonitorWithASerialWhereverItIsPluggedIn) {
+    X11DisplayKeys here;
+    X11DisplayKeys there;
+    const Keys one = here.update({at("DP-1", monitor(7, 42))});
+    const Keys other = there.update({at("HDMI-2", monitor(7, 42))});
+    ASSERT_TRUE(one[0].has_value());
+    EXPECT_EQ(one, other);
+}
+
+TEST(X11DisplayKeys, GivesUpperCaseUuidsOfVersionFive) {
+    X11DisplayKeys keys;
+    const QString uuid = keys.update({at("DP-1", monitor(7, 42))})[0].value();
+    EXPECT_EQ(uuid, uuid.toUpper());
+    EXPECT_EQ(uuid.size(), 36);
+    EXPECT_EQ(QUuid(uuid).version(), QUuid::Sha1);
+}
+
+TEST(X11DisplayKeys, TellsMonitorsApartByEveryFieldOfTheirIdentity) {
+    X11DisplayKeys keys;
+    const Keys all =
+        keys.update({at("A", monitor(7, 42)), at("B", monitor(8, 42)), at("C", monitor(7, 43)),
+                     at("D", monitor(7, 42, QStringLiteral("X1")))});
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        for (std::size_t j = i + 1; j < all.size(); ++j)
+            EXPECT_NE(all[i], all[j]) << i << " and " << j;
+    }
+}
+
+TEST(X11DisplayKeys, TellsMonitorsWithoutASerialApartByTheirConnectors) {
+    X11DisplayKeys keys;
+    const Keys both = keys.update({at("DP-1", monitor(7, 0)), at("DP-2", monitor(7, 0))});
+    EXPECT_NE(both[0], both[1]);
+    X11DisplayKeys later;
+    EXPECT_EQ(later.update({at("DP-2", monitor(7, 0))})[0], both[1]);
+}
+
+TEST(X11DisplayKeys, GivesNoneWithoutAnEdid) {
+    X11DisplayKeys keys;
+    EXPECT_EQ(keys.update({at("DP-1", std::nullopt)})[0], std::nullopt);
+}
+
+TEST(X11DisplayKeys, KeepsEverybodysKeyWhileATwinComesAndGoes) {
+    X11DisplayKeys keys;
+    const auto first = keys.update({at("DP-2", monitor(7, 42))})[0];
+    // The newcomer's connector comes first in name order; it is the newcomer all the same.
+    const Keys both = keys.update({at("DP-1", monitor(7, 42)), at("DP-2", monitor(7, 42))});
+    EXPECT_EQ(both[1], first);
+    EXPECT_NE(both[0], first);
+    EXPECT_EQ(keys.update({at("DP-2", monitor(7, 42))})[0], first);
+    const Keys again = keys.update({at("DP-2", monitor(7, 42)), at("DP-1", monitor(7, 42))});
+    EXPECT_EQ(again[0], first);
+    EXPECT_EQ(again[1], both[0]);
+}
+
+TEST(X11DisplayKeys, KeepsATwinsKeyWhenTheFirstIsUnplugged) {
+    X11DisplayKeys keys;
+    const Keys both = keys.update({at("DP-1", monitor(7, 42)), at("DP-2", monitor(7, 42))});
+    EXPECT_EQ(keys.update({at("DP-2", monitor(7, 42))})[0], both[1]);
+}
+
+TEST(X11DisplayKeys, GivesTwinsTheSameKeysAtEveryStartWhateverTheServersOrder) {
+    X11DisplayKeys first;
+    X11DisplayKeys second;
+    const Keys one = first.update({at("DP-1", monitor(7, 42)), at("DP-2", monitor(7, 42))});
+    const Keys other = second.update({at("DP-2", monitor(7, 42)), at("DP-1", monitor(7, 42))});
+    EXPECT_EQ(one[0], other[1]);
+    EXPECT_EQ(one[1], other[0]);
+}
+
+TEST(X11DisplayKeys, GivesAnotherMonitorAtTheSameConnectorItsOwnKey) {
+    X11DisplayKeys keys;
+    const auto before = keys.update({at("DP-1", monitor(7, 42))})[0];
+    const auto after = keys.update({at("DP-1", monitor(7, 43))})[0];
+    EXPECT_NE(before, after);
+    EXPECT_EQ(keys.update({at("DP-1", monitor(7, 42))})[0], before);
+}
+
+TEST(X11DisplayKeys, NumbersDisplaysByTheirConnectorsNeverWithZero) {
+    EXPECT_EQ(displayNumber(QStringLiteral("DP-1")), displayNumber(QStringLiteral("DP-1")));
+    EXPECT_NE(displayNumber(QStringLiteral("DP-1")), displayNumber(QStringLiteral("DP-2")));
+    EXPECT_NE(displayNumber(QString()), 0U);
+}

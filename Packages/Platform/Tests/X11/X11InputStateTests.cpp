@@ -1,0 +1,381 @@
+#include <X11/X11InputState.h>
+
+#include <gmock/gmock.h>
+#include <random>
+
+namespace tilewright {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+constexpr ModifierFlags none;
+constexpr ModifierFlags control{ModifierFlag::control};
+
+class FakeInputServer final : public X11InputServer {
+public:
+    quint32 logicalButton(quint32 button) override {
+        return button < mapping.size() ? mapping[button] : button;
+    }
+    X11InputOwner pointerOwner() override { return pointer; }
+    X11InputOwner keyboardOwner() override { return keyboard; }
+
+    std::vector<quint32> mapping{0, 1, 2, 3, 4, 5};
+    X11InputOwner pointer = X11InputOwner::other;
+    X11InputOwner keyboard = X11InputOwner::other;
+};
+
+struct X11InputStateTest : ::testing::Test {
+    std::vector<EventType> told() {
+        std::vector<EventType> types;
+        for (const auto& report : state.takeReports())
+            types.push_back(report.event.type);
+        return types;
+    }
+    void settle() { state.settle(server); }
+    void pressAndSettle() {
+        state.pressed(1);
+        server.isLeftButtonDown = true;
+        settle();
+        EXPECT_THAT(told(), ElementsAre(EventType::leftMouseDown));
+    }
+
+    FakeInputServer fake;
+    X11InputServerState server;
+    X11InputState state{fake};
+};
+
+TEST_F(X11InputStateTest, TellsADragFromPressToRelease) {
+    pressAndSettle();
+    state.moved();
+    settle();
+    state.released(1);
+    server.isLeftButtonDown = false;
+    settle();
+    EXPECT_THAT(told(), ElementsAre(EventType::leftMouseDragged, EventType::leftMouseUp));
+}
+
+TEST_F(X11InputStateTest, MergesTheMovesOfOneReadingIntoOne) {
+    pressAndSettle();
+    for (int i = 0; i < 50; ++i)
+        state.moved();
+    settle();
+    EXPECT_THAT(told(), ElementsAre(EventType::leftMouseDragged));
+}
+
+TEST_F(X11InputStateTest, TellsNothingOfMovesWithoutTheLeftButton) {
+    state.moved();
+    settle();
+    state.pressed(3);
+    EXPECT_THAT(told(), ElementsAre(EventType::rightMouseDown));
+    state.moved();
+    settle();
+    EXPECT_THAT(told(), IsEmpty());
+}
+
+TEST_F(X11InputStateTest, TellsAMoveBeforeTheReleaseThatFollowedIt) {
+    pressAndSettle();
+    state.moved();
+    state.released(1);
+    server.isLeftButtonDown = false;
+    settle();
+    EXPECT_THAT(told(), ElementsAre(EventType::leftMouseDragged, EventType::leftMouseUp));
+}
+
+TEST_F(X11InputStateTest, KeepsTheOrderOfAReleaseAndALetGoKey) {
+    server.modifiers = control;
+    state.start(server);
+    pressAndSettle();
+    state.moved();
+    state.released(1);
+    state.modifiersChanged(none);
+    server = {};
+    settle();
+    EXPECT_THAT(told(), ElementsAre(EventType::leftMouseDragged, EventType::leftMouseUp,
+                                    EventType::flagsChanged));
+}
+
+TEST_F(X11InputStateTest, TellsAModifierChangeOnlyWhereOneHappened) {
+    state.modifiersChanged(control);
+    state.modifiersChanged(control);
+    server.modifiers = control;
+    settle();
+    const auto reports = state.takeReports();
+    ASSERT_EQ(reports.size(), 1U);
+    EXPECT_EQ(reports[0].event.type, EventType::flagsChanged);
+    EXPECT_EQ(reports[0].event.modifierFlags, control);
+}
+
+TEST_F(X11InputStateTest, EveryReportCarriesTheModifiersOfItsMoment) {
+    pressAndSettle();
+    state.modifiersChanged(control);
+    server.modifiers = control;
+    state.moved();
+    settle();
+    for (const auto& report : state.takeReports())
+        EXPECT_EQ(report.event.modifierFlags, control);
+}
+
+TEST_F(X11InputStateTest, FollowsTheButtonMapping) {
+    fake.mapping = {0, 3, 2, 1};
+    state.pressed(1);
+    EXPECT_THAT(told(), ElementsAre(EventType::rightMouseDown));
+    state.pressed(3);
+    EXPECT_THAT(told(), ElementsAre(EventType::leftMouseDown));
+    state.released(1);
+    EXPECT_THAT(told(), IsEmpty());
+    state.released(3);
+    EXPECT_THAT(told(), ElementsAre(EventType::leftMouseUp));
+}
+
+TEST_F(X11InputStateTest,
+       AReleaseCountsForTheButtonThatWasPressedThoughTheMappingChangedMeanwhile) {
+    pressAndSettle();
+    fake.mapping = {0, 3, 2, 1};
+    state.released(1);
+    EXPECT_THAT(told(), ElementsAre(EventType::leftMouseUp));
+}
+
+TEST_F(X11InputStateTest, TellsNothingOfWheelsAndDeadButtons) {
+    fake.mapping = {0, 1, 2, 3, 4, 5, 6, 7, 0, 9};
+    for (const quint32 button : {4U, 5U, 6U, 7U, 8U})
+        state.pressed(button);
+    EXPECT_THAT(told(), IsEmpty());
+    state.pressed(2);
+    state.pressed(9);
+    EXPECT_THAT(told(), ElementsAre(EventType::otherMouseDown, EventType::otherMouseDown));
+}
+
+TEST_F(X11InputStateTest, SynthesisesAReleaseThatWasLost) {
+    pressAndSettle();
+    server.isLeftButtonDown = false;
+    state.moved();
+    settle();
+    EXPECT_THAT(told(), ElementsAre(EventType::leftMouseDragged, EventType::leftMouseUp));
+    EXPECT_FALSE(state.isLeftButtonDown());
+}
+
+TEST_F(X11InputStateTest, ALostReleaseThatTurnsUpLateIsNotToldTwice) {
+    pressAndSettle();
+    server.isLeftButtonDown = false;
+    settle();
+    EXPECT_THAT(told(), ElementsAre(EventType::leftMouseUp));
+    state.released(1);
+    settle();
+    EXPECT_THAT(told(), IsEmpty());
+}
+
+TEST_F(X11InputStateTest, AReleaseLostBetweenTwoPressesIsToldBeforeTheSecond) {
+    pressAndSettle();
+    state.pressed(1);
+    settle();
+    EXPECT_THAT(told(), ElementsAre(EventType::leftMouseUp, EventType::leftMouseDown));
+}
+
+TEST_F(X11InputStateTest, FindsAPressThatWasLost) {
+    server.isLeftButtonDown = true;
+    settle();
+    EXPECT_THAT(told(), ElementsAre(EventType::leftMouseDown));
+    state.moved();
+    settle();
+    EXPECT_THAT(told(), ElementsAre(EventType::leftMouseDragged));
+}
+
+TEST_F(X11InputStateTest, FindsAModifierChangeThatWasLost) {
+    server.modifiers = control;
+    settle();
+    EXPECT_THAT(told(), ElementsAre(EventType::flagsChanged));
+    server.modifiers = none;
+    settle();
+    EXPECT_THAT(told(), ElementsAre(EventType::flagsChanged));
+    EXPECT_EQ(state.modifiers(), none);
+}
+
+TEST_F(X11InputStateTest, WhenKeyAndButtonWereBothLostTheKeyIsToldFirst) {
+    server.modifiers = control;
+    state.start(server);
+    pressAndSettle();
+    server = {};
+    settle();
+    EXPECT_THAT(told(), ElementsAre(EventType::flagsChanged, EventType::leftMouseUp));
+}
+
+TEST_F(X11InputStateTest, APressThatTheServerHoldsBackIsNoDragUntilItCounts) {
+    state.pressed(1);
+    settle();
+    EXPECT_THAT(told(), ElementsAre(EventType::leftMouseDown));
+    state.moved();
+    settle();
+    EXPECT_THAT(told(), IsEmpty());
+    server.isLeftButtonDown = true;
+    state.moved();
+    settle();
+    EXPECT_THAT(told(), ElementsAre(EventType::leftMouseDragged));
+}
+
+TEST_F(X11InputStateTest, AReleaseThatTheServerHoldsBackIsNoNewPress) {
+    pressAndSettle();
+    state.released(1);
+    settle();
+    EXPECT_THAT(told(), ElementsAre(EventType::leftMouseUp));
+    settle();
+    EXPECT_THAT(told(), IsEmpty());
+    server.isLeftButtonDown = false;
+    settle();
+    EXPECT_THAT(told(), IsEmpty());
+    EXPECT_FALSE(state.isLeftButtonDown());
+}
+
+TEST_F(X11InputStateTest, APressThatTheServerNeverCountsEndsInTheLongRun) {
+    state.pressed(1);
+    EXPECT_THAT(told(), ElementsAre(EventType::leftMouseDown));
+    for (int i = 0; i < 1000 && state.isLeftButtonDown(); ++i) {
+        state.moved();
+        settle();
+    }
+    EXPECT_THAT(told(), ElementsAre(EventType::leftMouseUp));
+}
+
+TEST_F(X11InputStateTest, AServerThatDoesNotAnswerChangesNothing) {
+    pressAndSettle();
+    state.moved();
+    state.settle(std::nullopt);
+    EXPECT_THAT(told(), ElementsAre(EventType::leftMouseDragged));
+    EXPECT_TRUE(state.isLeftButtonDown());
+}
+
+TEST_F(X11InputStateTest, ADragBelongsToWhereItBeganAndKeysToWhoHasTheKeyboard) {
+    fake.pointer = X11InputOwner::own;
+    state.pressed(1);
+    server.isLeftButtonDown = true;
+    fake.pointer = X11InputOwner::other;
+    state.moved();
+    settle();
+    state.modifiersChanged(control);
+    state.released(1);
+    const auto reports = state.takeReports();
+    ASSERT_EQ(reports.size(), 4U);
+    EXPECT_EQ(reports[0].owner, X11InputOwner::own);
+    EXPECT_EQ(reports[1].owner, X11InputOwner::own);
+    EXPECT_EQ(reports[2].owner, X11InputOwner::other);
+    EXPECT_EQ(reports[3].owner, X11InputOwner::own);
+}
+
+TEST_F(X11InputStateTest, StartsInTheMiddleOfADrag) {
+    state.start({true, control});
+    EXPECT_TRUE(state.isLeftButtonDown());
+    EXPECT_THAT(told(), IsEmpty());
+    state.released(1);
+    EXPECT_THAT(told(), ElementsAre(EventType::leftMouseUp));
+}
+
+/// A server whose every event may be lost, late for the server's own count, or both.
+class UnreliableInput {
+public:
+    explicit UnreliableInput(unsigned seed)
+        : random_(seed) {
+        state_.start(truth_);
+    }
+
+    void step() {
+        switch (below(6)) {
+        case 0:
+            setButton(!truth_.isLeftButtonDown);
+            break;
+        case 1:
+            truth_.modifiers = ModifierFlags(static_cast<quint32>(below(16)) << 17);
+            if (below(4) != 0)
+                state_.modifiersChanged(truth_.modifiers);
+            break;
+        case 2:
+        case 3:
+            if (state_.isLeftButtonDown())
+                state_.moved();
+            break;
+        default:
+            state_.settle(below(50) == 0 ? std::nullopt : std::optional(counted()));
+            break;
+        }
+        check();
+    }
+
+    /// Nothing more is lost or late: what the server says prevails, in the end also over what was
+    /// heard and never counted.
+    void comeToRest() {
+        held_ = false;
+        for (int i = 0; i < 300; ++i)
+            state_.settle(counted());
+        check();
+        EXPECT_EQ(state_.isLeftButtonDown(), truth_.isLeftButtonDown);
+        EXPECT_EQ(state_.modifiers(), truth_.modifiers);
+    }
+
+private:
+    int below(int bound) { return std::uniform_int_distribution(0, bound - 1)(random_); }
+
+    void setButton(bool isDown) {
+        held_ = below(5) == 0;
+        heldState_ = truth_.isLeftButtonDown;
+        truth_.isLeftButtonDown = isDown;
+        if (below(4) == 0)
+            return;
+        if (isDown)
+            state_.pressed(1);
+        else
+            state_.released(1);
+    }
+
+    X11InputServerState counted() const {
+        return {held_ ? heldState_ : truth_.isLeftButtonDown, truth_.modifiers};
+    }
+
+    void check() {
+        for (const auto& report : state_.takeReports()) {
+            switch (report.event.type) {
+            case EventType::leftMouseDown:
+                EXPECT_FALSE(isDown_);
+                isDown_ = true;
+                break;
+            case EventType::leftMouseUp:
+                EXPECT_TRUE(isDown_);
+                isDown_ = false;
+                break;
+            case EventType::leftMouseDragged:
+                EXPECT_TRUE(isDown_);
+                break;
+            case EventType::flagsChanged:
+                EXPECT_NE(report.event.modifierFlags, flags_);
+                flags_ = report.event.modifierFlags;
+                break;
+            default:
+                ADD_FAILURE();
+            }
+        }
+        EXPECT_EQ(isDown_, state_.isLeftButtonDown());
+        EXPECT_EQ(flags_, state_.modifiers());
+    }
+
+    std::mt19937 random_;
+    FakeInputServer fake_;
+    X11InputState state_{fake_};
+    X11InputServerState truth_;
+    bool held_ = false;
+    bool heldState_ = false;
+    bool isDown_ = false;
+    ModifierFlags flags_;
+};
+
+TEST(X11InputState, NothingSticksWhateverIsLostOrLate) {
+    for (unsigned seed = 0; seed < 2'000; ++seed) {
+        SCOPED_TRACE(seed);
+        UnreliableInput input(seed);
+        for (int i = 0; i < 200; ++i)
+            input.step();
+        input.comeToRest();
+        if (::testing::Test::HasFailure())
+            return;
+    }
+}
+
+} // namespace
+} // namespace tilewright

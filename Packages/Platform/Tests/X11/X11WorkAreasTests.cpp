@@ -1,0 +1,91 @@
+#include <X11/X11WorkAreas.h>
+
+#include <gtest/gtest.h>
+
+using namespace tilewright;
+
+namespace {
+
+const QRect left(0, 0, 1920, 1080);
+const QRect right(1920, 0, 1920, 1080);
+const QSize both(3840, 1080);
+
+std::vector<QRect> areasWith(const std::vector<X11Strut>& struts) {
+    X11WorkAreaHints hints;
+    hints.struts = struts;
+    return visibleAreas({left, right}, both, hints);
+}
+
+} // namespace
+
+TEST(X11WorkAreas, LeavesWholeMonitorsWithoutPanels) {
+    EXPECT_EQ(areasWith({}), (std::vector<QRect>{left, right}));
+}
+
+TEST(X11WorkAreas, TakesATopPanelFromItsMonitorOnly) {
+    EXPECT_EQ(areasWith({{X11Strut::Edge::top, 30, 1920, 3839}}),
+              (std::vector<QRect>{left, right.adjusted(0, 30, 0, 0)}));
+}
+
+TEST(X11WorkAreas, TakesAPanelThatSpansBothFromBoth) {
+    EXPECT_EQ(areasWith({{X11Strut::Edge::bottom, 40, 0, 3839}}),
+              (std::vector<QRect>{left.adjusted(0, 0, 0, -40), right.adjusted(0, 0, 0, -40)}));
+}
+
+TEST(X11WorkAreas, TakesAPanelOnAnInnerEdgeFromTheMonitorItIsOn) {
+    EXPECT_EQ(areasWith({{X11Strut::Edge::left, 1920 + 48, 0, 1079}}),
+              (std::vector<QRect>{left, right.adjusted(48, 0, 0, 0)}));
+    EXPECT_EQ(areasWith({{X11Strut::Edge::right, 1920 + 48, 0, 1079}}),
+              (std::vector<QRect>{left.adjusted(0, 0, -48, 0), right}));
+}
+
+TEST(X11WorkAreas, TakesPanelsOnTheInnerEdgesOfStackedMonitors) {
+    const QRect upper(0, 0, 1920, 1080);
+    const QRect lower(0, 1080, 1920, 1080);
+    X11WorkAreaHints hints;
+    hints.struts = {{X11Strut::Edge::top, 1080 + 24, 0, 1919},
+                    {X11Strut::Edge::bottom, 1080 + 36, 0, 1919}};
+    EXPECT_EQ(visibleAreas({upper, lower}, {1920, 2160}, hints),
+              (std::vector<QRect>{upper.adjusted(0, 0, 0, -36), lower.adjusted(0, 24, 0, 0)}));
+}
+
+TEST(X11WorkAreas, MeasuresFromTheScreensEdgeForAMonitorThatStandsOff) {
+    const QRect low(1920, 200, 1280, 800);
+    X11WorkAreaHints hints;
+    hints.struts = {{X11Strut::Edge::top, 230, 1920, 3199}};
+    EXPECT_EQ(visibleAreas({left, low}, {3200, 1080}, hints),
+              (std::vector<QRect>{left, low.adjusted(0, 30, 0, 0)}));
+}
+
+TEST(X11WorkAreas, BelievesTheAreasPerMonitorBeforeStruts) {
+    X11WorkAreaHints hints;
+    hints.perMonitor = {left.adjusted(0, 27, 0, 0), right};
+    hints.struts = {{X11Strut::Edge::top, 99, 0, 3839}};
+    EXPECT_EQ(visibleAreas({left, right}, both, hints),
+              (std::vector<QRect>{left.adjusted(0, 27, 0, 0), right}));
+}
+
+TEST(X11WorkAreas, LooksToTheCommonAreaWithASingleMonitorOnly) {
+    X11WorkAreaHints hints;
+    hints.together = QRect(0, 0, 1920, 1054);
+    EXPECT_EQ(visibleAreas({left}, left.size(), hints).front(), QRect(0, 0, 1920, 1054));
+    EXPECT_EQ(visibleAreas({left, right}, both, hints), (std::vector<QRect>{left, right}));
+}
+
+TEST(X11WorkAreas, TakesWhatWouldLeaveNothingForAMistake) {
+    X11WorkAreaHints hints;
+    hints.together = QRect(5000, 5000, 10, 10);
+    EXPECT_EQ(visibleAreas({left}, left.size(), hints).front(), left);
+    EXPECT_EQ(areasWith({{X11Strut::Edge::top, 60000, 0, 3839}}),
+              (std::vector<QRect>{left, right}));
+}
+
+TEST(X11WorkAreas, ReadsPartialStrutsBeforeWholeOnes) {
+    const std::vector<std::uint32_t> partial{0, 0, 30, 0, 0, 0, 0, 0, 1920, 3839, 0, 0};
+    const std::vector<std::uint32_t> whole{0, 0, 30, 0};
+    EXPECT_EQ(strutsFrom(partial, whole, both),
+              (std::vector<X11Strut>{{X11Strut::Edge::top, 30, 1920, 3839}}));
+    EXPECT_EQ(strutsFrom({}, whole, both),
+              (std::vector<X11Strut>{{X11Strut::Edge::top, 30, 0, 3839}}));
+    EXPECT_TRUE(strutsFrom({}, {1, 2}, both).empty());
+}
