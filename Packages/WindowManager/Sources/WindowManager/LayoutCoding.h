@@ -1,0 +1,42 @@
+#pragma once
+
+#include "ZoneLayout.h"
+
+#include <QByteArray>
+#include <QJsonObject>
+#include <map>
+
+namespace tilewright {
+
+/// The JSON form of layouts and of the file they are kept in.
+///
+/// Writing fails on a number that JSON has no form for (infinities, not-a-number). Reading is
+/// strict: every key is required, a value of the wrong type anywhere fails the whole, no value is
+/// converted; unknown keys are ignored. What the numbers mean is not checked.
+class LayoutCoding {
+public:
+    LayoutCoding() = delete;
+
+    /// The record that the layouts file holds.
+    struct Persisted {
+        std::vector<ZoneLayout> customLayouts;
+        /// Layout ids by display key.
+        std::map<QString, QUuid> assignments;
+
+        friend bool operator==(const Persisted&, const Persisted&) = default;
+    };
+
+    /// The whole file: compact UTF-8.
+    [[nodiscard]] static std::optional<QByteArray> encode(const Persisted& persisted);
+    [[nodiscard]] static std::optional<QJsonObject> encode(const ZoneLayout& layout);
+    [[nodiscard]] static std::optional<QJsonObject> encode(const Zone& zone);
+    [[nodiscard]] static std::optional<QJsonObject> encode(const ZoneRect& rect);
+
+    /// Reads a whole file; none when any of it is wrong.
+    [[nodiscard]] static std::optional<Persisted> decodePersisted(const QByteArray& bytes);
+    [[nodiscard]] static std::optional<ZoneLayout> decodeZoneLayout(const QJsonValue& value);
+    [[nodiscard]] static std::optional<Zone> decodeZone(const QJsonValue& value);
+    [[nodiscard]] static std::optional<ZoneRect> decodeZoneRect(const QJsonValue& value);
+};
+
+} // namespace tilewright

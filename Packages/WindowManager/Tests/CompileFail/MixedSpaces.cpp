@@ -1,0 +1,49 @@
+// Compiled by tests only. With MIX_SPACES defined, each line marked as refused has to be an error.
+
+#include <WindowManager/CoordinateConverter.h>
+#include <WindowManager/WindowManager.h>
+#include <WindowManager/ZoneHitTesting.h>
+#include <WindowManager/ZoneLayout.h>
+
+using namespace tilewright;
+
+void mix(AppKitPoint mouse, AppKitRect frame, AXPoint axPoint, ZoneRect rect,
+         NormalizedPoint fraction, const Zone& zone, const ZoneLayout& layout, const Screen& screen,
+         WindowManager& manager);
+
+void mix(AppKitPoint mouse, AppKitRect frame, AXPoint axPoint, ZoneRect rect,
+         NormalizedPoint fraction, const Zone& zone, const ZoneLayout& layout, const Screen& screen,
+         WindowManager& manager) {
+    rect = CoordinateConverter::appKitToAX(frame, screen);
+    frame = CoordinateConverter::axToAppKit(rect, screen);
+    (void)ZoneHitTesting::normalizedPointForMouseLocation(mouse, screen);
+    (void)layout.zoneAtNormalized(fraction);
+    (void)manager.windowElementAtScreenPoint(mouse);
+    manager.moveFocusedWindow(rect);
+    (void)frame.contains(mouse);
+    (void)(mouse == AppKitPoint{} && axPoint == AXPoint{} && zone == layout.zones.front());
+#ifdef MIX_SPACES
+    (void)CoordinateConverter::appKitToAX(rect, screen);                     // refused
+    (void)CoordinateConverter::appKitToAX(zone, screen);                     // refused
+    (void)CoordinateConverter::axToAppKit(frame, screen);                    // refused
+    (void)CoordinateConverter::axToAppKit(zone, screen);                     // refused
+    (void)ZoneHitTesting::normalizedPointForMouseLocation(fraction, screen); // refused
+    (void)ZoneHitTesting::normalizedPointForMouseLocation(axPoint, screen);  // refused
+    (void)layout.zoneAtNormalized(mouse);                                    // refused
+    (void)layout.zoneAtNormalized(axPoint);                                  // refused
+    (void)manager.windowElementAtScreenPoint(axPoint);                       // refused
+    (void)manager.windowElementAtScreenPoint(fraction);                      // refused
+    manager.moveFocusedWindow(frame);                                        // refused
+    manager.moveFocusedWindow(zone);                                         // refused
+    (void)frame.contains(axPoint);                                           // refused
+    (void)frame.contains(fraction);                                          // refused
+    mouse = axPoint;                                                         // refused
+    mouse = fraction;                                                        // refused
+    rect = frame;                                                            // refused
+    frame = rect;                                                            // refused
+    (void)(mouse == axPoint);                                                // refused
+    (void)(frame == rect);                                                   // refused
+    (void)(rect == zone);                                                    // refused
+    (void)(fraction == mouse);                                               // refused
+#endif
+}

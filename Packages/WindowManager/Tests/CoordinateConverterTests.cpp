@@ -1,0 +1,71 @@
+#include <FakePlatform.h>
+#include <WindowManager/CoordinateConverter.h>
+
+#include <gtest/gtest.h>
+
+using namespace tilewright;
+using tilewright::testing::FakeDesktop;
+using tilewright::testing::makeScreen;
+
+TEST(CoordinateConverter, FlipsAboutThePrimaryDisplay) {
+    FakeDesktop desktop;
+    const auto screen = makeScreen({.frame = {0, 0, 1440, 900}});
+    desktop.platform.fakeScreens.setScreens({screen});
+    const AppKitRect appKit{100, 600, 400, 200};
+    const ZoneRect ax{100, 100, 400, 200};
+    EXPECT_EQ(CoordinateConverter::appKitToAX(appKit, *screen), ax);
+    EXPECT_EQ(CoordinateConverter::axToAppKit(ax, *screen), appKit);
+}
+
+TEST(CoordinateConverter, GivesADisplayAboveThePrimaryNegativeY) {
+    FakeDesktop desktop;
+    const auto above = makeScreen({.frame = {0, 900, 1920, 1080}});
+    desktop.platform.fakeScreens.setScreens({makeScreen({.frame = {0, 0, 1440, 900}}), above});
+    EXPECT_EQ(CoordinateConverter::appKitToAX({0, 1000, 400, 200}, *above),
+              (ZoneRect{0, -300, 400, 200}));
+}
+
+TEST(CoordinateConverter, IgnoresTheDisplayGivenWhileThereIsAPrimaryOne) {
+    FakeDesktop desktop;
+    const auto primary = makeScreen({.frame = {0, 0, 1440, 900}});
+    const auto other = makeScreen({.frame = {1440, -200, 1920, 1080}});
+    desktop.platform.fakeScreens.setScreens({primary, other});
+    const AppKitRect rect{10, 20, 30, 40};
+    EXPECT_EQ(CoordinateConverter::appKitToAX(rect, *primary),
+              CoordinateConverter::appKitToAX(rect, *other));
+    EXPECT_EQ(CoordinateConverter::axToAppKit({1, 2, 3, 4}, *primary),
+              CoordinateConverter::axToAppKit({1, 2, 3, 4}, *other));
+}
+
+TEST(CoordinateConverter, UsesTheDisplayGivenWhenTheListIsEmpty) {
+    FakeDesktop desktop;
+    const auto screen = makeScreen({.frame = {0, 0, 800, 500}});
+    EXPECT_EQ(CoordinateConverter::appKitToAX({10, 20, 30, 40}, *screen),
+              (ZoneRect{10, 440, 30, 40}));
+    EXPECT_EQ(CoordinateConverter::axToAppKit({10, 440, 30, 40}, *screen),
+              (AppKitRect{10, 20, 30, 40}));
+}
+
+TEST(CoordinateConverter, TakesNegativeSizesByTheirExtentOnTheWayToAccessibilitySpace) {
+    FakeDesktop desktop;
+    const auto screen = makeScreen({.frame = {0, 0, 1440, 900}});
+    desktop.platform.fakeScreens.setScreens({screen});
+    EXPECT_EQ(CoordinateConverter::appKitToAX({100, 600, -400, -200}, *screen),
+              (ZoneRect{100, 100, 400, 200}));
+}
+
+TEST(CoordinateConverter, TakesNegativeSizesAsTheyAreOnTheWayBack) {
+    FakeDesktop desktop;
+    const auto screen = makeScreen({.frame = {0, 0, 1440, 900}});
+    desktop.platform.fakeScreens.setScreens({screen});
+    EXPECT_EQ(CoordinateConverter::axToAppKit({100, 100, -400, -200}, *screen),
+              (AppKitRect{100, 1000, -400, -200}));
+}
+
+TEST(CoordinateConverter, DoesNotRound) {
+    FakeDesktop desktop;
+    const auto screen = makeScreen({.frame = {0, 0, 1440, 900}});
+    desktop.platform.fakeScreens.setScreens({screen});
+    EXPECT_EQ(CoordinateConverter::appKitToAX({0.125, 0.25, 0.5, 0.375}, *screen),
+              (ZoneRect{0.125, 899.375, 0.5, 0.375}));
+}

@@ -1,0 +1,27 @@
+#pragma once
+
+/// Stands between this process and the system for the calls that change files, so that each of
+/// them can be made to fail, or to be the process's last, in turn.
+namespace tilewright::FaultyFileCalls {
+
+enum class Fault {
+    none,
+    /// The call answers ENOSPC and does nothing.
+    fail,
+    /// This call and all later ones do.
+    failFromThereOn,
+    /// A write takes half of its bytes, and all later calls answer ENOSPC; other calls just fail.
+    failHalfWay,
+    /// The process is killed before the call.
+    killBefore,
+    /// The process is killed after the call.
+    killAfter,
+};
+
+/// Counts calls from now on; the one with that number (from 1) meets the fault.
+void arm(Fault fault, int number);
+
+/// Lets every call pass again; answers how many there were.
+int disarm();
+
+} // namespace tilewright::FaultyFileCalls

@@ -1,0 +1,98 @@
+#include <FakePlatform.h>
+#include <WindowManager/CoordinateConverter.h>
+#include <WindowManager/Zone.h>
+
+#include <gtest/gtest.h>
+#include <limits>
+
+using namespace tilewright;
+using tilewright::testing::FakeDesktop;
+using tilewright::testing::makeScreen;
+
+namespace {
+
+Zone zoneAt(double x, double y, double width, double height) {
+    return {QUuid::createUuid(), QStringLiteral("Zone"), x, y, width, height};
+}
+
+} // namespace
+
+TEST(ZoneRect, EqualsFieldByField) {
+    const ZoneRect rect{1, 2, 3, 4};
+    EXPECT_EQ(rect, (ZoneRect{1, 2, 3, 4}));
+    EXPECT_NE(rect, (ZoneRect{0, 2, 3, 4}));
+    EXPECT_NE(rect, (ZoneRect{1, 0, 3, 4}));
+    EXPECT_NE(rect, (ZoneRect{1, 2, 0, 4}));
+    EXPECT_NE(rect, (ZoneRect{1, 2, 3, 0}));
+}
+
+TEST(ZoneRect, WithANumberThatIsNoneEqualsNotEvenItself) {
+    const ZoneRect rect{std::numeric_limits<double>::quiet_NaN(), 2, 3, 4};
+    EXPECT_FALSE(rect == rect); // NOLINT: the point of the test
+}
+
+TEST(Zone, EqualsFieldByField) {
+    const Zone zone = zoneAt(0.1, 0.2, 0.3, 0.4);
+    Zone other = zone;
+    EXPECT_EQ(zone, other);
+    other.name = QStringLiteral("Other");
+    EXPECT_NE(zone, other);
+    for (double Zone::*field : {&Zone::x, &Zone::y, &Zone::width, &Zone::height}) {
+        other = zone;
+        other.*field = 0.9;
+        EXPECT_NE(zone, other);
+    }
+}
+
+TEST(Zone, DiffersFromOneThatOnlyHasAnotherId) {
+    const Zone zone = zoneAt(0, 0, 1, 1);
+    Zone other = zone;
+    other.id = QUuid::createUuid();
+    EXPECT_NE(zone, other);
+}
+
+TEST(Zone, AcceptsAnyNumbers) {
+    const Zone zone = zoneAt(-3, 1.7, 0, -2);
+    EXPECT_EQ(zone.x, -3);
+    EXPECT_EQ(zone.y, 1.7);
+    EXPECT_EQ(zone.width, 0);
+    EXPECT_EQ(zone.height, -2);
+}
+
+TEST(Zone, FillsTheRightHalfOfAVisibleFrame) {
+    FakeDesktop desktop;
+    const auto screen =
+        makeScreen({.frame = {0, 0, 1440, 900}, .visibleFrame = AppKitRect{0, 0, 1440, 875}});
+    desktop.platform.fakeScreens.setScreens({screen});
+    const ZoneRect rect = zoneAt(0.5, 0, 0.5, 1).axRect(*screen);
+    EXPECT_EQ(rect, (ZoneRect{720, 25, 720, 875}));
+    EXPECT_EQ(CoordinateConverter::axToAppKit(rect, *screen), (AppKitRect{720, 0, 720, 875}));
+}
+
+TEST(Zone, AtTheTopWithHalfTheHeightIsTheUpperHalf) {
+    FakeDesktop desktop;
+    const auto screen =
+        makeScreen({.frame = {0, 0, 1440, 900}, .visibleFrame = AppKitRect{0, 70, 1440, 800}});
+    desktop.platform.fakeScreens.setScreens({screen});
+    const ZoneRect rect = zoneAt(0, 0, 1, 0.5).axRect(*screen);
+    EXPECT_EQ(CoordinateConverter::axToAppKit(rect, *screen), (AppKitRect{0, 470, 1440, 400}));
+}
+
+TEST(Zone, IsPlacedWithinTheVisibleFrameOfASecondDisplay) {
+    FakeDesktop desktop;
+    const auto second = makeScreen(
+        {.frame = {1440, -200, 1920, 1080}, .visibleFrame = AppKitRect{1440, -200, 1920, 1040}});
+    desktop.platform.fakeScreens.setScreens({makeScreen(), second});
+    EXPECT_EQ(zoneAt(0.25, 0.5, 0.5, 0.5).axRect(*second),
+              (ZoneRect{1440 + 480, 900 - (-200 + 520), 960, 520}));
+}
+
+TEST(Zone, IsNeitherRoundedNorClipped) {
+    FakeDesktop desktop;
+    const auto screen = makeScreen({.frame = {0, 0, 1366, 768}});
+    desktop.platform.fakeScreens.setScreens({screen});
+    const double third = 0.3333333333333333;
+    EXPECT_EQ(zoneAt(third, 0, third, 1).axRect(*screen),
+              (ZoneRect{third * 1366, 0, third * 1366, 768}));
+    EXPECT_EQ(zoneAt(-1, -1, 3, 2).axRect(*screen), (ZoneRect{-1366, -768, 3 * 1366.0, 1536}));
+}
