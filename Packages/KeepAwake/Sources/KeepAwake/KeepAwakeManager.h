@@ -1,0 +1,53 @@
+#pragma once
+
+#include "KeepAwakeSession.h"
+
+#include <Platform/ObservableObject.h>
+#include <Platform/Platform.h>
+
+#include <memory>
+#include <optional>
+
+namespace tilewright {
+
+/// Keeps the display awake: holds one power assertion while a session runs, and counts a timed
+/// session down once a second, by ticks, never by the clock. A session that cannot get its
+/// assertion does not start, silently. Main thread only.
+class KeepAwakeManager final : public ObservableObject {
+    Q_OBJECT
+
+public:
+    [[nodiscard]] static KeepAwakeManager& shared();
+    /// Neither stops the countdown's timer nor releases the assertion: ending a session is the job
+    /// of `deactivate()`.
+    ~KeepAwakeManager() override;
+
+    /// Published: whether a session runs and its assertion is held.
+    [[nodiscard]] bool isActive() const { return isActive_.value(); }
+    /// Published: the running session.
+    [[nodiscard]] const std::optional<KeepAwakeSession>& session() const {
+        return session_.value();
+    }
+    /// Published: the seconds left of a timed session, else 0.
+    [[nodiscard]] double remainingSeconds() const { return remainingSeconds_.value(); }
+
+    /// Ends any running session, then starts this one.
+    void activate(const KeepAwakeSession& session);
+    /// Ends whatever runs.
+    void deactivate();
+
+private:
+    friend class SharedInstance<KeepAwakeManager>;
+    KeepAwakeManager();
+
+    void scheduleCountdown();
+    void tick();
+
+    Published<bool> isActive_{*this, false};
+    Published<std::optional<KeepAwakeSession>> session_{*this, std::nullopt};
+    Published<double> remainingSeconds_{*this, 0};
+    PowerAssertionID assertionID_ = 0;
+    std::shared_ptr<Timer> timer_;
+};
+
+} // namespace tilewright
