@@ -1,0 +1,19 @@
+#pragma once
+
+#include <WindowManager/Zone.h>
+
+#include <optional>
+#include <vector>
+
+namespace tilewright {
+
+/// Where the layout editor puts a new zone: the first free place for the largest size that fits.
+///
+/// Seven sizes are tried, from the left half of the canvas down to a square of `minZoneSize`; each
+/// is scanned row by row from the top, left to right, in steps of 0.05. Zones that overlap a place
+/// by no more than 0.0005 do not block it. The result is in normalized zone space and has a fresh
+/// id and an empty name; none when no size fits anywhere.
+[[nodiscard]] std::optional<Zone> freeSlot(const std::vector<Zone>& zones,
+                                           double minZoneSize = 0.05);
+
+} // namespace tilewright

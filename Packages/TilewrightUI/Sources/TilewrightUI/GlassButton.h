@@ -1,0 +1,69 @@
+#pragma once
+
+#include "Look.h"
+
+#include <QAbstractButton>
+#include <QMenu>
+#include <QPointer>
+
+namespace tilewright {
+
+/// A push button in the program's own look: a title, plain text, with a symbol before it where it
+/// has one. Space and Enter press it.
+class GlassButton final : public QAbstractButton {
+    Q_OBJECT
+
+public:
+    enum class Kind {
+        /// A translucent capsule.
+        glass,
+        /// A capsule filled with the accent: the one action that matters.
+        prominent,
+        /// A tinted, rounded bezel that fills the width it is given.
+        bordered,
+        /// Text alone, in the secondary colour and the caption style.
+        plain,
+    };
+    enum class Role { normal, destructive };
+    enum class ControlSize { regular, small };
+
+    explicit GlassButton(const QString& title, Kind kind = Kind::glass, QWidget* parent = nullptr);
+
+    [[nodiscard]] const QString& title() const { return title_; }
+    void setTitle(const QString& title);
+    /// Shows a symbol before the title; an empty name shows none.
+    void setSymbol(const QString& name);
+    /// A destructive button is red.
+    void setRole(Role role);
+    void setControlSize(ControlSize size);
+    /// Makes the button open a menu, which it takes ownership of, below itself; a chevron after the
+    /// title says so.
+    void setMenu(QMenu* menu);
+    [[nodiscard]] QMenu* menu() const { return menu_; }
+
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override;
+
+protected:
+    bool event(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    struct Metrics;
+    [[nodiscard]] Metrics metrics() const;
+    [[nodiscard]] QColor textColor() const;
+    void applyFont();
+    void popUpMenu();
+    void paintBezel(QPainter& painter, const QRectF& bezel, double radius) const;
+    void paintFocus(QPainter& painter, const QRectF& bezel, double radius) const;
+
+    const Kind kind_;
+    Role role_ = Role::normal;
+    ControlSize size_ = ControlSize::regular;
+    QString title_;
+    QString symbol_;
+    QPointer<QMenu> menu_;
+};
+
+} // namespace tilewright

@@ -1,0 +1,149 @@
+#include "LayoutCard.h"
+
+#include "Look.h"
+#include "MiniLayoutPreview.h"
+#include "SymbolView.h"
+#include "Symbols.h"
+#include "TextLabel.h"
+
+#include <QContextMenuEvent>
+#include <QHelpEvent>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QPainter>
+#include <QToolTip>
+#include <QVBoxLayout>
+
+namespace tilewright {
+
+namespace {
+
+constexpr int padding = 6;
+constexpr int previewHeight = 42;
+constexpr int badgeSide = 13;
+constexpr int badgePadding = 3;
+constexpr double cornerRadius = 8;
+
+} // namespace
+
+LayoutCard::LayoutCard(const ZoneLayout& layout, QWidget* parent)
+    : ModelButton(parent)
+    , layout_(layout)
+    , preview_(new MiniLayoutPreview(layout, this))
+    , name_(new TextLabel(layout.name, look::TextStyle::caption2, TextLabel::Importance::primary,
+                          this))
+    , badge_(new SymbolView(badgeSide, this)) {
+    // All cells of a row are of one width, however long the names in them.
+    setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    preview_->setFixedHeight(previewHeight);
+    name_->setOverflow(TextLabel::Overflow::shrinkThenElide);
+    name_->setAlignment(Qt::AlignCenter);
+    name_->setAttribute(Qt::WA_TransparentForMouseEvents);
+    badge_->setSymbol(
+        QStringLiteral("checkmark.circle.fill"), [](const QPalette&) { return QColor(Qt::white); },
+        [](const QPalette&) { return look::tilewrightAmber(); });
+    badge_->hide();
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(padding, padding, padding, padding);
+    column->setSpacing(5);
+    column->addWidget(preview_);
+    column->addWidget(name_);
+    connect(this, &QAbstractButton::toggled, this, [this] { badge_->setVisible(isOn()); });
+    setZoneLayout(layout);
+}
+
+void LayoutCard::setZoneLayout(const ZoneLayout& layout) {
+    layout_ = layout;
+    preview_->setZoneLayout(layout);
+    name_->setText(layout.name);
+    setAccessibleName(layout.name);
+}
+
+QMenu* LayoutCard::makeContextMenu() {
+    if (layout_.isBuiltIn)
+        return nullptr;
+    auto* menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    QAction* action = menu->addAction(symbols::icon(QStringLiteral("trash"), look::red(palette())),
+                                      tr("Delete Layout"));
+    action->setIconVisibleInMenu(true);
+    connect(action, &QAction::triggered, this, &LayoutCard::deleteRequested);
+    return menu;
+}
+
+void LayoutCard::contextMenuEvent(QContextMenuEvent* event) {
+    QMenu* menu = makeContextMenu();
+    if (!menu) {
+        event->ignore();
+        return;
+    }
+    const bool byKeyboard = event->reason() == QContextMenuEvent::Keyboard;
+    menu->popup(byKeyboard ? mapToGlobal(rect().center()) : event->globalPos());
+    event->accept();
+}
+
+void LayoutCard::keyPressEvent(QKeyEvent* event) {
+    const int forward = layoutDirection() == Qt::RightToLeft ? -1 : 1;
+    switch (event->key()) {
+    case Qt::Key_Left:
+        Q_EMIT moveRequested(-forward, 0);
+        return;
+    case Qt::Key_Right:
+        Q_EMIT moveRequested(forward, 0);
+        return;
+    case Qt::Key_Up:
+        Q_EMIT moveRequested(0, -1);
+        return;
+    case Qt::Key_Down:
+        Q_EMIT moveRequested(0, 1);
+        return;
+    default:
+        ModelButton::keyPressEvent(event);
+    }
+}
+
+bool LayoutCard::event(QEvent* event) {
+    if (event->type() == QEvent::LayoutDirectionChange)
+        placeBadge();
+    if (event->type() == QEvent::ToolTip && name_->shownText() != layout_.name) {
+        const auto* help = static_cast<QHelpEvent*>(event);
+        QToolTip::showText(help->globalPos(), layout_.name.toHtmlEscaped(), this);
+        return true;
+    }
+    return ModelButton::event(event);
+}
+
+void LayoutCard::resizeEvent(QResizeEvent* event) {
+    placeBadge();
+    ModelButton::resizeEvent(event);
+}
+
+void LayoutCard::placeBadge() {
+    const int x =
+        layoutDirection() == Qt::RightToLeft ? badgePadding : width() - badgePadding - badgeSide;
+    badge_->move(x, badgePadding);
+    badge_->raise();
+}
+
+void LayoutCard::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRectF shape(rect());
+    painter.setPen(Qt::NoPen);
+    if (isOn()) {
+        painter.setBrush(look::tilewrightAmber(0.18));
+        painter.drawRoundedRect(shape, cornerRadius, cornerRadius);
+    } else if (isDown() || underMouse()) {
+        painter.setBrush(look::withOpacity(look::quaternary(palette()), isDown() ? 1.0 : 0.5));
+        painter.drawRoundedRect(shape, cornerRadius, cornerRadius);
+    }
+    const QColor border =
+        isOn() ? look::tilewrightAmber() : look::withOpacity(look::secondary(palette()), 0.3);
+    look::strokeInside(painter, shape, cornerRadius, border, isOn() ? 2 : 1);
+    if (hasFocus()) {
+        // Inside the border, which says something else.
+        look::paintFocusRing(painter, shape.adjusted(2, 2, -2, -2), cornerRadius - 2, palette());
+    }
+}
+
+} // namespace tilewright

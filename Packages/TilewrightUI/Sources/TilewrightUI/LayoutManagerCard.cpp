@@ -1,0 +1,75 @@
+#include "LayoutManagerCard.h"
+
+#include "GlassButton.h"
+#include "Look.h"
+#include "MiniLayoutPreview.h"
+#include "TextLabel.h"
+
+#include <QHBoxLayout>
+#include <QPainter>
+#include <QVBoxLayout>
+
+namespace tilewright {
+
+namespace {
+
+constexpr int padding = 10;
+constexpr int previewHeight = 70;
+constexpr double cornerRadius = 10;
+
+} // namespace
+
+LayoutManagerCard::LayoutManagerCard(const ZoneLayout& layout, Deletable deletable, QWidget* parent)
+    : QWidget(parent)
+    , layout_(layout)
+    , preview_(new MiniLayoutPreview(layout, this))
+    , name_(new TextLabel({}, look::TextStyle::callout, TextLabel::Importance::primary, this))
+    , count_(new TextLabel({}, look::TextStyle::caption2, TextLabel::Importance::secondary, this)) {
+    preview_->setFixedHeight(previewHeight);
+    name_->setOverflow(TextLabel::Overflow::elide);
+    auto* row = new QHBoxLayout;
+    row->setSpacing(look::defaultSpacing);
+    row->addWidget(name_, 1);
+    row->addWidget(count_);
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(padding, padding, padding, padding);
+    column->setSpacing(6);
+    column->addWidget(preview_);
+    column->addLayout(row);
+    if (deletable == Deletable::yes) {
+        deleteButton_ = new GlassButton(tr("Delete"), GlassButton::Kind::bordered, this);
+        deleteButton_->setSymbol(QStringLiteral("trash"));
+        deleteButton_->setRole(GlassButton::Role::destructive);
+        deleteButton_->setControlSize(GlassButton::ControlSize::small);
+        connect(deleteButton_, &QAbstractButton::clicked, this,
+                &LayoutManagerCard::deleteRequested);
+        column->addWidget(deleteButton_);
+    }
+    setZoneLayout(layout);
+}
+
+void LayoutManagerCard::setZoneLayout(const ZoneLayout& layout) {
+    layout_ = layout;
+    preview_->setZoneLayout(layout);
+    name_->setText(layout.name);
+    count_->setText(countText());
+    setAccessibleName(layout.name);
+    if (deleteButton_)
+        deleteButton_->setAccessibleName(tr("Delete %1").arg(layout.name));
+}
+
+QString LayoutManagerCard::countText() const {
+    // One text for every number, also for one.
+    return tr("%1 zones").arg(layout_.zones.size());
+}
+
+void LayoutManagerCard::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(look::cardFill(palette()));
+    painter.drawRoundedRect(QRectF(rect()), cornerRadius, cornerRadius);
+    look::strokeInside(painter, QRectF(rect()), cornerRadius, look::separator(palette()), 1);
+}
+
+} // namespace tilewright

@@ -1,0 +1,144 @@
+#include "LayoutManagerView.h"
+
+#include "AdaptiveGridLayout.h"
+#include "GlassButton.h"
+#include "LayoutManagerCard.h"
+#include "Look.h"
+#include "SlimScrollBar.h"
+#include "TextLabel.h"
+
+#include <WindowManager/LayoutStore.h>
+
+#include <QMessageBox>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace tilewright {
+
+namespace {
+
+constexpr int sectionSpacing = 18;
+constexpr int itemSpacing = 8;
+constexpr int minimumColumnWidth = 150;
+constexpr int columnSpacing = 12;
+
+/// A section's column with its title, to which the caller adds the rest.
+QVBoxLayout* makeSection(const QString& title) {
+    auto* section = new QVBoxLayout;
+    section->setSpacing(itemSpacing);
+    section->addWidget(new TextLabel(title, look::TextStyle::headline));
+    return section;
+}
+
+TextLabel* makeSubtitle(const QString& text) {
+    auto* label = new TextLabel(text, look::TextStyle::caption, TextLabel::Importance::secondary);
+    label->setOverflow(TextLabel::Overflow::wrap);
+    return label;
+}
+
+} // namespace
+
+LayoutManagerView::LayoutManagerView(QWidget* parent)
+    : QScrollArea(parent)
+    , refresh_([this] { refresh(); }) {
+    setFrameShape(QFrame::NoFrame);
+    setWidgetResizable(true);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    // The bar keeps its room, so that cards do not move when the first row too many appears.
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    setVerticalScrollBar(new SlimScrollBar);
+    setFocusPolicy(Qt::NoFocus);
+
+    auto* content = new QWidget;
+    auto* column = new QVBoxLayout(content);
+    column->setContentsMargins(look::defaultPadding, look::defaultPadding,
+                               look::defaultPadding - SlimScrollBar::thickness,
+                               look::defaultPadding);
+    column->setSpacing(sectionSpacing);
+
+    QVBoxLayout* custom = makeSection(tr("Your Layouts"));
+    hint_ = makeSubtitle(tr("Create layouts in the Layouts tab."));
+    custom->addWidget(hint_);
+    customGrid_ = new AdaptiveGridLayout(minimumColumnWidth, columnSpacing);
+    custom->addLayout(customGrid_);
+    column->addLayout(custom);
+
+    QVBoxLayout* builtIn = makeSection(tr("Built-in Layouts"));
+    builtIn->addWidget(makeSubtitle(tr("Presets that ship with Tilewright.")));
+    auto* builtInGrid = new AdaptiveGridLayout(minimumColumnWidth, columnSpacing);
+    for (const ZoneLayout& layout : ZoneLayout::builtIns()) {
+        builtInCards_.push_back(
+            new LayoutManagerCard(layout, LayoutManagerCard::Deletable::no, content));
+        builtInGrid->addWidget(builtInCards_.back());
+    }
+    builtIn->addLayout(builtInGrid);
+    column->addLayout(builtIn);
+    column->addStretch();
+    setWidget(content);
+    // The window's own ground shows through.
+    content->setAutoFillBackground(false);
+    viewport()->setAutoFillBackground(false);
+
+    refresh_.observe(LayoutStore::shared());
+    refresh();
+}
+
+LayoutManagerView::~LayoutManagerView() = default;
+
+void LayoutManagerView::refresh() {
+    const auto& layouts = LayoutStore::shared().customLayouts();
+    for (std::size_t i = 0; i < layouts.size(); ++i) {
+        if (i < customCards_.size()) {
+            customCards_[i]->setZoneLayout(layouts[i]);
+            continue;
+        }
+        auto* card = new LayoutManagerCard(layouts[i], LayoutManagerCard::Deletable::yes, widget());
+        connect(card, &LayoutManagerCard::deleteRequested, this,
+                [this, card] { setPendingDelete(card->zoneLayout()); });
+        customGrid_->addWidget(card);
+        card->setVisible(true);
+        customCards_.push_back(card);
+    }
+    while (customCards_.size() > layouts.size()) {
+        delete customCards_.back();
+        customCards_.pop_back();
+    }
+    hint_->setVisible(layouts.empty());
+}
+
+void LayoutManagerView::setPendingDelete(const std::optional<ZoneLayout>& layout) {
+    pendingDelete_ = layout;
+    if (confirmation_) {
+        QMessageBox* ended = confirmation_;
+        confirmation_ = nullptr;
+        ended->disconnect(this);
+        ended->close();
+    }
+    if (pendingDelete_)
+        showConfirmation();
+}
+
+void LayoutManagerView::showConfirmation() {
+    confirmation_ = new QMessageBox(this);
+    confirmation_->setAttribute(Qt::WA_DeleteOnClose);
+    confirmation_->setIcon(QMessageBox::NoIcon);
+    confirmation_->setTextFormat(Qt::PlainText);
+    const QString title = tr("Delete “%1”?").arg(pendingDelete_->name);
+    confirmation_->setWindowTitle(title);
+    confirmation_->setText(title);
+    confirmation_->setInformativeText(
+        tr("This removes the layout and clears it from any displays using it."));
+    auto* confirm = confirmation_->addButton(tr("Delete"), QMessageBox::DestructiveRole);
+    auto* cancel = confirmation_->addButton(tr("Cancel"), QMessageBox::RejectRole);
+    confirmation_->setDefaultButton(cancel);
+    confirmation_->setEscapeButton(cancel);
+    connect(confirmation_, &QDialog::finished, this, [this, confirm] {
+        const bool isConfirmed = confirmation_->clickedButton() == confirm;
+        if (isConfirmed && pendingDelete_)
+            LayoutStore::shared().removeCustomLayout(pendingDelete_->id);
+        setPendingDelete(std::nullopt);
+    });
+    confirmation_->open();
+}
+
+} // namespace tilewright

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "HighlightFade.h"
+
+#include <WindowManager/Zone.h>
+
+#include <QRect>
+#include <QRectF>
+#include <QRegion>
+#include <QSizeF>
+#include <QUuid>
+
+class QPainter;
+
+namespace tilewright {
+
+/// One zone as the overlay draws it: a rounded rectangle with a border inside its edge. Lengths and
+/// places are in the overlay's own coordinates, in points.
+class OverlayTile {
+public:
+    /// Whether a tile is the only one in its place.
+    enum class Ground { own, shared };
+
+    /// The tile of a zone in an overlay of this size.
+    OverlayTile(const Zone& zone, const QSizeF& overlay);
+
+    [[nodiscard]] const QUuid& zoneID() const { return zoneID_; }
+    /// The outer edge: the zone's share of the overlay less 4 points on each side, never of a
+    /// negative size. Empty where the zone is no larger than that, or has a number that is none.
+    [[nodiscard]] const QRectF& frame() const { return frame_; }
+    /// Holds every pixel that the tile may touch.
+    [[nodiscard]] QRect area() const;
+
+    /// How far the tile is highlighted.
+    HighlightFade fade;
+    /// `own` while no other tile's area touches this one's.
+    Ground ground = Ground::own;
+
+    /// Draws the tile translucently. On a ground of its own whatever was there is replaced, else it
+    /// is covered.
+    void paint(QPainter& painter) const;
+    /// The part of the painter's device, in its pixels, that `paint` replaces wholly.
+    [[nodiscard]] QRect replacedPixels(double pixelsPerPoint) const;
+
+    /// Draws the border alone, opaque, somewhat beyond both its edges: the caller cuts to
+    /// `border()`, and no rounding of that may show what lies between.
+    void paintOpaque(QPainter& painter) const;
+    /// What the border covers when it is drawn without transparency.
+    [[nodiscard]] QRegion border() const;
+    /// What lies within the tile's outer edge.
+    [[nodiscard]] QRegion shape() const;
+    /// The border's width in whole points.
+    [[nodiscard]] int opaqueBorderWidth() const;
+
+private:
+    QUuid zoneID_;
+    QRectF frame_;
+};
+
+} // namespace tilewright

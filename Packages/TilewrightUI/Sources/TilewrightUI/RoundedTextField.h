@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QLineEdit>
+
+namespace tilewright {
+
+/// A text field with a rounded border in the program's look.
+class RoundedTextField final : public QLineEdit {
+    Q_OBJECT
+
+public:
+    /// The placeholder is what assistive tools call the field, too.
+    explicit RoundedTextField(const QString& placeholder, QWidget* parent = nullptr);
+
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+};
+
+} // namespace tilewright

@@ -1,0 +1,232 @@
+#include "SnapOverlayView.h"
+
+#include "Look.h"
+
+#include <Platform/Platform.h>
+
+#include <QPaintEvent>
+#include <QPainter>
+#include <algorithm>
+
+namespace tilewright {
+
+namespace {
+
+bool areInTheSamePlaces(const std::vector<OverlayTile>& some,
+                        const std::vector<OverlayTile>& others) {
+    return std::equal(some.begin(), some.end(), others.begin(), others.end(),
+                      [](const OverlayTile& a, const OverlayTile& b) {
+                          return a.zoneID() == b.zoneID() && a.frame() == b.frame();
+                      });
+}
+
+/// Tells the tiles that may be drawn without regard to the others.
+void findGrounds(std::vector<OverlayTile>& tiles) {
+    for (OverlayTile& tile : tiles) {
+        const bool shares = std::any_of(tiles.begin(), tiles.end(), [&](const OverlayTile& other) {
+            return &other != &tile && other.area().intersects(tile.area());
+        });
+        tile.ground = shares ? OverlayTile::Ground::shared : OverlayTile::Ground::own;
+    }
+}
+
+} // namespace
+
+SnapOverlayView::SnapOverlayView(const SnapOverlayModel& model, QWidget* parent)
+    : QWidget(parent)
+    , model_(model)
+    , refresh_([this] { carryOut(synchronize(preferredTransition())); }) {
+    setAttribute(Qt::WA_NoSystemBackground);
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+    setFocusPolicy(Qt::NoFocus);
+    refresh_.observe(model);
+    carryOut(synchronize(Transition::immediate));
+}
+
+SnapOverlayView::~SnapOverlayView() = default;
+
+void SnapOverlayView::setRendering(OverlayRendering rendering) {
+    if (rendering == rendering_)
+        return;
+    rendering_ = rendering;
+    carryOut({rect(), true});
+}
+
+template<class RegionOf>
+QRegion SnapOverlayView::united(RegionOf regionOf) const {
+    // A surface asks before the model's change has come round the loop, and before it shows the
+    // view, which only then learns its size.
+    std::vector<OverlayTile> tiles = tilesOfModel();
+    if (areInTheSamePlaces(tiles, tiles_))
+        tiles = tiles_;
+    QRegion region;
+    for (const OverlayTile& tile : tiles)
+        region += regionOf(tile);
+    return region.intersected(rect());
+}
+
+QRegion SnapOverlayView::outline() const {
+    return united([](const OverlayTile& tile) { return tile.border(); });
+}
+
+QRegion SnapOverlayView::blurArea() const {
+    return united([](const OverlayTile& tile) { return tile.shape(); });
+}
+
+void SnapOverlayView::onAreasChanged(std::function<void()> callback) {
+    onAreasChanged_ = std::move(callback);
+}
+
+void SnapOverlayView::finishAnimations() {
+    carryOut(synchronize(Transition::immediate));
+}
+
+SnapOverlayView::Transition SnapOverlayView::preferredTransition() const {
+    return isVisible() && !look::prefersReducedMotion() ? Transition::fading
+                                                        : Transition::immediate;
+}
+
+template<class Action>
+void SnapOverlayView::changeFade(OverlayTile& tile, Change& change, Action action) const {
+    const double valueBefore = tile.fade.value();
+    const int widthBefore = tile.opaqueBorderWidth();
+    action(tile.fade);
+    if (tile.fade.value() != valueBefore)
+        change.repaint += tile.area();
+    if (rendering_ == OverlayRendering::shaped && tile.opaqueBorderWidth() != widthBefore)
+        change.areas = true;
+}
+
+void SnapOverlayView::carryOut(const Change& change) {
+    if (!change.repaint.isEmpty())
+        update(change.repaint);
+    if (change.areas && onAreasChanged_)
+        onAreasChanged_();
+}
+
+SnapOverlayView::Change SnapOverlayView::synchronize(Transition transition) {
+    Change change;
+    if (replaceTiles())
+        change = {rect(), true};
+    const MainLoop::Interval now = Platform::current().mainLoop().now();
+    for (OverlayTile& tile : tiles_) {
+        const bool highlighted = tile.zoneID() == model_.highlightedZoneID();
+        changeFade(tile, change, [&](HighlightFade& fade) {
+            if (transition == Transition::immediate) {
+                fade.finish(highlighted);
+                return;
+            }
+            // Frames are counted from the latest start, so that its fade ends on time; the fades
+            // that run already take this for a frame of theirs.
+            if (fade.isHighlighted() != highlighted)
+                frames_.reset();
+            fade.start(highlighted, now);
+            fade.advance(now);
+        });
+    }
+    runFramesWhileFading();
+    return change;
+}
+
+std::vector<OverlayTile> SnapOverlayView::tilesOfModel() const {
+    std::vector<OverlayTile> tiles;
+    tiles.reserve(model_.layout().zones.size());
+    for (const Zone& zone : model_.layout().zones) {
+        OverlayTile& tile = tiles.emplace_back(zone, size());
+        tile.fade.finish(zone.id == model_.highlightedZoneID());
+    }
+    return tiles;
+}
+
+bool SnapOverlayView::replaceTiles() {
+    std::vector<OverlayTile> tiles = tilesOfModel();
+    if (areInTheSamePlaces(tiles, tiles_))
+        return false;
+    findGrounds(tiles);
+    for (OverlayTile& tile : tiles) {
+        const bool wasHighlighted =
+            std::any_of(tiles_.begin(), tiles_.end(), [&](const OverlayTile& old) {
+                return old.zoneID() == tile.zoneID() && old.fade.isHighlighted();
+            });
+        tile.fade.finish(wasHighlighted);
+    }
+    tiles_ = std::move(tiles);
+    return true;
+}
+
+void SnapOverlayView::runFramesWhileFading() {
+    const bool fades = std::any_of(tiles_.begin(), tiles_.end(),
+                                   [](const OverlayTile& tile) { return tile.fade.isRunning(); });
+    if (!fades)
+        frames_.reset();
+    else if (!frames_.isActive())
+        frames_ = ScopedTimer(Platform::current().mainLoop().scheduleRepeating(
+            HighlightFade::frame, [this] { advanceFades(); }));
+}
+
+void SnapOverlayView::advanceFades() {
+    const MainLoop::Interval now = Platform::current().mainLoop().now();
+    Change change;
+    for (OverlayTile& tile : tiles_)
+        changeFade(tile, change, [now](HighlightFade& fade) { fade.advance(now); });
+    runFramesWhileFading();
+    carryOut(change);
+}
+
+void SnapOverlayView::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    carryOut(synchronize(preferredTransition()));
+}
+
+void SnapOverlayView::showEvent(QShowEvent* event) {
+    // What changed while nobody could see it must not fade now.
+    if (!event->spontaneous())
+        finishAnimations();
+    QWidget::showEvent(event);
+}
+
+void SnapOverlayView::hideEvent(QHideEvent* event) {
+    if (!event->spontaneous())
+        finishAnimations();
+    QWidget::hideEvent(event);
+}
+
+void SnapOverlayView::paintEvent(QPaintEvent* event) {
+    // The surface may repaint at once, before the model's change has come round the loop.
+    Change change = synchronize(preferredTransition());
+    change.repaint -= event->region();
+    carryOut(change);
+
+    QPainter painter(this);
+    const bool isShaped = rendering_ == OverlayRendering::shaped;
+    if (!isShaped)
+        clear(painter, event->region());
+    for (const OverlayTile& tile : tiles_) {
+        if (!event->region().intersects(tile.area()))
+            continue;
+        if (isShaped)
+            tile.paintOpaque(painter);
+        else
+            tile.paint(painter);
+    }
+}
+
+void SnapOverlayView::clear(QPainter& painter, const QRegion& exposed) const {
+    const double scale = painter.deviceTransform().m11();
+    QRegion pixels;
+    for (const QRect& rect : exposed) {
+        pixels +=
+            QRectF(rect.x() * scale, rect.y() * scale, rect.width() * scale, rect.height() * scale)
+                .toAlignedRect();
+    }
+    for (const OverlayTile& tile : tiles_)
+        pixels -= tile.replacedPixels(scale);
+    painter.save();
+    painter.scale(1 / scale, 1 / scale);
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    for (const QRect& rect : pixels)
+        painter.fillRect(rect, Qt::transparent);
+    painter.restore();
+}
+
+} // namespace tilewright

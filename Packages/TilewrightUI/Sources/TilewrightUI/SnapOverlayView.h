@@ -1,0 +1,78 @@
+#pragma once
+
+#include "OverlayTile.h"
+#include "SnapOverlayModel.h"
+
+#include <Platform/MainLoop.h>
+#include <Platform/OverlaySurface.h>
+
+#include <QWidget>
+#include <functional>
+#include <vector>
+
+namespace tilewright {
+
+/// Draws a layout's zones as rounded, translucent tiles over the whole of the view, the highlighted
+/// one in the accent colour.
+///
+/// Follows its model: it redraws when the layout or the highlighted zone changes, only the tiles
+/// that differ, and lets the highlight fade over while it is shown; hidden, it changes at once. No
+/// timer runs and no buffer is kept while nothing fades. Under transparency what it does not draw
+/// is cleared, so it has to lie alone on its surface. Main thread only.
+class SnapOverlayView final : public QWidget, public OverlayView {
+    Q_OBJECT
+
+public:
+    /// The model has to outlive the view.
+    explicit SnapOverlayView(const SnapOverlayModel& model, QWidget* parent = nullptr);
+    ~SnapOverlayView() override;
+
+    [[nodiscard]] QWidget& widget() override { return *this; }
+    void setRendering(OverlayRendering rendering) override;
+    [[nodiscard]] QRegion outline() const override;
+    [[nodiscard]] QRegion blurArea() const override;
+    void onAreasChanged(std::function<void()> callback) override;
+    void finishAnimations() override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+
+private:
+    enum class Transition { fading, immediate };
+    /// What a change asks for.
+    struct Change {
+        QRegion repaint;
+        bool areas = false;
+    };
+
+    /// Takes over what the model says.
+    [[nodiscard]] Change synchronize(Transition transition);
+    /// The tiles as they are to be, all fades ended.
+    [[nodiscard]] std::vector<OverlayTile> tilesOfModel() const;
+    /// Lays out the tiles anew where their places have changed. Answers whether they have.
+    [[nodiscard]] bool replaceTiles();
+    /// Does something to a tile's fade and notes what follows from it.
+    template<class Action>
+    void changeFade(OverlayTile& tile, Change& change, Action action) const;
+    void carryOut(const Change& change);
+    void advanceFades();
+    void runFramesWhileFading();
+    [[nodiscard]] Transition preferredTransition() const;
+    /// The union of a region of each tile's.
+    template<class RegionOf>
+    [[nodiscard]] QRegion united(RegionOf regionOf) const;
+    /// Makes transparent what no tile is about to replace.
+    void clear(QPainter& painter, const QRegion& exposed) const;
+
+    const SnapOverlayModel& model_;
+    OverlayRendering rendering_ = OverlayRendering::translucent;
+    std::vector<OverlayTile> tiles_;
+    Refresh refresh_;
+    ScopedTimer frames_;
+    std::function<void()> onAreasChanged_;
+};
+
+} // namespace tilewright

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QColor>
+#include <QIcon>
+#include <QPixmap>
+#include <QString>
+
+class QPainter;
+class QRectF;
+
+/// The program's symbols: own drawings, one SVG resource for each symbol name, such as
+/// "cup.and.saucer.fill". Drawn in one colour; symbols of two tones take a second one.
+namespace tilewright::symbols {
+
+/// Whether there is a drawing under this name.
+[[nodiscard]] bool exists(const QString& name);
+/// Draws the symbol into the rectangle, centred, keeping its proportions.
+void paint(QPainter& painter, const QRectF& rect, const QString& name, const QColor& color,
+           const QColor& second = Qt::transparent);
+/// The symbol in a square of `size` points, at the device pixel ratio.
+[[nodiscard]] QPixmap pixmap(const QString& name, double size, const QColor& color,
+                             double devicePixelRatio, const QColor& second = Qt::transparent);
+/// The symbol as an icon that renders itself at each size asked for.
+[[nodiscard]] QIcon icon(const QString& name, const QColor& color);
+
+} // namespace tilewright::symbols

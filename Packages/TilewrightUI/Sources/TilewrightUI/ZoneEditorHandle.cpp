@@ -1,0 +1,137 @@
+#include "ZoneEditorHandle.h"
+
+#include "Look.h"
+#include "Symbols.h"
+#include "ZoneEditorTile.h"
+
+#include <QKeyEvent>
+#include <QPainter>
+#include <algorithm>
+#include <cmath>
+
+namespace tilewright {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr double symbolSide = 9;
+/// Room around the circle for its shadow.
+constexpr int shadowRoom = 2;
+/// How much of the zone stays free between two handles, so that its body can be dragged.
+constexpr double bodyRoom = 12;
+
+bool isLeft(ZoneEditorGeometry::Corner corner) {
+    using Corner = ZoneEditorGeometry::Corner;
+    return corner == Corner::topLeft || corner == Corner::bottomLeft;
+}
+
+bool isTop(ZoneEditorGeometry::Corner corner) {
+    using Corner = ZoneEditorGeometry::Corner;
+    return corner == Corner::topLeft || corner == Corner::topRight;
+}
+
+/// How far inside its zone a handle begins, along one axis: at the edge, or outside it where the
+/// zone is too small to hold two handles and some body between them.
+double inset(double size) {
+    return std::clamp((size - bodyRoom) / 2 - ZoneEditorHandle::diameter,
+                      -ZoneEditorHandle::diameter, 0.0);
+}
+
+QString symbolOf(ZoneEditorGeometry::Corner corner) {
+    const QString vertical = isTop(corner) ? u"arrow.up"_s : u"arrow.down"_s;
+    return vertical + (isLeft(corner) ? u".left"_s : u".right"_s);
+}
+
+} // namespace
+
+ZoneEditorHandle::ZoneEditorHandle(LayoutEditorModel& model, Corner corner, QWidget* canvas)
+    : QWidget(canvas)
+    , model_(model)
+    , corner_(corner) {
+    setFocusPolicy(Qt::TabFocus);
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+    switch (corner) {
+    case Corner::topLeft:
+        setAccessibleName(tr("Top left corner"));
+        break;
+    case Corner::topRight:
+        setAccessibleName(tr("Top right corner"));
+        break;
+    case Corner::bottomLeft:
+        setAccessibleName(tr("Bottom left corner"));
+        break;
+    case Corner::bottomRight:
+        setAccessibleName(tr("Bottom right corner"));
+        break;
+    }
+    hide();
+}
+
+void ZoneEditorHandle::attach(std::size_t index, const QRectF& zoneFrame, const QRectF& bounds) {
+    index_ = index;
+    const double x = isLeft(corner_) ? zoneFrame.left() + inset(zoneFrame.width())
+                                     : zoneFrame.right() - inset(zoneFrame.width()) - diameter;
+    const double y = isTop(corner_) ? zoneFrame.top() + inset(zoneFrame.height())
+                                    : zoneFrame.bottom() - inset(zoneFrame.height()) - diameter;
+    const QRectF circle(std::max(std::min(x, bounds.right() - diameter), bounds.left()),
+                        std::max(std::min(y, bounds.bottom() - diameter), bounds.top()), diameter,
+                        diameter);
+    const QString description = ZoneEditorTile::accessibleNameOf(model_.zones().at(index), index);
+    if (description != accessibleDescription())
+        setAccessibleDescription(description);
+    if (circle != circle_) {
+        circle_ = circle;
+        const int room = shadowRoom;
+        setGeometry(circle.adjusted(-room, -room, room, room).toAlignedRect());
+        update();
+    }
+    show();
+}
+
+bool ZoneEditorHandle::contains(QPointF point) const {
+    const QPointF way = point - circle_.center();
+    return isVisibleTo(parentWidget()) && std::hypot(way.x(), way.y()) <= diameter / 2;
+}
+
+Qt::CursorShape ZoneEditorHandle::cursorShape(Corner corner) {
+    return isLeft(corner) == isTop(corner) ? Qt::SizeFDiagCursor : Qt::SizeBDiagCursor;
+}
+
+void ZoneEditorHandle::keyPressEvent(QKeyEvent* event) {
+    if (const auto nudge = ZoneEditorTile::nudgeOf(*event)) {
+        model_.nudgeCorner(index_, corner_, nudge->x(), nudge->y());
+    } else if (event->key() == Qt::Key_Delete || event->key() == Qt::Key_Backspace) {
+        model_.deleteSelected();
+    } else {
+        if (event->key() == Qt::Key_Escape)
+            Q_EMIT cancelRequested();
+        QWidget::keyPressEvent(event);
+    }
+}
+
+void ZoneEditorHandle::focusInEvent(QFocusEvent*) {
+    update();
+}
+
+void ZoneEditorHandle::focusOutEvent(QFocusEvent*) {
+    update();
+}
+
+void ZoneEditorHandle::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.translate(-pos());
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(QColor(0, 0, 0, 36));
+    painter.drawEllipse(circle_.translated(0, 1).adjusted(-0.5, -0.5, 0.5, 0.5));
+    painter.setBrush(look::tilewrightAmber());
+    painter.drawEllipse(circle_);
+    QRectF symbol(0, 0, symbolSide, symbolSide);
+    symbol.moveCenter(circle_.center());
+    symbols::paint(painter, symbol, symbolOf(corner_), Qt::white);
+    if (hasFocus())
+        look::paintFocusRingOnAmber(painter, circle_.adjusted(-0.5, -0.5, 0.5, 0.5), diameter / 2);
+}
+
+} // namespace tilewright

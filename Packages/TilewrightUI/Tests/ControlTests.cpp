@@ -1,0 +1,276 @@
+#include <TilewrightUI/GlassButton.h>
+#include <TilewrightUI/Hairline.h>
+#include <TilewrightUI/PopUpButton.h>
+#include <TilewrightUI/TextLabel.h>
+#include <TilewrightUI/ToggleSwitch.h>
+
+#include "FakePlatform.h"
+
+#include <QAbstractItemView>
+#include <QAccessible>
+#include <QApplication>
+#include <QMenu>
+#include <QSignalSpy>
+#include <QTest>
+#include <gtest/gtest.h>
+
+namespace tilewright::testing {
+namespace {
+
+using namespace std::chrono_literals;
+
+QAccessibleInterface* accessible(QObject& object) {
+    return QAccessible::queryAccessibleInterface(&object);
+}
+
+class Controls : public ::testing::Test {
+protected:
+    Controls() { look::setPrefersReducedMotion(false); }
+
+    FakeDesktop desktop;
+};
+
+TEST_F(Controls, ASwitchAsksForTheOtherStateAndShowsTheModels) {
+    ToggleSwitch toggle(QStringLiteral("Keep Awake"));
+    QSignalSpy requests(&toggle, &ToggleSwitch::toggleRequested);
+    toggle.click();
+    ASSERT_EQ(requests.count(), 1);
+    EXPECT_TRUE(requests.at(0).at(0).toBool());
+    EXPECT_FALSE(toggle.isOn());
+    toggle.setOn(true);
+    EXPECT_TRUE(toggle.isOn());
+    EXPECT_EQ(requests.count(), 1);
+    toggle.click();
+    ASSERT_EQ(requests.count(), 2);
+    EXPECT_FALSE(requests.at(1).at(0).toBool());
+    EXPECT_TRUE(toggle.isOn());
+}
+
+TEST_F(Controls, ASwitchAnswersToSpaceAndEnter) {
+    ToggleSwitch toggle(QStringLiteral("Keep Awake"));
+    QSignalSpy requests(&toggle, &ToggleSwitch::toggleRequested);
+    for (const auto key : {Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter})
+        QTest::keyClick(&toggle, key);
+    EXPECT_EQ(requests.count(), 3);
+}
+
+TEST_F(Controls, ASwitchSlidesOnScreenAndJumpsOffScreen) {
+    ToggleSwitch toggle(QStringLiteral("Keep Awake"));
+    toggle.setOn(true);
+    EXPECT_EQ(desktop.platform.fakeMainLoop.activeTimerCount(), 0U);
+    toggle.show();
+    const QImage on = toggle.grab().toImage();
+    toggle.setOn(false);
+    EXPECT_EQ(desktop.platform.fakeMainLoop.activeTimerCount(), 1U);
+    EXPECT_EQ(toggle.grab().toImage(), on);
+    desktop.platform.fakeMainLoop.advance(64ms);
+    const QImage midway = toggle.grab().toImage();
+    desktop.platform.fakeMainLoop.advance(2s);
+    EXPECT_EQ(desktop.platform.fakeMainLoop.activeTimerCount(), 0U);
+    EXPECT_NE(toggle.grab().toImage(), midway);
+    EXPECT_NE(toggle.grab().toImage(), on);
+    toggle.setOn(true);
+    toggle.hide();
+    EXPECT_EQ(desktop.platform.fakeMainLoop.activeTimerCount(), 0U);
+}
+
+TEST_F(Controls, ASwitchIsACheckBoxToAssistiveTools) {
+    ToggleSwitch toggle(QStringLiteral("Keep Awake"));
+    QAccessibleInterface* interface = accessible(toggle);
+    ASSERT_NE(interface, nullptr);
+    EXPECT_EQ(interface->role(), QAccessible::CheckBox);
+    EXPECT_EQ(interface->text(QAccessible::Name), QStringLiteral("Keep Awake"));
+    EXPECT_TRUE(interface->state().checkable);
+    EXPECT_FALSE(interface->state().checked);
+    toggle.setOn(true);
+    EXPECT_TRUE(interface->state().checked);
+    QSignalSpy requests(&toggle, &ToggleSwitch::toggleRequested);
+    ASSERT_NE(interface->actionInterface(), nullptr);
+    interface->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
+    ASSERT_EQ(requests.count(), 1);
+    EXPECT_FALSE(requests.at(0).at(0).toBool());
+    EXPECT_TRUE(toggle.isOn());
+}
+
+TEST_F(Controls, AButtonIsPressedByPointerSpaceAndEnter) {
+    GlassButton button(QStringLiteral("15m"));
+    QSignalSpy clicks(&button, &QAbstractButton::clicked);
+    QTest::mouseClick(&button, Qt::LeftButton);
+    QTest::keyClick(&button, Qt::Key_Space);
+    QTest::keyClick(&button, Qt::Key_Return);
+    EXPECT_EQ(clicks.count(), 3);
+    button.setEnabled(false);
+    QTest::mouseClick(&button, Qt::LeftButton);
+    EXPECT_EQ(clicks.count(), 3);
+}
+
+TEST_F(Controls, AButtonsTitleIsPlainText) {
+    GlassButton button(QStringLiteral("Save & <b>Go</b>"));
+    EXPECT_TRUE(button.shortcut().isEmpty());
+    EXPECT_EQ(button.title(), QStringLiteral("Save & <b>Go</b>"));
+    QAccessibleInterface* interface = accessible(button);
+    ASSERT_NE(interface, nullptr);
+    EXPECT_EQ(interface->role(), QAccessible::Button);
+    EXPECT_EQ(interface->text(QAccessible::Name), QStringLiteral("Save & <b>Go</b>"));
+}
+
+TEST_F(Controls, AButtonKeepsItsNaturalSizeAndGrowsWithItsContent) {
+    GlassButton plain(QStringLiteral("Quit"), GlassButton::Kind::plain);
+    GlassButton glass(QStringLiteral("Quit"));
+    GlassButton symbol(QStringLiteral("Quit"));
+    symbol.setSymbol(QStringLiteral("plus"));
+    EXPECT_GT(glass.sizeHint().width(), plain.sizeHint().width());
+    EXPECT_GT(symbol.sizeHint().width(), glass.sizeHint().width());
+    EXPECT_EQ(symbol.sizeHint().height(), glass.sizeHint().height());
+    EXPECT_EQ(glass.minimumSizeHint(), glass.sizeHint());
+    EXPECT_EQ(plain.sizeHint().width(),
+              qCeil(QFontMetricsF(plain.font()).horizontalAdvance(QStringLiteral("Quit"))));
+}
+
+TEST_F(Controls, APlainButtonHasNoBezel) {
+    GlassButton button(QStringLiteral("."), GlassButton::Kind::plain);
+    button.resize(60, 30);
+    const QImage image = button.grab().toImage();
+    EXPECT_EQ(image.pixel(2, 2), image.pixel(57, 27));
+    EXPECT_EQ(image.pixel(2, 15), button.palette().color(QPalette::Window).rgb());
+}
+
+TEST_F(Controls, AButtonsFocusCanBeSeen) {
+    for (const auto kind : {GlassButton::Kind::glass, GlassButton::Kind::prominent,
+                            GlassButton::Kind::bordered, GlassButton::Kind::plain}) {
+        QWidget window;
+        GlassButton button(QStringLiteral("Save"), kind, &window);
+        button.resize(button.sizeHint());
+        GlassButton other(QStringLiteral("Other"), kind, &window);
+        window.show();
+        QApplication::setActiveWindow(&window);
+        other.setFocus();
+        const QImage without = button.grab().toImage();
+        button.setFocus();
+        ASSERT_TRUE(button.hasFocus());
+        EXPECT_NE(button.grab().toImage(), without);
+    }
+}
+
+TEST_F(Controls, AMenuButtonOpensItsMenuWithoutBlocking) {
+    GlassButton button(QStringLiteral("Open"));
+    auto* menu = new QMenu;
+    menu->addAction(QStringLiteral("Halves"));
+    const int width = button.sizeHint().width();
+    button.setMenu(menu);
+    EXPECT_GT(button.sizeHint().width(), width);
+    button.show();
+    QTest::keyClick(&button, Qt::Key_Down);
+    EXPECT_TRUE(menu->isVisible());
+    menu->close();
+}
+
+TEST_F(Controls, ControlsFollowThePaletteAtOnce) {
+    ToggleSwitch toggle(QStringLiteral("x"));
+    GlassButton button(QStringLiteral("x"));
+    PopUpButton popUp(QStringLiteral("x"));
+    Hairline line;
+    TextLabel label(QStringLiteral("x"), look::TextStyle::body);
+    for (QWidget* widget :
+         std::initializer_list<QWidget*>{&toggle, &button, &popUp, &line, &label}) {
+        widget->resize(widget->sizeHint().expandedTo(QSize(20, 1)));
+        widget->setPalette(QPalette(QColor(0xee, 0xee, 0xf1)));
+        const QImage light = widget->grab().toImage();
+        widget->setPalette(QPalette(QColor(0x2a, 0x2b, 0x2f)));
+        EXPECT_NE(widget->grab().toImage(), light) << widget->metaObject()->className();
+    }
+}
+
+TEST_F(Controls, ControlsFollowTheApplicationsFont) {
+    const QFont before = QApplication::font();
+    GlassButton button(QStringLiteral("Save"));
+    PopUpButton popUp(QStringLiteral("x"));
+    popUp.setItems({{QStringLiteral("a"), QStringLiteral("Studio")}});
+    TextLabel label(QStringLiteral("Window Zones"), look::TextStyle::headline);
+    std::vector<QWidget*> widgets{&button, &popUp, &label};
+    std::vector<QSize> sizes;
+    for (QWidget* widget : widgets)
+        sizes.push_back(widget->sizeHint());
+    QFont large = before;
+    large.setPointSizeF(before.pointSizeF() * 2);
+    QApplication::setFont(large);
+    for (std::size_t i = 0; i < widgets.size(); ++i) {
+        EXPECT_GT(widgets[i]->sizeHint().width(), sizes[i].width() * 3 / 2);
+        EXPECT_GT(widgets[i]->sizeHint().height(), sizes[i].height());
+    }
+    QApplication::setFont(before);
+}
+
+TEST_F(Controls, APopUpButtonShowsAndSelectsByID) {
+    PopUpButton popUp(QStringLiteral("Display"));
+    popUp.setItems({{QStringLiteral("a"), QStringLiteral("One")},
+                    {QStringLiteral("b"), QStringLiteral("Two")}});
+    popUp.select(QStringLiteral("b"));
+    EXPECT_EQ(popUp.currentText(), QStringLiteral("Two"));
+    popUp.setItems({{QStringLiteral("b"), QStringLiteral("Two")},
+                    {QStringLiteral("c"), QStringLiteral("Three")}});
+    EXPECT_EQ(popUp.selectedID(), QStringLiteral("b"));
+    popUp.select(QString());
+    EXPECT_EQ(popUp.currentIndex(), -1);
+    EXPECT_EQ(popUp.selectedID(), QString());
+    QAccessibleInterface* interface = accessible(popUp);
+    ASSERT_NE(interface, nullptr);
+    EXPECT_EQ(interface->role(), QAccessible::ComboBox);
+    EXPECT_EQ(interface->text(QAccessible::Name), QStringLiteral("Display"));
+}
+
+TEST_F(Controls, APopUpButtonsListShowsTitlesThatTheButtonCutsShort) {
+    PopUpButton popUp(QStringLiteral("Display"));
+    const QString title = QStringLiteral("A display whose maker was fond of very long names");
+    popUp.setItems({{QStringLiteral("a"), title}});
+    popUp.setMaximumWidth(130);
+    popUp.resize(130, 22);
+    popUp.show();
+    popUp.showPopup();
+    EXPECT_GE(popUp.view()->width(), QFontMetrics(popUp.view()->font()).horizontalAdvance(title));
+    EXPECT_EQ(popUp.width(), 130);
+    popUp.hidePopup();
+}
+
+TEST_F(Controls, APopUpButtonTellsOnlyOfTheUsersChoices) {
+    PopUpButton popUp(QStringLiteral("Display"));
+    popUp.setItems({{QStringLiteral("a"), QStringLiteral("One")},
+                    {QStringLiteral("b"), QStringLiteral("Two")}});
+    QSignalSpy activations(&popUp, &QComboBox::activated);
+    popUp.select(QStringLiteral("a"));
+    EXPECT_EQ(activations.count(), 0);
+    QTest::keyClick(&popUp, Qt::Key_Down);
+    EXPECT_EQ(activations.count(), 1);
+    EXPECT_EQ(popUp.selectedID(), QStringLiteral("b"));
+}
+
+TEST_F(Controls, LabelsShowPlainText) {
+    TextLabel label(QStringLiteral("<b>A</b> & B"), look::TextStyle::caption);
+    EXPECT_EQ(label.shownText(), QStringLiteral("<b>A</b> & B"));
+    EXPECT_EQ(accessible(label)->text(QAccessible::Name), QStringLiteral("<b>A</b> & B"));
+}
+
+TEST_F(Controls, LabelsShrinkToEightyPercentBeforeTheyEndInAnEllipsis) {
+    TextLabel label(QStringLiteral("Priority Center"), look::TextStyle::caption2);
+    label.setOverflow(TextLabel::Overflow::shrinkThenElide);
+    const int wanted = label.sizeHint().width();
+    label.resize(wanted, 20);
+    EXPECT_DOUBLE_EQ(label.shownScale(), 1);
+    label.resize(wanted * 9 / 10, 20);
+    EXPECT_LT(label.shownScale(), 1);
+    EXPECT_GE(label.shownScale(), 0.8);
+    EXPECT_EQ(label.shownText(), QStringLiteral("Priority Center"));
+    label.resize(wanted / 2, 20);
+    EXPECT_DOUBLE_EQ(label.shownScale(), 0.8);
+    EXPECT_TRUE(label.shownText().endsWith(QChar(0x2026)));
+    EXPECT_EQ(label.minimumSizeHint().width(), 0);
+}
+
+TEST_F(Controls, HairlinesAreOnePointThick) {
+    Hairline line;
+    EXPECT_EQ(line.minimumHeight(), 1);
+    EXPECT_EQ(line.maximumHeight(), 1);
+}
+
+} // namespace
+} // namespace tilewright::testing
