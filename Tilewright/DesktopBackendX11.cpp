@@ -1,0 +1,22 @@
+#include "DesktopBackend.h"
+
+#include <X11/X11Platform.h>
+
+#include <cstdio>
+
+namespace tilewright {
+
+void DesktopBackend::prepareToolkit() {
+    // The windows of an X server are what is moved, also where a Wayland compositor runs beside it.
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "xcb");
+}
+
+std::unique_ptr<Platform> DesktopBackend::open() {
+    auto platform = X11Platform::open();
+    if (!platform)
+        std::fputs("tilewright: there is no X server to speak to\n", stderr);
+    return platform;
+}
+
+} // namespace tilewright

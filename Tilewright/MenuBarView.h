@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QWidget>
+#include <functional>
+
+namespace tilewright {
+
+/// The content of the panel: the keep-awake control, the layout picker, and the ways to the
+/// settings and out of the program. 300 points wide, as high as its content. It holds no state of
+/// its own: made anew each time the panel opens. It paints no ground.
+class MenuBarView final : public QWidget {
+    Q_OBJECT
+
+public:
+    /// Opens the settings window or brings it forward.
+    using OpenSettings = std::function<void()>;
+
+    explicit MenuBarView(OpenSettings openSettings = {}, QWidget* parent = nullptr);
+
+private:
+    [[nodiscard]] QWidget* makeFooter();
+
+    OpenSettings openSettings_;
+};
+
+} // namespace tilewright

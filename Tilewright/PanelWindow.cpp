@@ -1,0 +1,209 @@
+#include "PanelWindow.h"
+
+#include "PanelPlacement.h"
+#include "ScreenSpace.h"
+
+#include <Platform/Platform.h>
+
+#include <QEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QVBoxLayout>
+#include <QWindow>
+#include <algorithm>
+
+namespace tilewright {
+
+namespace {
+
+/// While the tray's host still holds the pointer for the click that opened the panel, no other grab
+/// is granted.
+constexpr std::chrono::milliseconds grabInterval{30};
+constexpr int grabAttempts = 30;
+
+} // namespace
+
+PanelWindow::PanelWindow(ViewFactory makeView)
+    : QWidget(nullptr, Qt::Popup | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint)
+    , makeView_(std::move(makeView))
+    , scrollArea_(new QScrollArea(this)) {
+    setObjectName(QStringLiteral("panel"));
+    setWindowTitle(QStringLiteral("Tilewright"));
+    setAttribute(Qt::WA_TranslucentBackground);
+    // A press outside only closes the panel, also one on the item: it must not open it again.
+    setAttribute(Qt::WA_NoMouseReplay);
+
+    scrollArea_->setFrameShape(QFrame::NoFrame);
+    scrollArea_->setFocusPolicy(Qt::NoFocus);
+    scrollArea_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    scrollArea_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    scrollArea_->setWidgetResizable(true);
+    scrollArea_->viewport()->setAutoFillBackground(false);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins({});
+    layout->setSizeConstraint(QLayout::SetNoConstraint);
+    layout->addWidget(scrollArea_);
+
+    Platform& platform = Platform::current();
+    connect(&platform.workspace(), &Workspace::activeWindowChanged, this, &QWidget::close);
+    connect(&platform.screens(), &Screens::screensChanged, this, [this] {
+        if (isVisible())
+            fitAndPlace();
+    });
+}
+
+PanelWindow::~PanelWindow() {
+    releaseInput();
+}
+
+void PanelWindow::open(const QRect& place) {
+    if (isVisible())
+        return;
+    place_ = place;
+    if (place_.isNull() && place_.topLeft().isNull())
+        place_ = QRect(ScreenSpace::nativePointer(ScreenSpace::all()), QSize(0, 0));
+    chrome_.setBlending(Platform::current().workspace().blendsWindows());
+    layout()->setContentsMargins(chrome_.margins());
+    makeContent();
+    fitAndPlace();
+    show();
+    grabsLeft_ = grabAttempts;
+    holdInput();
+    // The press that opened the panel is read before this round trip ends, and handed out before
+    // what is posted after it.
+    static_cast<void>(Platform::current().pointer().location());
+    Platform::current().mainLoop().post([self = QPointer<PanelWindow>(this)] {
+        if (self && self->isVisible())
+            self->watchOutside();
+    });
+    Q_EMIT opened();
+}
+
+QRect PanelWindow::groundGeometry() const {
+    return geometry().marginsRemoved(chrome_.margins());
+}
+
+bool PanelWindow::event(QEvent* event) {
+    if (event->type() == QEvent::LayoutRequest && isVisible())
+        fitAndPlace();
+    return QWidget::event(event);
+}
+
+bool PanelWindow::eventFilter(QObject* object, QEvent* event) {
+    // The content asks for another size; the scroll area would not pass that on.
+    if (object == view_ && event->type() == QEvent::LayoutRequest && isVisible())
+        fitAndPlace();
+    return QWidget::eventFilter(object, event);
+}
+
+void PanelWindow::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    chrome_.paint(painter, rect(), palette());
+}
+
+void PanelWindow::mousePressEvent(QMouseEvent* event) {
+    if (rect().marginsRemoved(chrome_.margins()).contains(event->position().toPoint()))
+        return;
+    closeForPress();
+}
+
+void PanelWindow::hideEvent(QHideEvent* event) {
+    releaseInput();
+    // What hides the panel may be a button of the content.
+    if (view_) {
+        view_->removeEventFilter(this);
+        view_->deleteLater();
+        scrollArea_->takeWidget();
+        view_.clear();
+    }
+    QWidget::hideEvent(event);
+    if (!isClosingForPress_)
+        Q_EMIT closed();
+}
+
+void PanelWindow::closeForPress() {
+    if (!isVisible())
+        return;
+    isClosingForPress_ = true;
+    close();
+    isClosingForPress_ = false;
+    Q_EMIT closedByPress();
+    Q_EMIT closed();
+}
+
+void PanelWindow::makeContent() {
+    view_ = makeView_().release();
+    view_->setAutoFillBackground(false);
+    view_->installEventFilter(this);
+    scrollArea_->setWidget(view_);
+    scrollArea_->widget()->setAutoFillBackground(false);
+    view_->show();
+}
+
+void PanelWindow::fitAndPlace() {
+    if (isFitting_ || !view_)
+        return;
+    isFitting_ = true;
+    const std::vector<ScreenSpace> spaces = ScreenSpace::all();
+    const ScreenSpace* space = ScreenSpace::at(spaces, place_.center());
+    if (space) {
+        setScreen(space->screen);
+        PanelPlacement placement;
+        placement.item = space->toToolkit(place_);
+        placement.frame = space->insideToolkit(space->nativeFrame);
+        placement.visibleFrame = space->insideToolkit(space->nativeVisibleFrame);
+        const QSize ground = contentSize(placement.visibleFrame.height() - 2 * PanelPlacement::gap);
+        setGeometry(QRect(placement.topLeft(ground), ground).marginsAdded(chrome_.margins()));
+    } else {
+        resize(contentSize(QWIDGETSIZE_MAX).grownBy(chrome_.margins()));
+    }
+    isFitting_ = false;
+}
+
+QSize PanelWindow::contentSize(int availableHeight) const {
+    view_->ensurePolished();
+    QSize size = view_->sizeHint();
+    if (view_->layout()) {
+        view_->layout()->activate();
+        size = view_->layout()->totalSizeHint();
+    }
+    size = size.expandedTo(view_->minimumSize()).boundedTo(view_->maximumSize());
+    return {size.width(), std::min(size.height(), availableHeight)};
+}
+
+void PanelWindow::holdInput() {
+    if (!isVisible() || holdsInput_)
+        return;
+    const bool keyboard = windowHandle()->setKeyboardGrabEnabled(true);
+    const bool mouse = windowHandle()->setMouseGrabEnabled(true);
+    holdsInput_ = keyboard && mouse;
+    if (!holdsInput_ && --grabsLeft_ > 0)
+        grabTimer_ = ScopedTimer(
+            Platform::current().mainLoop().scheduleOnce(grabInterval, [this] { holdInput(); }));
+}
+
+void PanelWindow::releaseInput() {
+    grabTimer_.reset();
+    if (windowHandle()) {
+        windowHandle()->setKeyboardGrabEnabled(false);
+        windowHandle()->setMouseGrabEnabled(false);
+    }
+    holdsInput_ = false;
+    if (pressMonitor_) {
+        Platform::current().eventMonitors().removeMonitor(*pressMonitor_);
+        pressMonitor_.reset();
+    }
+}
+
+void PanelWindow::watchOutside() {
+    if (pressMonitor_)
+        return;
+    pressMonitor_ = Platform::current().eventMonitors().addGlobalMonitor(
+        {EventType::leftMouseDown, EventType::rightMouseDown, EventType::otherMouseDown},
+        [this](const Event&) { closeForPress(); });
+}
+
+} // namespace tilewright

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QWidget>
+
+class QStackedWidget;
+
+namespace tilewright {
+
+class SymbolTabBar;
+
+/// The content of the settings window: a row of four tabs above their contents, which have 520 ×
+/// 460 points. Starts at the layouts. The views of all tabs live as long as it does: changing the
+/// tab keeps what they hold.
+class SettingsView final : public QWidget {
+    Q_OBJECT
+
+public:
+    /// The tabs, in their order.
+    enum class Tab { layouts, manage, general, accessibility };
+
+    static constexpr QSize contentSize{520, 460};
+
+    explicit SettingsView(QWidget* parent = nullptr);
+
+    [[nodiscard]] Tab selection() const;
+    void setSelection(Tab tab);
+    /// The view of a tab.
+    [[nodiscard]] QWidget* content(Tab tab) const;
+
+private:
+    SymbolTabBar* tabBar_;
+    QStackedWidget* pages_;
+};
+
+} // namespace tilewright

@@ -1,0 +1,62 @@
+#include "SettingsWindow.h"
+
+#include <Platform/Platform.h>
+
+#include <QCloseEvent>
+#include <QVBoxLayout>
+
+namespace tilewright {
+
+SettingsWindow::SettingsWindow(std::unique_ptr<QWidget> view) {
+    setObjectName(QStringLiteral("settings"));
+    setWindowTitle(tr("Tilewright Settings"));
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins({});
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+    layout->addWidget(view.release());
+}
+
+SettingsWindow::~SettingsWindow() = default;
+
+void SettingsWindow::bringForward() {
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    const bool isShown = isVisible();
+    wantsActivation_ = !isShown;
+    show();
+    raise();
+    activateWindow();
+    if (isShown)
+        Platform::current().workspace().activateThisApplication();
+}
+
+bool SettingsWindow::event(QEvent* event) {
+    const bool isHandled = QWidget::event(event);
+    // Window managers know the window, and heed requests for it, once it is on the screen.
+    if (event->type() == QEvent::Paint && wantsActivation_) {
+        wantsActivation_ = false;
+        Platform::current().workspace().activateThisApplication();
+    }
+    return isHandled;
+}
+
+void SettingsWindow::closeEvent(QCloseEvent* event) {
+    QWidget::closeEvent(event);
+    Q_EMIT closed();
+}
+
+SettingsScene::SettingsScene(ViewFactory makeView)
+    : makeView_(std::move(makeView)) {}
+
+SettingsScene::~SettingsScene() = default;
+
+void SettingsScene::open() {
+    if (!window_) {
+        window_ = std::make_unique<SettingsWindow>(makeView_());
+        // The window is what is closing: it has to outlive this call.
+        connect(window_.get(), &SettingsWindow::closed, this,
+                [this] { window_.release()->deleteLater(); });
+    }
+    window_->bringForward();
+}
+
+} // namespace tilewright

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QWidget>
+#include <functional>
+#include <memory>
+
+namespace tilewright {
+
+/// The settings window: an ordinary window around its content, whose size it takes and keeps.
+class SettingsWindow final : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit SettingsWindow(std::unique_ptr<QWidget> view);
+    ~SettingsWindow() override;
+
+    /// Shows the window in front of every other one, and focused.
+    void bringForward();
+
+Q_SIGNALS:
+    void closed();
+
+protected:
+    bool event(QEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    bool wantsActivation_ = false;
+};
+
+/// The settings scene: at most one window, whose content is made when it opens and destroyed when
+/// it closes. Main thread only.
+class SettingsScene final : public QObject {
+    Q_OBJECT
+
+public:
+    using ViewFactory = std::function<std::unique_ptr<QWidget>()>;
+
+    explicit SettingsScene(ViewFactory makeView);
+    ~SettingsScene() override;
+
+    /// Opens the window, or brings the open one forward from wherever it is: minimised, on another
+    /// desktop, behind others.
+    void open();
+    /// The open window; null when there is none.
+    [[nodiscard]] SettingsWindow* window() const { return window_.get(); }
+
+private:
+    ViewFactory makeView_;
+    std::unique_ptr<SettingsWindow> window_;
+};
+
+} // namespace tilewright

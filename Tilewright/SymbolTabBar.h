@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QTabBar>
+#include <vector>
+
+namespace tilewright {
+
+/// A row of tabs, each a symbol above its title, the chosen one in the accent colour.
+class SymbolTabBar final : public QTabBar {
+    Q_OBJECT
+
+public:
+    explicit SymbolTabBar(QWidget* parent = nullptr);
+
+    /// Appends a tab. The title is plain text.
+    void addSymbolTab(const QString& symbol, const QString& title);
+
+protected:
+    QSize tabSizeHint(int index) const override;
+    QSize minimumTabSizeHint(int index) const override { return tabSizeHint(index); }
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    void paintTab(QPainter& painter, int index) const;
+
+    struct Tab {
+        QString symbol;
+        QString title;
+    };
+    std::vector<Tab> tabs_;
+};
+
+} // namespace tilewright

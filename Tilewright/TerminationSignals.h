@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QObject>
+#include <QSocketNotifier>
+#include <array>
+#include <csignal>
+#include <memory>
+
+namespace tilewright {
+
+/// Turns the signals that ask a process to end (SIGTERM, SIGINT, SIGHUP) into a call from the event
+/// loop, for as long as it lives; then the former handlers are back. One at a time.
+class TerminationSignals final : public QObject {
+    Q_OBJECT
+
+public:
+    explicit TerminationSignals(QObject* parent = nullptr);
+    ~TerminationSignals() override;
+
+Q_SIGNALS:
+    void terminationRequested();
+
+private:
+    static constexpr std::array signals_{SIGTERM, SIGINT, SIGHUP};
+
+    std::array<int, 2> sockets_{-1, -1};
+    std::array<struct sigaction, signals_.size()> formerActions_{};
+    std::unique_ptr<QSocketNotifier> notifier_;
+};
+
+} // namespace tilewright

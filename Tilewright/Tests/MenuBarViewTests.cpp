@@ -1,0 +1,171 @@
+#include "FakePlatform.h"
+
+#include <KeepAwake/KeepAwakeManager.h>
+#include <Tilewright/MenuBarView.h>
+#include <TilewrightUI/GlassButton.h>
+#include <TilewrightUI/Hairline.h>
+#include <TilewrightUI/KeepAwakeControl.h>
+#include <TilewrightUI/LayoutPicker.h>
+#include <TilewrightUI/Look.h>
+#include <WindowManager/LayoutStore.h>
+
+#include <QApplication>
+#include <QLayout>
+#include <QSignalSpy>
+#include <QTest>
+#include <gtest/gtest.h>
+
+namespace tilewright::testing {
+namespace {
+
+class MenuBarViewTest : public ::testing::Test {
+protected:
+    MenuBarViewTest() {
+        look::setPrefersReducedMotion(false);
+        FakeScreen::Values second;
+        second.displayID = 2;
+        second.frame = {1440, 0, 1440, 900};
+        second.localizedName =
+            QStringLiteral("A display whose maker was fond of very long names indeed");
+        desktop.platform.fakeScreens.setScreens({makeScreen(), makeScreen(second)});
+    }
+
+    void layOut(MenuBarView& view) {
+        view.show();
+        desktop.platform.fakeMainLoop.advance(std::chrono::seconds(3));
+        QApplication::sendPostedEvents();
+        QApplication::processEvents();
+        view.resize(view.sizeHint());
+        view.layout()->activate();
+    }
+    static GlassButton* button(const MenuBarView& view, const QString& title) {
+        for (auto* candidate : view.findChildren<GlassButton*>()) {
+            if (candidate->title() == title)
+                return candidate;
+        }
+        return nullptr;
+    }
+    static QRect place(const QWidget* child, const QWidget& view) {
+        return {child->mapTo(&view, QPoint()), child->size()};
+    }
+
+    FakeDesktop desktop;
+};
+
+TEST_F(MenuBarViewTest, IsThreeHundredPointsWideWhateverTheNames) {
+    LayoutStore::shared().addCustomLayout(
+        {QUuid::createUuid(),
+         QStringLiteral("A layout with a name that goes on and on and on"),
+         QStringLiteral("square.dashed"),
+         false,
+         {}});
+    MenuBarView view;
+    layOut(view);
+    EXPECT_EQ(view.width(), 300);
+    for (const QWidget* child : view.findChildren<QWidget*>()) {
+        if (child->isVisible() && child->parentWidget() == &view) {
+            EXPECT_GE(place(child, view).left(), 16);
+            EXPECT_LE(place(child, view).right(), 300 - 16 - 1);
+        }
+    }
+}
+
+TEST_F(MenuBarViewTest, StacksItsPartsTwelvePointsApartInSixteenOfPadding) {
+    MenuBarView view;
+    layOut(view);
+    const auto lines = view.findChildren<Hairline*>(QString(), Qt::FindDirectChildrenOnly);
+    ASSERT_EQ(lines.size(), 2);
+    const QRect keepAwake = place(view.findChild<KeepAwakeControl*>(), view);
+    const QRect picker = place(view.findChild<LayoutPicker*>(), view);
+    const QRect footer = place(button(view, QStringLiteral("Settings…"))->parentWidget(), view);
+    const std::vector<QRect> parts{keepAwake, place(lines[0], view), picker, place(lines[1], view),
+                                   footer};
+    EXPECT_EQ(parts.front().top(), 16);
+    EXPECT_EQ(parts.back().bottom() + 1, view.height() - 16);
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        EXPECT_EQ(parts[i].left(), 16);
+        EXPECT_EQ(parts[i].right(), 300 - 16 - 1);
+        if (i > 0) {
+            EXPECT_EQ(parts[i].top() - (parts[i - 1].bottom() + 1), 12);
+        }
+    }
+    EXPECT_EQ(lines[0]->height(), 1);
+}
+
+TEST_F(MenuBarViewTest, PutsTheFootersButtonsAtItsEnds) {
+    MenuBarView view;
+    layOut(view);
+    const GlassButton* settings = button(view, QStringLiteral("Settings…"));
+    const GlassButton* quit = button(view, QStringLiteral("Quit"));
+    ASSERT_NE(settings, nullptr);
+    ASSERT_NE(quit, nullptr);
+    EXPECT_EQ(place(settings, view).left(), 16);
+    EXPECT_EQ(place(quit, view).right(), 300 - 16 - 1);
+    EXPECT_EQ(settings->font(), look::font(look::TextStyle::caption));
+    EXPECT_TRUE(settings->shortcut().isEmpty());
+    EXPECT_TRUE(quit->shortcut().isEmpty());
+    view.setLayoutDirection(Qt::RightToLeft);
+    view.layout()->activate();
+    QApplication::sendPostedEvents();
+    EXPECT_EQ(place(quit, view).left(), 16);
+}
+
+TEST_F(MenuBarViewTest, SettingsOpensThemThenActivatesTheApplication) {
+    std::vector<int> activationsAtOpening;
+    MenuBarView view(
+        [&] { activationsAtOpening.push_back(desktop.platform.fakeWorkspace.activations); });
+    button(view, QStringLiteral("Settings…"))->click();
+    EXPECT_EQ(activationsAtOpening, std::vector<int>{0});
+    EXPECT_EQ(desktop.platform.fakeWorkspace.activations, 1);
+}
+
+TEST_F(MenuBarViewTest, SettingsMayEndTheViewItself) {
+    std::unique_ptr<MenuBarView> view;
+    view = std::make_unique<MenuBarView>([&] { view.release()->deleteLater(); });
+    button(*view, QStringLiteral("Settings…"))->click();
+    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_EQ(desktop.platform.fakeWorkspace.activations, 1);
+}
+
+TEST_F(MenuBarViewTest, QuitEndsTheApplication) {
+    MenuBarView view;
+    QMetaObject::invokeMethod(
+        &view, [&] { button(view, QStringLiteral("Quit"))->click(); }, Qt::QueuedConnection);
+    QSignalSpy goodbye(qApp, &QCoreApplication::aboutToQuit);
+    EXPECT_EQ(QApplication::exec(), 0);
+    EXPECT_EQ(goodbye.count(), 1);
+}
+
+TEST_F(MenuBarViewTest, IsAsHighAsItsContent) {
+    MenuBarView view;
+    layOut(view);
+    const int idle = view.height();
+    KeepAwakeManager::shared().activate(KeepAwakeSession::timed(900));
+    layOut(view);
+    EXPECT_LT(view.height(), idle);
+    KeepAwakeManager::shared().deactivate();
+    layOut(view);
+    EXPECT_EQ(view.height(), idle);
+}
+
+TEST_F(MenuBarViewTest, LargerFontsClipNothing) {
+    const QFont before = QApplication::font();
+    QFont larger = before;
+    larger.setPointSizeF(before.pointSizeF() * 1.6);
+    QApplication::setFont(larger);
+    {
+        MenuBarView view;
+        layOut(view);
+        EXPECT_EQ(view.width(), 300);
+        for (const auto* each : view.findChildren<GlassButton*>()) {
+            if (each->isVisible()) {
+                EXPECT_GE(each->width(), each->minimumSizeHint().width());
+                EXPECT_GE(each->height(), each->sizeHint().height());
+            }
+        }
+    }
+    QApplication::setFont(before);
+}
+
+} // namespace
+} // namespace tilewright::testing

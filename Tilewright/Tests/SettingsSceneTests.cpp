@@ -1,0 +1,58 @@
+#include <FakePlatform.h>
+#include <Tilewright/SettingsWindow.h>
+
+#include <QApplication>
+#include <QTest>
+#include <gtest/gtest.h>
+
+namespace tilewright::testing {
+namespace {
+
+struct SettingsSceneTest : public ::testing::Test {
+    FakeDesktop desktop;
+    int viewsMade = 0;
+    SettingsScene scene{[this] {
+        ++viewsMade;
+        auto view = std::make_unique<QWidget>();
+        view->setFixedSize(520, 460);
+        return view;
+    }};
+};
+
+} // namespace
+
+TEST_F(SettingsSceneTest, OpensAWindowAsLargeAsItsContent) {
+    EXPECT_EQ(scene.window(), nullptr);
+    scene.open();
+    ASSERT_NE(scene.window(), nullptr);
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(scene.window()));
+    EXPECT_EQ(scene.window()->size(), QSize(520, 460));
+    EXPECT_EQ(scene.window()->minimumSize(), scene.window()->maximumSize());
+}
+
+TEST_F(SettingsSceneTest, BringsTheOpenWindowForwardInsteadOfOpeningASecondOne) {
+    scene.open();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(scene.window()));
+    const QWidget* first = scene.window();
+    scene.window()->showMinimized();
+    const int before = desktop.platform.fakeWorkspace.activations;
+    scene.open();
+    EXPECT_EQ(scene.window(), first);
+    EXPECT_EQ(viewsMade, 1);
+    EXPECT_FALSE(scene.window()->isMinimized());
+    EXPECT_TRUE(scene.window()->isActiveWindow());
+    EXPECT_GT(desktop.platform.fakeWorkspace.activations, before);
+}
+
+TEST_F(SettingsSceneTest, DestroysItsViewsWhenTheWindowCloses) {
+    scene.open();
+    const QPointer<QWidget> window = scene.window();
+    window->close();
+    EXPECT_EQ(scene.window(), nullptr);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(window.isNull());
+    scene.open();
+    EXPECT_EQ(viewsMade, 2) << "view state is new each time";
+}
+
+} // namespace tilewright::testing

@@ -1,0 +1,273 @@
+#include "FakePlatform.h"
+
+#include <Tilewright/AccessibilitySettingsView.h>
+#include <Tilewright/GeneralSettingsView.h>
+#include <Tilewright/SettingsView.h>
+#include <Tilewright/SymbolTabBar.h>
+#include <TilewrightUI/GlassButton.h>
+#include <TilewrightUI/LayoutEditorView.h>
+#include <TilewrightUI/LayoutManagerView.h>
+#include <TilewrightUI/PopUpButton.h>
+#include <TilewrightUI/SymbolView.h>
+#include <TilewrightUI/TextLabel.h>
+
+#include <QAccessible>
+#include <QApplication>
+#include <QLayout>
+#include <QTest>
+#include <gtest/gtest.h>
+
+namespace tilewright::testing {
+namespace {
+
+using namespace std::chrono_literals;
+using Tab = SettingsView::Tab;
+
+class SettingsViewTest : public ::testing::Test {
+protected:
+    SettingsViewTest() { look::setPrefersReducedMotion(false); }
+
+    void settle() {
+        desktop.platform.fakeMainLoop.runPosted();
+        QApplication::sendPostedEvents();
+        QApplication::processEvents();
+    }
+    [[nodiscard]] std::size_t timers() const {
+        return desktop.platform.fakeMainLoop.activeTimerCount();
+    }
+
+    FakeDesktop desktop;
+};
+
+TEST_F(SettingsViewTest, HasFourTabsInOrderAndStartsAtTheLayouts) {
+    const SettingsView view;
+    const auto* bar = view.findChild<SymbolTabBar*>();
+    ASSERT_EQ(bar->count(), 4);
+    EXPECT_EQ(bar->tabText(0), QStringLiteral("Layouts"));
+    EXPECT_EQ(bar->tabText(1), QStringLiteral("Manage"));
+    EXPECT_EQ(bar->tabText(2), QStringLiteral("General"));
+    EXPECT_EQ(bar->tabText(3), QStringLiteral("Accessibility"));
+    EXPECT_EQ(view.selection(), Tab::layouts);
+    EXPECT_NE(qobject_cast<LayoutEditorView*>(view.content(Tab::layouts)), nullptr);
+    EXPECT_NE(qobject_cast<LayoutManagerView*>(view.content(Tab::manage)), nullptr);
+    EXPECT_NE(qobject_cast<GeneralSettingsView*>(view.content(Tab::general)), nullptr);
+    EXPECT_NE(qobject_cast<AccessibilitySettingsView*>(view.content(Tab::accessibility)), nullptr);
+}
+
+TEST_F(SettingsViewTest, GivesEveryTabContentOf520By460Points) {
+    SettingsView view;
+    view.show();
+    for (const Tab tab : {Tab::layouts, Tab::manage, Tab::general, Tab::accessibility}) {
+        view.setSelection(tab);
+        settle();
+        EXPECT_TRUE(view.content(tab)->isVisible());
+        EXPECT_EQ(view.content(tab)->size(), QSize(520, 460));
+        EXPECT_EQ(view.width(), 520);
+        EXPECT_EQ(view.size(), view.sizeHint());
+    }
+}
+
+TEST_F(SettingsViewTest, KeepsItsContentWhenTheTabChanges) {
+    SettingsView view;
+    view.show();
+    const QWidget* editor = view.content(Tab::layouts);
+    view.setSelection(Tab::general);
+    view.setSelection(Tab::layouts);
+    EXPECT_EQ(view.content(Tab::layouts), editor);
+    EXPECT_TRUE(editor->isVisible());
+}
+
+TEST_F(SettingsViewTest, ChangesTheTabByPointerAndKeyboard) {
+    SettingsView view;
+    view.show();
+    QApplication::setActiveWindow(&view);
+    auto* bar = view.findChild<SymbolTabBar*>();
+    QTest::mouseClick(bar, Qt::LeftButton, {}, bar->tabRect(2).center());
+    EXPECT_EQ(view.selection(), Tab::general);
+    bar->setFocus();
+    QTest::keyClick(bar, Qt::Key_Right);
+    EXPECT_EQ(view.selection(), Tab::accessibility);
+    QTest::keyClick(bar, Qt::Key_Left);
+    QTest::keyClick(bar, Qt::Key_Left);
+    EXPECT_EQ(view.selection(), Tab::manage);
+}
+
+TEST_F(SettingsViewTest, TellsAssistiveToolsItsTabs) {
+    const SettingsView view;
+    QAccessibleInterface* bar =
+        QAccessible::queryAccessibleInterface(view.findChild<SymbolTabBar*>());
+    ASSERT_NE(bar, nullptr);
+    EXPECT_EQ(bar->role(), QAccessible::PageTabList);
+    ASSERT_GE(bar->childCount(), 4);
+    EXPECT_EQ(bar->child(1)->role(), QAccessible::PageTab);
+    EXPECT_EQ(bar->child(1)->text(QAccessible::Name), QStringLiteral("Manage"));
+}
+
+TEST_F(SettingsViewTest, LooksDifferentInLightAndDark) {
+    SettingsView view;
+    view.show();
+    view.setSelection(Tab::general);
+    view.setPalette(QPalette(QColor(0xee, 0xee, 0xf1)));
+    const QImage light = view.grab().toImage();
+    view.setPalette(QPalette(QColor(0x2a, 0x2b, 0x2f)));
+    EXPECT_NE(view.grab().toImage(), light);
+}
+
+TEST_F(SettingsViewTest, GeneralExplainsTheChosenModifier) {
+    const GeneralSettingsView view;
+    EXPECT_EQ(
+        view.caption()->text(),
+        QStringLiteral("Hold ⌃ (control) and drag a window to snap it into a zone. Assign a layout "
+                       "per display from the menu bar, or build your own in the Layouts tab."));
+    std::vector<QString> titles;
+    for (const auto& item : view.modifierPicker()->items())
+        titles.push_back(item.title);
+    EXPECT_EQ(titles,
+              (std::vector<QString>{QStringLiteral("⌃ Control"), QStringLiteral("⇧ Shift"),
+                                    QStringLiteral("⌥ Option"), QStringLiteral("⌘ Command")}));
+    QStringList texts;
+    for (const auto* label : view.findChildren<TextLabel*>())
+        texts.append(label->text());
+    EXPECT_TRUE(texts.contains(QStringLiteral("Keep Awake")));
+    EXPECT_TRUE(texts.contains(QStringLiteral("Window Zones")));
+    EXPECT_TRUE(texts.contains(QStringLiteral("Snap modifier")));
+    EXPECT_TRUE(
+        texts.contains(QStringLiteral("Configure default session durations in the menu bar.")));
+}
+
+TEST_F(SettingsViewTest, GeneralStoresAChoiceAtOnceAndFollowsIt) {
+    GeneralSettingsView view;
+    view.show();
+    for (int i = 0; i < 3; ++i)
+        QTest::keyClick(view.modifierPicker(), Qt::Key_Down);
+    EXPECT_EQ(SnapSettings::shared().modifier(), SnapModifier::command);
+    EXPECT_EQ(desktop.platform.fakeUserDefaults.values[QStringLiteral("snapActivationModifier")],
+              QStringLiteral("command"));
+    settle();
+    EXPECT_TRUE(view.caption()->text().startsWith(QStringLiteral("Hold ⌘ (command) and drag")));
+}
+
+TEST_F(SettingsViewTest, GeneralFollowsAChangeFromElsewhere) {
+    const GeneralSettingsView view;
+    SnapSettings::shared().setModifier(SnapModifier::shift);
+    settle();
+    EXPECT_EQ(view.modifierPicker()->selectedID(), QStringLiteral("shift"));
+    EXPECT_TRUE(view.caption()->text().startsWith(QStringLiteral("Hold ⇧ (shift)")));
+}
+
+TEST_F(SettingsViewTest, GeneralChangesNothingByScrollingOverThePicker) {
+    GeneralSettingsView view;
+    view.show();
+    QWheelEvent event(QPointF(5, 5), view.modifierPicker()->mapToGlobal(QPointF(5, 5)), QPoint(),
+                      QPoint(0, -120), Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(view.modifierPicker(), &event);
+    EXPECT_EQ(SnapSettings::shared().modifier(), SnapModifier::control);
+    EXPECT_TRUE(desktop.platform.fakeUserDefaults.writes.empty());
+}
+
+TEST_F(SettingsViewTest, GeneralFitsItsTextsWithLargerFonts) {
+    const QFont before = QApplication::font();
+    QFont larger = before;
+    larger.setPointSizeF(before.pointSizeF() * 1.6);
+    QApplication::setFont(larger);
+    {
+        GeneralSettingsView view;
+        view.resize(520, 460);
+        view.show();
+        settle();
+        for (const auto* label : view.findChildren<TextLabel*>()) {
+            const int needed = label->wordWrap() ? label->heightForWidth(label->width())
+                                                 : label->sizeHint().height();
+            EXPECT_GE(label->height(), needed) << label->text().toStdString();
+        }
+        EXPECT_LE(view.minimumSizeHint().height(), 460);
+    }
+    QApplication::setFont(before);
+}
+
+TEST_F(SettingsViewTest, AccessibilityShowsWhatIsGranted) {
+    AccessibilitySettingsView view;
+    view.show();
+    EXPECT_TRUE(view.isTrusted());
+    EXPECT_EQ(view.symbol()->symbol(), QStringLiteral("checkmark.shield.fill"));
+    EXPECT_EQ(view.symbol()->size(), QSize(40, 40));
+    EXPECT_EQ(view.message()->text(), QStringLiteral("Accessibility access granted."));
+    EXPECT_FALSE(view.openSettingsButton()->isVisible());
+}
+
+TEST_F(SettingsViewTest, AccessibilityShowsWhatIsMissingAndTheWayToIt) {
+    desktop.platform.fakeAccessibility.trusted = false;
+    AccessibilitySettingsView view;
+    view.show();
+    EXPECT_FALSE(view.isTrusted());
+    EXPECT_EQ(view.symbol()->symbol(), QStringLiteral("exclamationmark.shield.fill"));
+    EXPECT_EQ(view.message()->text(),
+              QStringLiteral("Accessibility access is required for window snapping."));
+    ASSERT_TRUE(view.openSettingsButton()->isVisible());
+    EXPECT_EQ(view.openSettingsButton()->title(),
+              QStringLiteral("Open Privacy & Security Settings"));
+    view.openSettingsButton()->click();
+    EXPECT_EQ(desktop.platform.fakeWorkspace.settingsOpened, 1);
+    EXPECT_EQ(desktop.platform.fakeAccessibility.trustRequests, 0);
+}
+
+TEST_F(SettingsViewTest, AccessibilityLooksEveryTwoSecondsWhileOnScreen) {
+    desktop.platform.fakeAccessibility.trusted = false;
+    AccessibilitySettingsView view;
+    EXPECT_EQ(timers(), 0U);
+    view.show();
+    EXPECT_EQ(timers(), 1U);
+    desktop.platform.fakeAccessibility.trusted = true;
+    desktop.platform.fakeMainLoop.advance(1999ms);
+    EXPECT_FALSE(view.isTrusted());
+    desktop.platform.fakeMainLoop.advance(1ms);
+    EXPECT_TRUE(view.isTrusted());
+    EXPECT_FALSE(view.openSettingsButton()->isVisible());
+    desktop.platform.fakeAccessibility.trusted = false;
+    desktop.platform.fakeMainLoop.advance(2s);
+    EXPECT_FALSE(view.isTrusted());
+    EXPECT_EQ(view.symbol()->symbol(), QStringLiteral("exclamationmark.shield.fill"));
+    EXPECT_TRUE(view.openSettingsButton()->isVisible());
+    view.hide();
+    EXPECT_EQ(timers(), 0U);
+    EXPECT_EQ(desktop.platform.fakeAccessibility.trustRequests, 0);
+}
+
+TEST_F(SettingsViewTest, AccessibilityLooksOnlyWhileItsTabIsShown) {
+    SettingsView view;
+    view.show();
+    settle();
+    EXPECT_EQ(timers(), 0U);
+    view.setSelection(Tab::accessibility);
+    EXPECT_EQ(timers(), 1U);
+    view.setSelection(Tab::manage);
+    EXPECT_EQ(timers(), 0U);
+    view.setSelection(Tab::accessibility);
+    view.showMinimized();
+    QApplication::processEvents();
+    EXPECT_EQ(timers(), 0U);
+    view.showNormal();
+    QApplication::processEvents();
+    EXPECT_EQ(timers(), 1U);
+    view.close();
+    EXPECT_EQ(timers(), 0U);
+}
+
+TEST_F(SettingsViewTest, AccessibilityCentresItsPartsSixteenPointsApart) {
+    desktop.platform.fakeAccessibility.trusted = false;
+    AccessibilitySettingsView view;
+    view.resize(520, 460);
+    view.show();
+    settle();
+    const QRect symbol = view.symbol()->geometry();
+    const QRect text = view.message()->geometry();
+    const QRect button = view.openSettingsButton()->geometry();
+    EXPECT_EQ(text.top() - (symbol.bottom() + 1), 16);
+    EXPECT_EQ(button.top() - (text.bottom() + 1), 16);
+    EXPECT_NEAR(symbol.center().x(), 259.5, 1);
+    EXPECT_NEAR(button.center().x(), 259.5, 1);
+    EXPECT_NEAR(symbol.top(), 460 - (button.bottom() + 1), 1);
+}
+
+} // namespace
+} // namespace tilewright::testing
