@@ -1,0 +1,105 @@
+// The Debian package: built, installed below a folder of its own, run from there, removed.
+
+#include "ShellDesktop.h"
+
+#include <Waiting.h>
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <csignal>
+#include <gtest/gtest.h>
+
+namespace tilewright::testing {
+namespace {
+
+class DebianPackage : public ::testing::Test {
+protected:
+    DebianPackage() {
+        for (const char* part : {"/var/lib/dpkg/info", "/var/lib/dpkg/updates", "/packages"})
+            QDir().mkpath(root() + QLatin1String(part));
+        QFile status(root() + QStringLiteral("/var/lib/dpkg/status"));
+        EXPECT_TRUE(status.open(QIODevice::WriteOnly));
+        Subprocess cpack;
+        EXPECT_TRUE(cpack.start(QStringLiteral("cpack"),
+                                {QStringLiteral("--config"),
+                                 QStringLiteral(TILEWRIGHT_BUILD_FOLDER "/CPackConfig.cmake"),
+                                 QStringLiteral("-G"), QStringLiteral("DEB"), QStringLiteral("-B"),
+                                 root() + QStringLiteral("/packages")},
+                                QProcessEnvironment::systemEnvironment()));
+        // Looking up what the program links to takes its time.
+        EXPECT_TRUE(cpack.waitForEnd(180'000));
+        EXPECT_EQ(cpack.exitCode(), 0);
+        const QStringList built = QDir(root() + QStringLiteral("/packages"))
+                                      .entryList({QStringLiteral("tilewright_*.deb")});
+        EXPECT_EQ(built.size(), 1);
+        file = root() + QStringLiteral("/packages/") + built.value(0);
+    }
+
+    [[nodiscard]] QString root() const { return folder.path(); }
+    QString run(const QString& program, const QStringList& arguments) {
+        return outputOf(program, arguments, QProcessEnvironment::systemEnvironment());
+    }
+    QString dpkg(const QStringList& arguments) {
+        return run(QStringLiteral("dpkg"), QStringList{QStringLiteral("--root=") + root(),
+                                                       QStringLiteral("--force-depends"),
+                                                       QStringLiteral("--force-not-root"),
+                                                       QStringLiteral("--log=/dev/null")} +
+                                               arguments);
+    }
+    /// What of the program is installed.
+    [[nodiscard]] QStringList installed() const {
+        QStringList files;
+        QDirIterator all(root() + QStringLiteral("/usr"), QDir::Files | QDir::NoDotAndDotDot,
+                         QDirIterator::Subdirectories);
+        while (all.hasNext())
+            files.append(all.next().mid(root().size()));
+        files.sort();
+        return files;
+    }
+
+    QTemporaryDir folder;
+    QString file;
+};
+
+} // namespace
+
+TEST_F(DebianPackage, NamesWhatItNeedsInstallsRunsAndLeavesNothingBehind) {
+    const QString needs =
+        run(QStringLiteral("dpkg-deb"), {QStringLiteral("-f"), file, QStringLiteral("Depends")});
+    for (const char* package : {"libc6", "libqt6core6", "libqt6dbus6", "libqt6gui6", "libqt6svg6",
+                                "libqt6widgets6", "libxcb-randr0", "libxcb1", "fonts-dejavu-core"})
+        EXPECT_TRUE(needs.contains(QLatin1String(package))) << package;
+    EXPECT_FALSE(needs.contains(QLatin1String("libqt6test"))) << "nothing of the tests";
+
+    dpkg({QStringLiteral("--install"), file});
+    const QStringList files = installed();
+    EXPECT_TRUE(files.contains(QStringLiteral("/usr/bin/tilewright")));
+    EXPECT_TRUE(
+        files.contains(QStringLiteral("/usr/share/icons/hicolor/scalable/apps/tilewright.svg")));
+
+    const QString share = root() + QStringLiteral("/usr/share");
+    EXPECT_EQ(run(QStringLiteral("desktop-file-validate"),
+                  {share + QStringLiteral("/applications/org.tilewright.Tilewright.desktop")}),
+              QString());
+    EXPECT_TRUE(run(QStringLiteral("appstreamcli"),
+                    {QStringLiteral("validate"), QStringLiteral("--no-net"),
+                     share + QStringLiteral("/metainfo/org.tilewright.Tilewright.metainfo.xml")})
+                    .contains(QStringLiteral("successful")));
+
+    ShellDesktop desktop;
+    desktop.startTray(TrayHost::systemTray);
+    Subprocess& program =
+        desktop.startProgram(root() + QStringLiteral("/usr/bin/tilewright"),
+                             {{QStringLiteral("XDG_DATA_DIRS"),
+                               root() + QStringLiteral("/usr/share:/usr/local/share:/usr/share")}});
+    desktop.openPanel();
+    program.signal(SIGTERM);
+    EXPECT_TRUE(program.waitForEnd());
+    EXPECT_EQ(program.exitCode(), 0);
+
+    dpkg({QStringLiteral("--purge"), QStringLiteral("tilewright")});
+    EXPECT_EQ(installed(), QStringList());
+}
+
+} // namespace tilewright::testing

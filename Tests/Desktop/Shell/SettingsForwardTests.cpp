@@ -1,0 +1,88 @@
+// "Settings…" brings the one settings window forward, wherever it is.
+
+#include "ShellDesktop.h"
+
+#include <TestClients.h>
+#include <Waiting.h>
+
+#include <gtest/gtest.h>
+
+namespace tilewright::testing {
+namespace {
+
+class SettingsUnder : public ::testing::TestWithParam<WindowManagerKind> {
+protected:
+    /// Opens the panel by starting the program again, as where a desktop shows no tray.
+    void chooseSettings() {
+        desktop.input().move({960, 200});
+        // The window manager may still be busy activating a window, which closes the panel.
+        ASSERT_TRUE(waitUntil([&] {
+            return desktop.startAgain() == 0 &&
+                   waitUntil([&] { return desktop.panel().has_value(); }, std::chrono::seconds(1));
+        }));
+        const QRect panel = desktop.panel().value_or(QRect());
+        desktop.input().click(ShellDesktop::settingsButton(panel));
+        ASSERT_TRUE(desktop.waitForPanel(false));
+    }
+    [[nodiscard]] bool isForward() {
+        return waitUntil([&] {
+            const auto window = desktop.settingsWindow();
+            return window && desktop.inspector().isMapped(*window) &&
+                   desktop.inspector().activeWindow() == *window;
+        });
+    }
+    [[nodiscard]] XInspector::Window settings() { return desktop.settingsWindow().value_or(0); }
+    [[nodiscard]] QString settingsID() { return QString::number(settings()); }
+    void use(const QStringList& arguments) {
+        static_cast<void>(
+            outputOf(QStringLiteral("xdotool"), arguments, desktop.session().environment()));
+    }
+
+    ShellDesktop desktop{GetParam()};
+};
+
+} // namespace
+
+TEST_P(SettingsUnder, OpensBehindNothingAndFocused) {
+    desktop.startProgram();
+    const TestClient client =
+        startClient(desktop.session(), ClientKind::xterm, QRect(400, 300, 900, 600));
+    ASSERT_NE(client.window, 0U);
+    chooseSettings();
+    EXPECT_TRUE(isForward());
+}
+
+TEST_P(SettingsUnder, ComesForwardFromBehindMinimisedAndFromAnotherDesktop) {
+    desktop.startProgram();
+    chooseSettings();
+    ASSERT_TRUE(isForward());
+    const XInspector::Window window = settings();
+
+    const TestClient client =
+        startClient(desktop.session(), ClientKind::xterm, QRect(400, 300, 900, 600));
+    ASSERT_NE(client.window, 0U);
+    use({QStringLiteral("windowactivate"), QString::number(client.window)});
+    ASSERT_TRUE(waitUntil([&] { return desktop.inspector().activeWindow() == client.window; }));
+    chooseSettings();
+    EXPECT_TRUE(isForward()) << "from behind";
+
+    use({QStringLiteral("windowminimize"), settingsID()});
+    ASSERT_TRUE(waitUntil([&] { return desktop.inspector().activeWindow() != window; }));
+    chooseSettings();
+    EXPECT_TRUE(isForward()) << "from the taskbar";
+
+    use({QStringLiteral("set_num_desktops"), QStringLiteral("2")});
+    use({QStringLiteral("set_desktop_for_window"), settingsID(), QStringLiteral("1")});
+    chooseSettings();
+    EXPECT_TRUE(isForward()) << "from another desktop";
+    EXPECT_EQ(settings(), window) << "it is the same window";
+}
+
+INSTANTIATE_TEST_SUITE_P(, SettingsUnder,
+                         ::testing::Values(WindowManagerKind::openbox, WindowManagerKind::xfwm4,
+                                           WindowManagerKind::kwin, WindowManagerKind::marco,
+                                           WindowManagerKind::mutter, WindowManagerKind::icewm,
+                                           WindowManagerKind::fluxbox),
+                         [](const auto& parameter) { return std::string(name(parameter.param)); });
+
+} // namespace tilewright::testing

@@ -1,0 +1,277 @@
+#include "ShellDesktop.h"
+
+#include <Waiting.h>
+
+#include <QDBusMessage>
+#include <QDir>
+#include <QFile>
+#include <gtest/gtest.h>
+
+namespace tilewright::testing {
+
+namespace {
+
+constexpr int barHeight = 30;
+constexpr int padding = 16;
+constexpr int panelWidth = 300;
+/// The room for the panel's shadow, where the desktop blends windows.
+constexpr int shadow = 22;
+
+QString program() {
+    return QStringLiteral(TILEWRIGHT_PROGRAM);
+}
+
+void write(const QString& path, const QByteArray& contents) {
+    QDir().mkpath(QFileInfo(path).path());
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(contents);
+}
+
+/// A panel at the top, with nothing on it but the status area.
+QByteArray notifierPanel() {
+    return R"(<?xml version="1.0" encoding="UTF-8"?>
+<channel name="xfce4-panel" version="1.0">
+  <property name="configver" type="int" value="2"/>
+  <property name="panels" type="array">
+    <value type="int" value="1"/>
+    <property name="panel-1" type="empty">
+      <property name="position" type="string" value="p=6;x=0;y=0"/>
+      <property name="length" type="uint" value="100"/>
+      <property name="position-locked" type="bool" value="true"/>
+      <property name="size" type="uint" value="30"/>
+      <property name="plugin-ids" type="array"><value type="int" value="1"/></property>
+    </property>
+  </property>
+  <property name="plugins" type="empty">
+    <property name="plugin-1" type="string" value="systray">
+      <property name="square-icons" type="bool" value="true"/>
+    </property>
+  </property>
+</channel>
+)";
+}
+
+/// A bar at the top, with nothing on it but the system tray.
+QByteArray trayBar() {
+    return "panel_items = S\npanel_size = 100% 30\npanel_position = top center horizontal\n"
+           "panel_monitor = all\nstrut_policy = follow_size\nsystray_icon_size = 22\n"
+           "systray_padding = 4 4 4\npanel_background_id = 0\n";
+}
+
+bool isAmber(QColor color) {
+    return color.red() - color.blue() > 60 && color.red() > color.green();
+}
+
+} // namespace
+
+IdleService::IdleService(const QString& busAddress)
+    : name_(QStringLiteral("idle-service-%1").arg(quintptr(this)))
+    , bus_(QDBusConnection::connectToBus(busAddress, name_)) {
+    for (const QString& path :
+         {QStringLiteral("/org/freedesktop/ScreenSaver"), QStringLiteral("/ScreenSaver")})
+        bus_.registerObject(path, this, QDBusConnection::ExportAllSlots);
+    EXPECT_TRUE(bus_.registerService(QStringLiteral("org.freedesktop.ScreenSaver")));
+    watch_ = new QDBusServiceWatcher(this);
+    watch_->setConnection(bus_);
+    watch_->setWatchMode(QDBusServiceWatcher::WatchForUnregistration);
+    connect(watch_, &QDBusServiceWatcher::serviceUnregistered, this, [this](const QString& peer) {
+        std::erase_if(holders_, [&](const auto& holder) { return holder.second == peer; });
+    });
+}
+
+IdleService::~IdleService() {
+    QDBusConnection::disconnectFromBus(name_);
+}
+
+uint IdleService::Inhibit(const QString& /*application*/, const QString& /*reason*/) {
+    watch_->addWatchedService(message().service());
+    holders_[++lastCookie_] = message().service();
+    return lastCookie_;
+}
+
+void IdleService::UnInhibit(uint cookie) {
+    holders_.erase(cookie);
+}
+
+ShellDesktop::ShellDesktop(WindowManagerKind windowManager) {
+    EXPECT_TRUE(session_.startWindowManager(windowManager));
+}
+
+void ShellDesktop::startTray(TrayHost host) {
+    if (tray_)
+        tray_->stop();
+    host_ = host;
+    if (host == TrayHost::statusNotifier) {
+        write(session_.home() + QStringLiteral("/.config/xfce4/xfconf/xfce-perchannel-xml/"
+                                               "xfce4-panel.xml"),
+              notifierPanel());
+        tray_ =
+            &session_.start(QStringLiteral("xfce4-panel"), {QStringLiteral("--disable-wm-check")});
+    } else {
+        const QString file = session_.home() + QStringLiteral("/tint2rc");
+        write(file, trayBar());
+        tray_ = &session_.start(QStringLiteral("tint2"), {QStringLiteral("-c"), file});
+    }
+}
+
+Subprocess& ShellDesktop::startProgram(const QString& path,
+                                       const std::map<QString, QString>& moreEnvironment) {
+    program_ = &session_.start(path.isEmpty() ? program() : path, {}, moreEnvironment);
+    // From then on another start finds it.
+    EXPECT_TRUE(waitUntil([&] {
+        return outputOf(QStringLiteral("dbus-send"),
+                        {QStringLiteral("--session"), QStringLiteral("--print-reply"),
+                         QStringLiteral("--dest=org.freedesktop.DBus"), QStringLiteral("/"),
+                         QStringLiteral("org.freedesktop.DBus.ListNames")},
+                        session_.environment())
+            .contains(QStringLiteral("org.tilewright.Tilewright.Display"));
+    }));
+    return *program_;
+}
+
+int ShellDesktop::startAgain() {
+    Subprocess& second = session_.start(program());
+    EXPECT_TRUE(second.waitForEnd());
+    return second.exitCode();
+}
+
+std::optional<QPoint> ShellDesktop::findItem() {
+    // Drawn in one tone that nothing else on the bar has.
+    const QImage bar = inspector().screenshot(QRect(0, 0, 1920, barHeight));
+    QRect found;
+    for (int y = 0; y < bar.height(); ++y) {
+        for (int x = 0; x < bar.width(); ++x) {
+            const QColor color = bar.pixelColor(x, y);
+            if (std::abs(color.red() - 0x90) < 20 && std::abs(color.green() - 0x90) < 20 &&
+                std::abs(color.blue() - 0x90) < 20)
+                found |= QRect(x, y, 1, 1);
+        }
+    }
+    // The cup, not some line of the bar.
+    if (found.width() < 10 || found.width() > 40 || found.height() < 8)
+        return std::nullopt;
+    return found.center();
+}
+
+bool ShellDesktop::showsItem() {
+    return findItem().has_value();
+}
+
+QPoint ShellDesktop::item() {
+    std::optional<QPoint> place;
+    EXPECT_TRUE(waitUntil([&] {
+        place = findItem();
+        return place.has_value();
+    })) << "the item does not show";
+    return place.value_or(QPoint());
+}
+
+std::optional<QRect> ShellDesktop::panel() {
+    XInspector& look = inspector();
+    for (const XInspector::Window window : look.allWindows()) {
+        if (!look.isMapped(window) || !look.isOverrideRedirect(window) || program_ == nullptr ||
+            look.processID(window) != static_cast<quint32>(program_->pid()))
+            continue;
+        const QRect frame = look.clientFrame(window);
+        if (frame.width() == panelWidth)
+            return frame;
+        if (frame.width() == panelWidth + 2 * shadow)
+            return frame.adjusted(shadow, shadow, -shadow, -shadow);
+    }
+    return std::nullopt;
+}
+
+bool ShellDesktop::waitForPanel(bool isOpen) {
+    return waitUntil([&] { return panel().has_value() == isOpen; });
+}
+
+QRect ShellDesktop::openPanel() {
+    input().click(item());
+    EXPECT_TRUE(waitForPanel());
+    const QRect frame = panel().value_or(QRect());
+    // Shown is not painted yet.
+    EXPECT_TRUE(waitUntil([&] { return amberRows(frame).size() > 60; }));
+    return frame;
+}
+
+std::vector<int> ShellDesktop::amberRows(const QRect& panel) {
+    XInspector& look = inspector();
+    const QImage image = look.screenshot(panel);
+    // Down a line through the thumbnail's and the cards' left edges' neighbourhood, where only the
+    // outlines of zones are amber.
+    std::vector<int> rows;
+    for (int y = 0; y < image.height(); ++y) {
+        bool hasAmber = false;
+        for (int x = padding; x < 110 && !hasAmber; ++x)
+            hasAmber = isAmber(image.pixelColor(x, y));
+        if (hasAmber)
+            rows.push_back(y);
+    }
+    return rows;
+}
+
+QPoint ShellDesktop::firstZone(const QRect& panel) {
+    const std::vector<int> rows = amberRows(panel);
+    if (rows.empty())
+        return {};
+    return panel.topLeft() + QPoint(padding + 30, rows.front() + 30);
+}
+
+QPoint ShellDesktop::card(const QRect& panel, int row, int column) {
+    // Runs of rows with amber in them: the thumbnail, then one for each row of cards.
+    const std::vector<int> rows = amberRows(panel);
+    std::vector<QPoint> runs;
+    for (const int y : rows) {
+        if (runs.empty() || y > runs.back().y() + 1)
+            runs.emplace_back(y, y);
+        else
+            runs.back().setY(y);
+    }
+    const auto index = static_cast<std::size_t>(row) + 1;
+    if (index >= runs.size()) {
+        ADD_FAILURE() << "the panel has " << runs.size() << " rows of drawings";
+        return {};
+    }
+    const int width = (panel.width() - 2 * padding) / 3;
+    return panel.topLeft() +
+           QPoint(padding + column * width + width / 2, (runs[index].x() + runs[index].y()) / 2);
+}
+
+QPoint ShellDesktop::settingsButton(const QRect& panel) {
+    return {panel.left() + padding + 20, panel.top() + panel.height() - padding - 7};
+}
+
+QPoint ShellDesktop::quitButton(const QRect& panel) {
+    return {panel.left() + panel.width() - padding - 10,
+            panel.top() + panel.height() - padding - 7};
+}
+
+void ShellDesktop::startSession() {
+    openPanel();
+    input().tapKey(keysym::tab);
+    input().tapKey(keysym::space);
+    input().tapKey(keysym::escape);
+    EXPECT_TRUE(waitForPanel(false));
+}
+
+std::optional<XInspector::Window> ShellDesktop::settingsWindow() {
+    return inspector().clientTitled(QStringLiteral("Tilewright Settings"));
+}
+
+QString ShellDesktop::layoutsFile() const {
+    return session_.environment().value(QStringLiteral("XDG_DATA_HOME"),
+                                        session_.home() + QStringLiteral("/.local/share")) +
+           QStringLiteral("/Tilewright/layouts.json");
+}
+
+QByteArray ShellDesktop::layouts() const {
+    QFile file(layoutsFile());
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void ShellDesktop::writeLayouts(const QByteArray& json) const {
+    write(layoutsFile(), json);
+}
+
+} // namespace tilewright::testing

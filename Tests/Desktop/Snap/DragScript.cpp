@@ -1,0 +1,116 @@
+#include "DragScript.h"
+
+#include <Waiting.h>
+
+#include <cmath>
+#include <gtest/gtest.h>
+
+namespace tilewright::testing {
+namespace {
+
+/// One more than the largest cell of the terminal's font.
+constexpr QSize cellBound(14, 27);
+
+std::string text(const QRect& rectangle) {
+    return std::to_string(rectangle.width()) + "x" + std::to_string(rectangle.height()) + " at " +
+           std::to_string(rectangle.x()) + "," + std::to_string(rectangle.y());
+}
+
+} // namespace
+
+QPoint DragScript::grip(const TestClient& client) const {
+    const XInspector& inspector = desktop_.inspector();
+    const QRect outer = inspector.outerFrame(client.window);
+    const QRect inner = inspector.clientFrame(client.window);
+    const int bar = inner.y() - outer.y();
+    // A window without the window manager's bar draws its own.
+    return {outer.x() + outer.width() / 3, outer.y() + (bar > 4 ? bar / 2 : 20)};
+}
+
+void DragScript::grab(const TestClient& client, KeyTiming timing) {
+    XInputInjector& input = desktop_.input();
+    const XInspector& inspector = desktop_.inspector();
+    // A window manager is some time about a new window.
+    EXPECT_TRUE(waitUntil([&] {
+        const QRect frame = inspector.outerFrame(client.window);
+        return frame.width() > 100 && inspector.isMapped(client.window);
+    }));
+    const QPoint from = grip(client);
+    input.move(from);
+    if (timing == KeyTiming::beforeThePress)
+        input.pressKey(program_.key());
+    input.press();
+    input.glide(from, from + QPoint(24, 12), 6);
+    if (timing == KeyTiming::afterTheDragBegan)
+        input.pressKey(program_.key());
+    isKeyDown_ = true;
+    // The window is captured at the first move that the program hears of: still above the window,
+    // even where the window manager leaves it in its place.
+    const QPoint here = input.position();
+    EXPECT_TRUE(waitUntil([&] {
+        input.move(here + QPoint(2, 0));
+        input.move(here);
+        return program_.overlayShows();
+    })) << "the overlay does not show";
+}
+
+void DragScript::dragTo(QPoint target, int steps) {
+    desktop_.input().glide(desktop_.input().position(), target, steps);
+}
+
+void DragScript::releaseButton() {
+    desktop_.input().release();
+}
+
+void DragScript::releaseKey() {
+    if (isKeyDown_)
+        desktop_.input().releaseKey(program_.key());
+    isKeyDown_ = false;
+}
+
+void DragScript::expectOverlayGone() {
+    EXPECT_TRUE(waitUntil([&] { return !program_.overlayShows(); })) << "the overlay stays";
+}
+
+void DragScript::drop() {
+    releaseButton();
+    releaseKey();
+    expectOverlayGone();
+}
+
+void DragScript::run(const TestClient& client, KeyTiming timing, QPoint target) {
+    grab(client, timing);
+    dragTo(target);
+    drop();
+}
+
+QRect workArea(const XInspector& inspector) {
+    const QRect screen(QPoint(), inspector.screenSize());
+    const auto area = inspector.property(inspector.root(), "_NET_WORKAREA");
+    if (area.size() < 4)
+        return screen;
+    return screen & QRect(int(area[0]), int(area[1]), int(area[2]), int(area[3]));
+}
+
+QRect zoneFrame(const Zone& zone, const QRect& area) {
+    const auto edge = [](double value) { return static_cast<int>(std::lround(value)); };
+    const int left = edge(area.x() + zone.x * area.width());
+    const int top = edge(area.y() + zone.y * area.height());
+    const int right = edge(area.x() + (zone.x + zone.width) * area.width());
+    const int bottom = edge(area.y() + (zone.y + zone.height) * area.height());
+    return {left, top, right - left, bottom - top};
+}
+
+void expectFills(const XInspector& inspector, ClientKind kind, const TestClient& client,
+                 const QRect& frame) {
+    const QSize slack = kind == ClientKind::xterm ? cellBound : QSize(1, 1);
+    EXPECT_TRUE(waitUntil([&] {
+        const QRect now = inspector.outerFrame(client.window);
+        const QSize short_ = frame.size() - now.size();
+        return now.topLeft() == frame.topLeft() && short_.width() >= 0 && short_.height() >= 0 &&
+               short_.width() < slack.width() && short_.height() < slack.height();
+    })) << name(kind)
+        << ": asked for " << text(frame) << ", is " << text(inspector.outerFrame(client.window));
+}
+
+} // namespace tilewright::testing

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "RunningProgram.h"
+
+#include <TestClients.h>
+
+#include <WindowManager/ZoneLayout.h>
+
+namespace tilewright::testing {
+
+/// When the user presses the modifier key.
+enum class KeyTiming { beforeThePress, afterTheDragBegan };
+
+/// Does with a window what a user would do, step by step.
+class DragScript {
+public:
+    DragScript(DesktopSession& desktop, RunningProgram& program)
+        : desktop_(desktop)
+        , program_(program) {}
+
+    /// Takes a window by its title bar, or the bar that it draws itself, and waits until the
+    /// overlay shows.
+    void grab(const TestClient& client, KeyTiming timing);
+    /// Moves on to a point.
+    void dragTo(QPoint target, int steps = 8);
+    void releaseButton();
+    void releaseKey();
+    /// Waits until the overlay is gone.
+    void expectOverlayGone();
+    /// Lets go of button and key, in this order, and waits until the overlay is gone.
+    void drop();
+
+    /// The whole of it: grab, drag and drop.
+    void run(const TestClient& client, KeyTiming timing, QPoint target);
+
+private:
+    [[nodiscard]] QPoint grip(const TestClient& client) const;
+
+    DesktopSession& desktop_;
+    RunningProgram& program_;
+    bool isKeyDown_ = false;
+};
+
+/// The part of the screen that panels leave free, as the window manager tells it; for one monitor.
+[[nodiscard]] QRect workArea(const XInspector& inspector);
+/// A zone's pixels within an area.
+[[nodiscard]] QRect zoneFrame(const Zone& zone, const QRect& area);
+
+/// Waits until the window fills the frame: to the pixel, or for a terminal, whose size moves by
+/// character cells, by as many whole cells as fit.
+void expectFills(const XInspector& inspector, ClientKind kind, const TestClient& client,
+                 const QRect& frame);
+
+} // namespace tilewright::testing

@@ -1,0 +1,159 @@
+#include "Displays.h"
+#include "DragScript.h"
+
+#include <Waiting.h>
+
+#include <gtest/gtest.h>
+
+namespace tilewright::testing {
+namespace {
+
+constexpr QPoint inFirstZone(600, 400);
+
+bool isAmber(const QColor& colour) {
+    return std::abs(colour.red() - 209) < 12 && std::abs(colour.green() - 140) < 12 &&
+           std::abs(colour.blue() - 51) < 12;
+}
+
+struct OverlayWindow : ::testing::Test {
+    void begin(Compositing compositing, const std::map<QString, QString>& environment = {}) {
+        ASSERT_TRUE(desktop.startWindowManager(WindowManagerKind::openbox, compositing));
+        program = std::make_unique<RunningProgram>(desktop, RunningProgram::defaultModifier(),
+                                                   environment);
+        script = std::make_unique<DragScript>(desktop, *program);
+    }
+    /// Drags a small window into the first zone of Bento Box and holds it there.
+    void hold() {
+        client = startClient(desktop, ClientKind::qt, {700, 300, 300, 200});
+        script->grab(client, KeyTiming::beforeThePress);
+        script->dragTo(inFirstZone);
+    }
+    QColor pixel(QPoint point) const { return inspector.pixel(point); }
+    /// On the first zone's left border, and on the second's top border.
+    static constexpr QPoint onHighlightedBorder{5, 700};
+    static constexpr QPoint onPlainBorder{1500, 4};
+    /// Within the two, above nothing but the desktop.
+    static constexpr QPoint inHighlightedTile{80, 900};
+    static constexpr QPoint inPlainTile{1500, 300};
+
+    DesktopSession desktop;
+    XInspector& inspector = desktop.inspector();
+    std::unique_ptr<RunningProgram> program;
+    std::unique_ptr<DragScript> script;
+    TestClient client;
+};
+
+TEST_F(OverlayWindow, CoversAFullscreenWindowTakesNoFocusAndShowsInNoListOfWindows) {
+    begin(Compositing::off);
+    const TestClient full = startClient(desktop, ClientKind::qt, {100, 100, 500, 400});
+    static_cast<void>(
+        outputOf(QStringLiteral("wmctrl"),
+                 {QStringLiteral("-i"), QStringLiteral("-r"), QString::number(full.window),
+                  QStringLiteral("-b"), QStringLiteral("add,fullscreen")},
+                 desktop.environment()));
+    const QRect screen(QPoint(), inspector.screenSize());
+    ASSERT_TRUE(waitUntil([&] { return inspector.outerFrame(full.window) == screen; }));
+    const auto focus = inspector.inputFocus();
+
+    desktop.input().move(inFirstZone);
+    desktop.input().pressKey(program->key());
+    desktop.input().press();
+    EXPECT_TRUE(waitUntil([&] {
+        desktop.input().move(inFirstZone + QPoint(2, 0));
+        desktop.input().move(inFirstZone);
+        return program->overlayShows();
+    }));
+    EXPECT_TRUE(waitUntil([&] { return isAmber(pixel(onHighlightedBorder)); }));
+    EXPECT_EQ(inspector.inputFocus(), focus);
+    const auto listed = inspector.property(inspector.root(), "_NET_CLIENT_LIST");
+    EXPECT_EQ(std::count(listed.begin(), listed.end(), program->overlay()), 0);
+    EXPECT_TRUE(inspector.isOverrideRedirect(program->overlay()));
+    desktop.input().releaseKey(program->key());
+    desktop.input().release();
+}
+
+TEST_F(OverlayWindow, ThePointerIsInTheWindowsBeneathIt) {
+    begin(Compositing::on);
+    const TestClient beneath = startClient(desktop, ClientKind::qt, {1300, 600, 300, 200});
+    ASSERT_TRUE(waitUntil([&] { return inspector.outerFrame(beneath.window).width() > 100; }));
+    hold();
+    desktop.input().move(inspector.outerFrame(beneath.window).center());
+    const QString under = outputOf(QStringLiteral("xdotool"),
+                                   {QStringLiteral("getmouselocation"), QStringLiteral("--shell")},
+                                   desktop.environment());
+    EXPECT_TRUE(under.contains(QStringLiteral("WINDOW="))) << under.toStdString();
+    EXPECT_FALSE(under.contains(QStringLiteral("WINDOW=%1\n").arg(program->overlay())))
+        << under.toStdString();
+    EXPECT_TRUE(program->overlayShows());
+    script->drop();
+}
+
+TEST_F(OverlayWindow, WithoutACompositorTheDesktopStaysVisibleBetweenOpaqueBorders) {
+    begin(Compositing::off);
+    const QColor ground = pixel(inPlainTile);
+    const QColor otherGround = pixel(inHighlightedTile);
+    hold();
+    EXPECT_TRUE(waitUntil([&] { return isAmber(pixel(onHighlightedBorder)); }));
+    EXPECT_NE(pixel(onPlainBorder), ground);
+    EXPECT_EQ(pixel(inPlainTile), ground);
+    EXPECT_EQ(pixel(inHighlightedTile), otherGround);
+    script->drop();
+    EXPECT_TRUE(waitUntil([&] { return pixel(onPlainBorder) == ground; }));
+}
+
+TEST_F(OverlayWindow, WithACompositorTheGroundShinesThroughTheTiles) {
+    begin(Compositing::on);
+    const QColor ground = pixel(inHighlightedTile);
+    hold();
+    EXPECT_TRUE(waitUntil([&] { return isAmber(pixel(onHighlightedBorder)); }));
+    // A tint of amber over the ground: redder than it was, far from opaque.
+    EXPECT_TRUE(waitUntil([&] { return pixel(inHighlightedTile).red() > ground.red(); }));
+    const QColor tinted = pixel(inHighlightedTile);
+    EXPECT_FALSE(isAmber(tinted));
+    script->drop();
+    EXPECT_TRUE(waitUntil([&] { return pixel(inHighlightedTile).red() < tinted.red(); }));
+}
+
+TEST_F(OverlayWindow, FollowsACompositorThatComesAndGoesInMidDrag) {
+    begin(Compositing::off);
+    const QColor ground = pixel(inPlainTile);
+    hold();
+    EXPECT_TRUE(waitUntil([&] { return isAmber(pixel(onHighlightedBorder)); }));
+    ASSERT_TRUE(desktop.startCompositor());
+    EXPECT_TRUE(waitUntil([&] { return pixel(inPlainTile) != ground; }))
+        << "a translucent tile changes what is beneath";
+    desktop.stopCompositor();
+    EXPECT_TRUE(waitUntil([&] {
+        return isAmber(pixel(onHighlightedBorder)) && pixel(inPlainTile) == ground;
+    })) << "cut to the borders again";
+    script->drop();
+}
+
+struct ScaledOverlay : OverlayWindow, ::testing::WithParamInterface<const char*> {};
+
+TEST_P(ScaledOverlay, CoversExactlyTheMonitorsPixelsAndSnapsToThem) {
+    const QRect left(0, 0, 1003, 1080);
+    const QRect right(1003, 0, 917, 1080);
+    splitIntoMonitors(desktop, left, right);
+    begin(Compositing::off,
+          {{QStringLiteral("QT_SCALE_FACTOR"), QString::fromLatin1(GetParam())},
+           {QStringLiteral("QT_SCALE_FACTOR_ROUNDING_POLICY"), QStringLiteral("PassThrough")}});
+    client = startClient(desktop, ClientKind::qt, {300, 200, 400, 300});
+    script->grab(client, KeyTiming::beforeThePress);
+    EXPECT_TRUE(waitUntil([&] { return inspector.clientFrame(program->overlay()) == left; }));
+    const QRect zone = zoneFrame(ZoneLayout::bentoBox().zones[0], right);
+    script->dragTo(zone.center());
+    EXPECT_TRUE(waitUntil([&] { return inspector.clientFrame(program->overlay()) == right; }));
+    script->drop();
+    expectFills(inspector, ClientKind::qt, client, zone);
+}
+
+INSTANTIATE_TEST_SUITE_P(At, ScaledOverlay, ::testing::Values("1", "1.25", "1.5", "2"),
+                         [](const auto& parameter) {
+                             std::string name = parameter.param;
+                             std::replace(name.begin(), name.end(), '.', '_');
+                             return name;
+                         });
+
+} // namespace
+} // namespace tilewright::testing

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QString>
+#include <map>
+#include <string>
+#include <sys/types.h>
+
+namespace tilewright::testing {
+
+/// What the operating system says of a process.
+struct ProcessFigures {
+    long residentKiB = 0;
+    /// Not shared with any other process.
+    long privateKiB = 0;
+    int fileDescriptors = 0;
+    /// How often it gave up the processor by itself: it had been woken for something before.
+    long voluntarySwitches = 0;
+    /// Processor time used, in microseconds as far as the system counts.
+    long cpuMicroseconds = 0;
+};
+[[nodiscard]] ProcessFigures processFigures(pid_t process);
+
+/// How many resources of each type a process's connections hold on an X server, as the server
+/// counts them.
+using XResources = std::map<std::string, long>;
+[[nodiscard]] XResources xResources(const QString& display, pid_t process);
+
+} // namespace tilewright::testing

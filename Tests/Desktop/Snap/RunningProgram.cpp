@@ -1,0 +1,93 @@
+#include "RunningProgram.h"
+
+#include <Waiting.h>
+
+#include <QDir>
+#include <QFile>
+#include <gtest/gtest.h>
+
+namespace tilewright::testing {
+
+quint32 keyFor(const QString& modifier) {
+    if (modifier == QStringLiteral("shift"))
+        return keysym::shift;
+    if (modifier == QStringLiteral("option"))
+        return keysym::alt;
+    if (modifier == QStringLiteral("command"))
+        return keysym::super;
+    return keysym::control;
+}
+
+RunningProgram::RunningProgram(DesktopSession& desktop, const QString& modifier,
+                               const std::map<QString, QString>& environment)
+    : desktop_(desktop)
+    , modifier_(modifier) {
+    const QString folder = desktop.home() + QStringLiteral("/.config/Tilewright");
+    QDir().mkpath(folder);
+    QFile settings(folder + QStringLiteral("/Tilewright.conf"));
+    if (settings.open(QIODevice::WriteOnly))
+        settings.write("[General]\nsnapActivationModifier=" + modifier.toLatin1() + "\n");
+    settings.close();
+    process_ = &desktop.start(QStringLiteral(TILEWRIGHT_PROGRAM), {}, environment);
+    waitUntilReady();
+}
+
+RunningProgram::~RunningProgram() {
+    process_->stop();
+}
+
+quint32 RunningProgram::key() const {
+    return keyFor(modifier_);
+}
+
+XInspector::Window RunningProgram::overlay() const {
+    const XInspector& inspector = desktop_.inspector();
+    if (overlay_ != 0 && inspector.exists(overlay_))
+        return overlay_;
+    overlay_ = 0;
+    for (const XInspector::Window window : inspector.allWindows()) {
+        if (inspector.isOverrideRedirect(window) &&
+            inspector.processID(window) == static_cast<quint32>(pid()) &&
+            !inspector.property(window, "_NET_WM_BYPASS_COMPOSITOR").empty())
+            overlay_ = window;
+    }
+    return overlay_;
+}
+
+bool RunningProgram::overlayShows() const {
+    const XInspector::Window window = overlay();
+    return window != 0 && desktop_.inspector().isMapped(window);
+}
+
+void RunningProgram::waitUntilReady() {
+    XInputInjector& input = desktop_.input();
+    const QSize screen = desktop_.inspector().screenSize();
+    const QPoint emptyPlace(screen.width() / 4, screen.height() - 40);
+    // It tells nobody that it listens: drag over the empty desktop until it does.
+    const bool answers = waitUntil([&] {
+        input.move(emptyPlace);
+        // The button first: with the key held, a press belongs to some window managers.
+        input.press();
+        input.pressKey(key());
+        const bool shows = waitUntil(
+            [&] {
+                input.move(emptyPlace + QPoint(3, 0));
+                input.move(emptyPlace);
+                return overlayShows();
+            },
+            std::chrono::milliseconds(300));
+        // The key first: nothing is snapped.
+        input.releaseKey(key());
+        const bool isHidden = waitUntil([&] { return !overlayShows(); });
+        input.release();
+        return shows && isHidden;
+    });
+    EXPECT_TRUE(answers) << "the program does not answer to a drag; it printed:\n"
+                         <<
+        [&] {
+            QFile log(desktop_.logFile());
+            return log.open(QIODevice::ReadOnly) ? log.readAll().toStdString() : std::string();
+        }();
+}
+
+} // namespace tilewright::testing

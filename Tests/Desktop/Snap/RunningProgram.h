@@ -1,0 +1,48 @@
+#pragma once
+
+#include <DesktopSession.h>
+
+#include <QRect>
+#include <map>
+#include <vector>
+
+namespace tilewright::testing {
+
+/// The real program, running in a test's desktop. It ends with this object.
+class RunningProgram {
+public:
+    /// Starts it with this key as the user's choice ("control", "shift", "option", "command"), and
+    /// waits until it answers to a drag. Fails the running test when it does not.
+    explicit RunningProgram(DesktopSession& desktop, const QString& modifier = defaultModifier(),
+                            const std::map<QString, QString>& environment = {});
+    RunningProgram(const RunningProgram&) = delete;
+    RunningProgram& operator=(const RunningProgram&) = delete;
+    ~RunningProgram();
+
+    [[nodiscard]] static QString defaultModifier() { return QStringLiteral("control"); }
+
+    [[nodiscard]] bool isRunning() const { return process_->isRunning(); }
+    [[nodiscard]] pid_t pid() const { return process_->pid(); }
+    [[nodiscard]] Subprocess& process() { return *process_; }
+
+    /// The overlay's window; 0 before the program has made it.
+    [[nodiscard]] XInspector::Window overlay() const;
+    /// Whether the overlay is on the screen.
+    [[nodiscard]] bool overlayShows() const;
+
+    /// The key that the program was told to answer to.
+    [[nodiscard]] quint32 key() const;
+
+private:
+    void waitUntilReady();
+
+    DesktopSession& desktop_;
+    Subprocess* process_;
+    QString modifier_;
+    mutable XInspector::Window overlay_ = 0;
+};
+
+/// The keysym of a modifier by the name under which the program stores it.
+[[nodiscard]] quint32 keyFor(const QString& modifier);
+
+} // namespace tilewright::testing

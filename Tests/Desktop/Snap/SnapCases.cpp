@@ -1,0 +1,123 @@
+#include "SnapCases.h"
+
+#include <Waiting.h>
+
+#include <gtest/gtest.h>
+
+namespace tilewright::testing {
+
+SnapCases::SnapCases(DesktopSession& desktop, const QString& modifier)
+    : desktop_(desktop)
+    , inspector_(desktop.inspector())
+    , program_(desktop, modifier)
+    , script_(desktop, program_)
+    , area_(workArea(inspector_)) {}
+
+TestClient SnapCases::open(ClientKind kind, const QRect& area) const {
+    const TestClient client = startClient(desktop_, kind, area);
+    EXPECT_TRUE(waitUntil([&] { return inspector_.activeWindow() == client.window; }));
+    EXPECT_TRUE(waitUntil([&] { return inspector_.outerFrame(client.window).width() > 100; }));
+    return client;
+}
+
+QRect SnapCases::frame(std::size_t zone) const {
+    const auto& zones = ZoneLayout::bentoBox().zones;
+    return zoneFrame(zones[zone % zones.size()], area_);
+}
+
+void SnapCases::dragAndDrop(ClientKind kind, const TestClient& client, KeyTiming timing,
+                            QPoint target, const QRect& expected) {
+    script_.grab(client, timing);
+    script_.dragTo(target);
+    script_.drop();
+    expectFills(inspector_, kind, client, expected);
+    EXPECT_TRUE(waitUntil([&] { return inspector_.activeWindow() == client.window; }))
+        << "active is " << inspector_.activeWindow() << ", not " << client.window;
+}
+
+void SnapCases::dropInAZone(ClientKind kind, KeyTiming timing, std::size_t zone) {
+    dropInZonesInTurn(kind, timing, zone, 1);
+}
+
+void SnapCases::dropInZonesInTurn(ClientKind kind, KeyTiming timing, std::size_t first, int count) {
+    SCOPED_TRACE(std::string("drop in a zone: ") + name(kind));
+    const TestClient client = open(kind);
+    for (std::size_t zone = first; zone < first + static_cast<std::size_t>(count); ++zone)
+        dragAndDrop(kind, client, timing, frame(zone).center(), frame(zone));
+    client.process->stop();
+}
+
+void SnapCases::releaseTheKeyFirst(ClientKind kind) {
+    SCOPED_TRACE(std::string("the key is let go first: ") + name(kind));
+    const TestClient client = open(kind);
+    const QSize before = inspector_.outerFrame(client.window).size();
+    script_.grab(client, KeyTiming::afterTheDragBegan);
+    script_.dragTo(area_.center());
+    script_.releaseKey();
+    script_.expectOverlayGone();
+    script_.releaseButton();
+    EXPECT_EQ(inspector_.outerFrame(client.window).size(), before);
+    // A drag that does snap comes after it: what was to happen first has happened.
+    dragAndDrop(kind, client, KeyTiming::beforeThePress, frame(0).center(), frame(0));
+    client.process->stop();
+}
+
+void SnapCases::pressEscape(ClientKind kind, std::size_t zone) {
+    SCOPED_TRACE(std::string("Escape: ") + name(kind));
+    const TestClient client = open(kind);
+    script_.grab(client, KeyTiming::afterTheDragBegan);
+    script_.dragTo(frame(zone).center());
+    desktop_.input().tapKey(keysym::escape);
+    EXPECT_TRUE(program_.overlayShows());
+    script_.drop();
+    expectFills(inspector_, kind, client, frame(zone));
+    client.process->stop();
+}
+
+void SnapCases::closeInMidDrag(ClientKind kind, std::size_t zone) {
+    SCOPED_TRACE(std::string("the window closes: ") + name(kind));
+    const TestClient other = open(ClientKind::qt, {900, 500, 400, 300});
+    const QRect untouched = inspector_.outerFrame(other.window);
+    const TestClient client = open(kind);
+    script_.grab(client, KeyTiming::beforeThePress);
+    script_.dragTo(area_.center());
+    client.process->stop();
+    EXPECT_TRUE(waitUntil([&] { return !inspector_.exists(client.window); }));
+    script_.drop();
+    EXPECT_TRUE(program_.isRunning());
+    EXPECT_EQ(inspector_.outerFrame(other.window), untouched);
+    dragAndDrop(ClientKind::qt, other, KeyTiming::beforeThePress, frame(zone).center(),
+                frame(zone));
+    other.process->stop();
+}
+
+void SnapCases::pullOffMaximised(ClientKind kind, std::size_t zone) {
+    SCOPED_TRACE(std::string("pulled off: ") + name(kind));
+    const TestClient client = open(kind);
+    const QStringList maximise{QStringLiteral("-i"), QStringLiteral("-r"),
+                               QString::number(client.window), QStringLiteral("-b"),
+                               QStringLiteral("add,maximized_vert,maximized_horz")};
+    static_cast<void>(outputOf(QStringLiteral("wmctrl"), maximise, desktop_.environment()));
+    EXPECT_TRUE(waitUntil([&] {
+        return inspector_.hasAtom(client.window, "_NET_WM_STATE", "_NET_WM_STATE_MAXIMIZED_HORZ") &&
+               inspector_.outerFrame(client.window).width() >= area_.width() - 20;
+    }));
+    dragAndDrop(kind, client, KeyTiming::beforeThePress, frame(zone).center(), frame(zone));
+    client.process->stop();
+}
+
+void SnapCases::dropAtTheEdges(ClientKind kind, KeyTiming timing) {
+    SCOPED_TRACE(std::string("at the screen's edges: ") + name(kind));
+    const TestClient client = open(kind);
+    const auto drop = [&](QPoint target, std::size_t zone) {
+        script_.run(client, timing, target);
+        expectFills(inspector_, kind, client, frame(zone));
+    };
+    drop({area_.left(), area_.center().y()}, 0);
+    drop(area_.bottomRight(), 3);
+    drop({area_.center().x(), area_.top()}, 0);
+    drop({area_.right(), area_.top() + area_.height() / 4}, 1);
+    client.process->stop();
+}
+
+} // namespace tilewright::testing

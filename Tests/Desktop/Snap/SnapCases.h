@@ -1,0 +1,53 @@
+#pragma once
+
+#include "DragScript.h"
+
+#include <array>
+#include <memory>
+
+namespace tilewright::testing {
+
+/// The clients that are dragged about: size increments, plain decorations, decorations of its own.
+inline constexpr std::array draggedClients{ClientKind::xterm, ClientKind::qt,
+                                           ClientKind::gtkClientDecorated};
+
+/// What can happen in a drag, each as one scripted drag on a desktop of one monitor with Bento Box.
+/// After each the overlay is gone; but for the drops at the edges, where some window managers turn
+/// to another desktop, the active window is the one that was dragged.
+class SnapCases {
+public:
+    /// Starts the program with this key.
+    SnapCases(DesktopSession& desktop, const QString& modifier);
+
+    /// Dropped in a zone, the window fills it.
+    void dropInAZone(ClientKind kind, KeyTiming timing, std::size_t zone);
+    /// The same window through several zones, one drag each.
+    void dropInZonesInTurn(ClientKind kind, KeyTiming timing, std::size_t first, int count);
+    /// With the key let go before the button nothing is snapped.
+    void releaseTheKeyFirst(ClientKind kind);
+    /// Escape in mid-drag changes nothing of the snap.
+    void pressEscape(ClientKind kind, std::size_t zone);
+    /// A window that closes in mid-drag costs nothing, neither another window's place.
+    void closeInMidDrag(ClientKind kind, std::size_t zone);
+    /// A maximised window is pulled off into a zone.
+    void pullOffMaximised(ClientKind kind, std::size_t zone);
+    /// Dropped where a window manager would tile or maximise it, the window fills the zone there.
+    void dropAtTheEdges(ClientKind kind, KeyTiming timing);
+
+    [[nodiscard]] RunningProgram& program() { return program_; }
+
+private:
+    /// Opens a window and waits until it is the active one, in its place.
+    [[nodiscard]] TestClient open(ClientKind kind, const QRect& area = {300, 200, 640, 420}) const;
+    [[nodiscard]] QRect frame(std::size_t zone) const;
+    void dragAndDrop(ClientKind kind, const TestClient& client, KeyTiming timing, QPoint target,
+                     const QRect& expected);
+
+    DesktopSession& desktop_;
+    XInspector& inspector_;
+    RunningProgram program_;
+    DragScript script_;
+    QRect area_;
+};
+
+} // namespace tilewright::testing

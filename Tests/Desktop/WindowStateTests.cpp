@@ -1,0 +1,164 @@
+// Windows in states that pin them down, and windows that the window manager tiles upon the very
+// release that ends a drag.
+
+#include "SnapBench.h"
+
+#include <gtest/gtest.h>
+
+using namespace tilewright;
+using namespace tilewright::testing;
+
+namespace {
+
+class WindowStates : public ::testing::TestWithParam<WindowManagerKind> {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(desktop.startWindowManager(GetParam()));
+        platform = std::make_unique<X11TestPlatform>(desktop.display());
+        ASSERT_TRUE(waitUntil([&] { return platform->accessibility().isTrusted(); }));
+        client = startClient(desktop, ClientKind::qt, QRect(300, 200, 500, 300));
+        ASSERT_NE(client.window, 0U);
+        ASSERT_TRUE(activate(desktop, client.window));
+        element = WindowManager::shared().windowElementAtScreenPoint(
+            appKitCentre(*platform, desktop.inspector().outerFrame(client.window)));
+        ASSERT_TRUE(element.has_value());
+        ASSERT_EQ(windowOf(*element), client.window);
+    }
+
+    void wmctrl(const QStringList& arguments) {
+        static_cast<void>(outputOf(QStringLiteral("wmctrl"), arguments, desktop.environment()));
+    }
+    [[nodiscard]] QString windowText() const { return QString::number(client.window); }
+    [[nodiscard]] bool isOffered(const char* state) {
+        XInspector& inspector = desktop.inspector();
+        return inspector.hasAtom(inspector.root(), "_NET_SUPPORTED", state);
+    }
+    [[nodiscard]] bool hasState(const char* state) {
+        return desktop.inspector().hasAtom(client.window, "_NET_WM_STATE", state);
+    }
+
+    /// Snaps the window and expects it to fill the zone.
+    void expectSnap(const Zone& zone) {
+        const Screen& screen = *platform->screens().all().front();
+        WindowManager::shared().snap(*element, zone, screen);
+        EXPECT_TRUE(settle(*platform));
+        const QRect wanted = pixelsOf(zone, screen);
+        EXPECT_TRUE(waitUntil([&] {
+            return desktop.inspector().outerFrame(client.window) == wanted;
+        })) << "wanted "
+            << text(wanted) << ", is " << text(desktop.inspector().outerFrame(client.window));
+    }
+
+    DesktopSession desktop;
+    std::unique_ptr<X11TestPlatform> platform;
+    TestClient client;
+    std::optional<AccessibilityElement> element;
+};
+
+std::string managerName(const ::testing::TestParamInfo<WindowManagerKind>& info) {
+    return name(info.param);
+}
+
+} // namespace
+
+TEST_P(WindowStates, FreesAMaximisedFullscreenOrShadedWindowAndFillsTheZone) {
+    struct State {
+        const char* atom;
+        const char* option;
+    };
+    const Zone zone = ZoneLayout::bentoBox().zones[1];
+    for (const State state :
+         {State{"_NET_WM_STATE_MAXIMIZED_VERT", "add,maximized_vert,maximized_horz"},
+          State{"_NET_WM_STATE_MAXIMIZED_VERT", "add,maximized_vert"},
+          State{"_NET_WM_STATE_FULLSCREEN", "add,fullscreen"},
+          State{"_NET_WM_STATE_SHADED", "add,shaded"}}) {
+        // What a window manager does not offer, no window under it is in.
+        if (!isOffered(state.atom))
+            continue;
+        SCOPED_TRACE(state.option);
+        wmctrl({QStringLiteral("-i"), QStringLiteral("-r"), windowText(), QStringLiteral("-b"),
+                QString::fromLatin1(state.option)});
+        if (!waitUntil([&] { return hasState(state.atom); }, std::chrono::seconds(3))) {
+            EXPECT_STREQ(state.atom, "_NET_WM_STATE_SHADED");
+            continue;
+        }
+        expectSnap(zone);
+        EXPECT_FALSE(hasState(state.atom));
+    }
+}
+
+TEST_P(WindowStates, GivesAMinimisedWindowTheFrameItHasOnceItIsBack) {
+    XInspector& inspector = desktop.inspector();
+    const auto isIconic = [&] {
+        const auto state = inspector.property(client.window, "WM_STATE");
+        return !state.empty() && state[0] == 3;
+    };
+    static_cast<void>(outputOf(QStringLiteral("xdotool"),
+                               {QStringLiteral("windowminimize"), windowText()},
+                               desktop.environment()));
+    ASSERT_TRUE(waitUntil(isIconic));
+    const Zone zone = ZoneLayout::thirds().zones[1];
+    const Screen& screen = *platform->screens().all().front();
+    WindowManager::shared().snap(*element, zone, screen);
+    EXPECT_TRUE(settle(*platform));
+    EXPECT_TRUE(activate(desktop, client.window));
+    const QRect wanted = pixelsOf(zone, screen);
+    EXPECT_TRUE(waitUntil([&] {
+        return !isIconic() && inspector.outerFrame(client.window) == wanted;
+    })) << "wanted "
+        << text(wanted) << ", is " << text(inspector.outerFrame(client.window));
+}
+
+TEST_P(WindowStates, MovesAWindowOnAnotherDesktop) {
+    XInspector& inspector = desktop.inspector();
+    wmctrl({QStringLiteral("-n"), QStringLiteral("3")});
+    wmctrl({QStringLiteral("-i"), QStringLiteral("-r"), windowText(), QStringLiteral("-t"),
+            QStringLiteral("1")});
+    ASSERT_TRUE(waitUntil([&] {
+        const auto number = inspector.property(client.window, "_NET_WM_DESKTOP");
+        return !number.empty() && number[0] == 1;
+    }));
+    expectSnap(ZoneLayout::halves().zones[1]);
+}
+
+TEST_P(WindowStates, FillsTheZoneWhenTheDragEndsAtAScreenEdge) {
+    XInspector& inspector = desktop.inspector();
+    XInputInjector& input = desktop.input();
+    const Zone zone = ZoneLayout::quadrants().zones[3];
+    for (const QPoint edge : {QPoint(960, 0), QPoint(0, 540), QPoint(1919, 540)}) {
+        SCOPED_TRACE(std::to_string(edge.x()) + "," + std::to_string(edge.y()));
+        const QRect frame = inspector.outerFrame(client.window);
+        const QPoint grip = frame.topLeft() + QPoint(frame.width() / 2, 10);
+        // KWin has no title bar here: its decorations are packages of their own.
+        const bool needsKey = GetParam() == WindowManagerKind::kwin;
+        // A window manager may miss a press that comes while it still looks at the window: a hand
+        // would take hold of it again.
+        const bool isHeld = waitUntil([&] {
+            input.move(grip);
+            if (needsKey)
+                input.pressKey(keysym::super);
+            input.press();
+            if (needsKey)
+                input.releaseKey(keysym::super);
+            const bool follows = waitUntil(
+                [&] {
+                    input.glide(grip, QPoint(960, 500), 8);
+                    return inspector.outerFrame(client.window) != frame;
+                },
+                std::chrono::seconds(1));
+            if (!follows)
+                input.release();
+            return follows;
+        });
+        EXPECT_TRUE(isHeld) << "the window does not follow the pointer";
+        input.glide(QPoint(960, 500), edge, 16);
+        input.release();
+        expectSnap(zone);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Under, WindowStates,
+                         ::testing::Values(WindowManagerKind::openbox, WindowManagerKind::xfwm4,
+                                           WindowManagerKind::kwin, WindowManagerKind::marco,
+                                           WindowManagerKind::mutter, WindowManagerKind::icewm),
+                         managerName);

@@ -1,0 +1,261 @@
+#include "DesktopSession.h"
+
+#include "BareClient.h"
+#include "Waiting.h"
+
+#include <QDir>
+#include <QFile>
+#include <gtest/gtest.h>
+
+namespace tilewright::testing {
+
+namespace {
+
+void writeFile(const QString& path, const QByteArray& content) {
+    QDir().mkpath(QFileInfo(path).path());
+    QFile file(path);
+    if (file.open(QIODevice::WriteOnly))
+        file.write(content);
+}
+
+struct Command {
+    QString program;
+    QStringList arguments;
+    std::map<QString, QString> environment;
+    bool bringsCompositor = false;
+};
+
+Command commandFor(WindowManagerKind kind, bool composited, const QString& home) {
+    const QString software = QStringLiteral("LIBGL_ALWAYS_SOFTWARE");
+    const QString one = QStringLiteral("1");
+    switch (kind) {
+    case WindowManagerKind::openbox:
+        return {QStringLiteral("openbox"), {}, {}};
+    case WindowManagerKind::xfwm4:
+        return {QStringLiteral("xfwm4"),
+                composited
+                    ? QStringList{QStringLiteral("--compositor=on"), QStringLiteral("--vblank=off")}
+                    : QStringList{QStringLiteral("--compositor=off")},
+                {},
+                true};
+    case WindowManagerKind::kwin:
+        return {QStringLiteral("kwin_x11"),
+                {},
+                {{software, one},
+                 {QStringLiteral("KWIN_COMPOSE"),
+                  composited ? QStringLiteral("O2") : QStringLiteral("N")}},
+                true};
+    case WindowManagerKind::marco:
+        return {QStringLiteral("marco"),
+                {composited ? QStringLiteral("--composite") : QStringLiteral("--no-composite")},
+                {},
+                true};
+    case WindowManagerKind::metacity:
+        return {QStringLiteral("metacity"),
+                {composited ? QStringLiteral("--compositor=xrender")
+                            : QStringLiteral("--no-composite")},
+                {},
+                true};
+    case WindowManagerKind::mutter:
+        return {QStringLiteral("mutter"), {QStringLiteral("--x11")}, {{software, one}}, true};
+    case WindowManagerKind::muffin:
+        return {QStringLiteral("muffin"), {}, {{software, one}}, true};
+    case WindowManagerKind::icewm:
+        return {QStringLiteral("icewm"), {}, {}};
+    case WindowManagerKind::fluxbox:
+        return {QStringLiteral("fluxbox"), {}, {}};
+    case WindowManagerKind::jwm:
+        return {QStringLiteral("jwm"), {}, {}};
+    case WindowManagerKind::i3:
+        return {
+            QStringLiteral("i3"), {QStringLiteral("-c"), home + QStringLiteral("/i3.conf")}, {}};
+    }
+    return {};
+}
+
+} // namespace
+
+const char* name(WindowManagerKind kind) {
+    switch (kind) {
+    case WindowManagerKind::openbox:
+        return "openbox";
+    case WindowManagerKind::xfwm4:
+        return "xfwm4";
+    case WindowManagerKind::kwin:
+        return "kwin";
+    case WindowManagerKind::marco:
+        return "marco";
+    case WindowManagerKind::metacity:
+        return "metacity";
+    case WindowManagerKind::mutter:
+        return "mutter";
+    case WindowManagerKind::muffin:
+        return "muffin";
+    case WindowManagerKind::icewm:
+        return "icewm";
+    case WindowManagerKind::fluxbox:
+        return "fluxbox";
+    case WindowManagerKind::jwm:
+        return "jwm";
+    case WindowManagerKind::i3:
+        return "i3";
+    }
+    return "";
+}
+
+DesktopSession::DesktopSession(std::unique_ptr<XServer> server)
+    : server_(std::move(server)) {
+    if (!server_) {
+        ADD_FAILURE() << "the X server did not start";
+        return;
+    }
+    setUpEnvironment();
+    if (!startBus())
+        ADD_FAILURE() << "the session bus did not start";
+    inspector_ = std::make_unique<XInspector>(server_->display());
+    input_ = std::make_unique<XInputInjector>(server_->display());
+    EXPECT_TRUE(inspector_->isConnected());
+}
+
+DesktopSession::~DesktopSession() {
+    programs_.clear();
+    compositor_.stop();
+    windowManager_.stop();
+    input_.reset();
+    inspector_.reset();
+    bus_.stop();
+}
+
+QString DesktopSession::logFile() const {
+    return folder_.filePath(QStringLiteral("programs.log"));
+}
+
+void DesktopSession::setUpEnvironment() {
+    const QProcessEnvironment outer = QProcessEnvironment::systemEnvironment();
+    for (const char* kept : {"PATH", "LANG", "LD_LIBRARY_PATH", "ASAN_OPTIONS", "UBSAN_OPTIONS",
+                             "LSAN_OPTIONS", "GCOV_PREFIX"}) {
+        const QString key = QString::fromLatin1(kept);
+        if (outer.contains(key))
+            environment_.insert(key, outer.value(key));
+    }
+    const QString home = folder_.path();
+    const auto folder = [&](const char* variable, const QString& path) {
+        const QString full = home + path;
+        QDir().mkpath(full);
+        QFile::setPermissions(full, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        environment_.insert(QString::fromLatin1(variable), full);
+    };
+    environment_.insert(QStringLiteral("HOME"), home);
+    folder("XDG_RUNTIME_DIR", QStringLiteral("/run"));
+    folder("XDG_CONFIG_HOME", QStringLiteral("/.config"));
+    folder("XDG_DATA_HOME", QStringLiteral("/.local/share"));
+    folder("XDG_CACHE_HOME", QStringLiteral("/.cache"));
+    environment_.insert(QStringLiteral("DISPLAY"), server_->display());
+    environment_.insert(QStringLiteral("XDG_SESSION_TYPE"), QStringLiteral("x11"));
+    environment_.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
+    environment_.insert(QStringLiteral("GSETTINGS_BACKEND"), QStringLiteral("keyfile"));
+    environment_.insert(QStringLiteral("NO_AT_BRIDGE"), QStringLiteral("1"));
+    environment_.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
+    writeWindowManagerConfiguration();
+}
+
+void DesktopSession::writeWindowManagerConfiguration() const {
+    const QString home = folder_.path();
+    writeFile(home + QStringLiteral("/i3.conf"),
+              "# i3 config file (v4)\nfor_window [all] floating enable\n"
+              "default_floating_border normal\nfocus_follows_mouse no\n");
+    // Stays on its desktop when a drag rests at the screen's edge.
+    QFile openbox(QStringLiteral("/etc/xdg/openbox/rc.xml"));
+    if (openbox.open(QIODevice::ReadOnly))
+        writeFile(home + QStringLiteral("/.config/openbox/rc.xml"),
+                  openbox.readAll().replace("<screenEdgeWarpTime>400</screenEdgeWarpTime>",
+                                            "<screenEdgeWarpTime>0</screenEdgeWarpTime>"));
+    // Asks nothing at its first start.
+    writeFile(home + QStringLiteral("/.fluxbox/init"),
+              "session.screen0.toolbar.visible: true\nsession.screen0.workspacewarping: false\n"
+              "session.configVersion: 13\n");
+    // No wallpaper: where it finds no program to draw one, it says so in a window of its own.
+    writeFile(home + QStringLiteral("/.fluxbox/overlay"), "background: none\n");
+    writeFile(home + QStringLiteral("/.config/glib-2.0/settings/keyfile"),
+              "[org/gnome/mutter]\nedge-tiling=true\n[org/cinnamon/muffin]\nedge-tiling=true\n"
+              "[org/mate/Marco/general]\nallow-tiling=true\n");
+}
+
+bool DesktopSession::startBus() {
+    const QString socket = folder_.filePath(QStringLiteral("run/bus"));
+    busAddress_ = QStringLiteral("unix:path=") + socket;
+    environment_.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), busAddress_);
+    const QStringList arguments{QStringLiteral("--session"), QStringLiteral("--nofork"),
+                                QStringLiteral("--nopidfile"),
+                                QStringLiteral("--address=") + busAddress_};
+    return bus_.start(QStringLiteral("dbus-daemon"), arguments, environment_, logFile()) &&
+           waitUntil([&] { return QFile::exists(socket); });
+}
+
+bool DesktopSession::startWindowManager(WindowManagerKind kind, Compositing compositing) {
+    killWindowManager();
+    stopCompositor();
+    const bool composited = compositing == Compositing::on;
+    const Command command = commandFor(kind, composited, folder_.path());
+    QProcessEnvironment environment = environment_;
+    for (const auto& [key, value] : command.environment)
+        environment.insert(key, value);
+    const bool isUp =
+        windowManager_.start(command.program, command.arguments, environment, logFile()) &&
+        waitUntil([&] { return inspector_->hasWindowManager(); });
+    EXPECT_TRUE(isUp) << name(kind) << " did not come up";
+    // Some lose a window that shows between their first word and their first look around.
+    if (isUp)
+        const BareClient firstWindow(display(), QRect(0, 0, 60, 60));
+    if (isUp && kind == WindowManagerKind::icewm) {
+        // Its task bar comes up after it, and pushes windows about when it does.
+        EXPECT_TRUE(waitUntil([&] {
+            const auto area = inspector_->property(inspector_->root(), "_NET_WORKAREA");
+            return area.size() >= 4 && int(area[3]) < inspector_->screenSize().height();
+        })) << "icewm's task bar did not come up";
+    }
+    if (!isUp || !composited)
+        return isUp;
+    if (!command.bringsCompositor)
+        return startCompositor();
+    const bool blends = waitUntil([&] { return inspector_->hasCompositor(); });
+    EXPECT_TRUE(blends) << name(kind) << " does not composite";
+    return blends;
+}
+
+void DesktopSession::killWindowManager() {
+    if (!windowManager_.isRunning())
+        return;
+    windowManager_.stop();
+    EXPECT_TRUE(waitUntil([&] { return !inspector_->hasWindowManager(); }));
+}
+
+bool DesktopSession::startCompositor() {
+    const QStringList arguments{QStringLiteral("--backend"), QStringLiteral("xrender"),
+                                QStringLiteral("--config"), QStringLiteral("/dev/null")};
+    const bool isUp =
+        compositor_.start(QStringLiteral("picom"), arguments, environment_, logFile()) &&
+        waitUntil([&] { return inspector_->hasCompositor(); });
+    EXPECT_TRUE(isUp) << "picom did not come up";
+    return isUp;
+}
+
+void DesktopSession::stopCompositor() {
+    if (!compositor_.isRunning())
+        return;
+    compositor_.stop();
+    EXPECT_TRUE(waitUntil([&] { return !inspector_->hasCompositor(); }));
+}
+
+Subprocess& DesktopSession::start(const QString& program, const QStringList& arguments,
+                                  const std::map<QString, QString>& moreEnvironment) {
+    QProcessEnvironment environment = environment_;
+    for (const auto& [key, value] : moreEnvironment)
+        environment.insert(key, value);
+    auto& process = *programs_.emplace_back(std::make_unique<Subprocess>());
+    EXPECT_TRUE(process.start(program, arguments, environment, logFile()))
+        << program.toStdString() << " did not start";
+    return process;
+}
+
+} // namespace tilewright::testing

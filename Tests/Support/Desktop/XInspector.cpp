@@ -1,0 +1,225 @@
+#include "XInspector.h"
+
+#include <QColor>
+#include <cstdlib>
+#include <cstring>
+#include <xcb/xcb.h>
+
+namespace tilewright::testing {
+
+namespace {
+
+struct FreeReply {
+    void operator()(void* reply) const { std::free(reply); } // NOLINT: xcb allocates with malloc
+};
+template<class Reply>
+using ReplyPtr = std::unique_ptr<Reply, FreeReply>;
+
+constexpr quint32 maximumItems = 1'000'000;
+
+} // namespace
+
+XInspector::XInspector(const QString& display) {
+    int screenNumber = 0;
+    connection_ = xcb_connect(display.toLatin1().constData(), &screenNumber);
+    if (xcb_connection_has_error(connection_) != 0)
+        return;
+    auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection_));
+    for (; screenNumber > 0; --screenNumber)
+        xcb_screen_next(&screens);
+    screen_ = screens.data;
+}
+
+XInspector::~XInspector() {
+    xcb_disconnect(connection_);
+}
+
+bool XInspector::isConnected() const {
+    return screen_ && xcb_connection_has_error(connection_) == 0;
+}
+
+XInspector::Window XInspector::root() const {
+    return screen_->root;
+}
+
+QSize XInspector::screenSize() const {
+    const QRect area = clientFrame(root());
+    return area.size();
+}
+
+quint32 XInspector::atom(const char* name) const {
+    const ReplyPtr<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
+        connection_, xcb_intern_atom(connection_, 0, static_cast<quint16>(std::strlen(name)), name),
+        nullptr));
+    return reply ? reply->atom : 0;
+}
+
+QByteArray XInspector::bytesProperty(Window window, const char* name) const {
+    const ReplyPtr<xcb_get_property_reply_t> reply(
+        xcb_get_property_reply(connection_,
+                               xcb_get_property(connection_, 0, window, atom(name),
+                                                XCB_GET_PROPERTY_TYPE_ANY, 0, maximumItems),
+                               nullptr));
+    if (!reply)
+        return {};
+    return {static_cast<const char*>(xcb_get_property_value(reply.get())),
+            xcb_get_property_value_length(reply.get())};
+}
+
+std::vector<quint32> XInspector::property(Window window, const char* name) const {
+    const ReplyPtr<xcb_get_property_reply_t> reply(
+        xcb_get_property_reply(connection_,
+                               xcb_get_property(connection_, 0, window, atom(name),
+                                                XCB_GET_PROPERTY_TYPE_ANY, 0, maximumItems),
+                               nullptr));
+    if (!reply || reply->format != 32)
+        return {};
+    const auto* items = static_cast<const quint32*>(xcb_get_property_value(reply.get()));
+    return {items, items + reply->value_len};
+}
+
+bool XInspector::hasAtom(Window window, const char* property, const char* atomName) const {
+    const quint32 wanted = atom(atomName);
+    for (const quint32 item : this->property(window, property)) {
+        if (item == wanted)
+            return true;
+    }
+    return false;
+}
+
+std::vector<XInspector::Window> XInspector::allWindows() const {
+    std::vector<Window> windows{root()};
+    for (std::size_t next = 0; next < windows.size(); ++next) {
+        const ReplyPtr<xcb_query_tree_reply_t> reply(
+            xcb_query_tree_reply(connection_, xcb_query_tree(connection_, windows[next]), nullptr));
+        if (!reply)
+            continue;
+        const xcb_window_t* children = xcb_query_tree_children(reply.get());
+        windows.insert(windows.end(), children,
+                       children + xcb_query_tree_children_length(reply.get()));
+    }
+    windows.erase(windows.begin());
+    return windows;
+}
+
+std::vector<XInspector::Window>
+XInspector::clients(const std::function<bool(Window)>& predicate) const {
+    std::vector<Window> found;
+    for (const Window window : allWindows()) {
+        if (!property(window, "WM_STATE").empty() && (!predicate || predicate(window)))
+            found.push_back(window);
+    }
+    return found;
+}
+
+std::optional<XInspector::Window> XInspector::clientTitled(const QString& wanted) const {
+    const auto found = clients([&](Window window) { return title(window) == wanted; });
+    return found.empty() ? std::nullopt : std::optional(found.front());
+}
+
+QString XInspector::title(Window window) const {
+    const QByteArray name = bytesProperty(window, "_NET_WM_NAME");
+    return QString::fromUtf8(name.isEmpty() ? bytesProperty(window, "WM_NAME") : name);
+}
+
+quint32 XInspector::processID(Window window) const {
+    const auto value = property(window, "_NET_WM_PID");
+    return value.empty() ? 0 : value.front();
+}
+
+bool XInspector::exists(Window window) const {
+    return ReplyPtr<xcb_get_window_attributes_reply_t>(xcb_get_window_attributes_reply(
+               connection_, xcb_get_window_attributes(connection_, window), nullptr)) != nullptr;
+}
+
+bool XInspector::isMapped(Window window) const {
+    const ReplyPtr<xcb_get_window_attributes_reply_t> reply(xcb_get_window_attributes_reply(
+        connection_, xcb_get_window_attributes(connection_, window), nullptr));
+    return reply && reply->map_state == XCB_MAP_STATE_VIEWABLE;
+}
+
+bool XInspector::isOverrideRedirect(Window window) const {
+    const ReplyPtr<xcb_get_window_attributes_reply_t> reply(xcb_get_window_attributes_reply(
+        connection_, xcb_get_window_attributes(connection_, window), nullptr));
+    return reply && reply->override_redirect != 0;
+}
+
+QRect XInspector::clientFrame(Window window) const {
+    const ReplyPtr<xcb_get_geometry_reply_t> geometry(
+        xcb_get_geometry_reply(connection_, xcb_get_geometry(connection_, window), nullptr));
+    const ReplyPtr<xcb_translate_coordinates_reply_t> origin(xcb_translate_coordinates_reply(
+        connection_, xcb_translate_coordinates(connection_, window, root(), 0, 0), nullptr));
+    if (!geometry || !origin)
+        return {};
+    return {origin->dst_x, origin->dst_y, geometry->width, geometry->height};
+}
+
+QRect XInspector::outerFrame(Window window) const {
+    const QRect client = clientFrame(window);
+    const auto shadow = property(window, "_GTK_FRAME_EXTENTS");
+    if (shadow.size() == 4) {
+        return client.adjusted(static_cast<int>(shadow[0]), static_cast<int>(shadow[2]),
+                               -static_cast<int>(shadow[1]), -static_cast<int>(shadow[3]));
+    }
+    const auto frame = property(window, "_NET_FRAME_EXTENTS");
+    if (frame.size() == 4) {
+        return client.adjusted(-static_cast<int>(frame[0]), -static_cast<int>(frame[2]),
+                               static_cast<int>(frame[1]), static_cast<int>(frame[3]));
+    }
+    // No extents told: the frame is the ancestor just below the root.
+    Window current = window;
+    for (;;) {
+        const ReplyPtr<xcb_query_tree_reply_t> tree(
+            xcb_query_tree_reply(connection_, xcb_query_tree(connection_, current), nullptr));
+        if (!tree || tree->parent == root() || tree->parent == 0)
+            break;
+        current = tree->parent;
+    }
+    return clientFrame(current);
+}
+
+XInspector::Window XInspector::activeWindow() const {
+    const auto value = property(root(), "_NET_ACTIVE_WINDOW");
+    return value.empty() ? 0 : value.front();
+}
+
+XInspector::Window XInspector::inputFocus() const {
+    const ReplyPtr<xcb_get_input_focus_reply_t> reply(
+        xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
+    return reply ? reply->focus : 0;
+}
+
+bool XInspector::hasWindowManager() const {
+    const auto check = property(root(), "_NET_SUPPORTING_WM_CHECK");
+    return !check.empty() && exists(check.front()) &&
+           property(check.front(), "_NET_SUPPORTING_WM_CHECK") == check;
+}
+
+bool XInspector::hasCompositor() const {
+    const ReplyPtr<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
+        connection_, xcb_get_selection_owner(connection_, atom("_NET_WM_CM_S0")), nullptr));
+    return reply && reply->owner != 0;
+}
+
+QImage XInspector::screenshot(QRect area) const {
+    if (area.isEmpty())
+        area = clientFrame(root());
+    const ReplyPtr<xcb_get_image_reply_t> reply(xcb_get_image_reply(
+        connection_,
+        xcb_get_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, root(), static_cast<qint16>(area.x()),
+                      static_cast<qint16>(area.y()), static_cast<quint16>(area.width()),
+                      static_cast<quint16>(area.height()), ~0U),
+        nullptr));
+    if (!reply)
+        return {};
+    return QImage(xcb_get_image_data(reply.get()), area.width(), area.height(), area.width() * 4,
+                  QImage::Format_RGB32)
+        .copy();
+}
+
+QColor XInspector::pixel(QPoint point) const {
+    const QImage image = screenshot(QRect(point, QSize(1, 1)));
+    return image.isNull() ? QColor() : image.pixelColor(0, 0);
+}
+
+} // namespace tilewright::testing

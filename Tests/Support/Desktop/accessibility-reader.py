@@ -1,0 +1,63 @@
+#!/usr/bin/python3
+"""Reads what a program tells assistive tools, through the accessibility bus.
+
+For each line on standard input, a process id, it prints one line of JSON: a list of the program's
+accessible objects in the order of the tree, null while the program is not on the bus.
+"""
+
+import json
+import sys
+
+import gi
+
+gi.require_version("Atspi", "2.0")
+from gi.repository import Atspi, GLib
+
+COORDINATES = Atspi.CoordType.SCREEN
+
+
+def describe(node, depth):
+    component = node.get_component_iface()
+    extents = component.get_extents(COORDINATES) if component else None
+    return {
+        "depth": depth,
+        "role": node.get_role_name(),
+        "name": node.get_name(),
+        "description": node.get_description(),
+        "states": [state.value_nick for state in node.get_state_set().get_states()],
+        "frame": [extents.x, extents.y, extents.width, extents.height] if extents else None,
+    }
+
+
+def walk(node, depth, found):
+    if node is None:
+        return
+    # What is kept of earlier walks may be old: no main loop runs here to hear of changes.
+    node.clear_cache()
+    found.append(describe(node, depth))
+    for index in range(node.get_child_count()):
+        walk(node.get_child_at_index(index), depth + 1, found)
+
+
+def tree(process):
+    desktop = Atspi.get_desktop(0)
+    desktop.clear_cache()
+    for index in range(desktop.get_child_count()):
+        application = desktop.get_child_at_index(index)
+        if application is not None and application.get_process_id() == process:
+            found = []
+            walk(application, 0, found)
+            return found
+    return None
+
+
+Atspi.init()
+for line in sys.stdin:
+    while GLib.MainContext.default().iteration(False):
+        pass
+    try:
+        answer = tree(int(line))
+    except GLib.Error:
+        # An object went away in the middle of the walk.
+        answer = None
+    print(json.dumps(answer), flush=True)

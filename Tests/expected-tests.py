@@ -1,0 +1,75 @@
+"""Shows that the tests that are written are the tests that run.
+
+expected-tests.py before BUILD_FOLDER   says what will be run; fails if a test that stands in the
+                                        sources is not registered, or is disabled
+expected-tests.py after JUNIT_FILE      fails if a registered test did not run to its end
+"""
+
+import json
+import pathlib
+import re
+import subprocess
+import sys
+import xml.etree.ElementTree
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+TEST_MACRO = re.compile(r"^\s*(?:TYPED_)?TEST(?:_F|_P)?\(\s*(\w+)\s*,\s*(\w+)\s*\)", re.MULTILINE)
+
+
+def tests_in_sources():
+    found = {}
+    folders = [ROOT / "Packages", ROOT / "Tilewright", ROOT / "Tests", ROOT / "Fuzz", ROOT / "Packaging"]
+    for source in sorted(path for folder in folders for path in folder.rglob("*.cpp")):
+        for suite, name in TEST_MACRO.findall(source.read_text(encoding="utf-8")):
+            found[f"{suite}.{name}"] = source.relative_to(ROOT)
+    return found
+
+
+def registered(build):
+    listing = subprocess.run(
+        ["ctest", "--test-dir", build, "--show-only=json-v1"], check=True, capture_output=True, text=True
+    )
+    tests = {}
+    for test in json.loads(listing.stdout)["tests"]:
+        labels = next((p["value"] for p in test.get("properties", []) if p["name"] == "LABELS"), [])
+        tests[test["name"]] = labels
+    return tests
+
+
+def before(build):
+    sources = tests_in_sources()
+    tests = registered(build)
+    # A parameterised test is registered as Prefix/Suite.Name/parameter.
+    plain = {re.sub(r"^[^/.]*/", "", name).split("/")[0] for name in tests} | set(tests)
+    missing = [f"{name} ({file})" for name, file in sources.items() if name not in plain]
+    bad = [name for name in tests if "DISABLED_" in name or name.endswith("_NOT_BUILT")]
+    if missing or bad:
+        print("Not registered, disabled or not built:", *missing, *bad, sep="\n  ")
+        return 1
+    counts = {}
+    for labels in tests.values():
+        for label in labels or ["other"]:
+            counts[label] = counts.get(label, 0) + 1
+    meaning = {
+        "unit": "tests of the code by itself, on fakes of the desktop",
+        "desktop": "tests on real X servers, window managers, applications and services",
+        "long": "long runs, left out here",
+        "other": "checks of the build",
+    }
+    print("This runs:")
+    for label, count in sorted(counts.items(), key=lambda item: -item[1]):
+        print(f"  {count:5} {meaning.get(label, label)}")
+    return 0
+
+
+def after(results):
+    cases = xml.etree.ElementTree.parse(results).getroot().iter("testcase")
+    unfinished = [case.get("name") for case in cases if case.get("status") not in ("run", "fail")]
+    if unfinished:
+        print("Did not run:", *unfinished, sep="\n  ")
+        return 1
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit({"before": before, "after": after}[sys.argv[1]](sys.argv[2]))
