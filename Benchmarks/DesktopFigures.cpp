@@ -1,0 +1,137 @@
+// Measures the real program on X servers of its own: DesktopFigures. See
+// Documentation/performance.md.
+
+#include <DragScript.h>
+#include <ProcessFigures.h>
+#include <Waiting.h>
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <algorithm>
+#include <cstdio>
+#include <functional>
+#include <gtest/gtest.h>
+
+namespace tilewright::testing {
+namespace {
+
+double median(std::vector<double> values) {
+    std::sort(values.begin(), values.end());
+    return values.empty() ? 0 : values[values.size() / 2];
+}
+
+/// Milliseconds until the condition holds, looking as fast as the server answers.
+double millisecondsUntil(const QElapsedTimer& clock, const std::function<bool()>& condition) {
+    while (clock.elapsed() < 5000 && !condition()) {
+    }
+    return static_cast<double>(clock.nsecsElapsed()) / 1e6;
+}
+
+bool isAmber(const QColor& colour) {
+    return std::abs(colour.red() - 209) < 12 && std::abs(colour.green() - 140) < 12 &&
+           std::abs(colour.blue() - 51) < 12;
+}
+
+/// Moves the pointer a thousand times a second for ten seconds.
+void moveForTenSeconds(XInputInjector& input, QSize screen) {
+    QElapsedTimer clock;
+    clock.start();
+    for (int i = 0; i < 10'000; ++i) {
+        while (clock.nsecsElapsed() < qint64{i} * 1'000'000) {
+        }
+        const int phase = i % 2000;
+        const int x = phase < 1000 ? phase : 2000 - phase;
+        input.move({100 + x * (screen.width() - 200) / 1000, screen.height() / 3});
+    }
+}
+
+void print(const char* what, double value, const char* unit) {
+    std::printf("%-66s %9.2f %s\n", what, value, unit);
+    std::fflush(stdout);
+}
+
+void measureLatencies() {
+    DesktopSession desktop;
+    desktop.startWindowManager(WindowManagerKind::openbox);
+    RunningProgram program(desktop);
+    XInspector& inspector = desktop.inspector();
+    XInputInjector& input = desktop.input();
+    const auto& zones = ZoneLayout::bentoBox().zones;
+    const QRect area = workArea(inspector);
+    const QRect first = zoneFrame(zones[0], area);
+    const QRect second = zoneFrame(zones[1], area);
+    const auto border = [&](const QRect& zone) {
+        return inspector.pixel({zone.left() + 5, zone.center().y()});
+    };
+    std::vector<double> shows;
+    std::vector<double> moves;
+    for (int i = 0; i < 60; ++i) {
+        input.move(first.center());
+        input.pressKey(program.key());
+        input.press();
+        // Motion is heard of only once the press has been.
+        QThread::msleep(20);
+        const QColor ground = border(first);
+        QElapsedTimer clock;
+        clock.start();
+        input.move(first.center() + QPoint(3, 0));
+        shows.push_back(millisecondsUntil(clock, [&] { return border(first) != ground; }));
+        static_cast<void>(waitUntil([&] { return isAmber(border(first)); }));
+        const QColor plain = border(second);
+        clock.restart();
+        input.move(second.center());
+        moves.push_back(millisecondsUntil(clock, [&] { return border(second) != plain; }));
+        input.releaseKey(program.key());
+        input.release();
+        static_cast<void>(waitUntil([&] { return !program.overlayShows(); }));
+    }
+    print("first dragged event to the overlay's pixel on the server, median", median(shows), "ms");
+    print("pointer's move to the first pixel of the new highlight, median", median(moves), "ms");
+}
+
+void measureDrag(QSize size) {
+    DesktopSession desktop(XServer::virtualScreen(size));
+    desktop.startWindowManager(WindowManagerKind::openbox);
+    RunningProgram program(desktop);
+    desktop.input().move({size.width() / 2, size.height() / 2});
+    desktop.input().pressKey(program.key());
+    desktop.input().press();
+    QThread::msleep(50);
+    const ProcessFigures before = processFigures(program.pid());
+    moveForTenSeconds(desktop.input(), size);
+    const ProcessFigures after = processFigures(program.pid());
+    const std::string what = "processor time of a ten-second drag, 1,000 events/s, " +
+                             std::to_string(size.width()) + "x" + std::to_string(size.height());
+    print(what.c_str(), double(after.cpuMicroseconds - before.cpuMicroseconds) / 1e6, "s");
+    desktop.input().releaseKey(program.key());
+    desktop.input().release();
+}
+
+void measureIdle() {
+    DesktopSession desktop;
+    desktop.startWindowManager(WindowManagerKind::openbox);
+    RunningProgram program(desktop);
+    QThread::msleep(2000);
+    const ProcessFigures before = processFigures(program.pid());
+    moveForTenSeconds(desktop.input(), desktop.inspector().screenSize());
+    const ProcessFigures after = processFigures(program.pid());
+    print("wake-ups in ten seconds of moving without a button",
+          double(after.voluntarySwitches - before.voluntarySwitches), "");
+    print("processor time in these ten seconds",
+          double(after.cpuMicroseconds - before.cpuMicroseconds) / 1e3, "ms");
+    print("resident memory at rest", double(after.residentKiB) / 1024, "MiB");
+    print("of it private", double(after.privateKiB) / 1024, "MiB");
+}
+
+} // namespace
+} // namespace tilewright::testing
+
+int main(int argc, char** argv) {
+    ::testing::InitGoogleTest(&argc, argv);
+    const QCoreApplication application(argc, argv);
+    tilewright::testing::measureIdle();
+    tilewright::testing::measureLatencies();
+    tilewright::testing::measureDrag({1920, 1080});
+    tilewright::testing::measureDrag({3840, 2160});
+    return 0;
+}
