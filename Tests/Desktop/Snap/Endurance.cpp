@@ -3,9 +3,43 @@
 #include "DragScript.h"
 #include "ProcessFigures.h"
 
+#include <Waiting.h>
+#include <algorithm>
 #include <gtest/gtest.h>
+#include <vector>
 
 namespace tilewright::testing {
+namespace {
+
+/// What a program holds beside memory.
+struct Holdings {
+    int fileDescriptors = 0;
+    XResources resources;
+    std::size_t windows = 0;
+
+    /// A count may be the smaller one: some is given back only a moment after a drag has ended.
+    [[nodiscard]] bool isWithin(const Holdings& bound) const {
+        return fileDescriptors <= bound.fileDescriptors && windows <= bound.windows &&
+               std::ranges::all_of(resources, [&](const auto& held) {
+                   const auto found = bound.resources.find(held.first);
+                   return found != bound.resources.end() && held.second <= found->second;
+               });
+    }
+};
+
+void PrintTo(const Holdings& holdings, std::ostream* out) {
+    *out << holdings.fileDescriptors << " descriptors, " << holdings.windows << " windows";
+    for (const auto& [type, count] : holdings.resources)
+        *out << ", " << count << " " << type;
+}
+
+long lowerQuartileOf(std::vector<long> values) {
+    const auto quartile = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 4);
+    std::nth_element(values.begin(), quartile, values.end());
+    return *quartile;
+}
+
+} // namespace
 
 void expectNothingPilesUp(int drags) {
     DesktopSession desktop;
@@ -16,27 +50,40 @@ void expectNothingPilesUp(int drags) {
     const TestClient client = startClient(desktop, ClientKind::qt, {300, 200, 640, 420});
     const auto& zones = ZoneLayout::bentoBox().zones;
     std::size_t next = 0;
-    const auto dragOnce = [&] {
-        const QRect frame = zoneFrame(zones[next++ % zones.size()], workArea(inspector));
-        script.run(client, KeyTiming::beforeThePress, frame.center());
-        expectFills(inspector, ClientKind::qt, client, frame);
+    const auto drag = [&](int times) {
+        for (int i = 0; i < times && !::testing::Test::HasFailure(); ++i) {
+            const QRect frame = zoneFrame(zones[next++ % zones.size()], workArea(inspector));
+            script.run(client, KeyTiming::beforeThePress, frame.center());
+            expectFills(inspector, ClientKind::qt, client, frame);
+        }
         return !::testing::Test::HasFailure();
     };
+    const auto holdings = [&] {
+        return Holdings{processFigures(program.pid()).fileDescriptors,
+                        xResources(desktop.display(), program.pid()),
+                        inspector.allWindows().size()};
+    };
+
     // What is made on first use, and the allocator's caches, settle first.
-    for (int i = 0; i < 30; ++i)
-        ASSERT_TRUE(dragOnce());
-    const ProcessFigures before = processFigures(program.pid());
-    const XResources resourcesBefore = xResources(desktop.display(), program.pid());
-    EXPECT_FALSE(resourcesBefore.empty());
-    const std::size_t windowsBefore = inspector.allWindows().size();
-    for (int i = 0; i < drags; ++i)
-        ASSERT_TRUE(dragOnce()) << "drag " << i;
-    const ProcessFigures after = processFigures(program.pid());
-    EXPECT_EQ(after.fileDescriptors, before.fileDescriptors);
-    // The allocator's own ups and downs; a leak of one event a drag would show in the long run.
-    EXPECT_LE(after.privateKiB, before.privateKiB + 512);
-    EXPECT_EQ(xResources(desktop.display(), program.pid()), resourcesBefore);
-    EXPECT_EQ(inspector.allWindows().size(), windowsBefore);
+    ASSERT_TRUE(drag(30));
+    const Holdings before = holdings();
+    EXPECT_FALSE(before.resources.empty());
+
+    constexpr int batch = 10;
+    constexpr long bound = batch; // KiB, one a drag
+    std::vector<long> growth;
+    long held = processFigures(program.pid()).privateKiB;
+    for (int done = 0; done < drags; done += batch) {
+        ASSERT_TRUE(drag(batch)) << "after " << done << " drags";
+        const long now = processFigures(program.pid()).privateKiB;
+        growth.push_back(now - held);
+        held = now;
+    }
+    // An allocator takes a large step now and then and keeps it. A leak grows in every batch, and
+    // one of less than a kilobyte a drag is the sanitizers' to find.
+    EXPECT_LE(lowerQuartileOf(growth), bound) << ::testing::PrintToString(growth);
+    EXPECT_TRUE(waitUntil([&] { return holdings().isWithin(before); }))
+        << ::testing::PrintToString(before) << "\n is now " << ::testing::PrintToString(holdings());
 }
 
 } // namespace tilewright::testing
