@@ -32,6 +32,7 @@ PanelWindow::PanelWindow(ViewFactory makeView)
     , scrollArea_(new QScrollArea(this)) {
     setObjectName(QStringLiteral("panel"));
     setWindowTitle(QStringLiteral("Tilewright"));
+    setAccessibleName(QStringLiteral("Tilewright"));
     setAttribute(Qt::WA_TranslucentBackground);
     // A press outside only closes the panel, also one on the item: it must not open it again.
     setAttribute(Qt::WA_NoMouseReplay);

@@ -3,7 +3,10 @@
 #include <TilewrightUI/Look.h>
 #include <TilewrightUI/Symbols.h>
 
+#include <QFocusEvent>
 #include <QFontMetricsF>
+#include <QKeyEvent>
+#include <QMouseEvent>
 #include <QPainter>
 #include <algorithm>
 #include <cmath>
@@ -53,6 +56,27 @@ void SymbolTabBar::paintEvent(QPaintEvent*) {
         paintTab(painter, index);
 }
 
+void SymbolTabBar::showFocus(bool shows) {
+    showsFocus_ = shows;
+    update();
+}
+
+void SymbolTabBar::focusInEvent(QFocusEvent* event) {
+    QTabBar::focusInEvent(event);
+    if (event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason)
+        showFocus(true);
+}
+
+void SymbolTabBar::keyPressEvent(QKeyEvent* event) {
+    showFocus(true);
+    QTabBar::keyPressEvent(event);
+}
+
+void SymbolTabBar::mousePressEvent(QMouseEvent* event) {
+    showFocus(false);
+    QTabBar::mousePressEvent(event);
+}
+
 void SymbolTabBar::paintTab(QPainter& painter, int index) const {
     const QRectF shape = tabRect(index);
     const bool isCurrent = index == currentIndex();
@@ -72,7 +96,7 @@ void SymbolTabBar::paintTab(QPainter& painter, int index) const {
     painter.setFont(font());
     painter.drawText(shape.adjusted(0, verticalPadding + symbolSide + gap, 0, -verticalPadding),
                      Qt::AlignCenter | Qt::TextSingleLine, tab.title);
-    if (isCurrent && hasFocus())
+    if (isCurrent && hasFocus() && showsFocus_)
         look::paintFocusRing(painter, shape, cornerRadius, palette());
 }
 

@@ -5,7 +5,8 @@
 
 namespace tilewright {
 
-/// A row of tabs, each a symbol above its title, the chosen one in the accent colour.
+/// A row of tabs, each a symbol above its title, the chosen one in the accent colour. The focus is
+/// drawn for those who use the keyboard: not after a click, nor when the window has just opened.
 class SymbolTabBar final : public QTabBar {
     Q_OBJECT
 
@@ -19,8 +20,12 @@ protected:
     QSize tabSizeHint(int index) const override;
     QSize minimumTabSizeHint(int index) const override { return tabSizeHint(index); }
     void paintEvent(QPaintEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
 
 private:
+    void showFocus(bool shows);
     void paintTab(QPainter& painter, int index) const;
 
     struct Tab {
@@ -28,6 +33,7 @@ private:
         QString title;
     };
     std::vector<Tab> tabs_;
+    bool showsFocus_ = false;
 };
 
 } // namespace tilewright

@@ -2,6 +2,7 @@
 
 #include "DesktopBackend.h"
 
+#include <Tilewright/AccessibleApplication.h>
 #include <Tilewright/TilewrightApp.h>
 
 #include <QApplication>
@@ -13,6 +14,7 @@ int main(int argc, char** argv) {
     const QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("tilewright"));
     QApplication::setDesktopFileName(QStringLiteral("org.tilewright.Tilewright"));
+    installAccessibleApplication();
 
     const std::unique_ptr<Platform> platform = DesktopBackend::open();
     if (!platform)

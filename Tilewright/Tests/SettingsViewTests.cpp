@@ -92,6 +92,24 @@ TEST_F(SettingsViewTest, ChangesTheTabByPointerAndKeyboard) {
     EXPECT_EQ(view.selection(), Tab::manage);
 }
 
+TEST_F(SettingsViewTest, ShowsTheFocusOfItsTabsToThoseWhoUseTheKeyboard) {
+    SettingsView view;
+    view.show();
+    QApplication::setActiveWindow(&view);
+    auto* bar = view.findChild<SymbolTabBar*>();
+    bar->setFocus(Qt::ActiveWindowFocusReason);
+    ASSERT_TRUE(bar->hasFocus());
+    const QImage opened = bar->grab().toImage();
+    QTest::keyClick(bar, Qt::Key_Shift);
+    const QImage byKeyboard = bar->grab().toImage();
+    EXPECT_NE(byKeyboard, opened);
+    QTest::mouseClick(bar, Qt::LeftButton, {}, bar->tabRect(0).center());
+    EXPECT_NE(bar->grab().toImage(), byKeyboard);
+    bar->clearFocus();
+    bar->setFocus(Qt::TabFocusReason);
+    EXPECT_EQ(bar->grab().toImage(), byKeyboard);
+}
+
 TEST_F(SettingsViewTest, TellsAssistiveToolsItsTabs) {
     const SettingsView view;
     QAccessibleInterface* bar =

@@ -509,7 +509,8 @@ TEST_F(LayoutEditorViewTest, NamesZonesAndHandlesForAssistiveTools) {
     ASSERT_NE(handle, nullptr);
     EXPECT_EQ(handle->text(QAccessible::Name), u"Top right corner"_s);
     EXPECT_EQ(handle->text(QAccessible::Description), u"Zone 1, 50 % × 100 %"_s);
-    EXPECT_EQ(handle->role(), QAccessible::Grip);
+    EXPECT_EQ(handle->role(), QAccessible::Button);
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(&canvas())->role(), QAccessible::List);
 }
 
 TEST_F(LayoutEditorViewTest, NamesANamelessZoneByItsPlace) {

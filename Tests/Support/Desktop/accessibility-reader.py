@@ -3,6 +3,9 @@
 
 For each line on standard input, a process id, it prints one line of JSON: a list of the program's
 accessible objects in the order of the tree, null while the program is not on the bus.
+
+With a process id as its argument it reads that program once, and prints a line for each object that
+is shown: role, name, states, x, y, width and height on the screen, with tabs between them.
 """
 
 import json
@@ -35,6 +38,9 @@ def walk(node, depth, found):
     # What is kept of earlier walks may be old: no main loop runs here to hear of changes.
     node.clear_cache()
     found.append(describe(node, depth))
+    if not {"showing", "visible"} & set(found[-1]["states"]):
+        # Some toolkits call what is inside a hidden control shown.
+        return
     for index in range(node.get_child_count()):
         walk(node.get_child_at_index(index), depth + 1, found)
 
@@ -51,13 +57,25 @@ def tree(process):
     return None
 
 
-Atspi.init()
-for line in sys.stdin:
+def answer_to(line):
     while GLib.MainContext.default().iteration(False):
         pass
     try:
-        answer = tree(int(line))
+        return tree(int(line))
     except GLib.Error:
         # An object went away in the middle of the walk.
-        answer = None
-    print(json.dumps(answer), flush=True)
+        return None
+
+
+def print_table(nodes):
+    for node in nodes or []:
+        if "showing" in node["states"] and node["frame"]:
+            print(node["role"], node["name"], " ".join(node["states"]), *node["frame"], sep="\t")
+
+
+Atspi.init()
+if len(sys.argv) > 1:
+    print_table(answer_to(sys.argv[1]))
+else:
+    for line in sys.stdin:
+        print(json.dumps(answer_to(line)), flush=True)

@@ -64,6 +64,7 @@ QMenu* LayoutCard::makeContextMenu() {
         return nullptr;
     auto* menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->setAccessibleName(layout_.name);
     QAction* action = menu->addAction(symbols::icon(QStringLiteral("trash"), look::red(palette())),
                                       tr("Delete Layout"));
     action->setIconVisibleInMenu(true);

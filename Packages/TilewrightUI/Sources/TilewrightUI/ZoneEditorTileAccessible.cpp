@@ -1,5 +1,6 @@
 #include "ZoneEditorTileAccessible.h"
 
+#include "LayoutEditorCanvas.h"
 #include "ZoneEditorHandle.h"
 #include "ZoneEditorTile.h"
 
@@ -38,7 +39,10 @@ QAccessibleInterface* makeInterface(const QString&, QObject* object) {
     if (auto* tile = qobject_cast<ZoneEditorTile*>(object))
         return new TileInterface(tile);
     if (auto* handle = qobject_cast<ZoneEditorHandle*>(object))
-        return new QAccessibleWidget(handle, QAccessible::Grip);
+        // The accessibility bus has no role for a grip: readers would be told "unknown".
+        return new QAccessibleWidget(handle, QAccessible::Button);
+    if (auto* canvas = qobject_cast<LayoutEditorCanvas*>(object))
+        return new QAccessibleWidget(canvas, QAccessible::List);
     return nullptr;
 }
 

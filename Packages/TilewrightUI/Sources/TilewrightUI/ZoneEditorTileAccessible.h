@@ -2,8 +2,8 @@
 
 namespace tilewright {
 
-/// Makes assistive tools see the editor's tiles as items that can be selected, and its handles as
-/// grips. Further calls do nothing.
+/// Makes assistive tools see the editor's canvas as a list, its tiles as items that can be selected
+/// and its handles as buttons. Further calls do nothing.
 void installZoneEditorAccessibility();
 
 } // namespace tilewright
