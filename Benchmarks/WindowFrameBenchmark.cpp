@@ -1,14 +1,19 @@
 // From the call to the window's final ConfigureNotify, beside a bare program that does the same
-// necessary reads in one round trip and sends the single request. Both in turn, in one run.
+// necessary reads in one round trip and sends the single request, on a connection of its own and
+// without any of this program's code. Both in turn, in one run.
+
+#include "BareFrameRequest.h"
 
 #include <BareClient.h>
 #include <WindowManager/WindowManager.h>
 #include <WindowManager/ZoneLayout.h>
-#include <X11/X11Properties.h>
 #include <X11TestPlatform.h>
 
 #include <QApplication>
+#include <QSocketNotifier>
+#include <QTimer>
 #include <algorithm>
+#include <array>
 #include <cstdio>
 
 using namespace tilewright;
@@ -24,20 +29,124 @@ double median(std::vector<double> values) {
     return values[values.size() / 2];
 }
 
-/// Turns the loop until the window's own notice of its new left edge is in; the time since `start`.
-double untilConfigured(xcb_connection_t* watcher, int left, Clock::time_point start) {
-    for (;;) {
-        while (xcb_generic_event_t* event = xcb_poll_for_event(watcher)) {
-            const X11Reply<xcb_generic_event_t> owned(event);
-            // Only the notices that window managers send carry places on the screen.
-            if (event->response_type == (XCB_CONFIGURE_NOTIFY | 0x80) &&
-                eventAs<xcb_configure_notify_event_t>(*event).x == left)
-                return std::chrono::duration<double, std::micro>(Clock::now() - start).count();
-        }
-        QCoreApplication::processEvents();
-        if (Clock::now() - start > std::chrono::seconds(5))
-            return -1;
+/// Looks out for the notice that a window is where it was asked to be, for both programs alike.
+class FinalNotice {
+public:
+    FinalNotice(const QString& display, quint32 window)
+        : connection_(xcb_connect(display.toLatin1().constData(), nullptr))
+        , notifier_(xcb_get_file_descriptor(connection_), QSocketNotifier::Read) {
+        const std::uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+        xcb_change_window_attributes(connection_, window, XCB_CW_EVENT_MASK, &mask);
+        xcb_flush(connection_);
+        QObject::connect(&notifier_, &QSocketNotifier::activated, &notifier_, [this] { look(); });
     }
+    FinalNotice(const FinalNotice&) = delete;
+    FinalNotice& operator=(const FinalNotice&) = delete;
+    ~FinalNotice() {
+        notifier_.setEnabled(false);
+        xcb_disconnect(connection_);
+    }
+
+    /// The client's area that is to come next.
+    void expect(const QRect& client) {
+        look();
+        isResized_ = client.size() != wanted_.size();
+        wanted_ = client;
+        seen_.reset();
+    }
+    /// Turns the loop until the notice has come; microseconds since `start`, none if it does not.
+    [[nodiscard]] std::optional<double> since(Clock::time_point start) {
+        QTimer deadline;
+        deadline.setSingleShot(true);
+        deadline.start(std::chrono::seconds(5));
+        while (!seen_ && deadline.isActive())
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        if (!seen_)
+            return std::nullopt;
+        return std::chrono::duration<double, std::micro>(*seen_ - start).count();
+    }
+
+private:
+    void look() {
+        while (xcb_generic_event_t* event = xcb_poll_for_event(connection_)) {
+            const X11Reply<xcb_generic_event_t> owned(event);
+            if ((event->response_type & 0x7f) != XCB_CONFIGURE_NOTIFY || seen_)
+                continue;
+            const auto& notice = eventAs<xcb_configure_notify_event_t>(*event);
+            const QRect told(notice.x, notice.y, notice.width, notice.height);
+            // Only the notices that window managers send carry places on the screen; those of the
+            // server tell of a new size.
+            const bool isSent = (event->response_type & 0x80) != 0;
+            if (isSent ? told == wanted_ : isResized_ && told.size() == wanted_.size())
+                seen_ = Clock::now();
+        }
+    }
+
+    xcb_connection_t* connection_;
+    QSocketNotifier notifier_;
+    QRect wanted_;
+    bool isResized_ = true;
+    std::optional<Clock::time_point> seen_;
+};
+
+/// Lets everybody come to rest, so that neither program pays for the other's work.
+void rest(X11TestPlatform& platform) {
+    while (platform.desktop().frameSetter().isBusy())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    bool isOver = false;
+    QTimer::singleShot(std::chrono::milliseconds(25), [&] { isOver = true; });
+    while (!isOver)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+}
+
+/// Sets a window to two zones in turn, by either program, and prints what it took.
+bool compare(const char* what, const std::array<Zone, 2>& zones, const DesktopSession& desktop,
+             X11TestPlatform& platform, const BareClient& client) {
+    const QRect area = readWindowFacts(platform.connection(), client.window()).client;
+    const AccessibilityElement element =
+        platform.accessibility()
+            .elementAtPosition({double(area.center().x()), double(area.center().y())})
+            .value.value();
+    BareFrameRequest bare(desktop.display().toLatin1().constData(), client.window());
+    FinalNotice notice(desktop.display(), client.window());
+    const Screen& screen = *platform.screens().all().front();
+    const X11WindowFacts facts = readWindowFacts(platform.connection(), client.window());
+    WindowManager::shared().snap(element, zones[1], screen);
+
+    std::vector<double> ours;
+    std::vector<double> theirs;
+    std::vector<double> roundTrips;
+    constexpr int rounds = 400;
+    for (int round = 0; round < rounds; ++round) {
+        const Zone& zone = zones[static_cast<std::size_t>(round % 2)];
+        const ZoneRect rect = zone.axRect(screen);
+        const QRect outer = QRectF(rect.x, rect.y, rect.width, rect.height).toRect();
+        rest(platform);
+        notice.expect(QRect(outer.topLeft() + QPoint(facts.decorations.left, facts.decorations.top),
+                            facts.clientSize(outer.size())));
+        // Each of the two sets the window to either zone equally often.
+        const bool isOurs = round % 4 == 0 || round % 4 == 3;
+        const std::uint64_t tripsBefore = platform.connection().roundTrips();
+        const auto start = Clock::now();
+        if (isOurs) {
+            WindowManager::shared().snap(element, zone, screen);
+            roundTrips.push_back(double(platform.connection().roundTrips() - tripsBefore));
+        } else if (!bare.set({outer.x(), outer.y(), outer.width(), outer.height()})) {
+            std::fprintf(stderr, "the bare program may not set the window\n");
+            return false;
+        }
+        const auto time = notice.since(start);
+        if (!time) {
+            std::fprintf(stderr, "the window did not come to its frame\n");
+            return false;
+        }
+        (isOurs ? ours : theirs).push_back(*time);
+    }
+    std::printf("%s, call to final ConfigureNotify, medians of %zu: %.0f us, bare %.0f us, ratio "
+                "%.2f; round trips within the call: %.0f\n",
+                what, ours.size(), median(ours), median(theirs), median(ours) / median(theirs),
+                median(roundTrips));
+    return true;
 }
 
 } // namespace
@@ -50,55 +159,11 @@ int main(int argc, char** argv) {
         return 1;
     X11TestPlatform platform(desktop.display());
     const BareClient client(desktop.display(), QRect(300, 200, 500, 300));
-    const auto element =
-        AccessibilityElement(platform.accessibility().elementAtPosition({500, 300}).value.value());
-    const auto bare = X11Connection::open(desktop.display());
-    xcb_connection_t* watcher = xcb_connect(desktop.display().toLatin1().constData(), nullptr);
-    const std::uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
-    xcb_change_window_attributes(watcher, client.window(), XCB_CW_EVENT_MASK, &mask);
-    xcb_flush(watcher);
-
-    const Screen& screen = *platform.screens().all().front();
-    const X11WindowFacts facts = readWindowFacts(*bare, client.window());
-    std::vector<double> ours;
-    std::vector<double> theirs;
-    std::vector<double> roundTrips;
-    for (int round = 0; round < 200; ++round) {
-        const Zone& zone = ZoneLayout::halves().zones[static_cast<std::size_t>(round % 2)];
-        const ZoneRect rect = zone.axRect(screen);
-        const int left = int(rect.x) + facts.decorations.left;
-        const bool isOurs = round / 2 % 2 == 0;
-        const auto start = Clock::now();
-        if (isOurs) {
-            int trips = 0;
-            std::uint64_t read = ~std::uint64_t{0};
-            platform.connection().setWaitObserver([&] {
-                // A wait that needs no reading is served by an earlier round trip.
-                const std::uint64_t now = xcb_total_read(platform.connection().xcb());
-                trips += now != read ? 1 : 0;
-                read = now;
-            });
-            WindowManager::shared().snap(element, zone, screen);
-            platform.connection().setWaitObserver({});
-            roundTrips.push_back(trips);
-            ours.push_back(untilConfigured(watcher, left, start));
-            while (platform.desktop().frameSetter().isBusy())
-                QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-        } else {
-            const X11WindowFacts now = readWindowFacts(*bare, client.window());
-            const QSize size = now.clientSize(QSize(int(rect.width), int(rect.height)));
-            sendToWindowManager(*bare, client.window(), X11Atom::netMoveresizeWindow,
-                                {1U | (0xFU << 8U) | (2U << 12U), std::uint32_t(rect.x),
-                                 std::uint32_t(rect.y), std::uint32_t(size.width()),
-                                 std::uint32_t(size.height())});
-            bare->flush();
-            theirs.push_back(untilConfigured(watcher, left, start));
-        }
-    }
-    std::printf(
-        "call to final ConfigureNotify, medians of %zu: %.0f us, bare %.0f us, ratio %.2f\n",
-        ours.size(), median(ours), median(theirs), median(ours) / median(theirs));
-    std::printf("round trips of a snap within the call, median: %.0f\n", median(roundTrips));
-    xcb_disconnect(watcher);
-    return 0;
+    const ZoneLayout halves = ZoneLayout::halves();
+    const ZoneLayout thirds = ZoneLayout::thirds();
+    return compare("moved", {halves.zones[0], halves.zones[1]}, desktop, platform, client) &&
+                   compare("moved and resized", {thirds.zones[0], halves.zones[1]}, desktop,
+                           platform, client)
+               ? 0
+               : 1;
 }

@@ -3,6 +3,7 @@
 #include "SnapBench.h"
 
 #include <BareClient.h>
+#include <WindowManager/DisplayIdentity.h>
 
 #include <QRegularExpression>
 #include <QSignalSpy>
@@ -14,8 +15,8 @@ using namespace tilewright::testing;
 namespace {
 
 struct DisplayBench {
-    DisplayBench()
-        : desktop(XServer::twoOutputs()) {
+    explicit DisplayBench(std::unique_ptr<XServer> server = XServer::twoOutputs())
+        : desktop(std::move(server)) {
         EXPECT_TRUE(desktop.startWindowManager(WindowManagerKind::openbox));
         restart();
     }
@@ -78,6 +79,25 @@ QByteArray edid(char serial) {
     return bytes;
 }
 
+/// Under which keys the two displays of a server that has just come up are known, left one first.
+/// A monitor without an EDID is given as an empty one.
+std::vector<QString> keysOnANewServer(const QByteArray& left, const QByteArray& right) {
+    DisplayBench bench;
+    if (!left.isEmpty())
+        bench.setEdid("DUMMY0", left);
+    if (!right.isEmpty())
+        bench.setEdid("DUMMY1", right);
+    EXPECT_NE(bench.desktop.inspector().inputFocus(), ~0U); // A round trip: the EDIDs are there.
+    bench.restart();
+    std::vector<QString> keys;
+    keys.reserve(bench.screens().size());
+    for (const ScreenPtr& screen : bench.screens())
+        keys.push_back(displayIdentity(*screen).value_or(DisplayIdentity{}).key);
+    EXPECT_EQ(keys.size(), 2U);
+    EXPECT_NE(keys.front(), keys.back());
+    return keys;
+}
+
 } // namespace
 
 TEST(Displays, AreListedPrimaryFirstInAppKitSpace) {
@@ -134,6 +154,40 @@ TEST(Displays, FollowAChangeOfResolution) {
     }));
 }
 
+TEST(Displays, FollowATurnAndKeepTheirIdentity) {
+    const auto host = XServer::virtualScreen({1600, 1600});
+    ASSERT_TRUE(host);
+    DisplayBench bench(XServer::rotatableWithin(*host, {1280, 800}));
+    ASSERT_EQ(bench.screens().size(), 1U);
+    const ScreenPtr upright = bench.screens()[0];
+    ASSERT_EQ(upright->frame(), (AppKitRect{0, 0, 1280, 800}));
+    const auto turn = [&](const char* orientation, const AppKitRect& expected) {
+        bench.xrandr({QStringLiteral("-o"), QString::fromLatin1(orientation)});
+        return waitUntil([&] {
+            const Screen& screen = *bench.screens()[0];
+            return screen.frame() == expected && screen.visibleFrame() == expected;
+        });
+    };
+    EXPECT_TRUE(turn("left", {0, 0, 800, 1280}));
+    EXPECT_GE(bench.changes->count(), 1);
+    EXPECT_NE(bench.screens()[0], upright);
+    EXPECT_EQ(upright->frame(), (AppKitRect{0, 0, 1280, 800})) << "it keeps its last values";
+    EXPECT_EQ(displayIdentity(*bench.screens()[0]), displayIdentity(*upright));
+    EXPECT_TRUE(turn("normal", {0, 0, 1280, 800}));
+}
+
+TEST(Displays, KeepTheirKeysWhenTheServerIsRestarted) {
+    EXPECT_EQ(keysOnANewServer(edid(1), edid(2)), keysOnANewServer(edid(1), edid(2)));
+}
+
+TEST(Displays, KeepTheirKeysAsTwinsWhenTheServerIsRestarted) {
+    EXPECT_EQ(keysOnANewServer(edid(1), edid(1)), keysOnANewServer(edid(1), edid(1)));
+}
+
+TEST(Displays, KeepTheirKeysWithoutASerialOrAnEdidWhenTheServerIsRestarted) {
+    EXPECT_EQ(keysOnANewServer(edid(0), {}), keysOnANewServer(edid(0), {}));
+}
+
 TEST(Displays, TakeNamesAndLastingKeysFromTheirEdids) {
     DisplayBench bench;
     bench.setEdid("DUMMY0", edid(1));
@@ -184,6 +238,30 @@ TEST(Displays, GiveUpWhatPanelsReserveEachOnItsOwnMonitor) {
     }
     EXPECT_TRUE(leaves(0));
     EXPECT_EQ(bench.screens()[0], left);
+}
+
+TEST(Displays, GiveUpWhatAWindowReservesThatBecomesAPanelLater) {
+    DisplayBench bench;
+    const int width = bench.outputSize().width();
+    const int height = bench.outputSize().height();
+    BareClient window(bench.desktop.display(), QRect(width, 0, width, 40));
+    ASSERT_TRUE(waitUntil([&] {
+        return bench.platform->accessibility()
+            .elementAtPosition({width + 500.0, 20})
+            .value.has_value();
+    }));
+    window.becomePanel({0, 0, 40, 0, 0, 0, 0, 0, quint32(width), quint32(2 * width - 1), 0, 0});
+    const auto hasStripOf = [&](int thickness) {
+        return waitUntil([&] {
+            return bench.screens()[1]->visibleFrame() ==
+                   AppKitRect{double(width), 0, double(width), double(height - thickness)};
+        });
+    };
+    EXPECT_TRUE(hasStripOf(40));
+    EXPECT_FALSE(
+        bench.platform->accessibility().elementAtPosition({width + 500.0, 20}).value.has_value());
+    window.setStrut({0, 0, 64, 0, 0, 0, 0, 0, quint32(width), quint32(2 * width - 1), 0, 0});
+    EXPECT_TRUE(hasStripOf(64));
 }
 
 TEST(Displays, GiveNoElementForAPanelAndTheWallpaper) {

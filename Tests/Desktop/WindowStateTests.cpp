@@ -3,7 +3,10 @@
 
 #include "SnapBench.h"
 
+#include <BareClient.h>
+
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 using namespace tilewright;
 using namespace tilewright::testing;
@@ -28,6 +31,19 @@ protected:
     void wmctrl(const QStringList& arguments) {
         static_cast<void>(outputOf(QStringLiteral("wmctrl"), arguments, desktop.environment()));
     }
+    void putOnAnotherDesktop() {
+        if (GetParam() == WindowManagerKind::i3) {
+            // Its desktops come into being with their first window.
+            static_cast<void>(outputOf(
+                QStringLiteral("i3-msg"),
+                {QStringLiteral("[id=%1] move container to workspace 2").arg(windowText())},
+                desktop.environment()));
+        } else {
+            wmctrl({QStringLiteral("-n"), QStringLiteral("3")});
+            wmctrl({QStringLiteral("-i"), QStringLiteral("-r"), windowText(), QStringLiteral("-t"),
+                    QStringLiteral("1")});
+        }
+    }
     [[nodiscard]] QString windowText() const { return QString::number(client.window); }
     [[nodiscard]] bool isOffered(const char* state) {
         XInspector& inspector = desktop.inspector();
@@ -37,16 +53,21 @@ protected:
         return desktop.inspector().hasAtom(client.window, "_NET_WM_STATE", state);
     }
 
+    [[nodiscard]] const Screen& screen() const { return *platform->screens().all().front(); }
+    /// Expects a window to come to fill the zone.
+    void expectIn(XInspector::Window window, const Zone& zone) {
+        EXPECT_TRUE(settle(*platform));
+        const QRect wanted = pixelsOf(zone, screen());
+        EXPECT_TRUE(waitUntil([&] { return desktop.inspector().outerFrame(window) == wanted; }))
+            << "wanted " << text(wanted) << ", is " << text(desktop.inspector().outerFrame(window));
+    }
     /// Snaps the window and expects it to fill the zone.
     void expectSnap(const Zone& zone) {
-        const Screen& screen = *platform->screens().all().front();
-        WindowManager::shared().snap(*element, zone, screen);
-        EXPECT_TRUE(settle(*platform));
-        const QRect wanted = pixelsOf(zone, screen);
-        EXPECT_TRUE(waitUntil([&] {
-            return desktop.inspector().outerFrame(client.window) == wanted;
-        })) << "wanted "
-            << text(wanted) << ", is " << text(desktop.inspector().outerFrame(client.window));
+        WindowManager::shared().snap(*element, zone, screen());
+        expectIn(client.window, zone);
+    }
+    void snapFocused(const Zone& zone) {
+        WindowManager::shared().snapFocusedWindow(zone, platform->screens().all().front());
     }
 
     DesktopSession desktop;
@@ -54,6 +75,12 @@ protected:
     TestClient client;
     std::optional<AccessibilityElement> element;
 };
+
+/// Under window managers that minimise windows.
+class MinimisedWindows : public WindowStates {};
+
+/// Under window managers that tile a window to half of the screen at a key.
+class HalfTiledWindows : public WindowStates {};
 
 std::string managerName(const ::testing::TestParamInfo<WindowManagerKind>& info) {
     return name(info.param);
@@ -87,7 +114,7 @@ TEST_P(WindowStates, FreesAMaximisedFullscreenOrShadedWindowAndFillsTheZone) {
     }
 }
 
-TEST_P(WindowStates, GivesAMinimisedWindowTheFrameItHasOnceItIsBack) {
+TEST_P(MinimisedWindows, HaveTheFrameThatTheyWereGivenOnceTheyAreBack) {
     XInspector& inspector = desktop.inspector();
     const auto isIconic = [&] {
         const auto state = inspector.property(client.window, "WM_STATE");
@@ -111,14 +138,20 @@ TEST_P(WindowStates, GivesAMinimisedWindowTheFrameItHasOnceItIsBack) {
 
 TEST_P(WindowStates, MovesAWindowOnAnotherDesktop) {
     XInspector& inspector = desktop.inspector();
-    wmctrl({QStringLiteral("-n"), QStringLiteral("3")});
-    wmctrl({QStringLiteral("-i"), QStringLiteral("-r"), windowText(), QStringLiteral("-t"),
-            QStringLiteral("1")});
+    expectSnap(ZoneLayout::thirds().zones[1]);
+    putOnAnotherDesktop();
     ASSERT_TRUE(waitUntil([&] {
         const auto number = inspector.property(client.window, "_NET_WM_DESKTOP");
         return !number.empty() && number[0] == 1;
     }));
-    expectSnap(ZoneLayout::halves().zones[1]);
+    const Zone zone = ZoneLayout::halves().zones[1];
+    WindowManager::shared().snap(*element, zone, screen());
+    EXPECT_TRUE(settle(*platform));
+    // This one gives windows their frames when they show.
+    if (GetParam() == WindowManagerKind::i3)
+        static_cast<void>(outputOf(QStringLiteral("i3-msg"), {QStringLiteral("workspace 2")},
+                                   desktop.environment()));
+    expectIn(client.window, zone);
 }
 
 TEST_P(WindowStates, FillsTheZoneWhenTheDragEndsAtAScreenEdge) {
@@ -157,8 +190,84 @@ TEST_P(WindowStates, FillsTheZoneWhenTheDragEndsAtAScreenEdge) {
     }
 }
 
+TEST_P(WindowStates, FillsTheZoneWithADialogAndLeavesItsWindowAlone) {
+    XInspector& inspector = desktop.inspector();
+    const QRect parent = inspector.outerFrame(client.window);
+    const BareClient dialog(desktop.display(), QRect(400, 260, 300, 200),
+                            BareClientTraits{{}, 0, false, client.window});
+    ASSERT_TRUE(activate(desktop, dialog.window()));
+    const auto found = WindowManager::shared().windowElementAtScreenPoint(
+        appKitCentre(*platform, inspector.outerFrame(dialog.window())));
+    ASSERT_TRUE(found.has_value());
+    ASSERT_EQ(windowOf(*found), dialog.window());
+    const Zone captured = ZoneLayout::thirds().zones[2];
+    WindowManager::shared().snap(*found, captured, screen());
+    expectIn(dialog.window(), captured);
+    const Zone focused = ZoneLayout::halves().zones[1];
+    snapFocused(focused);
+    expectIn(dialog.window(), focused);
+    EXPECT_EQ(inspector.outerFrame(client.window), parent) << text(parent);
+}
+
+TEST_P(WindowStates, SnapsTheOtherApplicationsWindowWhileThisProgramsPanelIsActive) {
+    const BareClient panel(desktop.display(), QRect(900, 100, 300, 200),
+                           BareClientTraits{{}, static_cast<quint32>(getpid()), true, 0});
+    ASSERT_TRUE(activate(desktop, panel.window()));
+    const QRect before = desktop.inspector().outerFrame(panel.window());
+    const Zone zone = ZoneLayout::thirds().zones[0];
+    snapFocused(zone);
+    expectIn(client.window, zone);
+    EXPECT_EQ(desktop.inspector().outerFrame(panel.window()), before) << text(before);
+}
+
+TEST_P(WindowStates, SnapsThisProgramsSettingsWindowWhileItIsActive) {
+    const QRect before = desktop.inspector().outerFrame(client.window);
+    const BareClient settings(desktop.display(), QRect(900, 100, 300, 200),
+                              BareClientTraits{{}, static_cast<quint32>(getpid()), false, 0});
+    ASSERT_TRUE(activate(desktop, settings.window()));
+    const Zone zone = ZoneLayout::thirds().zones[0];
+    snapFocused(zone);
+    expectIn(settings.window(), zone);
+    EXPECT_EQ(desktop.inspector().outerFrame(client.window), before) << text(before);
+}
+
+TEST_P(HalfTiledWindows, FillTheZoneFromEitherHalf) {
+    XInspector& inspector = desktop.inspector();
+    XInputInjector& input = desktop.input();
+    const int half = inspector.screenSize().width() / 2;
+    struct Side {
+        quint32 key;
+        int left;
+    };
+    for (const Side side : {Side{keysym::left, 0}, Side{keysym::right, half}}) {
+        const auto isTiled = [&] {
+            const QRect frame = inspector.outerFrame(client.window);
+            return frame.left() == side.left && frame.width() == half && frame.height() > 900;
+        };
+        input.pressKey(keysym::super);
+        input.tapKey(side.key);
+        input.releaseKey(keysym::super);
+        ASSERT_TRUE(waitUntil(isTiled)) << text(inspector.outerFrame(client.window));
+        expectSnap(ZoneLayout::bentoBox().zones[1]);
+        expectSnap(ZoneLayout::quadrants().zones[2]);
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Under, WindowStates,
                          ::testing::Values(WindowManagerKind::openbox, WindowManagerKind::xfwm4,
                                            WindowManagerKind::kwin, WindowManagerKind::marco,
-                                           WindowManagerKind::mutter, WindowManagerKind::icewm),
+                                           WindowManagerKind::mutter, WindowManagerKind::muffin,
+                                           WindowManagerKind::icewm, WindowManagerKind::fluxbox,
+                                           WindowManagerKind::i3),
+                         managerName);
+
+INSTANTIATE_TEST_SUITE_P(Under, MinimisedWindows,
+                         ::testing::Values(WindowManagerKind::openbox, WindowManagerKind::xfwm4,
+                                           WindowManagerKind::kwin, WindowManagerKind::marco,
+                                           WindowManagerKind::mutter, WindowManagerKind::muffin,
+                                           WindowManagerKind::icewm, WindowManagerKind::fluxbox),
+                         managerName);
+
+INSTANTIATE_TEST_SUITE_P(Under, HalfTiledWindows,
+                         ::testing::Values(WindowManagerKind::mutter, WindowManagerKind::muffin),
                          managerName);

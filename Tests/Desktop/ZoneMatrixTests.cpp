@@ -126,6 +126,35 @@ INSTANTIATE_TEST_SUITE_P(Under, ZoneMatrix,
                                            WindowManagerKind::i3),
                          managerName);
 
+class ZoneMatrixComposited : public ::testing::TestWithParam<WindowManagerKind> {};
+
+TEST_P(ZoneMatrixComposited, FillsEveryPresetZoneWithClientsOfEitherDecoration) {
+    DesktopSession desktop(XServer::virtualScreen({1366, 768}));
+    ASSERT_TRUE(desktop.startWindowManager(GetParam(), Compositing::on));
+    X11TestPlatform platform(desktop.display());
+    ASSERT_TRUE(waitUntil([&] { return platform.accessibility().isTrusted(); }));
+    for (const ClientKind kind : {ClientKind::qt, ClientKind::gtkClientDecorated}) {
+        SCOPED_TRACE(name(kind));
+        const TestClient client = startClient(desktop, kind, QRect(160, 120, 500, 320));
+        ASSERT_NE(client.window, 0U);
+        // Where the window manager knows of shadows, the client draws one now.
+        const XInspector& inspector = desktop.inspector();
+        const bool drawsShadow = !inspector.property(client.window, "_GTK_FRAME_EXTENTS").empty();
+        EXPECT_EQ(drawsShadow,
+                  kind == ClientKind::gtkClientDecorated &&
+                      inspector.hasAtom(inspector.root(), "_NET_SUPPORTED", "_GTK_FRAME_EXTENTS"));
+        const Tally tally = snapEverywhere(desktop, platform, client);
+        record(name(GetParam()), "1366x768, composited", kind, tally);
+        client.process->stop();
+    }
+}
+
+// Mutter and muffin composite in every test.
+INSTANTIATE_TEST_SUITE_P(Under, ZoneMatrixComposited,
+                         ::testing::Values(WindowManagerKind::openbox, WindowManagerKind::xfwm4,
+                                           WindowManagerKind::marco),
+                         managerName);
+
 class ZoneMatrixOnTwoOutputs : public ::testing::TestWithParam<WindowManagerKind> {};
 
 TEST_P(ZoneMatrixOnTwoOutputs, FillsEveryPresetZoneOfBothBesideAPanelWithEveryClient) {

@@ -10,12 +10,25 @@
 
 namespace tilewright::testing {
 
+/// What a window tells of itself before it shows.
+struct BareClientTraits {
+    /// Twelve values make it a panel.
+    std::vector<quint32> strut;
+    /// The process that it claims to be of; 0 where it tells of none.
+    quint32 processID = 0;
+    bool skipsTaskbar = false;
+    /// The window whose dialog it is; 0 for a window of its own.
+    XInspector::Window dialogOf = 0;
+};
+
 /// A window that a test itself makes and ends, on a connection of its own: the least that a window
 /// manager manages. With a strut it is a panel.
 class BareClient {
 public:
     /// A window for users, or, with twelve strut values, a panel.
     BareClient(const QString& display, const QRect& area, const std::vector<quint32>& strut = {})
+        : BareClient(display, area, BareClientTraits{strut, 0, false, 0}) {}
+    BareClient(const QString& display, const QRect& area, const BareClientTraits& traits)
         : connection_(xcb_connect(display.toLatin1().constData(), nullptr)) {
         const xcb_screen_t* screen = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data;
         window_ = xcb_generate_id(connection_);
@@ -29,10 +42,18 @@ public:
         const std::array<quint32, 18> hints{1U | 2U, quint32(area.x()), quint32(area.y()),
                                             quint32(area.width()), quint32(area.height())};
         set(XCB_ATOM_WM_NORMAL_HINTS, XCB_ATOM_WM_SIZE_HINTS, hints.data(), hints.size());
-        if (!strut.empty()) {
-            const quint32 dock = atom("_NET_WM_WINDOW_TYPE_DOCK");
-            set(atom("_NET_WM_WINDOW_TYPE"), XCB_ATOM_ATOM, &dock, 1);
-            setStrut(strut);
+        if (!traits.strut.empty())
+            becomePanel(traits.strut);
+        if (traits.processID != 0)
+            set(atom("_NET_WM_PID"), XCB_ATOM_CARDINAL, &traits.processID, 1);
+        if (traits.skipsTaskbar) {
+            const quint32 skip = atom("_NET_WM_STATE_SKIP_TASKBAR");
+            set(atom("_NET_WM_STATE"), XCB_ATOM_ATOM, &skip, 1);
+        }
+        if (traits.dialogOf != 0) {
+            const quint32 dialog = atom("_NET_WM_WINDOW_TYPE_DIALOG");
+            set(atom("_NET_WM_WINDOW_TYPE"), XCB_ATOM_ATOM, &dialog, 1);
+            set(XCB_ATOM_WM_TRANSIENT_FOR, XCB_ATOM_WINDOW, &traits.dialogOf, 1);
         }
         // A window manager that is just starting may lose the request: it is asked again then.
         const auto showsUp = [&] {
@@ -54,6 +75,12 @@ public:
     ~BareClient() { xcb_disconnect(connection_); }
 
     [[nodiscard]] XInspector::Window window() const { return window_; }
+    /// Says, at any time, that it is a panel and what it reserves.
+    void becomePanel(const std::vector<quint32>& strut) {
+        const quint32 dock = atom("_NET_WM_WINDOW_TYPE_DOCK");
+        set(atom("_NET_WM_WINDOW_TYPE"), XCB_ATOM_ATOM, &dock, 1);
+        setStrut(strut);
+    }
     void setStrut(const std::vector<quint32>& strut) {
         set(atom("_NET_WM_STRUT_PARTIAL"), XCB_ATOM_CARDINAL, strut.data(), strut.size());
         sync();

@@ -26,6 +26,7 @@ Section "Monitor"
     Identifier "Left"
     HorizSync 5.0 - 1000.0
     VertRefresh 5.0 - 200.0
+    Modeline "1920x1080" 173.00 1920 2048 2248 2576 1080 1083 1088 1120
     Option "PreferredMode" "1920x1080"
     Option "Primary" "true"
 EndSection
@@ -33,6 +34,7 @@ Section "Monitor"
     Identifier "Right"
     HorizSync 5.0 - 1000.0
     VertRefresh 5.0 - 200.0
+    Modeline "1920x1080" 173.00 1920 2048 2248 2576 1080 1083 1088 1120
     Option "PreferredMode" "1920x1080"
     Option "RightOf" "DUMMY0"
     Option "Enable" "true"
@@ -50,14 +52,14 @@ EndSection
 
 } // namespace
 
-bool XServer::start(const QString& program, const QStringList& arguments) {
+bool XServer::start(const QString& program, const QStringList& arguments,
+                    const QProcessEnvironment& environment) {
     // The server writes the number it chose to a descriptor; a shell is what can hand it one.
     const QString numberFile = folder_.filePath(QStringLiteral("display"));
     const QStringList shell{QStringLiteral("-c"),
                             QStringLiteral("exec \"$@\" -displayfd 7 7>\"$0\""), numberFile,
                             program};
-    if (!process_.start(QStringLiteral("/bin/sh"), shell + arguments,
-                        QProcessEnvironment::systemEnvironment(),
+    if (!process_.start(QStringLiteral("/bin/sh"), shell + arguments, environment,
                         folder_.filePath(QStringLiteral("server.log"))))
         return false;
     const auto readNumber = [&] {
@@ -109,6 +111,18 @@ std::unique_ptr<XServer> XServer::twoOutputs() {
         QStringLiteral("-nolisten"),   QStringLiteral("tcp"),
         QStringLiteral("-novtswitch"), QStringLiteral("-sharevts")};
     return server->start(QStringLiteral("Xorg"), arguments) ? std::move(server) : nullptr;
+}
+
+std::unique_ptr<XServer> XServer::rotatableWithin(const XServer& host, QSize size) {
+    std::unique_ptr<XServer> server(new XServer);
+    const QStringList arguments{
+        QStringLiteral("-screen"),   QStringLiteral("%1x%2").arg(size.width()).arg(size.height()),
+        QStringLiteral("-ac"),       QStringLiteral("-noreset"),
+        QStringLiteral("-nolisten"), QStringLiteral("tcp")};
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("DISPLAY"), host.display());
+    return server->start(QStringLiteral("Xephyr"), arguments, environment) ? std::move(server)
+                                                                           : nullptr;
 }
 
 } // namespace tilewright::testing

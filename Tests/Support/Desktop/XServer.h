@@ -16,6 +16,9 @@ public:
     /// Xorg with the dummy driver and two outputs, DUMMY0 (primary) and DUMMY1 at its right, each
     /// 1920×1080, hot-pluggable through RandR.
     [[nodiscard]] static std::unique_ptr<XServer> twoOutputs();
+    /// Xephyr, whose one display turns when RandR asks it to (the others' displays cannot). Shows
+    /// itself in a window on the host, which has to outlive it.
+    [[nodiscard]] static std::unique_ptr<XServer> rotatableWithin(const XServer& host, QSize size);
 
     /// Such as ":5".
     [[nodiscard]] QString display() const { return display_; }
@@ -25,7 +28,9 @@ public:
 
 private:
     XServer() = default;
-    [[nodiscard]] bool start(const QString& program, const QStringList& arguments);
+    [[nodiscard]] bool
+    start(const QString& program, const QStringList& arguments,
+          const QProcessEnvironment& environment = QProcessEnvironment::systemEnvironment());
 
     QTemporaryDir folder_;
     Subprocess process_;

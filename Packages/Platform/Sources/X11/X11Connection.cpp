@@ -245,7 +245,11 @@ void X11Connection::flush() {
 void* X11Connection::waitForReply(unsigned int sequence) {
     if (waitObserver_)
         waitObserver_();
+    // Requests that were made together leave together, with the first that is waited for.
+    const std::uint64_t writtenBefore = xcb_total_written(connection_);
     flush();
+    if (xcb_total_written(connection_) != writtenBefore)
+        ++roundTrips_;
     const auto deadline =
         std::chrono::steady_clock::now() +
         (isStuck_ ? std::chrono::milliseconds(stuckBound) : std::chrono::milliseconds(replyBound));

@@ -150,6 +150,9 @@ public:
     /// Hands out the events that have arrived. The event loop does this by itself.
     void dispatchEvents();
 
+    /// How often this connection has sent requests and then waited for their answers. Waiting for
+    /// what an earlier wait has fetched does not count. For tests and measurements.
+    [[nodiscard]] std::uint64_t roundTrips() const { return roundTrips_; }
     /// Called each time before this connection waits for the server. For tests and measurements.
     void setWaitObserver(std::function<void()> observer) { waitObserver_ = std::move(observer); }
 
@@ -184,6 +187,7 @@ private:
     std::deque<X11Reply<xcb_generic_event_t>> stash_;
     std::vector<std::shared_ptr<X11Listener::Entry>> listeners_;
     std::function<void()> waitObserver_;
+    std::uint64_t roundTrips_ = 0;
     int dispatchDepth_ = 0;
     bool isDispatchScheduled_ = false;
     bool isStuck_ = false;

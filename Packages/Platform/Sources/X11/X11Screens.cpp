@@ -78,13 +78,21 @@ void X11Screens::rootEvent(const xcb_generic_event_t& event) {
     const xcb_atom_t property = eventAs<xcb_property_notify_event_t>(event).atom;
     if (property == connection_.atom(X11Atom::netClientList))
         areClientsDirty_ = true;
+    else if (property == connection_.atom(X11Atom::netCurrentDesktop))
+        changeNoticed();
     else if (property == connection_.atom(X11Atom::netWorkarea) ||
-             property == connection_.atom(X11Atom::netCurrentDesktop) ||
              property == connection_.atom(X11Atom::gtkWorkareas0) ||
              property == connection_.atom(X11Atom::gtkWorkareas1) ||
              property == connection_.atom(X11Atom::gtkWorkareas2) ||
              property == connection_.atom(X11Atom::gtkWorkareas3))
-        changeNoticed();
+        workAreasChanged();
+}
+
+void X11Screens::workAreasChanged() {
+    // A window that was none before may have become a panel: all are looked at as newcomers.
+    std::erase_if(clients_, [](const auto& entry) { return !entry.second.isPanel; });
+    areClientsDirty_ = true;
+    changeNoticed();
 }
 
 void X11Screens::lookAtClients() {

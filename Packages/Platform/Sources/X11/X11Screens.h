@@ -74,6 +74,7 @@ private:
     void watchRandr();
     void rootEvent(const xcb_generic_event_t& event);
     void lookAtClients();
+    void workAreasChanged();
     void changeNoticed();
     void refresh();
     [[nodiscard]] std::vector<Monitor> readMonitors();

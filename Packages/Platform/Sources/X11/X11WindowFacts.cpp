@@ -165,6 +165,7 @@ X11WindowFacts readWindowFacts(X11Connection& connection, xcb_window_t window) {
     const auto property = [&](X11Atom atom) { return requestProperty(connection, window, atom); };
     const auto managedCookie = property(X11Atom::wmState);
     const auto stateCookie = property(X11Atom::netWmState);
+    const auto desktopCookie = property(X11Atom::netWmDesktop);
     const auto typeCookie = property(X11Atom::netWmWindowType);
     const auto processCookie = property(X11Atom::netWmPid);
     const auto decorationsCookie = property(X11Atom::netFrameExtents);
@@ -179,6 +180,7 @@ X11WindowFacts readWindowFacts(X11Connection& connection, xcb_window_t window) {
     const auto origin = connection.reply<xcb_translate_coordinates_reply_t>(originCookie);
     const auto managed = takeItems(connection, managedCookie);
     const auto states = takeItems(connection, stateCookie);
+    const auto desktop = takeItems(connection, desktopCookie);
     const auto types = takeItems(connection, typeCookie);
     const auto process = takeItems(connection, processCookie);
     const auto decorations = takeItems(connection, decorationsCookie);
@@ -189,7 +191,11 @@ X11WindowFacts readWindowFacts(X11Connection& connection, xcb_window_t window) {
         return facts;
 
     facts.exists = true;
-    facts.isManaged = isManagedState(managed) && attributes->override_redirect == 0;
+    // Some window managers call the windows of the desktops that do not show withdrawn. Those that
+    // really are have lost their desktop.
+    const bool isElsewhere = !managed.empty() && !desktop.empty();
+    facts.isManaged =
+        (isManagedState(managed) || isElsewhere) && attributes->override_redirect == 0;
     facts.isMinimized = !managed.empty() && managed[0] == iconicState;
     applyState(connection, states, facts);
     applyType(connection, types, facts);

@@ -1,0 +1,142 @@
+// How often each operation waits for the X server: once for all that does not depend on an answer.
+
+#include "SnapBench.h"
+
+#include <BareClient.h>
+
+#include <unistd.h>
+
+using namespace tilewright;
+using namespace tilewright::testing;
+
+namespace {
+
+class RoundTrips : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(desktop.startWindowManager(WindowManagerKind::openbox));
+        platform = std::make_unique<X11TestPlatform>(desktop.display());
+        ASSERT_TRUE(waitUntil([&] { return platform->accessibility().isTrusted(); }));
+        client = std::make_unique<BareClient>(
+            desktop.display(), QRect(300, 200, 500, 300),
+            BareClientTraits{{}, static_cast<quint32>(getpid()), false, 0});
+        ASSERT_TRUE(activate(desktop, client->window()));
+        ASSERT_TRUE(waitUntil([&] {
+            const auto focused = systemWide().element(AXAttribute::focusedUIElement);
+            return focused.value && windowOf(*focused.value) == client->window();
+        }));
+        const QRect frame = desktop.inspector().outerFrame(client->window());
+        place = appKitCentre(*platform, frame);
+        middle = AXPoint{double(frame.center().x()), double(frame.center().y())};
+        element = WindowManager::shared().windowElementAtScreenPoint(place);
+        ASSERT_TRUE(element.has_value());
+        desktop.input().move(frame.center());
+    }
+    [[nodiscard]] AccessibilityElement systemWide() {
+        return platform->accessibility().systemWideElement();
+    }
+    [[nodiscard]] AccessibilityElement application() {
+        return platform->accessibility().applicationElement(getpid());
+    }
+    /// How many round trips a call makes before it returns. What it starts, and what happened
+    /// before, is over first.
+    template<class Call>
+    [[nodiscard]] std::uint64_t of(Call call) {
+        EXPECT_TRUE(settle(*platform));
+        const std::uint64_t before = platform->connection().roundTrips();
+        call();
+        const std::uint64_t trips = platform->connection().roundTrips() - before;
+        EXPECT_TRUE(settle(*platform));
+        return trips;
+    }
+
+    DesktopSession desktop;
+    std::unique_ptr<X11TestPlatform> platform;
+    std::unique_ptr<BareClient> client;
+    std::optional<AccessibilityElement> element;
+    AppKitPoint place;
+    AXPoint middle;
+    const Zone zone = ZoneLayout::halves().zones[0];
+};
+
+} // namespace
+
+TEST_F(RoundTrips, OfTheWindowManagersOperations) {
+    WindowManager& manager = WindowManager::shared();
+    const ScreenPtr screen = platform->screens().all().front();
+    EXPECT_EQ(of([&] { EXPECT_TRUE(manager.isAccessibilityGranted()); }), 0U);
+    EXPECT_EQ(of([&] { EXPECT_TRUE(manager.requestAccessibilityPermission()); }), 0U);
+    EXPECT_EQ(of([&] { EXPECT_TRUE(WindowManager::screenWithMouse()); }), 1U);
+    EXPECT_EQ(of([&] { EXPECT_TRUE(manager.windowElementAtScreenPoint(place)); }), 4U);
+    EXPECT_EQ(of([&] { manager.snap(*element, zone, *screen); }), 1U);
+    EXPECT_EQ(of([&] { manager.snapFocusedWindow(zone, screen); }), 3U);
+    EXPECT_EQ(of([&] { manager.snapFocusedWindow(zone, nullptr); }), 4U);
+    EXPECT_EQ(of([&] { manager.moveFocusedWindow({10, 20, 300, 200}); }), 3U);
+}
+
+TEST_F(RoundTrips, OfTheAccessibilityInterfacesOperations) {
+    auto& accessibility = platform->accessibility();
+    EXPECT_EQ(of([&] { EXPECT_TRUE(accessibility.isTrusted()); }), 0U);
+    EXPECT_EQ(of([&] { EXPECT_TRUE(accessibility.requestTrust()); }), 0U);
+    EXPECT_EQ(of([&] { static_cast<void>(systemWide()); }), 0U);
+    EXPECT_EQ(of([&] { static_cast<void>(application()); }), 0U);
+    EXPECT_EQ(of([&] { EXPECT_TRUE(accessibility.elementAtPosition(middle).value); }), 3U);
+    EXPECT_EQ(of([&] { EXPECT_TRUE(accessibility.makeValue(AXPoint{1, 2})); }), 0U);
+    EXPECT_EQ(of([&] { EXPECT_TRUE(accessibility.makeValue(AXSize{1, 2})); }), 0U);
+}
+
+TEST_F(RoundTrips, OfAnElementsReads) {
+    const auto reads = [&](const AccessibilityElement& from, const char* attribute) {
+        return of([&] { EXPECT_TRUE(from.element(attribute).value) << attribute; });
+    };
+    EXPECT_EQ(reads(systemWide(), AXAttribute::focusedUIElement), 1U);
+    EXPECT_EQ(reads(application(), AXAttribute::focusedWindow), 1U);
+    EXPECT_EQ(reads(*element, AXAttribute::window), 1U);
+    EXPECT_EQ(reads(*element, AXAttribute::parent), 1U);
+    for (const char* text : {AXAttribute::role, AXAttribute::subrole})
+        EXPECT_EQ(of([&] { EXPECT_TRUE(element->string(text).value) << text; }), 1U);
+    ProcessID process = 0;
+    EXPECT_EQ(of([&] { EXPECT_EQ(element->processID(process), AXError::success); }), 1U);
+    EXPECT_EQ(of([&] { EXPECT_EQ(application().processID(process), AXError::success); }), 0U);
+    EXPECT_EQ(of([&] { EXPECT_EQ(*element, *element); }), 0U);
+}
+
+TEST_F(RoundTrips, OfTheWritesOfOneTurnAreOne) {
+    auto& accessibility = platform->accessibility();
+    const auto position = accessibility.makeValue(AXPoint{40, 50});
+    const auto size = accessibility.makeValue(AXSize{400, 300});
+    const auto writes = [&] {
+        std::vector<std::uint64_t> trips;
+        for (const auto& [attribute, value] : {std::pair(AXAttribute::size, size.get()),
+                                               std::pair(AXAttribute::position, position.get()),
+                                               std::pair(AXAttribute::size, size.get())}) {
+            const std::uint64_t before = platform->connection().roundTrips();
+            EXPECT_EQ(element->setValue(attribute, *value), AXError::success);
+            trips.push_back(platform->connection().roundTrips() - before);
+        }
+        EXPECT_TRUE(settle(*platform));
+        return trips;
+    };
+    EXPECT_EQ(writes(), (std::vector<std::uint64_t>{1, 0, 0}));
+    // The next turn knows nothing of it any more.
+    EXPECT_EQ(writes(), (std::vector<std::uint64_t>{1, 0, 0}));
+}
+
+TEST_F(RoundTrips, OfAFailedSnapAreItsWritesAndItsDescription) {
+    client->destroy();
+    const Screen& screen = *platform->screens().all().front();
+    // Three writes; the process, the role and the subrole.
+    EXPECT_EQ(of([&] {
+                  EXPECT_THROW(WindowManager::shared().snap(*element, zone, screen),
+                               WindowManagerError);
+              }),
+              6U);
+}
+
+TEST_F(RoundTrips, OfTheDisplaysAndTheApplications) {
+    EXPECT_EQ(of([&] { EXPECT_FALSE(platform->screens().all().empty()); }), 0U);
+    EXPECT_EQ(of([&] { EXPECT_TRUE(platform->screens().main()); }), 2U);
+    EXPECT_EQ(of([&] { static_cast<void>(platform->pointer().location()); }), 1U);
+    EXPECT_EQ(of([&] { EXPECT_TRUE(platform->workspace().frontmostApplication()); }), 2U);
+    EXPECT_EQ(of([&] { EXPECT_TRUE(platform->workspace().localizedName(getpid())); }), 2U);
+}

@@ -1,0 +1,282 @@
+// Whether windows can be moved here, and how the user is told where they cannot: on a server whose
+// window manager is the test itself.
+
+#include <FakePlatform.h>
+#include <Waiting.h>
+#include <X11/X11Properties.h>
+#include <X11/X11Trust.h>
+#include <XServer.h>
+
+#include <gtest/gtest.h>
+
+using namespace tilewright;
+using namespace tilewright::testing;
+
+namespace {
+
+/// Says that it is a window manager, and what it offers, on a connection of its own; its end is a
+/// crash: what it wrote on the root window stays.
+class PretendedWindowManager {
+public:
+    PretendedWindowManager(const QString& display, const std::vector<X11Atom>& offers)
+        : connection_(X11Connection::open(display))
+        , window_(xcb_generate_id(connection_->xcb())) {
+        xcb_create_window(connection_->xcb(), XCB_COPY_FROM_PARENT, window_, connection_->root(), 0,
+                          0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0,
+                          nullptr);
+        offer(offers);
+        set(window_, X11Atom::netSupportingWmCheck, XCB_ATOM_WINDOW, {window_});
+        set(connection_->root(), X11Atom::netSupportingWmCheck, XCB_ATOM_WINDOW, {window_});
+        connection_->flush();
+    }
+    void offer(const std::vector<X11Atom>& offers) {
+        std::vector<std::uint32_t> atoms;
+        atoms.reserve(offers.size());
+        for (const X11Atom atom : offers)
+            atoms.push_back(connection_->atom(atom));
+        set(connection_->root(), X11Atom::netSupported, XCB_ATOM_ATOM, atoms);
+        connection_->flush();
+    }
+
+private:
+    void set(xcb_window_t window, X11Atom property, xcb_atom_t type,
+             const std::vector<std::uint32_t>& items) {
+        xcb_change_property(connection_->xcb(), XCB_PROP_MODE_REPLACE, window,
+                            connection_->atom(property), type, 32,
+                            static_cast<std::uint32_t>(items.size()), items.data());
+    }
+
+    std::unique_ptr<X11Connection> connection_;
+    xcb_window_t window_;
+};
+
+const std::vector<X11Atom> whatIsNeeded{X11Atom::netActiveWindow, X11Atom::netMoveresizeWindow};
+
+class TrustInADesktop : public ::testing::Test {
+protected:
+    enum class Session { x11, wayland };
+    using Lack = X11Trust::Lack;
+
+    void SetUp() override { ASSERT_TRUE(server); }
+
+    /// As at the program's start, in the state that the server is in by now.
+    void start(Session session = Session::x11) {
+        trust.reset();
+        watch.reset();
+        selection.reset();
+        connection = X11Connection::open(server->display());
+        ASSERT_TRUE(connection);
+        selection = std::make_unique<X11EventSelection>(*connection);
+        watch = std::make_unique<X11WindowManagerWatch>(*connection, *selection);
+        trust = std::make_unique<X11Trust>(*connection, *watch, loop, notifications,
+                                           session == Session::wayland);
+    }
+    [[nodiscard]] bool becomes(Lack lack) {
+        return waitUntil([&] { return trust->lack() == lack; });
+    }
+    /// The texts that the user has been shown.
+    [[nodiscard]] std::vector<QString> told() const {
+        std::vector<QString> texts;
+        texts.reserve(notifications.shown.size());
+        for (const auto& [title, text] : notifications.shown)
+            texts.push_back(text);
+        return texts;
+    }
+    [[nodiscard]] static std::vector<QString> only(Lack lack) {
+        return {X11Trust::explanation(lack)};
+    }
+    using Manager = std::unique_ptr<PretendedWindowManager>;
+    [[nodiscard]] Manager startManager(const std::vector<X11Atom>& offers = whatIsNeeded) const {
+        return std::make_unique<PretendedWindowManager>(server->display(), offers);
+    }
+
+    const std::unique_ptr<XServer> server = XServer::virtualScreen({640, 480});
+    FakeMainLoop loop;
+    FakeUserNotifications notifications;
+    std::unique_ptr<X11Connection> connection;
+    std::unique_ptr<X11EventSelection> selection;
+    std::unique_ptr<X11WindowManagerWatch> watch;
+    std::unique_ptr<X11Trust> trust;
+};
+
+/// Sets a variable of the environment for as long as it lives.
+class ScopedVariable {
+public:
+    ScopedVariable(const char* name, const std::optional<QByteArray>& value)
+        : name_(name)
+        , before_(qEnvironmentVariableIsSet(name) ? std::optional(qgetenv(name)) : std::nullopt) {
+        set(value);
+    }
+    ScopedVariable(const ScopedVariable&) = delete;
+    ScopedVariable& operator=(const ScopedVariable&) = delete;
+    ~ScopedVariable() { set(before_); }
+
+private:
+    void set(const std::optional<QByteArray>& value) const {
+        if (value)
+            qputenv(name_, *value);
+        else
+            qunsetenv(name_);
+    }
+
+    const char* name_;
+    std::optional<QByteArray> before_;
+};
+
+} // namespace
+
+TEST_F(TrustInADesktop, IsThereAtOnceWhereTheWindowManagerOffersWhatIsNeeded) {
+    const Manager manager = startManager();
+    ASSERT_NO_FATAL_FAILURE(start());
+    EXPECT_TRUE(becomes(Lack::nothing));
+    EXPECT_TRUE(trust->request());
+    loop.advance(std::chrono::seconds(60));
+    EXPECT_TRUE(told().empty());
+    EXPECT_EQ(loop.activeTimerCount(), 0U);
+}
+
+TEST_F(TrustInADesktop, WaitsTenSecondsForAWindowManagerBeforeItTellsTheUser) {
+    ASSERT_NO_FATAL_FAILURE(start());
+    EXPECT_EQ(trust->lack(), Lack::windowManager);
+    EXPECT_FALSE(trust->request());
+    loop.advance(std::chrono::milliseconds(9999));
+    EXPECT_TRUE(told().empty());
+    loop.advance(std::chrono::milliseconds(1));
+    EXPECT_EQ(told(), only(Lack::windowManager));
+    EXPECT_EQ(loop.activeTimerCount(), 0U);
+}
+
+TEST_F(TrustInADesktop, IsAskedAgainWhileItWaitsWithoutWaitingAnew) {
+    ASSERT_NO_FATAL_FAILURE(start());
+    EXPECT_FALSE(trust->request());
+    loop.advance(std::chrono::seconds(9));
+    EXPECT_FALSE(trust->request());
+    EXPECT_EQ(loop.activeTimerCount(), 1U);
+    loop.advance(std::chrono::seconds(1));
+    EXPECT_EQ(told(), only(Lack::windowManager));
+}
+
+TEST_F(TrustInADesktop, TellsNothingWhenAWindowManagerAppearsWhileItWaits) {
+    ASSERT_NO_FATAL_FAILURE(start());
+    EXPECT_FALSE(trust->request());
+    loop.advance(std::chrono::seconds(9));
+    const Manager manager = startManager();
+    EXPECT_TRUE(becomes(Lack::nothing));
+    EXPECT_EQ(loop.activeTimerCount(), 0U) << "nothing is left to wait for";
+    loop.advance(std::chrono::seconds(60));
+    EXPECT_TRUE(told().empty());
+    EXPECT_TRUE(trust->request());
+}
+
+TEST_F(TrustInADesktop, JudgesAWindowManagerThatTellsItsOffersLateAtTheDeadline) {
+    ASSERT_NO_FATAL_FAILURE(start());
+    EXPECT_FALSE(trust->request());
+    const Manager manager = startManager({X11Atom::netActiveWindow});
+    EXPECT_TRUE(becomes(Lack::windowManagerSupport));
+    loop.advance(std::chrono::seconds(9));
+    EXPECT_TRUE(told().empty());
+    manager->offer(whatIsNeeded);
+    EXPECT_TRUE(becomes(Lack::nothing));
+    loop.advance(std::chrono::seconds(60));
+    EXPECT_TRUE(told().empty());
+}
+
+TEST_F(TrustInADesktop, TellsAtTheDeadlineWhatTheWindowManagerThatCameLacks) {
+    ASSERT_NO_FATAL_FAILURE(start());
+    EXPECT_FALSE(trust->request());
+    const Manager manager = startManager({X11Atom::netActiveWindow});
+    EXPECT_TRUE(becomes(Lack::windowManagerSupport));
+    loop.advance(std::chrono::seconds(10));
+    EXPECT_EQ(told(), only(Lack::windowManagerSupport));
+}
+
+TEST_F(TrustInADesktop, TellsAtOnceWhatARunningWindowManagerLacks) {
+    for (const X11Atom offered : whatIsNeeded) {
+        const Manager manager = startManager({offered});
+        notifications.shown.clear();
+        ASSERT_NO_FATAL_FAILURE(start());
+        EXPECT_TRUE(becomes(Lack::windowManagerSupport));
+        EXPECT_FALSE(trust->request());
+        EXPECT_EQ(told(), only(Lack::windowManagerSupport));
+    }
+}
+
+TEST_F(TrustInADesktop, TellsTheUserOnceInARun) {
+    ASSERT_NO_FATAL_FAILURE(start());
+    EXPECT_FALSE(trust->request());
+    loop.advance(std::chrono::seconds(10));
+    ASSERT_EQ(told().size(), 1U);
+    EXPECT_FALSE(trust->request());
+    loop.advance(std::chrono::seconds(60));
+    {
+        const Manager manager = startManager({X11Atom::netActiveWindow});
+        EXPECT_TRUE(becomes(Lack::windowManagerSupport));
+        EXPECT_FALSE(trust->request());
+        manager->offer(whatIsNeeded);
+        EXPECT_TRUE(becomes(Lack::nothing));
+        EXPECT_TRUE(trust->request());
+    }
+    EXPECT_TRUE(becomes(Lack::windowManager));
+    EXPECT_FALSE(trust->request());
+    loop.advance(std::chrono::seconds(60));
+    EXPECT_EQ(told().size(), 1U);
+}
+
+TEST_F(TrustInADesktop, IsNotBelievedOfWhatADeadWindowManagerLeftBehind) {
+    startManager().reset();
+    ASSERT_NO_FATAL_FAILURE(start());
+    EXPECT_TRUE(becomes(Lack::windowManager));
+    EXPECT_FALSE(trust->isTrusted());
+}
+
+TEST_F(TrustInADesktop, IsNeverThereInAWaylandSession) {
+    const Manager manager = startManager();
+    ASSERT_NO_FATAL_FAILURE(start(Session::wayland));
+    EXPECT_TRUE(waitUntil([&] { return watch->isRunning(); }));
+    EXPECT_EQ(trust->lack(), Lack::x11Session);
+    EXPECT_FALSE(trust->request());
+    // There is nothing to wait for: the session will not become another one.
+    EXPECT_EQ(told(), only(Lack::x11Session));
+    EXPECT_EQ(loop.activeTimerCount(), 0U);
+    EXPECT_FALSE(trust->request());
+    EXPECT_EQ(told().size(), 1U);
+}
+
+TEST_F(TrustInADesktop, EndsWithTheServer) {
+    const Manager manager = startManager();
+    ASSERT_NO_FATAL_FAILURE(start());
+    EXPECT_TRUE(becomes(Lack::nothing));
+    server->kill();
+    EXPECT_TRUE(becomes(Lack::connection));
+    EXPECT_FALSE(trust->request());
+    EXPECT_EQ(told(), only(Lack::connection));
+}
+
+TEST(TrustExplanations, HaveASentenceForEverythingThatCanBeMissing) {
+    using Lack = X11Trust::Lack;
+    EXPECT_TRUE(X11Trust::explanation(Lack::nothing).isEmpty());
+    std::vector<QString> seen;
+    for (const Lack lack : {Lack::x11Session, Lack::connection, Lack::inputEvents,
+                            Lack::windowManager, Lack::windowManagerSupport}) {
+        const QString text = X11Trust::explanation(lack);
+        EXPECT_TRUE(text.endsWith(u'.')) << text.toStdString();
+        EXPECT_EQ(std::find(seen.begin(), seen.end(), text), seen.end()) << text.toStdString();
+        seen.push_back(text);
+    }
+}
+
+TEST(WaylandSession, IsToldByTheEnvironment) {
+    const ScopedVariable type("XDG_SESSION_TYPE", QByteArray("x11"));
+    const ScopedVariable display("WAYLAND_DISPLAY", std::nullopt);
+    EXPECT_FALSE(X11Trust::isWaylandSession());
+    {
+        const ScopedVariable wayland("XDG_SESSION_TYPE", QByteArray("wayland"));
+        EXPECT_TRUE(X11Trust::isWaylandSession());
+    }
+    {
+        const ScopedVariable socket("WAYLAND_DISPLAY", QByteArray("wayland-0"));
+        EXPECT_TRUE(X11Trust::isWaylandSession());
+    }
+    const ScopedVariable none("XDG_SESSION_TYPE", std::nullopt);
+    EXPECT_FALSE(X11Trust::isWaylandSession());
+}

@@ -1,0 +1,167 @@
+// The applications of a real desktop as the program sees them.
+
+#include "SnapBench.h"
+
+#include <BareClient.h>
+
+#include <QSignalSpy>
+#include <unistd.h>
+
+using namespace tilewright;
+using namespace tilewright::testing;
+
+namespace {
+
+class ApplicationsOfADesktop : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(desktop.startWindowManager(WindowManagerKind::openbox));
+        platform = std::make_unique<X11TestPlatform>(desktop.display());
+        ASSERT_TRUE(waitUntil([&] { return platform->accessibility().isTrusted(); }));
+    }
+    [[nodiscard]] X11Workspace& workspace() { return platform->workspace(); }
+    [[nodiscard]] bool isFrontmost(ProcessID process) {
+        return waitUntil([&] { return workspace().frontmostApplication() == process; });
+    }
+    /// A window that says that it belongs to a process.
+    [[nodiscard]] std::unique_ptr<BareClient> windowOfProcess(ProcessID process,
+                                                              bool skipsTaskbar = false) {
+        return std::make_unique<BareClient>(
+            desktop.display(), QRect(300, 200, 400, 300),
+            BareClientTraits{{}, static_cast<quint32>(process), skipsTaskbar, 0});
+    }
+    /// What the user was told last.
+    [[nodiscard]] QString told() const {
+        const auto& shown = platform->userNotifications().shown;
+        return shown.empty() ? QString() : shown.back().second;
+    }
+
+    DesktopSession desktop;
+    std::unique_ptr<X11TestPlatform> platform;
+};
+
+} // namespace
+
+TEST_F(ApplicationsOfADesktop, HaveNoFrontmostOneBeforeTheFirstWindow) {
+    EXPECT_EQ(workspace().frontmostApplication(), std::nullopt);
+}
+
+TEST_F(ApplicationsOfADesktop, AreFrontmostWithTheLastActiveWindow) {
+    const ProcessID one = desktop.bus().pid();
+    const ProcessID other = desktop.windowManager().pid();
+    const auto first = windowOfProcess(one);
+    ASSERT_TRUE(activate(desktop, first->window()));
+    EXPECT_TRUE(isFrontmost(one));
+    const auto second = windowOfProcess(other);
+    ASSERT_TRUE(activate(desktop, second->window()));
+    EXPECT_TRUE(isFrontmost(other));
+    const QSignalSpy changes(&workspace(), &Workspace::activeWindowChanged);
+    ASSERT_TRUE(activate(desktop, first->window()));
+    EXPECT_TRUE(isFrontmost(one));
+    EXPECT_TRUE(waitUntil([&] { return changes.count() == 1; }));
+    second->destroy();
+    EXPECT_TRUE(isFrontmost(one));
+}
+
+TEST_F(ApplicationsOfADesktop, HaveTheOneBeforeFrontmostOnceTheActiveWindowIsGone) {
+    const ProcessID one = desktop.bus().pid();
+    const ProcessID other = desktop.windowManager().pid();
+    const auto first = windowOfProcess(one);
+    ASSERT_TRUE(activate(desktop, first->window()));
+    ASSERT_TRUE(isFrontmost(one));
+    const auto second = windowOfProcess(other);
+    ASSERT_TRUE(activate(desktop, second->window()));
+    ASSERT_TRUE(isFrontmost(other));
+    second->destroy();
+    EXPECT_TRUE(isFrontmost(one));
+}
+
+TEST_F(ApplicationsOfADesktop, StayFrontmostWhileThisProgramsPanelIsActiveButNotItsSettings) {
+    const ProcessID other = desktop.bus().pid();
+    const auto window = windowOfProcess(other);
+    ASSERT_TRUE(activate(desktop, window->window()));
+    ASSERT_TRUE(isFrontmost(other));
+    const auto panel = windowOfProcess(getpid(), true);
+    ASSERT_TRUE(activate(desktop, panel->window()));
+    EXPECT_TRUE(isFrontmost(other));
+    const auto settings = windowOfProcess(getpid());
+    ASSERT_TRUE(activate(desktop, settings->window()));
+    EXPECT_TRUE(isFrontmost(getpid()));
+}
+
+TEST_F(ApplicationsOfADesktop, HaveNoFrontmostOneWhenTheActiveWindowTellsOfNone) {
+    const BareClient window(desktop.display(), QRect(300, 200, 400, 300));
+    ASSERT_TRUE(activate(desktop, window.window()));
+    EXPECT_EQ(workspace().frontmostApplication(), std::nullopt);
+}
+
+TEST_F(ApplicationsOfADesktop, BearTheNameThatTheirWindowsTell) {
+    const TestClient client = startClient(desktop, ClientKind::qt, QRect(300, 200, 400, 300));
+    ASSERT_TRUE(activate(desktop, client.window));
+    const ProcessID process = desktop.inspector().processID(client.window);
+    ASSERT_TRUE(isFrontmost(process));
+    const auto names = desktop.inspector().bytesProperty(client.window, "WM_CLASS").split('\0');
+    ASSERT_GE(names.size(), 2);
+    ASSERT_FALSE(names[1].isEmpty());
+    EXPECT_EQ(workspace().localizedName(process), QString::fromLatin1(names[1]));
+}
+
+TEST_F(ApplicationsOfADesktop, BearTheNameOfTheirProcessWithoutAWindow) {
+    const ProcessID process = desktop.windowManager().pid();
+    const QString name = outputOf(QStringLiteral("ps"),
+                                  {QStringLiteral("-o"), QStringLiteral("comm="),
+                                   QStringLiteral("-p"), QString::number(process)},
+                                  desktop.environment())
+                             .trimmed();
+    ASSERT_FALSE(name.isEmpty());
+    EXPECT_EQ(workspace().localizedName(process), name);
+}
+
+TEST_F(ApplicationsOfADesktop, HaveNoNameOnceTheyAreGone) {
+    Subprocess& process = desktop.start(QStringLiteral("sleep"), {QStringLiteral("1000")});
+    const ProcessID gone = process.pid();
+    ASSERT_TRUE(workspace().localizedName(gone).has_value());
+    process.stop();
+    EXPECT_EQ(workspace().localizedName(gone), std::nullopt);
+    EXPECT_EQ(workspace().localizedName(0), std::nullopt);
+    EXPECT_EQ(workspace().localizedName(-1), std::nullopt);
+}
+
+TEST_F(ApplicationsOfADesktop, AreToldWhatTheDesktopLacksInsteadOfASettingsPane) {
+    workspace().openAccessibilitySettings();
+    EXPECT_TRUE(told().contains(QStringLiteral("all that is needed"))) << told().toStdString();
+    desktop.killWindowManager();
+    ASSERT_TRUE(waitUntil([&] { return !platform->accessibility().isTrusted(); }));
+    workspace().openAccessibilitySettings();
+    EXPECT_EQ(told(), X11Trust::explanation(X11Trust::Lack::windowManager));
+    EXPECT_EQ(platform->userNotifications().shown.size(), 2U) << "each time that it is asked for";
+}
+
+TEST_F(ApplicationsOfADesktop, AreBlendedWhileACompositorRuns) {
+    EXPECT_FALSE(workspace().blendsWindows());
+    ASSERT_TRUE(desktop.startCompositor());
+    EXPECT_TRUE(waitUntil([&] { return workspace().blendsWindows(); }));
+    desktop.stopCompositor();
+    EXPECT_TRUE(waitUntil([&] { return !workspace().blendsWindows(); }));
+}
+
+TEST_F(ApplicationsOfADesktop, StayWhereTheyAreWhenThisOneHasNoWindowToBringForward) {
+    const auto window = windowOfProcess(desktop.bus().pid());
+    ASSERT_TRUE(activate(desktop, window->window()));
+    workspace().activateThisApplication();
+    EXPECT_TRUE(isFrontmost(desktop.bus().pid()));
+    EXPECT_EQ(desktop.inspector().activeWindow(), window->window());
+}
+
+TEST(ApplicationsOfAWaylandSession, AreToldThatAnX11SessionIsNeeded) {
+    DesktopSession desktop;
+    ASSERT_TRUE(desktop.startWindowManager(WindowManagerKind::openbox));
+    const auto connection = X11Connection::open(desktop.display());
+    FakeMainLoop loop;
+    FakeUserNotifications notifications;
+    X11Desktop x11(*connection, loop, notifications, true);
+    EXPECT_FALSE(x11.accessibility().isTrusted());
+    x11.workspace().openAccessibilitySettings();
+    ASSERT_EQ(notifications.shown.size(), 1U);
+    EXPECT_EQ(notifications.shown[0].second, X11Trust::explanation(X11Trust::Lack::x11Session));
+}
