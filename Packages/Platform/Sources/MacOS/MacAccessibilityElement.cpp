@@ -1,6 +1,7 @@
 #include "MacAccessibilityElement.h"
 
 #include "CFText.h"
+#include "EnhancedInterfacePause.h"
 
 namespace tilewright {
 
@@ -63,6 +64,7 @@ AXError MacAccessibilityElement::setValue(const char* attribute,
         return AXError::invalidUIElement;
     if (!ours)
         return AXError::illegalArgument;
+    const EnhancedInterfacePause pause(element_.get());
     return fromPlatform(AXUIElementSetAttributeValue(element_.get(), name.get(), ours->get()));
 }
 

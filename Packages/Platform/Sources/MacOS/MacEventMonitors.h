@@ -1,5 +1,7 @@
 #pragma once
 
+#include "AppKitEventMonitor.h"
+
 #include <Platform/Accessibility.h>
 #include <Platform/EventMonitors.h>
 #include <Platform/MainLoop.h>
@@ -9,9 +11,13 @@
 
 namespace tilewright {
 
+namespace appkit {
+class Observation;
+}
+
 /// AppKit's event monitors. A global monitor installed before the user granted the permission stays
-/// deaf to the keyboard, so global monitors are installed afresh when the permission arrives. Main
-/// thread only; the arguments have to outlive it.
+/// deaf to the keyboard, so global monitors are installed afresh, under the tokens they have, when
+/// the permission arrives. Main thread only; the arguments have to outlive it.
 class MacEventMonitors final : public EventMonitors {
 public:
     MacEventMonitors(const Accessibility& accessibility, MainLoop& loop);
@@ -24,19 +30,26 @@ public:
     void removeMonitor(MonitorToken token) override;
 
 private:
-    class Monitor;
-    class PermissionObservation;
+    struct Monitor {
+        appkit::MonitorKind kind;
+        EventMask mask;
+        Handler handler;
+        std::unique_ptr<appkit::EventMonitor> installed;
+    };
 
-    [[nodiscard]] std::optional<MonitorToken> add(std::unique_ptr<Monitor> monitor);
-    void permissionMayHaveChanged();
+    [[nodiscard]] std::optional<MonitorToken> add(appkit::MonitorKind kind, EventMask mask,
+                                                  Handler handler);
+    /// Looks, soon and a few times more, whether the permission has arrived.
+    void lookForPermission(std::size_t look);
+    void installGlobalMonitorsAfresh();
 
     const Accessibility& accessibility_;
     MainLoop& loop_;
     bool wasTrusted_;
     quint64 lastToken_ = 0;
-    std::map<MonitorToken, std::unique_ptr<Monitor>> monitors_;
-    std::unique_ptr<PermissionObservation> observation_;
-    ScopedTimer lateLook_;
+    std::map<MonitorToken, Monitor> monitors_;
+    ScopedTimer nextLook_;
+    std::unique_ptr<appkit::Observation> observation_;
 };
 
 } // namespace tilewright

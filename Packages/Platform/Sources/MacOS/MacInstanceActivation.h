@@ -6,6 +6,10 @@
 
 namespace tilewright {
 
+namespace appkit {
+class Observation;
+}
+
 /// One instance of the program in a login session. The system itself starts a bundle only once;
 /// this covers a second copy of it. Main thread only.
 class MacInstanceActivation final : public InstanceActivation {
@@ -18,8 +22,7 @@ public:
     [[nodiscard]] Claim claim() override;
 
 private:
-    class Observation;
-    std::unique_ptr<Observation> observation_;
+    std::unique_ptr<appkit::Observation> observation_;
 };
 
 } // namespace tilewright

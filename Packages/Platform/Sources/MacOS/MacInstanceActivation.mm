@@ -1,37 +1,10 @@
 #include "MacInstanceActivation.h"
 
-#include "MacText.h"
+#include "AppKitNotifications.h"
 
 #include <AppKit/AppKit.h>
 
 namespace tilewright {
-
-namespace {
-
-NSString* requestName() { return toNSString(QStringLiteral("io.github.tilewright.ShowPanel")); }
-
-} // namespace
-
-/// Hears of later starts of the program.
-class MacInstanceActivation::Observation {
-  public:
-    explicit Observation(MacInstanceActivation& activation) {
-        MacInstanceActivation* const observed = &activation;
-        token_ = [[NSDistributedNotificationCenter defaultCenter]
-            addObserverForName:requestName()
-                        object:nil
-                         queue:[NSOperationQueue mainQueue]
-                    usingBlock:^(NSNotification*) {
-                      Q_EMIT observed->activationRequested();
-                    }];
-    }
-    ~Observation() { [[NSDistributedNotificationCenter defaultCenter] removeObserver:token_]; }
-    Observation(const Observation&) = delete;
-    Observation& operator=(const Observation&) = delete;
-
-  private:
-    id token_ = nil;
-};
 
 MacInstanceActivation::MacInstanceActivation() = default;
 MacInstanceActivation::~MacInstanceActivation() = default;
@@ -44,13 +17,11 @@ InstanceActivation::Claim MacInstanceActivation::claim() {
             ? [[NSRunningApplication runningApplicationsWithBundleIdentifier:identifier] count]
             : 0;
     if (running > 1) {
-        [[NSDistributedNotificationCenter defaultCenter] postNotificationName:requestName()
-                                                                       object:nil
-                                                                     userInfo:nil
-                                                           deliverImmediately:YES];
+        appkit::requestPanel();
         return Claim::another;
     }
-    observation_ = std::make_unique<Observation>(*this);
+    observation_ = appkit::observe(appkit::Notification::panelRequested,
+                                   [this] { Q_EMIT activationRequested(); });
     return Claim::first;
 }
 

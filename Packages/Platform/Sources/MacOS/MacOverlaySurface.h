@@ -1,5 +1,7 @@
 #pragma once
 
+#include "AppKitOverlayWindow.h"
+
 #include <Platform/OverlaySurface.h>
 
 #include <memory>
@@ -9,6 +11,12 @@ namespace tilewright {
 /// The overlay as a borderless window of AppKit that holds the view. Main thread only.
 class MacOverlaySurface final : public OverlaySurface {
 public:
+    /// The level of a screen saver: above normal, floating, Dock and menu bar windows.
+    static constexpr qint64 level = 1000;
+    /// Joins all spaces, stays where it is, is in no cycle of windows, may lie over full-screen
+    /// applications.
+    static constexpr quint64 collectionBehavior = 0x151;
+
     explicit MacOverlaySurface(std::shared_ptr<OverlayView> view);
     ~MacOverlaySurface() override;
 
@@ -17,10 +25,8 @@ public:
     void orderOut() override;
 
 private:
-    struct Window;
-
     std::shared_ptr<OverlayView> view_;
-    std::unique_ptr<Window> window_;
+    std::unique_ptr<appkit::OverlayWindow> window_;
 };
 
 } // namespace tilewright

@@ -3,6 +3,7 @@
 #include "IOKitPowerAssertions.h"
 #include "MacAccessibility.h"
 #include "MacApplicationSupport.h"
+#include "MacEditMenu.h"
 #include "MacEventMonitors.h"
 #include "MacInstanceActivation.h"
 #include "MacOverlaySurface.h"
@@ -19,7 +20,7 @@ namespace tilewright {
 
 struct MacPlatform::Parts {
     QtMainLoop mainLoop;
-    MacScreens screens;
+    MacScreens screens{mainLoop};
     MacPointer pointer;
     MacAccessibility accessibility;
     MacEventMonitors eventMonitors{accessibility, mainLoop};
@@ -30,6 +31,7 @@ struct MacPlatform::Parts {
     MacUserNotifications userNotifications;
     MacInstanceActivation instanceActivation;
     std::unique_ptr<MacStatusItem> statusItem;
+    MacEditMenu editMenu;
 };
 
 MacPlatform::MacPlatform()

@@ -1,30 +1,42 @@
 #pragma once
 
+#include <Platform/MainLoop.h>
 #include <Platform/Screens.h>
 
 #include <memory>
 
 namespace tilewright {
 
-/// The displays as AppKit lists them, which is the primary one first. Main thread only.
+namespace appkit {
+class Observation;
+}
+
+/// The displays as AppKit lists them, which is the primary one first. Main thread only; the loop
+/// has to outlive it.
 class MacScreens final : public Screens {
     Q_OBJECT
 
 public:
-    MacScreens();
+    explicit MacScreens(MainLoop& loop);
     ~MacScreens() override;
 
-    /// Asked of AppKit at each call, so that a change is seen also before it is announced.
+    /// Asked of AppKit at each call, so that displays rearranged in the middle of a drag are seen
+    /// also before they are announced.
     [[nodiscard]] const std::vector<ScreenPtr>& all() const override;
     [[nodiscard]] ScreenPtr main() const override;
 
 private:
-    class Observation;
+    class MacScreen;
+    using List = std::vector<ScreenPtr>;
 
+    /// Lists the displays afresh, keeping the object of each that is as it was.
     void refresh() const;
 
-    mutable std::vector<ScreenPtr> screens_;
-    std::unique_ptr<Observation> observation_;
+    MainLoop& loop_;
+    mutable std::unique_ptr<const List> screens_;
+    /// Lists that callers may still hold: they are valid until the next turn of the loop.
+    mutable std::vector<std::unique_ptr<const List>> retired_;
+    std::unique_ptr<appkit::Observation> observation_;
 };
 
 } // namespace tilewright

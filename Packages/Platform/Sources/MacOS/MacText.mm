@@ -12,7 +12,8 @@ QString toQString(NSString* text) {
     if (!text)
         return {};
     QString result(static_cast<qsizetype>([text length]), Qt::Uninitialized);
-    [text getCharacters:reinterpret_cast<unichar*>(result.data())];
+    [text getCharacters:reinterpret_cast<unichar*>(result.data())
+                  range:NSMakeRange(0, [text length])];
     return result;
 }
 

@@ -6,6 +6,10 @@
 
 namespace tilewright {
 
+namespace appkit {
+class Observation;
+}
+
 /// The workspace as AppKit tells it. Main thread only.
 class MacWorkspace final : public Workspace {
     Q_OBJECT
@@ -21,8 +25,7 @@ public:
     [[nodiscard]] bool blendsWindows() const override { return true; }
 
 private:
-    class Observation;
-    std::unique_ptr<Observation> observation_;
+    std::unique_ptr<appkit::Observation> observation_;
 };
 
 } // namespace tilewright

@@ -1,32 +1,15 @@
 #include "MacWorkspace.h"
 
+#include "AppKitNotifications.h"
 #include "MacText.h"
 
 #include <AppKit/AppKit.h>
 
 namespace tilewright {
 
-class MacWorkspace::Observation {
-  public:
-    explicit Observation(MacWorkspace& workspace) {
-        MacWorkspace* const observed = &workspace;
-        token_ = [[[NSWorkspace sharedWorkspace] notificationCenter]
-            addObserverForName:NSWorkspaceDidActivateApplicationNotification
-                        object:nil
-                         queue:[NSOperationQueue mainQueue]
-                    usingBlock:^(NSNotification*) {
-                      Q_EMIT observed->activeWindowChanged();
-                    }];
-    }
-    ~Observation() { [[[NSWorkspace sharedWorkspace] notificationCenter] removeObserver:token_]; }
-    Observation(const Observation&) = delete;
-    Observation& operator=(const Observation&) = delete;
-
-  private:
-    id token_ = nil;
-};
-
-MacWorkspace::MacWorkspace() : observation_(std::make_unique<Observation>(*this)) {}
+MacWorkspace::MacWorkspace()
+    : observation_(appkit::observe(appkit::Notification::applicationActivated,
+                                   [this] { Q_EMIT activeWindowChanged(); })) {}
 MacWorkspace::~MacWorkspace() = default;
 
 std::optional<ProcessID> MacWorkspace::frontmostApplication() const {

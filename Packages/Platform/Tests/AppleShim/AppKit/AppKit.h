@@ -115,6 +115,7 @@ typedef NS_OPTIONS(NSUInteger, NSAutoresizingMaskOptions) {
 @property NSAutoresizingMaskOptions autoresizingMask;
 @property(readonly, assign) NSWindow* window;
 - (void)addSubview:(NSView*)view;
+- (void)removeFromSuperview;
 - (NSRect)convertRect:(NSRect)rect toView:(NSView*)view;
 @end
 

@@ -20,6 +20,7 @@ typedef const struct __CFString* CFStringRef;
 typedef const struct __CFDictionary* CFDictionaryRef;
 typedef const struct __CFUUID* CFUUIDRef;
 typedef const struct __CFBoolean* CFBooleanRef;
+typedef const struct __CFNumber* CFNumberRef;
 
 typedef struct {
     CFIndex location;
@@ -69,6 +70,17 @@ void CFStringGetCharacters(CFStringRef string, CFRange range, UniChar* buffer);
 CFDictionaryRef CFDictionaryCreate(CFAllocatorRef allocator, const void** keys, const void** values,
                                    CFIndex count, const CFDictionaryKeyCallBacks* keyCallBacks,
                                    const CFDictionaryValueCallBacks* valueCallBacks);
+
+const void* CFDictionaryGetValue(CFDictionaryRef dictionary, const void* key);
+
+typedef enum CFNumberType : CFIndex {
+    kCFNumberSInt8Type = 1,
+    kCFNumberSInt16Type = 2,
+    kCFNumberSInt32Type = 3,
+    kCFNumberSInt64Type = 4,
+} CFNumberType;
+CFTypeID CFNumberGetTypeID(void);
+Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* value);
 
 CFStringRef CFUUIDCreateString(CFAllocatorRef allocator, CFUUIDRef uuid);
 

@@ -29,6 +29,14 @@ static inline NSRect NSMakeRect(CGFloat x, CGFloat y, CGFloat width, CGFloat hei
     return NSRect{CGPoint{x, y}, CGSize{width, height}};
 }
 
+typedef struct _NSRange {
+    NSUInteger location;
+    NSUInteger length;
+} NSRange;
+static inline NSRange NSMakeRange(NSUInteger location, NSUInteger length) {
+    return NSRange{location, length};
+}
+
 static const NSRect NSZeroRect = {{0, 0}, {0, 0}};
 
 @class NSString;
@@ -38,6 +46,8 @@ static const NSRect NSZeroRect = {{0, 0}, {0, 0}};
 - (BOOL)isEqual:(id)object;
 - (BOOL)isKindOfClass:(Class)type;
 - (NSUInteger)hash;
+// Not for code with automatic reference counting: the compiler refuses a call of it there.
+- (id)retain;
 @end
 
 __attribute__((objc_root_class))
@@ -59,7 +69,7 @@ typedef unsigned short unichar;
 + (instancetype)stringWithCharacters:(const unichar*)characters length:(NSUInteger)length;
 + (instancetype)stringWithUTF8String:(const char*)text;
 - (NSUInteger)length;
-- (void)getCharacters:(unichar*)buffer;
+- (void)getCharacters:(unichar*)buffer range:(NSRange)range;
 @end
 
 @interface NSNumber : NSObject

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <Platform/Geometry.h>
+
+#include <QWidget>
+#include <memory>
+
+namespace tilewright::appkit {
+
+/// The properties of a new window, with AppKit's names and numbers for them. Its content rectangle
+/// is empty at first, its background clear.
+struct WindowProperties {
+    /// 0 is borderless.
+    quint64 styleMask = 0;
+    /// 2 is buffered.
+    quint64 backing = 2;
+    bool defer = false;
+    bool opaque = false;
+    qint64 level = 0;
+    bool ignoresMouseEvents = false;
+    quint64 collectionBehavior = 0;
+    bool hasShadow = false;
+    bool releasedWhenClosed = false;
+};
+
+/// A window of AppKit. Ordered out, and gone, when it ends.
+class OverlayWindow {
+public:
+    OverlayWindow() = default;
+    OverlayWindow(const OverlayWindow&) = delete;
+    OverlayWindow& operator=(const OverlayWindow&) = delete;
+    virtual ~OverlayWindow() = default;
+
+    /// Puts the toolkit's native view into the window, which it fills from now on. The toolkit goes
+    /// on owning it.
+    virtual void setContent(WId view) = 0;
+    /// Takes the view out again: it has to leave the window before either ends.
+    virtual void removeContent() = 0;
+    /// In AppKit screen space; what is shown is redrawn at once.
+    virtual void setFrame(const AppKitRect& frame) = 0;
+    /// In front of everything on its level, without activating the application.
+    virtual void orderFrontRegardless() = 0;
+    virtual void orderOut() = 0;
+};
+
+/// A new window, not shown yet.
+[[nodiscard]] std::unique_ptr<OverlayWindow> makeWindow(const WindowProperties& properties);
+
+} // namespace tilewright::appkit

@@ -1,0 +1,39 @@
+#include "MacOverlaySurface.h"
+
+namespace tilewright {
+
+MacOverlaySurface::MacOverlaySurface(std::shared_ptr<OverlayView> view)
+    : view_(std::move(view))
+    , window_(appkit::makeWindow(
+          {.level = level, .ignoresMouseEvents = true, .collectionBehavior = collectionBehavior})) {
+    view_->setRendering(OverlayRendering::translucent);
+    QWidget& widget = view_->widget();
+    widget.setAttribute(Qt::WA_TranslucentBackground);
+    // Showing the view must not bring this application forward.
+    widget.setAttribute(Qt::WA_ShowWithoutActivating);
+    widget.setAttribute(Qt::WA_NativeWindow);
+    window_->setContent(widget.winId());
+}
+
+MacOverlaySurface::~MacOverlaySurface() {
+    window_->orderOut();
+    window_->removeContent();
+}
+
+void MacOverlaySurface::setScreen(const ScreenPtr& screen) {
+    const AppKitRect frame = screen->frame();
+    view_->widget().resize(static_cast<int>(frame.width), static_cast<int>(frame.height));
+    window_->setFrame(frame);
+}
+
+void MacOverlaySurface::orderFront() {
+    view_->widget().show();
+    window_->orderFrontRegardless();
+}
+
+void MacOverlaySurface::orderOut() {
+    window_->orderOut();
+    view_->finishAnimations();
+}
+
+} // namespace tilewright

@@ -1,0 +1,244 @@
+#include "FakeAppKit.h"
+
+#include "FakeCoreFoundation.h"
+
+#include <MacOS/MacApplicationSupport.h>
+#include <MacOS/MacInstanceActivation.h>
+#include <MacOS/MacPointer.h>
+#include <MacOS/MacStatusItem.h>
+#include <MacOS/MacUserDefaults.h>
+#include <MacOS/MacUserNotifications.h>
+#include <MacOS/MacWorkspace.h>
+
+#include <gtest/gtest.h>
+
+namespace tilewright::testing {
+
+namespace {
+FakeAppKit* currentAppKit = nullptr;
+}
+
+FakeAppKit::FakeAppKit() {
+    if (currentAppKit)
+        fakecf::die("there are two AppKits");
+    currentAppKit = this;
+}
+
+FakeAppKit::~FakeAppKit() {
+    EXPECT_TRUE(monitors.empty()) << "an event monitor is left";
+    EXPECT_TRUE(observers.empty()) << "an observer is left";
+    for (const auto& window : windows) {
+        EXPECT_FALSE(window->isAlive) << "a window is left";
+        EXPECT_FALSE(window->content) << "a view did not leave its window";
+    }
+    currentAppKit = nullptr;
+}
+
+FakeAppKit& FakeAppKit::current() {
+    if (!currentAppKit)
+        fakecf::die("there is no AppKit");
+    return *currentAppKit;
+}
+
+void FakeAppKit::announce(appkit::Notification notification) {
+    const auto copy = observers;
+    for (const auto& [id, observer] : copy) {
+        if (observer.notification == notification && observers.contains(id))
+            observer.callback();
+    }
+}
+
+void FakeAppKit::send(appkit::MonitorKind kind, const Event& event) {
+    const auto copy = monitors;
+    for (const auto& [id, monitor] : copy) {
+        if (monitor.kind == kind && monitor.mask.contains(event.type) && monitors.contains(id))
+            monitor.handler(event);
+    }
+}
+
+} // namespace tilewright::testing
+
+namespace tilewright::appkit {
+
+using testing::FakeAppKit;
+
+namespace {
+
+class FakeObservation final : public Observation {
+public:
+    explicit FakeObservation(int id)
+        : id_(id) {}
+    ~FakeObservation() override { FakeAppKit::current().observers.erase(id_); }
+
+private:
+    const int id_;
+};
+
+class FakeMonitor final : public EventMonitor {
+public:
+    explicit FakeMonitor(int id)
+        : id_(id) {}
+    ~FakeMonitor() override { FakeAppKit::current().monitors.erase(id_); }
+
+private:
+    const int id_;
+};
+
+class FakeWindow final : public OverlayWindow {
+public:
+    explicit FakeWindow(std::shared_ptr<FakeAppKit::Window> record)
+        : record_(std::move(record)) {}
+    ~FakeWindow() override {
+        record_->isAlive = false;
+        record_->isShown = false;
+    }
+    void setContent(WId view) override {
+        record_->content = view;
+        record_->calls.emplace_back("setContent");
+    }
+    void removeContent() override {
+        record_->content.reset();
+        record_->calls.emplace_back("removeContent");
+    }
+    void setFrame(const AppKitRect& frame) override {
+        record_->frame = frame;
+        record_->calls.emplace_back("setFrame");
+    }
+    void orderFrontRegardless() override {
+        record_->isShown = true;
+        record_->calls.emplace_back("orderFrontRegardless");
+    }
+    void orderOut() override {
+        record_->isShown = false;
+        record_->calls.emplace_back("orderOut");
+    }
+
+private:
+    const std::shared_ptr<FakeAppKit::Window> record_;
+};
+
+} // namespace
+
+std::unique_ptr<Observation> observe(Notification notification, std::function<void()> callback) {
+    auto& fake = FakeAppKit::current();
+    const int id = ++fake.observersAdded;
+    fake.observers.emplace(id, FakeAppKit::Observer{notification, std::move(callback)});
+    return std::make_unique<FakeObservation>(id);
+}
+
+void requestPanel() {
+    ++FakeAppKit::current().panelRequests;
+}
+
+std::unique_ptr<EventMonitor> addMonitor(MonitorKind kind, EventMask mask,
+                                         EventMonitors::Handler handler) {
+    auto& fake = FakeAppKit::current();
+    if (kind == MonitorKind::global ? fake.refusesGlobalMonitors : fake.refusesLocalMonitors)
+        return nullptr;
+    const int id = ++fake.monitorsInstalled;
+    fake.monitors.emplace(id, FakeAppKit::Monitor{kind, mask, std::move(handler)});
+    return std::make_unique<FakeMonitor>(id);
+}
+
+std::vector<ScreenFacts> screens() {
+    return FakeAppKit::current().screens;
+}
+
+std::optional<ScreenFacts> mainScreen() {
+    const auto& fake = FakeAppKit::current();
+    if (!fake.mainScreen)
+        return std::nullopt;
+    return fake.screens.at(*fake.mainScreen);
+}
+
+std::unique_ptr<OverlayWindow> makeWindow(const WindowProperties& properties) {
+    auto record = std::make_shared<FakeAppKit::Window>();
+    record->properties = properties;
+    FakeAppKit::current().windows.push_back(record);
+    return std::make_unique<FakeWindow>(std::move(record));
+}
+
+} // namespace tilewright::appkit
+
+// The classes whose own implementation is Objective-C.
+namespace tilewright {
+
+using testing::FakeAppKit;
+
+AppKitPoint MacPointer::location() const {
+    return FakeAppKit::current().mouse;
+}
+
+MacWorkspace::MacWorkspace()
+    : observation_(appkit::observe(appkit::Notification::applicationActivated,
+                                   [this] { Q_EMIT activeWindowChanged(); })) {}
+MacWorkspace::~MacWorkspace() = default;
+
+std::optional<ProcessID> MacWorkspace::frontmostApplication() const {
+    return FakeAppKit::current().frontmost;
+}
+
+std::optional<QString> MacWorkspace::localizedName(ProcessID process) const {
+    const auto& names = FakeAppKit::current().names;
+    const auto found = names.find(process);
+    return found == names.end() ? std::nullopt : std::optional(found->second);
+}
+
+void MacWorkspace::openAccessibilitySettings() {
+    ++FakeAppKit::current().settingsOpened;
+}
+
+void MacWorkspace::activateThisApplication() {
+    ++FakeAppKit::current().activations;
+}
+
+std::optional<QString> MacUserDefaults::string(const QString& key) const {
+    const auto& defaults = FakeAppKit::current().defaults;
+    const auto found = defaults.find(key);
+    return found == defaults.end() ? std::nullopt : std::optional(found->second);
+}
+
+void MacUserDefaults::setString(const QString& value, const QString& key) {
+    FakeAppKit::current().defaults[key] = value;
+}
+
+std::optional<QString> MacApplicationSupport::folder() const {
+    return FakeAppKit::current().applicationSupport.path();
+}
+
+void MacUserNotifications::show(const QString& title, const QString& text) {
+    FakeAppKit::current().notificationsShown.emplace_back(title, text);
+}
+
+MacInstanceActivation::MacInstanceActivation() = default;
+MacInstanceActivation::~MacInstanceActivation() = default;
+
+InstanceActivation::Claim MacInstanceActivation::claim() {
+    if (FakeAppKit::current().instances > 1) {
+        appkit::requestPanel();
+        return Claim::another;
+    }
+    observation_ = appkit::observe(appkit::Notification::panelRequested,
+                                   [this] { Q_EMIT activationRequested(); });
+    return Claim::first;
+}
+
+struct MacStatusItem::Item {};
+
+MacStatusItem::MacStatusItem() {
+    FakeAppKit::current().statusItem = this;
+}
+
+MacStatusItem::~MacStatusItem() {
+    FakeAppKit::current().statusItem = nullptr;
+}
+
+void MacStatusItem::setSymbol(const QString& symbolName, const QIcon& /*icon*/) {
+    FakeAppKit::current().symbols.push_back(symbolName);
+}
+
+void MacStatusItem::setAccessibleName(const QString& name) {
+    FakeAppKit::current().accessibleName = name;
+}
+
+} // namespace tilewright

@@ -1,0 +1,84 @@
+#pragma once
+
+#include <MacOS/AppKitEventMonitor.h>
+#include <MacOS/AppKitNotifications.h>
+#include <MacOS/AppKitOverlayWindow.h>
+#include <MacOS/AppKitScreenList.h>
+#include <Platform/Platform.h>
+
+#include <QTemporaryDir>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace tilewright {
+class MacStatusItem;
+}
+
+namespace tilewright::testing {
+
+/// Stands in for AppKit where the backend's thin Objective-C files would call it. One at a time.
+class FakeAppKit {
+public:
+    FakeAppKit();
+    FakeAppKit(const FakeAppKit&) = delete;
+    FakeAppKit& operator=(const FakeAppKit&) = delete;
+    ~FakeAppKit();
+
+    [[nodiscard]] static FakeAppKit& current();
+
+    /// Announces to every observer.
+    void announce(appkit::Notification notification);
+    /// Sends an event to every monitor of the kind whose mask holds its type.
+    void send(appkit::MonitorKind kind, const Event& event);
+
+    struct Monitor {
+        appkit::MonitorKind kind;
+        EventMask mask;
+        EventMonitors::Handler handler;
+    };
+    struct Observer {
+        appkit::Notification notification;
+        std::function<void()> callback;
+    };
+    struct Window {
+        appkit::WindowProperties properties;
+        std::optional<WId> content;
+        AppKitRect frame;
+        bool isShown = false;
+        bool isAlive = true;
+        std::vector<std::string> calls;
+    };
+
+    std::vector<appkit::ScreenFacts> screens;
+    std::optional<std::size_t> mainScreen;
+    AppKitPoint mouse;
+
+    std::map<int, Monitor> monitors;
+    int monitorsInstalled = 0;
+    bool refusesGlobalMonitors = false;
+    bool refusesLocalMonitors = false;
+
+    std::map<int, Observer> observers;
+    int observersAdded = 0;
+    int panelRequests = 0;
+
+    std::vector<std::shared_ptr<Window>> windows;
+
+    std::optional<ProcessID> frontmost;
+    std::map<ProcessID, QString> names;
+    int settingsOpened = 0;
+    int activations = 0;
+
+    std::map<QString, QString> defaults;
+    QTemporaryDir applicationSupport;
+    std::vector<std::pair<QString, QString>> notificationsShown;
+    /// How many instances of the program run, this one included.
+    int instances = 1;
+    /// The status item, while there is one.
+    MacStatusItem* statusItem = nullptr;
+    std::vector<QString> symbols;
+    QString accessibleName;
+};
+
+} // namespace tilewright::testing

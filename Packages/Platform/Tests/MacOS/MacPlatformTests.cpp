@@ -1,0 +1,91 @@
+// The backend as the program opens it.
+
+#include "FakeAppKit.h"
+#include "FakeMacSystem.h"
+#include "MacTestPlatform.h"
+
+#include <DesktopBackend.h>
+#include <KeepAwake/KeepAwakeManager.h>
+#include <Tilewright/SnapController.h>
+#include <Tilewright/TilewrightApp.h>
+
+#include <QApplication>
+#include <QTest>
+#include <gtest/gtest.h>
+
+using namespace tilewright;
+using namespace tilewright::testing;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+struct OpenedBackend {
+    OpenedBackend() {
+        appKit.screens = {makeFacts({0, 0, 1440, 900}, 1, 25)};
+        appKit.mainScreen = 0;
+        platform = DesktopBackend::open();
+    }
+    FakeMacSystem system;
+    FakeAppKit appKit;
+    std::unique_ptr<Platform> platform;
+};
+
+} // namespace
+
+TEST(MacPlatform, IsTheBackendOfAProgramBuiltForMacOS) {
+    DesktopBackend::prepareToolkit();
+    OpenedBackend backend;
+    ASSERT_NE(backend.platform, nullptr);
+    Platform& platform = *backend.platform;
+    backend.appKit.mouse = {3, 4};
+    EXPECT_EQ(platform.pointer().location(), (AppKitPoint{3, 4}));
+    EXPECT_EQ(platform.screens().all().size(), 1U);
+    EXPECT_TRUE(platform.accessibility().isTrusted());
+    EXPECT_EQ(platform.applicationSupport().folder(), backend.appKit.applicationSupport.path());
+    EXPECT_TRUE(platform.workspace().blendsWindows());
+    EXPECT_EQ(backend.appKit.statusItem, nullptr);
+    EXPECT_EQ(&platform.statusItem(), &platform.statusItem());
+    EXPECT_NE(backend.appKit.statusItem, nullptr);
+}
+
+TEST(MacPlatform, AsksARunningInstanceForItsPanelInsteadOfStartingAnother) {
+    OpenedBackend backend;
+    backend.appKit.instances = 2;
+    EXPECT_EQ(backend.platform->instanceActivation().claim(), InstanceActivation::Claim::another);
+    EXPECT_EQ(backend.appKit.panelRequests, 1);
+}
+
+TEST(MacPlatform, CarriesTheWholeProgramFromItsStartToItsEnd) {
+    OpenedBackend backend;
+    backend.system.isTrusted = false;
+    ASSERT_EQ(backend.platform->instanceActivation().claim(), InstanceActivation::Claim::first);
+    const Platform::Installation installation(*backend.platform);
+    {
+        TilewrightApp app;
+        EXPECT_FALSE(backend.appKit.symbols.empty());
+        bool sawMonitors = false;
+        bool sawPanel = false;
+        bool sawSettings = false;
+        const auto useIt = [&] {
+            sawMonitors = backend.appKit.monitors.size() == 2;
+            Q_EMIT backend.platform->statusItem().activated(QRect(1200, 0, 24, 25));
+            for (QWidget* widget : QApplication::topLevelWidgets())
+                sawPanel = sawPanel || (widget->objectName() == u"panel"_s && widget->isVisible());
+            KeepAwakeManager::shared().activate(KeepAwakeSession::indefinite());
+            app.menuBarExtra().closePanel();
+            app.settings().open();
+            sawSettings = app.settings().window() && app.settings().window()->isVisible();
+            backend.platform->mainLoop().post([] { QApplication::exit(0); });
+        };
+        // After what the program itself posts when it starts to run.
+        backend.platform->mainLoop().post([&] { backend.platform->mainLoop().post(useIt); });
+        EXPECT_EQ(app.run(), 0);
+        EXPECT_TRUE(sawMonitors);
+        EXPECT_TRUE(sawPanel);
+        EXPECT_TRUE(sawSettings);
+        // Asked for once, at the start.
+        EXPECT_EQ(backend.system.prompts.size(), 1U);
+        EXPECT_TRUE(backend.system.assertions.empty());
+        EXPECT_TRUE(backend.appKit.monitors.empty());
+    }
+}

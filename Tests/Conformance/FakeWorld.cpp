@@ -1,0 +1,78 @@
+// The conformance suite on the fakes that all other tests use.
+
+#include "PlatformWorld.h"
+
+#include <FakePlatform.h>
+
+namespace tilewright::testing {
+
+namespace {
+
+class FakeWorld final : public PlatformWorld {
+public:
+    FakeWorld() {
+        fakes().fakeScreens.setScreens({screen_});
+        fakes().fakeAccessibility.elementAt = [this](AXPoint point) { return elementAt(point); };
+    }
+
+    FakePlatform& platform() override { return desktop_.platform; }
+    bool waitUntil(const std::function<bool()>& condition) override {
+        for (int turns = 0; turns < 1000 && !condition(); ++turns)
+            fakes().fakeMainLoop.advance(std::chrono::milliseconds(1));
+        return condition();
+    }
+
+    ProcessID openWindow(const WindowFrame& frame) override {
+        window_ = fakes().fakeAccessibility.makeWindow("window");
+        window_->position = frame.position;
+        window_->size = frame.size;
+        window_->process = 7;
+        application_ = fakes().fakeAccessibility.makeElement("application");
+        application_->elements[AXAttribute::focusedWindow] = window_;
+        fakes().fakeAccessibility.applications[7] = application_;
+        fakes().fakeWorkspace.frontmost = 7;
+        fakes().fakeWorkspace.names[7] = QStringLiteral("Editor");
+        return 7;
+    }
+    void closeWindow() override {
+        window_->isGone = true;
+        window_.reset();
+    }
+    WindowFrame windowFrame() const override { return {window_->position, window_->size}; }
+
+    void movePointer(AppKitPoint to) override { fakes().fakePointer.at = to; }
+    void holdControl() override { send({EventType::flagsChanged, {ModifierFlag::control}}); }
+    void releaseControl() override { send({EventType::flagsChanged, {}}); }
+    void pressButton() override { send({EventType::leftMouseDown, {}}); }
+    void releaseButton() override { send({EventType::leftMouseUp, {}}); }
+    void addPanel() override {
+        FakeScreen::Values values;
+        values.visibleFrame = AppKitRect{0, 0, 1440, 860};
+        fakes().fakeScreens.change({makeScreen(values)});
+    }
+
+private:
+    FakePlatform& fakes() { return desktop_.platform; }
+    void send(const Event& event) {
+        fakes().fakeEventMonitors.send(FakeEventMonitors::Kind::global, event);
+    }
+    [[nodiscard]] std::shared_ptr<FakeElement> elementAt(AXPoint point) const {
+        if (!window_)
+            return nullptr;
+        const AppKitRect area{window_->position.x, window_->position.y, window_->size.width,
+                              window_->size.height};
+        return area.contains({point.x, point.y}) ? window_ : nullptr;
+    }
+
+    FakeDesktop desktop_;
+    const ScreenPtr screen_ = makeScreen();
+    std::shared_ptr<FakeElement> window_;
+    std::shared_ptr<FakeElement> application_;
+};
+
+} // namespace
+
+INSTANTIATE_TEST_SUITE_P(Fakes, PlatformConformance,
+                         ::testing::Values([] { return std::make_unique<FakeWorld>(); }));
+
+} // namespace tilewright::testing
