@@ -1,5 +1,5 @@
 // The conformance suite on the macOS backend, over the fakes of what it calls. Where the backend is
-// Objective-C alone (pointer, workspace, defaults, application support), what runs here stands in
+// Objective-C alone (pointer, defaults, application support), what runs here stands in
 // for it: of those interfaces this shows no more than that the suite and the stand-ins agree.
 
 #include "MacTestPlatform.h"

@@ -3,6 +3,8 @@
 #include "CFText.h"
 #include "EnhancedInterfacePause.h"
 
+#include <unistd.h>
+
 namespace tilewright {
 
 namespace {
@@ -10,6 +12,12 @@ namespace {
 AXError fromPlatform(::AXError error) {
     // The enumerations share their numbers.
     return static_cast<AXError>(static_cast<int>(error));
+}
+
+/// Whether an element is one of this program's.
+bool isOwn(AXUIElementRef element) {
+    pid_t process = 0;
+    return AXUIElementGetPid(element, &process) == kAXErrorSuccess && process == getpid();
 }
 
 } // namespace
@@ -52,8 +60,11 @@ AXResult<AccessibilityElement> MacAccessibilityElement::element(const char* attr
         return {copied.error, {}};
     if (CFGetTypeID(copied.value->get()) != AXUIElementGetTypeID())
         return {AXError::noValue, {}};
-    return {AXError::success, make(CFOwner<AXUIElementRef>::retain(
-                                  static_cast<AXUIElementRef>(copied.value->get())))};
+    const auto element = static_cast<AXUIElementRef>(copied.value->get());
+    // While the panel has the focus, the user still means the window behind it.
+    if (qstrcmp(attribute, AXAttribute::focusedUIElement) == 0 && isOwn(element))
+        return {AXError::noValue, {}};
+    return {AXError::success, make(CFOwner<AXUIElementRef>::retain(element))};
 }
 
 AXError MacAccessibilityElement::setValue(const char* attribute,

@@ -10,7 +10,9 @@ namespace appkit {
 class Observation;
 }
 
-/// The workspace as AppKit tells it. Main thread only.
+/// The workspace as AppKit tells it. The application in front is the last one that is not this
+/// program: its panel, or its settings, in front of what the user works in change nothing. Main
+/// thread only.
 class MacWorkspace final : public Workspace {
     Q_OBJECT
 
@@ -25,6 +27,10 @@ public:
     [[nodiscard]] bool blendsWindows() const override { return true; }
 
 private:
+    /// Remembers the application in front; false when that is this program.
+    bool noteFrontmost() const;
+
+    mutable std::optional<ProcessID> lastOther_;
     std::unique_ptr<appkit::Observation> observation_;
 };
 

@@ -3,12 +3,10 @@
 #include "FakeCoreFoundation.h"
 
 #include <MacOS/MacApplicationSupport.h>
-#include <MacOS/MacInstanceActivation.h>
 #include <MacOS/MacPointer.h>
 #include <MacOS/MacStatusItem.h>
 #include <MacOS/MacUserDefaults.h>
 #include <MacOS/MacUserNotifications.h>
-#include <MacOS/MacWorkspace.h>
 
 #include <gtest/gtest.h>
 
@@ -130,6 +128,28 @@ void requestPanel() {
     ++FakeAppKit::current().panelRequests;
 }
 
+std::optional<ProcessID> frontmostApplication() {
+    return FakeAppKit::current().frontmost;
+}
+
+std::optional<QString> localizedNameOf(ProcessID process) {
+    const auto& names = FakeAppKit::current().names;
+    const auto found = names.find(process);
+    return found == names.end() ? std::nullopt : std::optional(found->second);
+}
+
+void openURL(const QString& url) {
+    FakeAppKit::current().openedURLs.push_back(url);
+}
+
+void activateThisApplication() {
+    ++FakeAppKit::current().activations;
+}
+
+int runningInstances() {
+    return FakeAppKit::current().instances;
+}
+
 std::unique_ptr<EventMonitor> addMonitor(MonitorKind kind, EventMask mask,
                                          EventMonitors::Handler handler) {
     auto& fake = FakeAppKit::current();
@@ -169,29 +189,6 @@ AppKitPoint MacPointer::location() const {
     return FakeAppKit::current().mouse;
 }
 
-MacWorkspace::MacWorkspace()
-    : observation_(appkit::observe(appkit::Notification::applicationActivated,
-                                   [this] { Q_EMIT activeWindowChanged(); })) {}
-MacWorkspace::~MacWorkspace() = default;
-
-std::optional<ProcessID> MacWorkspace::frontmostApplication() const {
-    return FakeAppKit::current().frontmost;
-}
-
-std::optional<QString> MacWorkspace::localizedName(ProcessID process) const {
-    const auto& names = FakeAppKit::current().names;
-    const auto found = names.find(process);
-    return found == names.end() ? std::nullopt : std::optional(found->second);
-}
-
-void MacWorkspace::openAccessibilitySettings() {
-    ++FakeAppKit::current().settingsOpened;
-}
-
-void MacWorkspace::activateThisApplication() {
-    ++FakeAppKit::current().activations;
-}
-
 std::optional<QString> MacUserDefaults::string(const QString& key) const {
     const auto& defaults = FakeAppKit::current().defaults;
     const auto found = defaults.find(key);
@@ -208,19 +205,6 @@ std::optional<QString> MacApplicationSupport::folder() const {
 
 void MacUserNotifications::show(const QString& title, const QString& text) {
     FakeAppKit::current().notificationsShown.emplace_back(title, text);
-}
-
-MacInstanceActivation::MacInstanceActivation() = default;
-MacInstanceActivation::~MacInstanceActivation() = default;
-
-InstanceActivation::Claim MacInstanceActivation::claim() {
-    if (FakeAppKit::current().instances > 1) {
-        appkit::requestPanel();
-        return Claim::another;
-    }
-    observation_ = appkit::observe(appkit::Notification::panelRequested,
-                                   [this] { Q_EMIT activationRequested(); });
-    return Claim::first;
 }
 
 struct MacStatusItem::Item {};

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <MacOS/AppKitApplications.h>
 #include <MacOS/AppKitEventMonitor.h>
 #include <MacOS/AppKitNotifications.h>
 #include <MacOS/AppKitOverlayWindow.h>
@@ -67,7 +68,7 @@ public:
 
     std::optional<ProcessID> frontmost;
     std::map<ProcessID, QString> names;
-    int settingsOpened = 0;
+    std::vector<QString> openedURLs;
     int activations = 0;
 
     std::map<QString, QString> defaults;

@@ -6,6 +6,7 @@
 #include <WindowManager/WindowManager.h>
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 namespace tilewright::testing {
 
@@ -206,7 +207,8 @@ TEST_F(MacWindowManager, ResolvesTheWindowOfTheFocusedElement) {
     system.systemWide->attributes["AXFocusedUIElement"] = focused;
     EXPECT_EQ(errorOfMoving(), std::nullopt);
     EXPECT_EQ(system.calls, (Calls{"AXIsProcessTrusted", "AXUIElementCreateSystemWide",
-                                   "systemWide.copy AXFocusedUIElement", "focused.copy AXWindow"} +
+                                   "systemWide.copy AXFocusedUIElement", "focused.process",
+                                   "focused.copy AXWindow"} +
                              placing));
 }
 
@@ -214,8 +216,8 @@ TEST_F(MacWindowManager, ResolvesAFocusedElementThatIsAWindowToItself) {
     system.systemWide->attributes["AXFocusedUIElement"] = window;
     EXPECT_EQ(errorOfMoving(), std::nullopt);
     EXPECT_EQ(system.calls, (Calls{"AXIsProcessTrusted", "AXUIElementCreateSystemWide",
-                                   "systemWide.copy AXFocusedUIElement", "window.copy AXWindow",
-                                   "window.copy AXRole"} +
+                                   "systemWide.copy AXFocusedUIElement", "window.process",
+                                   "window.copy AXWindow", "window.copy AXRole"} +
                              placing));
 }
 
@@ -224,11 +226,24 @@ TEST_F(MacWindowManager, FallsBackToTheFrontmostApplicationsFocusedWindow) {
     field->attributes["AXRole"] = u"AXTextField"_s;
     system.systemWide->attributes["AXFocusedUIElement"] = field;
     EXPECT_EQ(errorOfMoving(), std::nullopt);
-    EXPECT_EQ(system.calls, (Calls{"AXIsProcessTrusted", "AXUIElementCreateSystemWide",
-                                   "systemWide.copy AXFocusedUIElement", "field.copy AXWindow",
-                                   "field.copy AXRole", "AXUIElementCreateApplication 7",
-                                   "application.copy AXFocusedWindow"} +
-                             placing));
+    EXPECT_EQ(system.calls,
+              (Calls{"AXIsProcessTrusted", "AXUIElementCreateSystemWide",
+                     "systemWide.copy AXFocusedUIElement", "field.process", "field.copy AXWindow",
+                     "field.copy AXRole", "AXUIElementCreateApplication 7",
+                     "application.copy AXFocusedWindow"} +
+               placing));
+}
+
+TEST_F(MacWindowManager, LooksPastThisProgramsOwnPanelForTheFocusedWindow) {
+    const auto button = FakeMacSystem::makeElement("button");
+    button->process = getpid();
+    button->attributes["AXWindow"] = FakeMacSystem::makeWindow("panel");
+    system.systemWide->attributes["AXFocusedUIElement"] = button;
+    appKit.announce(appkit::Notification::applicationActivated);
+    appKit.frontmost = getpid();
+    appKit.announce(appkit::Notification::applicationActivated);
+    EXPECT_EQ(errorOfMoving(), std::nullopt);
+    EXPECT_EQ(window->position, (AXPoint{720, 25}));
 }
 
 TEST_F(MacWindowManager, TreatsEveryFailedReadAsAMissingValue) {

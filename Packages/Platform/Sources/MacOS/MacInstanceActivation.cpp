@@ -1,8 +1,7 @@
 #include "MacInstanceActivation.h"
 
+#include "AppKitApplications.h"
 #include "AppKitNotifications.h"
-
-#include <AppKit/AppKit.h>
 
 namespace tilewright {
 
@@ -10,13 +9,7 @@ MacInstanceActivation::MacInstanceActivation() = default;
 MacInstanceActivation::~MacInstanceActivation() = default;
 
 InstanceActivation::Claim MacInstanceActivation::claim() {
-    NSString* identifier = [[NSBundle mainBundle] bundleIdentifier];
-    // A program started outside its bundle has no identifier to look for.
-    const NSUInteger running =
-        identifier
-            ? [[NSRunningApplication runningApplicationsWithBundleIdentifier:identifier] count]
-            : 0;
-    if (running > 1) {
+    if (appkit::runningInstances() > 1) {
         appkit::requestPanel();
         return Claim::another;
     }

@@ -1,0 +1,43 @@
+#include "AppKitApplications.h"
+
+#include "MacText.h"
+
+#include <AppKit/AppKit.h>
+
+namespace tilewright::appkit {
+
+std::optional<ProcessID> frontmostApplication() {
+    NSRunningApplication* application = [[NSWorkspace sharedWorkspace] frontmostApplication];
+    if (!application)
+        return std::nullopt;
+    return [application processIdentifier];
+}
+
+std::optional<QString> localizedNameOf(ProcessID process) {
+    NSRunningApplication* application =
+        [NSRunningApplication runningApplicationWithProcessIdentifier:static_cast<pid_t>(process)];
+    NSString* name = [application localizedName];
+    if (!name)
+        return std::nullopt;
+    return toQString(name);
+}
+
+void openURL(const QString& url) {
+    NSURL* link = [NSURL URLWithString:toNSString(url)];
+    if (link)
+        [[NSWorkspace sharedWorkspace] openURL:link];
+}
+
+void activateThisApplication() {
+    [[NSApplication sharedApplication] activateIgnoringOtherApps:YES];
+}
+
+int runningInstances() {
+    NSString* identifier = [[NSBundle mainBundle] bundleIdentifier];
+    if (!identifier)
+        return 1;
+    return static_cast<int>(
+        [[NSRunningApplication runningApplicationsWithBundleIdentifier:identifier] count]);
+}
+
+} // namespace tilewright::appkit
