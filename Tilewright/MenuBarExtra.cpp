@@ -24,9 +24,16 @@ MenuBarExtra::MenuBarExtra(PanelWindow::ViewFactory makeView)
     connect(&platform.statusItem(), &StatusItem::activated, this, &MenuBarExtra::clicked);
     connect(&platform.instanceActivation(), &InstanceActivation::activationRequested, this,
             &MenuBarExtra::openByPointer);
-    connect(&panel_, &PanelWindow::opened, this, &MenuBarExtra::watchButton);
+    connect(&panel_, &PanelWindow::opened, this, [this] {
+        forgetPress();
+        // The press that opened the panel has been read by now, and is handed out before this.
+        Platform::current().mainLoop().post([self = QPointer<MenuBarExtra>(this)] {
+            if (self && self->panel_.isVisible())
+                self->watchPresses();
+        });
+    });
     connect(&panel_, &PanelWindow::closed, this, [this] {
-        if (!isPressOnItem_)
+        if (!isPressOnItem())
             forgetPress();
     });
     connect(&panel_, &PanelWindow::closedByPress, this, &MenuBarExtra::pressClosedPanel);
@@ -49,7 +56,7 @@ void MenuBarExtra::clicked(const QRect& place) {
         panel_.close();
         return;
     }
-    if (!isPressOnItem_) {
+    if (!isPressOnItem()) {
         open(place);
         return;
     }
@@ -57,9 +64,9 @@ void MenuBarExtra::clicked(const QRect& place) {
     // round trip is handed out before what is posted after it.
     static_cast<void>(pointer());
     Platform::current().mainLoop().post([self = QPointer<MenuBarExtra>(this), place] {
-        if (!self)
+        if (!self || self->panel_.isVisible())
             return;
-        const bool closedByThisClick = self->isPressOnItem_;
+        const bool closedByThisClick = self->isPressOnItem();
         self->forgetPress();
         if (!closedByThisClick)
             self->open(place);
@@ -72,34 +79,14 @@ void MenuBarExtra::open(const QRect& place) {
     panel_.open(place);
 }
 
-void MenuBarExtra::pressClosedPanel() {
-    const QPoint at = pointer();
-    const bool isOnItem = itemPlace_.isEmpty() ? (at - itemPointer_).manhattanLength() <= itemReach
-                                               : itemPlace_.contains(at);
-    if (!isOnItem)
-        return;
-    watchButton();
-    isPressOnItem_ = true;
-    isReleased_ = false;
-    MainLoop& loop = Platform::current().mainLoop();
-    pressTimer_ = ScopedTimer(loop.scheduleOnce(clickPassingTime, [this] { forgetPress(); }));
-    // By then the press has been heard of in any case, and perhaps its release too.
-    loop.post([self = QPointer<MenuBarExtra>(this)] {
-        if (self && !self->isButtonDown_)
-            self->isReleased_ = true;
-    });
-}
-
-void MenuBarExtra::watchButton() {
+void MenuBarExtra::watchPresses() {
     if (!monitors_.empty())
         return;
     const auto watch = [this](const Event& event) {
-        isButtonDown_ = event.type == EventType::leftMouseDown;
-        if (!isButtonDown_)
-            isReleased_ = true;
-        else if (isPressOnItem_ && isReleased_)
-            // The beginning of another click.
-            forgetPress();
+        if (event.type == EventType::leftMouseDown)
+            pressed();
+        else
+            released();
     };
     EventMonitors& monitors = Platform::current().eventMonitors();
     const EventMask mask{EventType::leftMouseDown, EventType::leftMouseUp};
@@ -110,12 +97,51 @@ void MenuBarExtra::watchButton() {
     }
 }
 
+void MenuBarExtra::pressed() {
+    if (press_ == Press::awaitedOnItem) {
+        press_ = Press::downOnItem;
+    } else if (!panel_.isVisible()) {
+        // The beginning of another click.
+        forgetPress();
+    } else if (panel_.isUnderPointer()) {
+        press_ = Press::none;
+    } else {
+        press_ = isPointerOnItem() ? Press::downOnItem : Press::elsewhere;
+    }
+}
+
+void MenuBarExtra::released() {
+    if (press_ == Press::downOnItem)
+        press_ = Press::releasedOnItem;
+}
+
+void MenuBarExtra::pressClosedPanel() {
+    // The toolkit and the monitors hear of a press in either order.
+    if (press_ == Press::none && isPointerOnItem())
+        press_ = Press::awaitedOnItem;
+    if (!isPressOnItem())
+        return;
+    watchPresses();
+    MainLoop& loop = Platform::current().mainLoop();
+    pressTimer_ = ScopedTimer(loop.scheduleOnce(clickPassingTime, [this] { forgetPress(); }));
+}
+
 void MenuBarExtra::forgetPress() {
-    isPressOnItem_ = false;
-    isButtonDown_ = false;
+    press_ = Press::none;
     pressTimer_.reset();
     for (const MonitorToken token : std::exchange(monitors_, {}))
         Platform::current().eventMonitors().removeMonitor(token);
+}
+
+bool MenuBarExtra::isPressOnItem() const {
+    return press_ == Press::awaitedOnItem || press_ == Press::downOnItem ||
+           press_ == Press::releasedOnItem;
+}
+
+bool MenuBarExtra::isPointerOnItem() const {
+    const QPoint at = pointer();
+    return itemPlace_.isEmpty() ? (at - itemPointer_).manhattanLength() <= itemReach
+                                : itemPlace_.contains(at);
 }
 
 QPoint MenuBarExtra::pointer() {

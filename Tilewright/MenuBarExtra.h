@@ -24,11 +24,28 @@ public:
     [[nodiscard]] PanelWindow& panel() { return panel_; }
 
 private:
+    /// What is known of the latest press, as far as it concerns the open panel. A host may pass a
+    /// press that closes the panel on as a click on the item, and that click must not open it
+    /// again.
+    enum class Press {
+        none,
+        /// It closed the panel on the item, but the monitors have not told of it yet.
+        awaitedOnItem,
+        downOnItem,
+        releasedOnItem,
+        elsewhere,
+    };
+
     void clicked(const QRect& place);
     void open(const QRect& place);
+    void watchPresses();
+    void pressed();
+    void released();
     void pressClosedPanel();
-    void watchButton();
     void forgetPress();
+    /// Whether a click that the host passes on now may be the press that closed the panel.
+    [[nodiscard]] bool isPressOnItem() const;
+    [[nodiscard]] bool isPointerOnItem() const;
     [[nodiscard]] static QPoint pointer();
 
     MenuBarLabel label_;
@@ -36,11 +53,7 @@ private:
     /// Where the item was clicked last: its place, and the pointer then, in native pixels.
     QRect itemPlace_;
     QPoint itemPointer_;
-    /// The press that closed the panel was on the item, whose host will tell of it as of a click.
-    bool isPressOnItem_ = false;
-    /// It has been released since.
-    bool isReleased_ = false;
-    bool isButtonDown_ = false;
+    Press press_ = Press::none;
     ScopedTimer pressTimer_;
     std::vector<MonitorToken> monitors_;
 };

@@ -5,6 +5,7 @@
 
 #include <Platform/Platform.h>
 
+#include <QApplication>
 #include <QEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -193,18 +194,36 @@ void PanelWindow::releaseInput() {
         windowHandle()->setMouseGrabEnabled(false);
     }
     holdsInput_ = false;
-    if (pressMonitor_) {
-        Platform::current().eventMonitors().removeMonitor(*pressMonitor_);
-        pressMonitor_.reset();
-    }
+    for (const MonitorToken token : std::exchange(pressMonitors_, {}))
+        Platform::current().eventMonitors().removeMonitor(token);
 }
 
 void PanelWindow::watchOutside() {
-    if (pressMonitor_)
+    if (!pressMonitors_.empty())
         return;
-    pressMonitor_ = Platform::current().eventMonitors().addGlobalMonitor(
-        {EventType::leftMouseDown, EventType::rightMouseDown, EventType::otherMouseDown},
-        [this](const Event&) { closeForPress(); });
+    EventMonitors& monitors = Platform::current().eventMonitors();
+    const EventMask presses{EventType::leftMouseDown, EventType::rightMouseDown,
+                            EventType::otherMouseDown};
+    const auto others =
+        monitors.addGlobalMonitor(presses, [this](const Event&) { closeForPress(); });
+    // The toolkit counts a press anywhere as its popup's, also before the grab that brings it here
+    // has been granted.
+    const auto own = monitors.addLocalMonitor(presses, [this](const Event&) {
+        const bool isOnTop = QApplication::activePopupWidget() == this;
+        if (!holdsInput_ && isOnTop && !isUnderPointer())
+            closeForPress();
+    });
+    for (const auto& token : {others, own}) {
+        if (token)
+            pressMonitors_.push_back(*token);
+    }
+}
+
+bool PanelWindow::isUnderPointer() const {
+    const std::vector<ScreenSpace> spaces = ScreenSpace::all();
+    const QPoint pointer = ScreenSpace::nativePointer(spaces);
+    const ScreenSpace* space = ScreenSpace::at(spaces, pointer);
+    return space && groundGeometry().contains(space->toToolkit(pointer));
 }
 
 } // namespace tilewright

@@ -10,6 +10,7 @@
 #include <QWidget>
 #include <functional>
 #include <memory>
+#include <vector>
 
 class QScrollArea;
 
@@ -36,6 +37,8 @@ public:
 
     /// The panel itself, without the shadow around it, in the toolkit's coordinates.
     [[nodiscard]] QRect groundGeometry() const;
+    /// Whether the pointer is over the panel itself; costs a round trip to the display server.
+    [[nodiscard]] bool isUnderPointer() const;
     /// The content now shown; null while closed.
     [[nodiscard]] QWidget* view() const { return view_; }
 
@@ -71,7 +74,7 @@ private:
     bool holdsInput_ = false;
     int grabsLeft_ = 0;
     ScopedTimer grabTimer_;
-    std::optional<MonitorToken> pressMonitor_;
+    std::vector<MonitorToken> pressMonitors_;
 };
 
 } // namespace tilewright

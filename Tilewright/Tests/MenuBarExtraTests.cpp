@@ -123,6 +123,21 @@ TEST_F(MenuBarExtraTest, ClosesOnAPressInAnotherApplication) {
     EXPECT_TRUE(platform.fakeEventMonitors.monitors.empty()) << "nothing is watched while closed";
 }
 
+TEST_F(MenuBarExtraTest, ClosesOnAPressElsewhereThatTheToolkitTakesForItsPopups) {
+    clickItem();
+    movePointer({900, 500});
+    platform.fakeEventMonitors.send(FakeEventMonitors::Kind::local, {EventType::leftMouseDown, {}});
+    EXPECT_FALSE(isOpen());
+    EXPECT_TRUE(platform.fakeEventMonitors.monitors.empty());
+}
+
+TEST_F(MenuBarExtraTest, StaysOpenOnAPressInsideIt) {
+    clickItem();
+    movePointer(extra->panel().groundGeometry().center());
+    platform.fakeEventMonitors.send(FakeEventMonitors::Kind::local, {EventType::leftMouseDown, {}});
+    EXPECT_TRUE(isOpen());
+}
+
 TEST_F(MenuBarExtraTest, ClosesWhenAnotherWindowBecomesActive) {
     clickItem();
     Q_EMIT platform.fakeWorkspace.activeWindowChanged();
@@ -159,6 +174,17 @@ TEST_F(MenuBarExtraTest, OpensOnAClickThatFollowsOneWhoseReleaseWasHeardBeforeTh
     ASSERT_FALSE(isOpen());
     platform.fakeMainLoop.runPosted();
     platform.fakeEventMonitors.send(FakeEventMonitors::Kind::local, {EventType::leftMouseDown, {}});
+    clickItem();
+    EXPECT_TRUE(isOpen());
+}
+
+TEST_F(MenuBarExtraTest, OpensOnAClickThatFollowsTheClosingOneBeforeTheLoopTurns) {
+    clickItem();
+    movePointer(itemPlace.center());
+    for (const EventType type :
+         {EventType::leftMouseDown, EventType::leftMouseUp, EventType::leftMouseDown})
+        platform.fakeEventMonitors.send(FakeEventMonitors::Kind::local, {type, {}});
+    ASSERT_FALSE(isOpen());
     clickItem();
     EXPECT_TRUE(isOpen());
 }
