@@ -99,8 +99,11 @@ ShellDesktop::ShellDesktop(WindowManagerKind windowManager) {
 }
 
 void ShellDesktop::startTray(TrayHost host) {
-    if (tray_)
+    if (tray_) {
         tray_->stop();
+        // What was embedded in it may be left on the desktop for a moment.
+        EXPECT_TRUE(waitUntil([&] { return !showsItem(); }));
+    }
     host_ = host;
     if (host == TrayHost::statusNotifier) {
         write(session_.home() + QStringLiteral("/.config/xfce4/xfconf/xfce-perchannel-xml/"
@@ -187,8 +190,9 @@ bool ShellDesktop::waitForPanel(bool isOpen) {
 }
 
 QRect ShellDesktop::openPanel() {
-    input().click(item());
-    EXPECT_TRUE(waitForPanel());
+    const QPoint place = item();
+    input().click(place);
+    EXPECT_TRUE(waitForPanel()) << "after a click at " << place.x() << "," << place.y();
     const QRect frame = panel().value_or(QRect());
     // Shown is not painted yet.
     EXPECT_TRUE(waitUntil([&] { return amberRows(frame).size() > 60; }));
