@@ -69,6 +69,7 @@ ProcessFigures processFigures(pid_t process) {
     const QByteArray memory = readAll(inProc(process, "smaps_rollup"));
     figures.residentKiB = sumOf(memory, "Rss:");
     figures.privateKiB = sumOf(memory, "Private_Clean:") + sumOf(memory, "Private_Dirty:");
+    figures.anonymousKiB = sumOf(memory, "Anonymous:");
     figures.fileDescriptors =
         static_cast<int>(QDir(inProc(process, "fd"))
                              .entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot)

@@ -12,6 +12,8 @@ struct ProcessFigures {
     long residentKiB = 0;
     /// Not shared with any other process.
     long privateKiB = 0;
+    /// Of no file: what the process itself wrote, and nothing that depends on other processes.
+    long anonymousKiB = 0;
     int fileDescriptors = 0;
     /// How often it gave up the processor by itself: it had been woken for something before.
     long voluntarySwitches = 0;

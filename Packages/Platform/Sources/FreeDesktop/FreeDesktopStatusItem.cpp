@@ -55,9 +55,10 @@ FreeDesktopStatusItem::~FreeDesktopStatusItem() = default;
 
 void FreeDesktopStatusItem::setSymbol(const QString& symbolName, const QIcon& icon) {
     icon_ = icon;
+    symbolName_ = symbolName;
     notifierItem_.setIcon(themeIcon(symbolName), icon);
     if (systemTray_)
-        systemTray_->setIcon(trayIcon(icon));
+        systemTray_->setIcon(systemTrayIcon());
     else
         chooseHost();
 }
@@ -81,11 +82,18 @@ void FreeDesktopStatusItem::chooseHost() {
         return;
     }
     systemTray_ = std::make_unique<QSystemTrayIcon>();
-    systemTray_->setIcon(trayIcon(icon_));
+    systemTray_->setIcon(systemTrayIcon());
     systemTray_->setToolTip(name_);
     connect(systemTray_.get(), &QSystemTrayIcon::activated, this,
             [this] { Q_EMIT activated(systemTrayPlace()); });
     systemTray_->show();
+}
+
+const QIcon& FreeDesktopStatusItem::systemTrayIcon() {
+    QIcon& kept = systemTrayIcons_[symbolName_];
+    if (kept.isNull())
+        kept = trayIcon(icon_);
+    return kept;
 }
 
 QRect FreeDesktopStatusItem::systemTrayPlace() const {

@@ -6,6 +6,7 @@
 
 #include <QDBusConnection>
 #include <QIcon>
+#include <map>
 #include <memory>
 
 class QSystemTrayIcon;
@@ -30,11 +31,16 @@ public:
 private:
     void chooseHost();
     [[nodiscard]] QRect systemTrayPlace() const;
+    [[nodiscard]] const QIcon& systemTrayIcon();
 
     StatusNotifierItem notifierItem_;
     std::unique_ptr<QSystemTrayIcon> systemTray_;
     QIcon icon_;
+    QString symbolName_;
     QString name_;
+    /// One for each symbol: the toolkit keeps what it has drawn of an icon, and would keep as much
+    /// again of another one with the same look.
+    std::map<QString, QIcon> systemTrayIcons_;
 };
 
 } // namespace tilewright

@@ -2,6 +2,7 @@
 
 #include "Look.h"
 #include "Symbols.h"
+#include "ZoneEditorTileAccessible.h"
 
 #include <QFontMetricsF>
 #include <QPainter>
@@ -23,6 +24,8 @@ double symbolSide(const QFontMetricsF& text) {
 
 EditingBadge::EditingBadge(QWidget* parent)
     : QWidget(parent) {
+    // Before the name: naming it makes the toolkit decide what it is.
+    installZoneEditorAccessibility();
     setAccessibleName(tr("Editing"));
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }

@@ -1,5 +1,6 @@
 #include "ZoneEditorTileAccessible.h"
 
+#include "EditingBadge.h"
 #include "LayoutEditorCanvas.h"
 #include "ZoneEditorHandle.h"
 #include "ZoneEditorTile.h"
@@ -43,6 +44,8 @@ QAccessibleInterface* makeInterface(const QString&, QObject* object) {
         return new QAccessibleWidget(handle, QAccessible::Button);
     if (auto* canvas = qobject_cast<LayoutEditorCanvas*>(object))
         return new QAccessibleWidget(canvas, QAccessible::List);
+    if (auto* badge = qobject_cast<EditingBadge*>(object))
+        return new QAccessibleWidget(badge, QAccessible::StaticText);
     return nullptr;
 }
 

@@ -3,7 +3,7 @@
 namespace tilewright {
 
 /// Makes assistive tools see the editor's canvas as a list, its tiles as items that can be selected
-/// and its handles as buttons. Further calls do nothing.
+/// and its handles as buttons, and its badge as a text. Further calls do nothing.
 void installZoneEditorAccessibility();
 
 } // namespace tilewright

@@ -1,0 +1,93 @@
+// Where the panel opens where a point is more than a pixel, and where there are two monitors.
+
+#include "TrayDesktop.h"
+
+#include <Waiting.h>
+
+#include <gtest/gtest.h>
+
+namespace tilewright::testing {
+namespace {
+
+constexpr int barHeight = 30;
+
+class PanelAtScale : public ::testing::TestWithParam<int> {
+protected:
+    [[nodiscard]] static double scale() { return GetParam() / 100.0; }
+};
+
+class PanelOnTwoMonitors : public ::testing::TestWithParam<int> {
+protected:
+    [[nodiscard]] static double scale() { return GetParam() / 100.0; }
+
+    /// The second output's place: right of the first, whatever modes the server gave them.
+    [[nodiscard]] QRect secondMonitor() {
+        const QSize screen = desktop.inspector().screenSize();
+        return {screen.width() / 2, 0, screen.width() - screen.width() / 2, screen.height()};
+    }
+
+    TrayDesktop desktop{XServer::twoOutputs()};
+};
+
+std::string scaleName(const ::testing::TestParamInfo<int>& parameter) {
+    return std::to_string(parameter.param) + "Percent";
+}
+
+void expectBelow(const QRect& item, const QRect& panel, double scale) {
+    EXPECT_GE(panel.top(), barHeight);
+    EXPECT_LE(panel.top(), barHeight + 8 * scale) << "close to the bar";
+    EXPECT_LE(panel.left(), item.center().x());
+    EXPECT_GE(panel.right(), item.center().x());
+}
+
+} // namespace
+
+TEST_P(PanelAtScale, OpensBelowItsItemWhollyOnTheScreen) {
+    TrayDesktop desktop;
+    desktop.startBar(Bar::tint2);
+    desktop.startProgram(scale());
+    const QRect item = desktop.waitForItem();
+    desktop.input().click(item.center());
+    const QRect panel = desktop.waitForPanel();
+    expectBelow(item, panel, scale());
+    EXPECT_TRUE(QRect({}, desktop.inspector().screenSize()).contains(panel));
+    desktop.input().tapKey(keysym::escape);
+    EXPECT_TRUE(waitUntil([&] { return !desktop.panel(); }));
+
+    // By the pointer, in a corner.
+    desktop.input().move({1919, 1079});
+    desktop.startAgain();
+    EXPECT_TRUE(QRect({}, desktop.inspector().screenSize()).contains(desktop.waitForPanel()));
+}
+
+INSTANTIATE_TEST_SUITE_P(, PanelAtScale, ::testing::Values(125, 150, 200), scaleName);
+
+TEST_P(PanelOnTwoMonitors, OpensOnTheMonitorOfItsItem) {
+    desktop.startBar(Bar::tint2, 1);
+    desktop.startProgram(scale());
+    const QRect item = desktop.waitForItem();
+    ASSERT_TRUE(secondMonitor().contains(item));
+    desktop.input().click(item.center());
+    const QRect panel = desktop.waitForPanel();
+    expectBelow(item, panel, scale());
+    EXPECT_TRUE(secondMonitor().contains(panel));
+}
+
+TEST_P(PanelOnTwoMonitors, OpensByThePointerOnThePointersMonitor) {
+    desktop.startBar(Bar::tint2);
+    desktop.startProgram(scale());
+    static_cast<void>(desktop.waitForItem());
+    // Close to the border between the two.
+    desktop.input().move(secondMonitor().topLeft() + QPoint(3, 500));
+    desktop.startAgain();
+    EXPECT_TRUE(secondMonitor().contains(desktop.waitForPanel()));
+    desktop.input().tapKey(keysym::escape);
+    EXPECT_TRUE(waitUntil([&] { return !desktop.panel(); }));
+    desktop.input().move(secondMonitor().topLeft() - QPoint(3, -500));
+    desktop.startAgain();
+    EXPECT_LT(desktop.waitForPanel().right(), secondMonitor().left());
+}
+
+INSTANTIATE_TEST_SUITE_P(, PanelOnTwoMonitors, ::testing::Values(100, 150, 200), scaleName);
+
+} // namespace tilewright::testing

@@ -1,0 +1,154 @@
+// Hosts of the item: an X11 tray of another make, a watcher that comes without a host, and a panel
+// that draws the installed symbol in its own colour.
+
+#include "FakeNotifierWatcher.h"
+#include "TrayDesktop.h"
+
+#include <Waiting.h>
+
+#include <QDir>
+#include <QFile>
+#include <gtest/gtest.h>
+
+namespace tilewright::testing {
+namespace {
+
+void write(const QString& path, const QByteArray& contents) {
+    ASSERT_TRUE(QDir().mkpath(QFileInfo(path).path()));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(contents);
+}
+
+/// How light the bar's ground and what is drawn on it are, from 0 to 255.
+struct Tones {
+    int ground = 0;
+    int drawn = 0;
+};
+
+/// The commonest tone of a picture, and the one farthest from it.
+Tones tonesOf(const QImage& picture) {
+    std::map<int, int> counts;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x)
+            ++counts[qGray(picture.pixel(x, y))];
+    }
+    Tones tones;
+    int most = 0;
+    for (const auto& [tone, count] : counts) {
+        if (count > most) {
+            most = count;
+            tones.ground = tone;
+        }
+    }
+    tones.drawn = tones.ground;
+    for (const auto& [tone, count] : counts) {
+        if (std::abs(tone - tones.ground) > std::abs(tones.drawn - tones.ground))
+            tones.drawn = tone;
+    }
+    return tones;
+}
+
+class SymbolicItem : public ::testing::TestWithParam<bool> {};
+
+} // namespace
+
+TEST(Trayer, ShowsTheItemThatOpensAndClosesThePanel) {
+    TrayDesktop desktop;
+    desktop.startBar(Bar::trayer);
+    desktop.startProgram();
+    const QRect item = desktop.waitForItem();
+    for (int round = 0; round < 2; ++round) {
+        desktop.input().click(item.center());
+        const QRect panel = desktop.waitForPanel();
+        EXPECT_TRUE(QRect({}, desktop.inspector().screenSize()).contains(panel));
+        EXPECT_GT(panel.top(), item.bottom());
+        EXPECT_GE(panel.right(), item.center().x());
+        desktop.input().click(item.center());
+        EXPECT_TRUE(waitUntil([&] { return !desktop.panel(); })) << "by a second click";
+    }
+}
+
+TEST(WatcherWithoutAHost, LeavesTheItemInTheSystemTrayUntilAHostComes) {
+    TrayDesktop desktop;
+    const QString name = QStringLiteral("watcher");
+    {
+        FakeNotifierWatcher watcher(
+            QDBusConnection::connectToBus(desktop.session().busAddress(), name), false);
+        desktop.startBar(Bar::tint2);
+        desktop.startProgram();
+        const QRect item = desktop.waitForItem();
+        EXPECT_TRUE(waitUntil([&] { return watcher.items.size() == 1; })) << "it has registered";
+        desktop.input().click(item.center());
+        EXPECT_FALSE(desktop.waitForPanel().isEmpty());
+        desktop.input().tapKey(keysym::escape);
+        EXPECT_TRUE(waitUntil([&] { return !desktop.panel(); }));
+        watcher.setHost(true);
+        EXPECT_TRUE(waitUntil([&] { return !desktop.item(); })) << "never on two bars";
+        watcher.setHost(false);
+        EXPECT_FALSE(desktop.waitForItem().isEmpty());
+    }
+    QDBusConnection::disconnectFromBus(name);
+}
+
+TEST_P(SymbolicItem, IsDrawnInTheHostsOwnColour) {
+    TrayDesktop desktop;
+    const bool isDark = GetParam();
+    const QString home = desktop.session().home();
+    for (const char* symbol : {"cup-and-saucer", "cup-and-saucer-fill"}) {
+        const QString file =
+            QStringLiteral("tilewright-%1-symbolic.svg").arg(QLatin1String(symbol));
+        const QString folder = home + QStringLiteral("/.local/share/icons/hicolor/symbolic/apps/");
+        ASSERT_TRUE(QDir().mkpath(folder));
+        ASSERT_TRUE(QFile::copy(QStringLiteral(TILEWRIGHT_ICONS "/") + file, folder + file));
+    }
+    write(home + QStringLiteral("/.config/gtk-3.0/settings.ini"),
+          QByteArray("[Settings]\ngtk-theme-name=Adwaita\ngtk-application-prefer-dark-theme=") +
+              (isDark ? "1\n" : "0\n"));
+    write(home + QStringLiteral("/.config/xfce4/xfconf/xfce-perchannel-xml/xfce4-panel.xml"),
+          QByteArray(R"(<?xml version="1.0" encoding="UTF-8"?>
+<channel name="xfce4-panel" version="1.0">
+  <property name="configver" type="int" value="2"/>
+  <property name="panels" type="array">
+    <value type="int" value="1"/>
+    <property name="dark-mode" type="bool" value=")") +
+              (isDark ? "true" : "false") + R"("/>
+    <property name="panel-1" type="empty">
+      <property name="position" type="string" value="p=6;x=0;y=0"/>
+      <property name="length" type="uint" value="100"/>
+      <property name="position-locked" type="bool" value="true"/>
+      <property name="size" type="uint" value="30"/>
+      <property name="plugin-ids" type="array"><value type="int" value="1"/></property>
+    </property>
+  </property>
+  <property name="plugins" type="empty">
+    <property name="plugin-1" type="string" value="systray">
+      <property name="square-icons" type="bool" value="true"/>
+      <property name="symbolic-icons" type="bool" value="true"/>
+    </property>
+  </property>
+</channel>
+)");
+    desktop.session().start(QStringLiteral("xfce4-panel"), {QStringLiteral("--disable-wm-check")});
+    const auto tones = [&] {
+        // Nothing else is on the bar; its borders, and the line below it, are left out.
+        return tonesOf(desktop.inspector().screenshot(QRect(3, 4, 150, 20)));
+    };
+    // The bar, empty.
+    ASSERT_TRUE(waitUntil([&] {
+        const int ground = tones().ground;
+        return isDark ? ground > 0 && ground < 90 : ground > 200;
+    })) << tones().ground;
+    desktop.startProgram();
+    EXPECT_TRUE(waitUntil([&] {
+        const Tones seen = tones();
+        // Not the grey that serves where the host does not know the symbol.
+        return isDark ? seen.drawn > 200 : seen.drawn < 90;
+    })) << "on "
+        << tones().ground << ": " << tones().drawn;
+}
+
+INSTANTIATE_TEST_SUITE_P(, SymbolicItem, ::testing::Bool(),
+                         [](const auto& parameter) { return parameter.param ? "Dark" : "Light"; });
+
+} // namespace tilewright::testing
