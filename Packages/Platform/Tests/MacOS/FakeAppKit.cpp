@@ -4,7 +4,6 @@
 
 #include <MacOS/MacApplicationSupport.h>
 #include <MacOS/MacPointer.h>
-#include <MacOS/MacStatusItem.h>
 #include <MacOS/MacUserDefaults.h>
 #include <MacOS/MacUserNotifications.h>
 
@@ -82,6 +81,24 @@ private:
     const int id_;
 };
 
+class FakeStatusItem final : public StatusItem {
+public:
+    explicit FakeStatusItem(std::function<void()> clicked) {
+        FakeAppKit::current().statusItem.emplace().clicked = std::move(clicked);
+    }
+    ~FakeStatusItem() override { FakeAppKit::current().statusItem.reset(); }
+    void setTemplateImage(const QByteArray& png, int side) override {
+        FakeAppKit::current().statusItem->images.push_back(png);
+        FakeAppKit::current().statusItem->side = side;
+    }
+    void setAccessibleName(const QString& name) override {
+        FakeAppKit::current().statusItem->accessibleName = name;
+    }
+    std::optional<AppKitRect> frame() const override {
+        return FakeAppKit::current().statusItem->frame;
+    }
+};
+
 class FakeWindow final : public OverlayWindow {
 public:
     explicit FakeWindow(std::shared_ptr<FakeAppKit::Window> record)
@@ -122,6 +139,10 @@ std::unique_ptr<Observation> observe(Notification notification, std::function<vo
     const int id = ++fake.observersAdded;
     fake.observers.emplace(id, FakeAppKit::Observer{notification, std::move(callback)});
     return std::make_unique<FakeObservation>(id);
+}
+
+std::unique_ptr<StatusItem> addStatusItem(std::function<void()> clicked) {
+    return std::make_unique<FakeStatusItem>(std::move(clicked));
 }
 
 void requestPanel() {
@@ -205,24 +226,6 @@ std::optional<QString> MacApplicationSupport::folder() const {
 
 void MacUserNotifications::show(const QString& title, const QString& text) {
     FakeAppKit::current().notificationsShown.emplace_back(title, text);
-}
-
-struct MacStatusItem::Item {};
-
-MacStatusItem::MacStatusItem() {
-    FakeAppKit::current().statusItem = this;
-}
-
-MacStatusItem::~MacStatusItem() {
-    FakeAppKit::current().statusItem = nullptr;
-}
-
-void MacStatusItem::setSymbol(const QString& symbolName, const QIcon& /*icon*/) {
-    FakeAppKit::current().symbols.push_back(symbolName);
-}
-
-void MacStatusItem::setAccessibleName(const QString& name) {
-    FakeAppKit::current().accessibleName = name;
 }
 
 } // namespace tilewright

@@ -5,16 +5,13 @@
 #include <MacOS/AppKitNotifications.h>
 #include <MacOS/AppKitOverlayWindow.h>
 #include <MacOS/AppKitScreenList.h>
+#include <MacOS/AppKitStatusItem.h>
 #include <Platform/Platform.h>
 
 #include <QTemporaryDir>
 #include <map>
 #include <string>
 #include <vector>
-
-namespace tilewright {
-class MacStatusItem;
-}
 
 namespace tilewright::testing {
 
@@ -76,10 +73,15 @@ public:
     std::vector<std::pair<QString, QString>> notificationsShown;
     /// How many instances of the program run, this one included.
     int instances = 1;
+    struct Item {
+        std::function<void()> clicked;
+        std::vector<QByteArray> images;
+        int side = 0;
+        QString accessibleName;
+        std::optional<AppKitRect> frame;
+    };
     /// The status item, while there is one.
-    MacStatusItem* statusItem = nullptr;
-    std::vector<QString> symbols;
-    QString accessibleName;
+    std::optional<Item> statusItem;
 };
 
 } // namespace tilewright::testing

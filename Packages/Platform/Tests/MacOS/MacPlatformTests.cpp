@@ -43,9 +43,9 @@ TEST(MacPlatform, IsTheBackendOfAProgramBuiltForMacOS) {
     EXPECT_TRUE(platform.accessibility().isTrusted());
     EXPECT_EQ(platform.applicationSupport().folder(), backend.appKit.applicationSupport.path());
     EXPECT_TRUE(platform.workspace().blendsWindows());
-    EXPECT_EQ(backend.appKit.statusItem, nullptr);
+    EXPECT_FALSE(backend.appKit.statusItem);
     EXPECT_EQ(&platform.statusItem(), &platform.statusItem());
-    EXPECT_NE(backend.appKit.statusItem, nullptr);
+    EXPECT_TRUE(backend.appKit.statusItem);
 }
 
 TEST(MacPlatform, AsksARunningInstanceForItsPanelInsteadOfStartingAnother) {
@@ -62,13 +62,17 @@ TEST(MacPlatform, CarriesTheWholeProgramFromItsStartToItsEnd) {
     const Platform::Installation installation(*backend.platform);
     {
         TilewrightApp app;
-        EXPECT_FALSE(backend.appKit.symbols.empty());
+        ASSERT_TRUE(backend.appKit.statusItem);
+        EXPECT_FALSE(backend.appKit.statusItem->images.empty());
+        EXPECT_FALSE(backend.appKit.statusItem->accessibleName.isEmpty());
+        // At the right of the menu bar, which is the uppermost 25 points.
+        backend.appKit.statusItem->frame = AppKitRect{1200, 875, 24, 25};
         bool sawMonitors = false;
         bool sawPanel = false;
         bool sawSettings = false;
         const auto useIt = [&] {
             sawMonitors = backend.appKit.monitors.size() == 2;
-            Q_EMIT backend.platform->statusItem().activated(QRect(1200, 0, 24, 25));
+            backend.appKit.statusItem->clicked();
             for (QWidget* widget : QApplication::topLevelWidgets())
                 sawPanel = sawPanel || (widget->objectName() == u"panel"_s && widget->isVisible());
             KeepAwakeManager::shared().activate(KeepAwakeSession::indefinite());

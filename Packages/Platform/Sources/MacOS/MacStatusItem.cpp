@@ -1,0 +1,47 @@
+#include "MacStatusItem.h"
+
+#include "AppKitStatusItem.h"
+
+#include <QBuffer>
+#include <QIcon>
+#include <QPixmap>
+
+namespace tilewright {
+
+namespace {
+
+/// The side of a menu bar symbol, in points.
+constexpr int symbolSide = 18;
+
+} // namespace
+
+MacStatusItem::MacStatusItem(const Screens& screens)
+    : screens_(screens)
+    , item_(appkit::addStatusItem([this] { Q_EMIT activated(place()); })) {}
+
+MacStatusItem::~MacStatusItem() = default;
+
+void MacStatusItem::setSymbol(const QString& /*symbolName*/, const QIcon& icon) {
+    // Twice the size in pixels, so that it is crisp on every screen.
+    const QPixmap pixmap = icon.pixmap(QSize(symbolSide, symbolSide) * 2);
+    QByteArray encoded;
+    QBuffer buffer(&encoded);
+    pixmap.save(&buffer, "PNG");
+    item_->setTemplateImage(encoded, symbolSide);
+}
+
+void MacStatusItem::setAccessibleName(const QString& name) {
+    item_->setAccessibleName(name);
+}
+
+QRect MacStatusItem::place() const {
+    const std::optional<AppKitRect> frame = item_->frame();
+    const std::vector<ScreenPtr>& screens = screens_.all();
+    if (!frame || screens.empty())
+        return {};
+    // The toolkit counts in points too, from the top of the primary display.
+    const double top = screens.front()->frame().height - frame->maxY();
+    return QRectF(frame->x, top, frame->width, frame->height).toAlignedRect();
+}
+
+} // namespace tilewright
