@@ -33,6 +33,12 @@ TilewrightApp::TilewrightApp()
     QApplication::setQuitOnLastWindowClosed(false);
     connect(&signals_, &TerminationSignals::terminationRequested, this,
             [] { QCoreApplication::exit(EXIT_SUCCESS); });
+    const Workspace& workspace = Platform::current().workspace();
+    const auto honourMotionWish = [&workspace] {
+        look::setPrefersReducedMotion(workspace.prefersReducedMotion());
+    };
+    connect(&workspace, &Workspace::prefersReducedMotionChanged, this, honourMotionWish);
+    honourMotionWish();
     connect(qApp, &QGuiApplication::commitDataRequest, this, [](QSessionManager& manager) {
         // Starting at login is the user's choice, made by other means.
         manager.setRestartHint(QSessionManager::RestartNever);

@@ -35,11 +35,18 @@ public:
     }
     void openAccessibilitySettings() override { ++settingsOpened; }
     void activateThisApplication() override { ++activations; }
+    std::optional<bool> prefersReducedMotion() const override { return reducedMotion; }
+    /// As a desktop whose setting changes does.
+    void changeReducedMotion(std::optional<bool> reduced) {
+        reducedMotion = reduced;
+        Q_EMIT prefersReducedMotionChanged();
+    }
 
     std::optional<ProcessID> frontmost;
     std::map<ProcessID, QString> names;
     int settingsOpened = 0;
     int activations = 0;
+    std::optional<bool> reducedMotion;
 
 private:
     FakeAccessibility& log_;

@@ -1,4 +1,4 @@
-#include "FakePlatform.h"
+#include "SnapFixture.h"
 
 #include <Tilewright/AccessibilitySettingsView.h>
 #include <Tilewright/GeneralSettingsView.h>
@@ -38,6 +38,8 @@ protected:
 
     FakeDesktop desktop;
 };
+
+class SnapWhileSettingsAreOpen : public SnapFixture {};
 
 TEST_F(SettingsViewTest, HasFourTabsInOrderAndStartsAtTheLayouts) {
     const SettingsView view;
@@ -165,6 +167,24 @@ TEST_F(SettingsViewTest, GeneralStoresAChoiceAtOnceAndFollowsIt) {
     EXPECT_TRUE(view.caption()->text().startsWith(QStringLiteral("Hold ⌘ (command) and drag")));
 }
 
+TEST_F(SnapWhileSettingsAreOpen, ChoosingCommandChangesTheCaptionAndTheNextDragUsesItsKey) {
+    GeneralSettingsView view;
+    view.show();
+    for (int i = 0; i < 3; ++i)
+        QTest::keyClick(view.modifierPicker(), Qt::Key_Down);
+    platform.fakeMainLoop.runPosted();
+    EXPECT_TRUE(view.caption()->text().startsWith(QStringLiteral("Hold ⌘ (command) and drag")));
+    pressModifier();
+    dragTo(inPrimary);
+    EXPECT_FALSE(isOverlayShown()) << "by the former key";
+    release();
+    releaseModifier();
+    flags({ModifierFlag::command});
+    dragTo(inPrimary);
+    EXPECT_TRUE(isOverlayShown());
+    release();
+}
+
 TEST_F(SettingsViewTest, GeneralFollowsAChangeFromElsewhere) {
     const GeneralSettingsView view;
     SnapSettings::shared().setModifier(SnapModifier::shift);
@@ -248,6 +268,22 @@ TEST_F(SettingsViewTest, AccessibilityLooksEveryTwoSecondsWhileOnScreen) {
     EXPECT_TRUE(view.openSettingsButton()->isVisible());
     view.hide();
     EXPECT_EQ(timers(), 0U);
+    EXPECT_EQ(desktop.platform.fakeAccessibility.trustRequests, 0);
+}
+
+TEST_F(SettingsViewTest, RevokingAccessWhileTheTabIsShownBringsTheWarningBackWithinTwoSeconds) {
+    SettingsView view;
+    view.setSelection(Tab::accessibility);
+    view.show();
+    const auto* tab = qobject_cast<AccessibilitySettingsView*>(view.content(Tab::accessibility));
+    ASSERT_NE(tab, nullptr);
+    EXPECT_FALSE(tab->openSettingsButton()->isVisible());
+    desktop.platform.fakeAccessibility.trusted = false;
+    desktop.platform.fakeMainLoop.advance(2s);
+    EXPECT_EQ(tab->message()->text(),
+              QStringLiteral("Accessibility access is required for window snapping."));
+    EXPECT_EQ(tab->symbol()->symbol(), QStringLiteral("exclamationmark.shield.fill"));
+    EXPECT_TRUE(tab->openSettingsButton()->isVisible());
     EXPECT_EQ(desktop.platform.fakeAccessibility.trustRequests, 0);
 }
 

@@ -133,6 +133,38 @@ TEST_F(LayoutManager, ConfirmingRemovesTheLayoutAndEveryAssignmentToIt) {
     EXPECT_EQ(picker.currentLayout(), ZoneLayout::bentoBox());
 }
 
+TEST_F(LayoutManager, DeletingTheOnlyCustomLayoutBringsTheHintBackAtOnce) {
+    add(QStringLiteral("Mine"));
+    LayoutManagerView view;
+    layOut(view);
+    EXPECT_FALSE(view.hint()->isVisible());
+    view.customCards()[0]->deleteButton()->click();
+    button(view, QStringLiteral("Delete"))->click();
+    settle();
+    EXPECT_TRUE(view.hint()->isVisible());
+    EXPECT_EQ(view.hint()->text(), QStringLiteral("Create layouts in the Layouts tab."));
+    EXPECT_TRUE(view.customCards().empty());
+}
+
+TEST_F(LayoutManager, DeletingALayoutThatADisplayUsesPutsTheDisplayBackOnTheDefault) {
+    const auto display = screen(1, {0, 0, 1440, 900}, QStringLiteral("Display"));
+    desktop.platform.fakeScreens.setScreens({display});
+    const ZoneLayout mine = add(QStringLiteral("Mine"));
+    const ZoneLayout other = add(QStringLiteral("Other"));
+    LayoutStore::shared().assign(mine, *display);
+    const LayoutPicker picker;
+    LayoutManagerView view;
+    layOut(view);
+    view.customCards()[1]->deleteButton()->click();
+    button(view, QStringLiteral("Delete"))->click();
+    EXPECT_EQ(picker.currentLayout(), mine) << "another layout's end is nothing to the display";
+    settle();
+    view.customCards()[0]->deleteButton()->click();
+    button(view, QStringLiteral("Delete"))->click();
+    EXPECT_EQ(LayoutStore::shared().layoutFor(*display), ZoneLayout::bentoBox());
+    EXPECT_EQ(picker.currentLayout(), ZoneLayout::bentoBox());
+}
+
 TEST_F(LayoutManager, CancellingChangesNothing) {
     add(QStringLiteral("Mine"));
     LayoutManagerView view;

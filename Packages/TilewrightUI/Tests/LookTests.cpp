@@ -4,6 +4,7 @@
 #include <QImage>
 #include <QPainter>
 #include <QPainterPath>
+#include <QProxyStyle>
 #include <algorithm>
 #include <cmath>
 #include <gtest/gtest.h>
@@ -129,6 +130,31 @@ TEST(Look, ReducedMotionFollowsWhatTheDesktopTells) {
     EXPECT_TRUE(look::prefersReducedMotion());
     look::setPrefersReducedMotion(false);
     EXPECT_FALSE(look::prefersReducedMotion());
+}
+
+TEST(Look, ReducedMotionIsTheStylesMatterWhereTheDesktopTellsNothing) {
+    class Style final : public QProxyStyle {
+    public:
+        explicit Style(int duration)
+            : duration_(duration) {}
+        int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                      QStyleHintReturn* data) const override {
+            return hint == SH_Widget_Animation_Duration
+                       ? duration_
+                       : QProxyStyle::styleHint(hint, option, widget, data);
+        }
+
+    private:
+        int duration_;
+    };
+    const QString before = QApplication::style()->name();
+    look::setPrefersReducedMotion(std::nullopt);
+    QApplication::setStyle(new Style(0));
+    EXPECT_TRUE(look::prefersReducedMotion());
+    QApplication::setStyle(new Style(200));
+    EXPECT_FALSE(look::prefersReducedMotion());
+    QApplication::setStyle(before);
+    look::setPrefersReducedMotion(false);
 }
 
 } // namespace

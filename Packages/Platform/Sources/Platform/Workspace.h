@@ -29,10 +29,14 @@ public:
     virtual void activateThisApplication() = 0;
     /// Whether the desktop blends translucent windows with what lies beneath them now.
     [[nodiscard]] virtual bool blendsWindows() const { return false; }
+    /// Whether the user asked the desktop for reduced motion; none where the desktop does not tell.
+    [[nodiscard]] virtual std::optional<bool> prefersReducedMotion() const { return std::nullopt; }
 
 Q_SIGNALS:
     /// Another window than before became the active one, of whatever application.
     void activeWindowChanged();
+    /// `prefersReducedMotion()` has another answer than before.
+    void prefersReducedMotionChanged();
 };
 
 } // namespace tilewright

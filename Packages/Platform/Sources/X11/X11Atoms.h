@@ -58,7 +58,8 @@ namespace tilewright {
     ATOM(netWorkarea, "_NET_WORKAREA")                                                             \
     ATOM(utf8String, "UTF8_STRING")                                                                \
     ATOM(wmClass, "WM_CLASS")                                                                      \
-    ATOM(wmState, "WM_STATE")
+    ATOM(wmState, "WM_STATE")                                                                      \
+    ATOM(xsettingsSettings, "_XSETTINGS_SETTINGS")
 
 /// Names an atom of this program.
 enum class X11Atom : std::size_t {

@@ -28,7 +28,10 @@ public:
                        [this] { return screens_.coordinates(); })
         , trust_(connection, windowManager_, loop, notifications, isWaylandSession)
         , accessibility_(connection, screens_, trust_, activeWindow_, frameSetter_)
-        , workspace_(connection, activeWindow_, compositor_, trust_, notifications) {}
+        , guidance_(notifications)
+        , screenMotionWish_(connection, selection_)
+        , workspace_(connection, activeWindow_, compositor_, trust_, guidance_, screenMotionWish_,
+                     sessionMotionWish_) {}
 
     [[nodiscard]] X11EventSelection& selection() { return selection_; }
     [[nodiscard]] X11WindowManagerWatch& windowManager() { return windowManager_; }
@@ -50,6 +53,9 @@ private:
     X11FrameSetter frameSetter_;
     X11Trust trust_;
     X11Accessibility accessibility_;
+    FreeDesktopGuidance guidance_;
+    X11MotionWish screenMotionWish_;
+    FreeDesktopMotionWish sessionMotionWish_;
     X11Workspace workspace_;
 };
 

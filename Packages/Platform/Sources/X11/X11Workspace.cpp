@@ -1,9 +1,9 @@
 #include "X11Workspace.h"
 
+#include "X11Guidance.h"
 #include "X11Properties.h"
 #include "X11WindowFacts.h"
 
-#include <QCoreApplication>
 #include <QFile>
 #include <QGuiApplication>
 #include <QWindow>
@@ -12,13 +12,20 @@ namespace tilewright {
 
 X11Workspace::X11Workspace(X11Connection& connection, X11ActiveWindow& activeWindow,
                            const X11Compositor& compositor, const X11Trust& trust,
-                           UserNotifications& notifications)
+                           FreeDesktopGuidance& guidance, const X11MotionWish& screenMotionWish,
+                           const FreeDesktopMotionWish& sessionMotionWish)
     : connection_(connection)
     , activeWindow_(activeWindow)
     , compositor_(compositor)
     , trust_(trust)
-    , notifications_(notifications) {
+    , guidance_(guidance)
+    , screenMotionWish_(screenMotionWish)
+    , sessionMotionWish_(sessionMotionWish) {
     activeWindow_.onChange([this] { Q_EMIT activeWindowChanged(); });
+    connect(&screenMotionWish_, &X11MotionWish::changed, this, &X11Workspace::updateReducedMotion);
+    connect(&sessionMotionWish_, &FreeDesktopMotionWish::changed, this,
+            &X11Workspace::updateReducedMotion);
+    updateReducedMotion();
 }
 
 std::optional<ProcessID> X11Workspace::frontmostApplication() const {
@@ -46,13 +53,16 @@ std::optional<QString> X11Workspace::localizedName(ProcessID process) const {
 }
 
 void X11Workspace::openAccessibilitySettings() {
-    const X11Trust::Lack lack = trust_.lack();
-    notifications_.show(
-        QCoreApplication::translate("tilewright::X11Workspace", "Window control"),
-        lack == X11Trust::Lack::nothing
-            ? QCoreApplication::translate("tilewright::X11Workspace",
-                                          "This desktop offers all that is needed to move windows.")
-            : X11Trust::explanation(lack));
+    guidance_.show(guidanceFor(trust_.lack()));
+}
+
+void X11Workspace::updateReducedMotion() {
+    const std::optional<bool> wish = combinedMotionWish(screenMotionWish_.prefersReducedMotion(),
+                                                        sessionMotionWish_.prefersReducedMotion());
+    if (wish == reducedMotion_)
+        return;
+    reducedMotion_ = wish;
+    Q_EMIT prefersReducedMotionChanged();
 }
 
 void X11Workspace::showDesktopOf(xcb_window_t window) {

@@ -2,9 +2,11 @@
 
 #include "X11ActiveWindow.h"
 #include "X11Compositor.h"
+#include "X11MotionWish.h"
 #include "X11Trust.h"
 
-#include <Platform/UserNotifications.h>
+#include <FreeDesktop/FreeDesktopGuidance.h>
+#include <FreeDesktop/FreeDesktopMotionWish.h>
 #include <Platform/Workspace.h>
 
 namespace tilewright {
@@ -14,25 +16,31 @@ class X11Workspace final : public Workspace {
 public:
     X11Workspace(X11Connection& connection, X11ActiveWindow& activeWindow,
                  const X11Compositor& compositor, const X11Trust& trust,
-                 UserNotifications& notifications);
+                 FreeDesktopGuidance& guidance, const X11MotionWish& screenMotionWish,
+                 const FreeDesktopMotionWish& sessionMotionWish);
 
     std::optional<ProcessID> frontmostApplication() const override;
     /// The name that the process's windows give their application; else the process's own.
     std::optional<QString> localizedName(ProcessID process) const override;
-    /// Nothing is granted on this desktop: tells the user what it lacks, if anything.
+    /// Nothing is granted on this desktop: shows the way to what it lacks, if anything.
     void openAccessibilitySettings() override;
     /// Brings the program's topmost window before the others.
     void activateThisApplication() override;
     bool blendsWindows() const override { return compositor_.isRunning(); }
+    std::optional<bool> prefersReducedMotion() const override { return reducedMotion_; }
 
 private:
     void showDesktopOf(xcb_window_t window);
+    void updateReducedMotion();
 
     X11Connection& connection_;
     X11ActiveWindow& activeWindow_;
     const X11Compositor& compositor_;
     const X11Trust& trust_;
-    UserNotifications& notifications_;
+    FreeDesktopGuidance& guidance_;
+    const X11MotionWish& screenMotionWish_;
+    const FreeDesktopMotionWish& sessionMotionWish_;
+    std::optional<bool> reducedMotion_;
 };
 
 } // namespace tilewright

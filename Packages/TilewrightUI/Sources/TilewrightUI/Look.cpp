@@ -245,7 +245,7 @@ bool prefersReducedMotion() {
     return style && style->styleHint(QStyle::SH_Widget_Animation_Duration) <= 0;
 }
 
-void setPrefersReducedMotion(bool reduced) {
+void setPrefersReducedMotion(std::optional<bool> reduced) {
     toldReducedMotion() = reduced;
 }
 

@@ -6,6 +6,7 @@
 #include <QRectF>
 #include <QString>
 #include <functional>
+#include <optional>
 
 class QObject;
 class QPainter;
@@ -94,8 +95,8 @@ void paintFocusRingOnAmber(QPainter& painter, const QRectF& rect, double radius)
 
 /// Whether the user asked the desktop for reduced motion; animations then take no time.
 [[nodiscard]] bool prefersReducedMotion();
-/// What a desktop says about reduced motion where the toolkit does not tell; it holds until the
-/// next call.
-void setPrefersReducedMotion(bool reduced);
+/// What the desktop says about reduced motion; none where it says nothing, and the toolkit's style
+/// decides. It holds until the next call.
+void setPrefersReducedMotion(std::optional<bool> reduced);
 
 } // namespace tilewright::look

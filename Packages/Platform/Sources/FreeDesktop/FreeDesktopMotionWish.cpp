@@ -1,0 +1,118 @@
+#include "FreeDesktopMotionWish.h"
+
+#include <QDBusArgument>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusServiceWatcher>
+
+namespace tilewright {
+
+namespace {
+
+QString portal() {
+    return QStringLiteral("org.freedesktop.portal.Desktop");
+}
+
+QString portalPath() {
+    return QStringLiteral("/org/freedesktop/portal/desktop");
+}
+
+QString settingsInterface() {
+    return QStringLiteral("org.freedesktop.portal.Settings");
+}
+
+QString appearance() {
+    return QStringLiteral("org.freedesktop.appearance");
+}
+
+QString interfaceSettings() {
+    return QStringLiteral("org.gnome.desktop.interface");
+}
+
+QString kdeSettings() {
+    return QStringLiteral("org.kde.kdeglobals.KDE");
+}
+
+/// The setting that all desktops are to have in the end; its 0 means no preference.
+std::optional<bool> standardWish(const QVariant& value) {
+    return value.isValid() && value.toUInt() == 1 ? std::optional(true) : std::nullopt;
+}
+
+std::optional<bool> wishFromAnimations(const QVariant& areEnabled) {
+    if (areEnabled.metaType() != QMetaType::fromType<bool>())
+        return std::nullopt;
+    return !areEnabled.toBool();
+}
+
+std::optional<bool> wishFromDuration(const QVariant& factor) {
+    bool isNumber = false;
+    const double number = factor.toDouble(&isNumber);
+    return isNumber ? std::optional(number <= 0) : std::nullopt;
+}
+
+} // namespace
+
+std::optional<bool> combinedMotionWish(std::optional<bool> first, std::optional<bool> second) {
+    if (first && second)
+        return *first || *second;
+    return first ? first : second;
+}
+
+FreeDesktopMotionWish::FreeDesktopMotionWish(QDBusConnection bus)
+    : bus_(std::move(bus)) {
+    if (!bus_.isConnected())
+        return;
+    auto* watch =
+        new QDBusServiceWatcher(portal(), bus_, QDBusServiceWatcher::WatchForRegistration, this);
+    connect(watch, &QDBusServiceWatcher::serviceRegistered, this, [this] { readAll(); });
+    bus_.connect(portal(), portalPath(), settingsInterface(), QStringLiteral("SettingChanged"),
+                 this, SLOT(settingChanged(QString, QString, QDBusVariant)));
+    readAll();
+}
+
+FreeDesktopMotionWish::~FreeDesktopMotionWish() = default;
+
+std::optional<bool> FreeDesktopMotionWish::prefersReducedMotion() const {
+    const auto value = [this](const QString& group, const char* key) {
+        return groups_.value(group).value(QString::fromLatin1(key));
+    };
+    return combinedMotionWish(
+        standardWish(value(appearance(), "reduced-motion")),
+        combinedMotionWish(wishFromAnimations(value(interfaceSettings(), "enable-animations")),
+                           wishFromDuration(value(kdeSettings(), "AnimationDurationFactor"))));
+}
+
+void FreeDesktopMotionWish::readAll() {
+    QDBusMessage call = QDBusMessage::createMethodCall(portal(), portalPath(), settingsInterface(),
+                                                       QStringLiteral("ReadAll"));
+    // Most desktops start it at login; where none did, nobody needs it for this.
+    call.setAutoStartService(false);
+    call << QStringList{appearance(), interfaceSettings(), kdeSettings()};
+    auto* pending = new QDBusPendingCallWatcher(bus_.asyncCall(call), this);
+    connect(pending, &QDBusPendingCallWatcher::finished, this,
+            [this, generation = ++generation_](QDBusPendingCallWatcher* finished) {
+                finished->deleteLater();
+                const QDBusMessage reply = finished->reply();
+                if (generation == generation_ && reply.type() == QDBusMessage::ReplyMessage &&
+                    reply.signature() == QStringLiteral("a{sa{sv}}"))
+                    take(qdbus_cast<Groups>(reply.arguments().value(0)));
+            });
+}
+
+void FreeDesktopMotionWish::settingChanged(const QString& group, const QString& key,
+                                           const QDBusVariant& value) {
+    if (group != appearance() && group != interfaceSettings() && group != kdeSettings())
+        return;
+    Groups groups = groups_;
+    groups[group][key] = value.variant();
+    take(std::move(groups));
+}
+
+void FreeDesktopMotionWish::take(Groups groups) {
+    const std::optional<bool> before = prefersReducedMotion();
+    groups_ = std::move(groups);
+    if (prefersReducedMotion() != before)
+        Q_EMIT changed();
+}
+
+} // namespace tilewright

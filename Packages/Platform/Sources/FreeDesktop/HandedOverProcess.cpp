@@ -1,0 +1,44 @@
+#include "HandedOverProcess.h"
+
+#include <unistd.h>
+
+namespace tilewright {
+
+HandedOverProcess::HandedOverProcess(QObject* parent)
+    : QProcess(parent) {
+    setStandardInputFile(nullDevice());
+    setStandardOutputFile(nullDevice());
+    setStandardErrorFile(nullDevice());
+    // A hang-up of the terminal that this program may run in is none of its business.
+    setChildProcessModifier([] { ::setsid(); });
+}
+
+HandedOverProcess::~HandedOverProcess() {
+    // The toolkit would end a program that still runs.
+    setProcessState(NotRunning);
+}
+
+void HandedOverProcess::handOver(const QString& program, const QStringList& arguments,
+                                 const QProcessEnvironment& environment,
+                                 std::function<void()> whenFailed, std::function<void()> whenDone) {
+    const auto fail = std::make_shared<std::function<void()>>(std::move(whenFailed));
+    connect(
+        this, &QProcess::errorOccurred, this,
+        [fail](ProcessError error) {
+            if (error == FailedToStart)
+                (*fail)();
+        },
+        // It may be told from within the start.
+        Qt::QueuedConnection);
+    connect(this, &QProcess::finished, this,
+            [fail, done = std::move(whenDone)](int code, ExitStatus status) {
+                if (status == NormalExit && code == 0)
+                    done();
+                else
+                    (*fail)();
+            });
+    setProcessEnvironment(environment);
+    start(program, arguments);
+}
+
+} // namespace tilewright

@@ -1,0 +1,151 @@
+#include "PrivateBus.h"
+
+#include <FreeDesktop/FreeDesktopMotionWish.h>
+#include <Waiting.h>
+
+#include <QDBusMetaType>
+#include <QSignalSpy>
+#include <gtest/gtest.h>
+#include <optional>
+
+namespace tilewright::testing {
+
+using SettingGroups = QMap<QString, QVariantMap>;
+
+namespace {
+
+const char* const appearance = "org.freedesktop.appearance";
+const char* const interfaceSettings = "org.gnome.desktop.interface";
+const char* const kdeSettings = "org.kde.kdeglobals.KDE";
+
+/// Stands in for the desktop portal's settings.
+class FakePortal final : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Settings")
+
+public:
+    explicit FakePortal(QDBusConnection bus)
+        : bus_(std::move(bus)) {
+        qDBusRegisterMetaType<SettingGroups>();
+        bus_.registerObject(QStringLiteral("/org/freedesktop/portal/desktop"), this,
+                            QDBusConnection::ExportAllContents);
+    }
+    void appear() {
+        EXPECT_TRUE(bus_.registerService(QStringLiteral("org.freedesktop.portal.Desktop")));
+    }
+    void set(const char* group, const char* key, const QVariant& value) {
+        groups_[QString::fromLatin1(group)][QString::fromLatin1(key)] = value;
+    }
+    void change(const char* group, const char* key, const QVariant& value) {
+        set(group, key, value);
+        Q_EMIT SettingChanged(QString::fromLatin1(group), QString::fromLatin1(key),
+                              QDBusVariant(value));
+    }
+    int reads = 0;
+
+public Q_SLOTS:
+    tilewright::testing::SettingGroups ReadAll(const QStringList& names) {
+        ++reads;
+        SettingGroups answer;
+        for (const QString& name : names) {
+            if (groups_.contains(name))
+                answer[name] = groups_[name];
+        }
+        return answer;
+    }
+
+Q_SIGNALS:
+    void SettingChanged(const QString& group, const QString& key, const QDBusVariant& value);
+
+private:
+    QDBusConnection bus_;
+    SettingGroups groups_;
+};
+
+using Wish = std::optional<bool>;
+
+class MotionWish : public ::testing::Test {
+protected:
+    void start() {
+        wish.emplace(bus.connect());
+        changes.emplace(&*wish, &FreeDesktopMotionWish::changed);
+    }
+    void expect(Wish expected) {
+        EXPECT_TRUE(waitUntil([&] { return wish->prefersReducedMotion() == expected; }));
+    }
+
+    PrivateBus bus;
+    FakePortal portal{bus.connect()};
+    std::optional<FreeDesktopMotionWish> wish;
+    std::optional<QSignalSpy> changes;
+};
+
+} // namespace
+
+TEST_F(MotionWish, IsWhatThePortalTellsAtTheStart) {
+    portal.set(interfaceSettings, "enable-animations", false);
+    portal.appear();
+    start();
+    expect(true);
+    EXPECT_EQ(changes->size(), 1);
+}
+
+TEST_F(MotionWish, IsAskedForByAnyOfTheSettings) {
+    portal.appear();
+    portal.set(interfaceSettings, "enable-animations", true);
+    start();
+    expect(false);
+    portal.change(appearance, "reduced-motion", 1U);
+    expect(true);
+    portal.change(appearance, "reduced-motion", 0U);
+    expect(false);
+    portal.change(kdeSettings, "AnimationDurationFactor", QStringLiteral("0"));
+    expect(true);
+    portal.change(kdeSettings, "AnimationDurationFactor", 0.5);
+    expect(false);
+    portal.change(interfaceSettings, "enable-animations", false);
+    expect(true);
+}
+
+TEST_F(MotionWish, IsUnknownWhereThePortalSaysNothingOfIt) {
+    portal.set(appearance, "reduced-motion", 0U);
+    portal.set(interfaceSettings, "enable-animations", QStringLiteral("no truth value"));
+    portal.set(kdeSettings, "AnimationDurationFactor", QStringLiteral("no number"));
+    portal.set(interfaceSettings, "font-name", QStringLiteral("Sans 11"));
+    portal.appear();
+    start();
+    EXPECT_TRUE(waitUntil([&] { return portal.reads == 1; }));
+    // Something that comes after the answer.
+    portal.change(appearance, "color-scheme", 1U);
+    portal.change("org.example", "enable-animations", false);
+    portal.change(interfaceSettings, "enable-animations", true);
+    expect(false);
+    EXPECT_EQ(changes->size(), 1) << "it was unknown until then";
+}
+
+TEST_F(MotionWish, IsAskedOfAPortalThatStartsLaterAndIsNotStartedForIt) {
+    portal.set(interfaceSettings, "enable-animations", false);
+    start();
+    EXPECT_EQ(wish->prefersReducedMotion(), std::nullopt);
+    portal.appear();
+    expect(true);
+    EXPECT_EQ(portal.reads, 1);
+}
+
+TEST_F(MotionWish, IsUnknownWithoutABus) {
+    const FreeDesktopMotionWish without(PrivateBus::absent());
+    EXPECT_EQ(without.prefersReducedMotion(), std::nullopt);
+}
+
+TEST(CombinedMotionWish, HasMotionReducedWhereOneSourceAsksForIt) {
+    EXPECT_EQ(combinedMotionWish({}, {}), std::nullopt);
+    EXPECT_EQ(combinedMotionWish(false, {}), Wish(false));
+    EXPECT_EQ(combinedMotionWish({}, true), Wish(true));
+    EXPECT_EQ(combinedMotionWish(false, true), Wish(true));
+    EXPECT_EQ(combinedMotionWish(true, false), Wish(true));
+    EXPECT_EQ(combinedMotionWish(false, false), Wish(false));
+}
+
+} // namespace tilewright::testing
+
+#include "MotionWishTests.moc"

@@ -1,0 +1,105 @@
+// The user's wish for reduced motion as an X screen's settings manager tells it.
+
+#include <DesktopSession.h>
+#include <Waiting.h>
+#include <X11TestPlatform.h>
+
+#include <QSignalSpy>
+#include <QtEndian>
+#include <gtest/gtest.h>
+#include <xcb/xcb.h>
+
+namespace tilewright::testing {
+namespace {
+
+/// A settings manager that tells one thing: whether animations are wanted.
+class SettingsManager {
+public:
+    explicit SettingsManager(const QString& display)
+        : connection_(xcb_connect(display.toLatin1().constData(), nullptr))
+        , window_(xcb_generate_id(connection_)) {
+        const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data->root;
+        xcb_create_window(connection_, 0, window_, root, -1, -1, 1, 1, 0,
+                          XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
+        xcb_set_selection_owner(connection_, window_, atom("_XSETTINGS_S0"), XCB_CURRENT_TIME);
+        sync();
+    }
+    /// As when it crashes.
+    ~SettingsManager() { xcb_disconnect(connection_); }
+    SettingsManager(const SettingsManager&) = delete;
+    SettingsManager& operator=(const SettingsManager&) = delete;
+
+    void setAnimations(qint32 areEnabled) {
+        ++serial_;
+        const QByteArray name("Gtk/EnableAnimations");
+        const QByteArray property = QByteArray(4, '\0') + number<quint32>(serial_) +
+                                    number<quint32>(1) + QByteArray(2, '\0') +
+                                    number(static_cast<quint16>(name.size())) + name +
+                                    number<quint32>(serial_) + number(areEnabled);
+        const xcb_atom_t settings = atom("_XSETTINGS_SETTINGS");
+        xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window_, settings, settings, 8,
+                            static_cast<uint32_t>(property.size()), property.constData());
+        sync();
+    }
+
+private:
+    template<class Number>
+    static QByteArray number(Number value) {
+        const Number ordered = qToLittleEndian(value);
+        return {static_cast<const char*>(static_cast<const void*>(&ordered)), sizeof(ordered)};
+    }
+    xcb_atom_t atom(const QByteArray& name) {
+        const auto cookie =
+            xcb_intern_atom(connection_, 0, static_cast<uint16_t>(name.size()), name.constData());
+        const X11Reply<xcb_intern_atom_reply_t> reply(
+            xcb_intern_atom_reply(connection_, cookie, nullptr));
+        return reply ? reply->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE);
+    }
+    void sync() { static_cast<void>(atom("WM_STATE")); }
+
+    xcb_connection_t* connection_;
+    xcb_window_t window_;
+    quint32 serial_ = 0;
+};
+
+class MotionWishOnScreen : public ::testing::Test {
+protected:
+    void expect(std::optional<bool> expected) {
+        EXPECT_TRUE(
+            waitUntil([&] { return platform->workspace().prefersReducedMotion() == expected; }));
+    }
+
+    DesktopSession desktop;
+    std::optional<X11TestPlatform> platform;
+};
+
+} // namespace
+
+TEST_F(MotionWishOnScreen, FollowsTheSettingsManagerAsItChangesAndComesAndGoes) {
+    platform.emplace(desktop.display());
+    EXPECT_EQ(platform->workspace().prefersReducedMotion(), std::nullopt);
+    QSignalSpy changes(&platform->workspace(), &Workspace::prefersReducedMotionChanged);
+    {
+        SettingsManager manager(desktop.display());
+        manager.setAnimations(0);
+        expect(true);
+        manager.setAnimations(1);
+        expect(false);
+        manager.setAnimations(0);
+        expect(true);
+    }
+    expect(std::nullopt);
+    EXPECT_EQ(changes.size(), 4);
+    SettingsManager successor(desktop.display());
+    successor.setAnimations(0);
+    expect(true);
+}
+
+TEST_F(MotionWishOnScreen, IsKnownFromTheStartWhereAManagerRuns) {
+    SettingsManager manager(desktop.display());
+    manager.setAnimations(0);
+    platform.emplace(desktop.display());
+    EXPECT_EQ(platform->workspace().prefersReducedMotion(), true);
+}
+
+} // namespace tilewright::testing

@@ -1,0 +1,147 @@
+// The application as a whole, on a fake desktop but the toolkit's own event loop.
+
+#include <FakePlatform.h>
+#include <KeepAwake/KeepAwakeManager.h>
+#include <Platform/QtMainLoop.h>
+#include <Tilewright/SettingsView.h>
+#include <Tilewright/SnapController.h>
+#include <Tilewright/TilewrightApp.h>
+#include <TilewrightUI/Look.h>
+#include <Waiting.h>
+
+#include <QApplication>
+#include <QPointer>
+#include <csignal>
+#include <gtest/gtest.h>
+
+namespace tilewright::testing {
+namespace {
+
+class TilewrightAppTest : public ::testing::Test {
+protected:
+    TilewrightAppTest() {
+        platform.replacementLoop = &loop;
+        FakeScreen::Values values;
+        values.frame = {0, 0, 800, 800};
+        values.displayID = 1;
+        platform.fakeScreens.setScreens({makeScreen(values)});
+    }
+    ~TilewrightAppTest() override { look::setPrefersReducedMotion(false); }
+
+    /// Runs the application; once it has launched, `use`, which has to end it in some way. Answers
+    /// the exit code.
+    int run(const std::function<void(TilewrightApp&)>& use) {
+        TilewrightApp app;
+        loop.post([&] { loop.post([&] { use(app); }); });
+        return app.run();
+    }
+    /// What happened at the end: whether the input was still watched when the session ended.
+    void expectOrderlyEnd() {
+        EXPECT_TRUE(sessionEndedWhileWatching);
+        EXPECT_TRUE(platform.fakePowerAssertions.held.empty());
+        EXPECT_TRUE(platform.fakeEventMonitors.monitors.empty());
+    }
+    void startSession() {
+        KeepAwakeManager& manager = KeepAwakeManager::shared();
+        manager.activate(KeepAwakeSession::indefinite());
+        ASSERT_EQ(platform.fakePowerAssertions.held.size(), 1U);
+        QObject::connect(&manager, &ObservableObject::objectWillChange, [this] {
+            sessionEndedWhileWatching = !platform.fakeEventMonitors.monitors.empty();
+        });
+    }
+
+    // Outlives what the platform's end destroys.
+    QtMainLoop loop;
+    FakeDesktop desktop;
+    FakePlatform& platform = desktop.platform;
+    bool sessionEndedWhileWatching = false;
+};
+
+void quit() {
+    QCoreApplication::quit();
+}
+
+} // namespace
+
+TEST_F(TilewrightAppTest, ShowsItsItemAndStartsToWatchForDragsWhenItHasLaunched) {
+    EXPECT_EQ(run([this](TilewrightApp&) {
+                  EXPECT_EQ(platform.fakeStatusItem.symbols,
+                            std::vector<QString>{QStringLiteral("cup.and.saucer")});
+                  EXPECT_FALSE(platform.fakeEventMonitors.monitors.empty());
+                  EXPECT_EQ(platform.fakeAccessibility.trustRequests, 0);
+                  quit();
+              }),
+              EXIT_SUCCESS);
+}
+
+TEST_F(TilewrightAppTest, AFirstLaunchWithoutTrustPromptsOnceAndItemAndSettingsWorkNormally) {
+    platform.fakeAccessibility.trusted = false;
+    run([this](TilewrightApp& app) {
+        EXPECT_EQ(platform.fakeAccessibility.trustRequests, 1);
+        platform.fakeStatusItem.click(QRect(400, 0, 24, 24));
+        EXPECT_TRUE(waitUntil([&] { return app.menuBarExtra().panel().isVisible(); }));
+        app.settings().open();
+        ASSERT_NE(app.settings().window(), nullptr);
+        EXPECT_TRUE(app.settings().window()->isVisible());
+        EXPECT_NE(app.settings().window()->findChild<SettingsView*>(), nullptr);
+        EXPECT_EQ(platform.fakeAccessibility.trustRequests, 1);
+        quit();
+    });
+    EXPECT_EQ(platform.fakeAccessibility.trustRequests, 1);
+}
+
+TEST_F(TilewrightAppTest, QuittingDuringASessionEndsTheSessionBeforeTheProcessExits) {
+    EXPECT_EQ(run([this](TilewrightApp&) {
+                  startSession();
+                  quit();
+              }),
+              EXIT_SUCCESS);
+    expectOrderlyEnd();
+}
+
+TEST_F(TilewrightAppTest, EndsInTheSameOrderOnEachTerminationSignal) {
+    for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
+        sessionEndedWhileWatching = false;
+        EXPECT_EQ(run([&](TilewrightApp&) {
+                      startSession();
+                      EXPECT_EQ(std::raise(number), 0);
+                  }),
+                  EXIT_SUCCESS);
+        expectOrderlyEnd();
+    }
+}
+
+TEST_F(TilewrightAppTest, ClosesItsPanelWhenItEnds) {
+    run([this](TilewrightApp& app) {
+        platform.fakeStatusItem.click(QRect(400, 0, 24, 24));
+        EXPECT_TRUE(waitUntil([&] { return app.menuBarExtra().panel().isVisible(); }));
+        QObject::connect(qApp, &QCoreApplication::aboutToQuit, &app,
+                         [&app] { EXPECT_FALSE(app.menuBarExtra().panel().isVisible()); });
+        quit();
+    });
+}
+
+TEST_F(TilewrightAppTest, GoesOnWhenItsLastWindowCloses) {
+    run([this](TilewrightApp& app) {
+        app.settings().open();
+        const QPointer<SettingsWindow> window = app.settings().window();
+        window->close();
+        EXPECT_TRUE(waitUntil([&] { return window.isNull(); }));
+        EXPECT_FALSE(platform.fakeEventMonitors.monitors.empty());
+        quit();
+    });
+}
+
+TEST_F(TilewrightAppTest, FollowsTheDesktopsWishForReducedMotion) {
+    platform.fakeWorkspace.reducedMotion = true;
+    run([this](TilewrightApp&) {
+        EXPECT_TRUE(look::prefersReducedMotion());
+        platform.fakeWorkspace.changeReducedMotion(false);
+        EXPECT_FALSE(look::prefersReducedMotion());
+        platform.fakeWorkspace.changeReducedMotion(true);
+        EXPECT_TRUE(look::prefersReducedMotion());
+        quit();
+    });
+}
+
+} // namespace tilewright::testing
