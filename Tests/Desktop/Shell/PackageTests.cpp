@@ -77,6 +77,11 @@ TEST_F(DebianPackage, NamesWhatItNeedsInstallsRunsAndLeavesNothingBehind) {
     EXPECT_TRUE(files.contains(QStringLiteral("/usr/bin/tilewright")));
     EXPECT_TRUE(
         files.contains(QStringLiteral("/usr/share/icons/hicolor/scalable/apps/tilewright.svg")));
+    for (const char* page :
+         {"input-events", "window-manager", "window-manager-support", "x11-session"})
+        EXPECT_TRUE(files.contains(
+            QStringLiteral("/usr/share/tilewright/help/%1.html").arg(QString::fromLatin1(page))))
+            << page;
 
     const QString share = root() + QStringLiteral("/usr/share");
     EXPECT_EQ(run(QStringLiteral("desktop-file-validate"),

@@ -37,6 +37,36 @@ protected:
         static_cast<void>(
             outputOf(QStringLiteral("xdotool"), arguments, desktop.session().environment()));
     }
+    /// Gives i3 a command about the settings window.
+    void tellI3(const QString& command) {
+        static_cast<void>(outputOf(QStringLiteral("i3-msg"),
+                                   {QStringLiteral("[id=%1] %2").arg(settingsID()).arg(command)},
+                                   desktop.session().environment()));
+    }
+    /// Puts the settings window out of sight, as its user would.
+    void minimise() {
+        const XInspector::Window window = settings();
+        // Out of sight is i3's scratchpad.
+        if (GetParam() == WindowManagerKind::i3)
+            tellI3(QStringLiteral("move scratchpad"));
+        else
+            use({QStringLiteral("windowminimize"), settingsID()});
+        ASSERT_TRUE(waitUntil([&] { return desktop.inspector().activeWindow() != window; }));
+    }
+    /// Puts the settings window on the second desktop, the user staying on the first.
+    void sendToAnotherDesktop() {
+        if (GetParam() == WindowManagerKind::i3) {
+            tellI3(QStringLiteral("move container to workspace 2"));
+        } else {
+            use({QStringLiteral("set_num_desktops"), QStringLiteral("2")});
+            use({QStringLiteral("set_desktop_for_window"), settingsID(), QStringLiteral("1")});
+        }
+        XInspector& look = desktop.inspector();
+        ASSERT_TRUE(waitUntil([&] {
+            return look.property(settings(), "_NET_WM_DESKTOP") == std::vector<quint32>{1} &&
+                   look.property(look.root(), "_NET_CURRENT_DESKTOP") == std::vector<quint32>{0};
+        }));
+    }
 
     ShellDesktop desktop{GetParam()};
 };
@@ -66,13 +96,11 @@ TEST_P(SettingsUnder, ComesForwardFromBehindMinimisedAndFromAnotherDesktop) {
     chooseSettings();
     EXPECT_TRUE(isForward()) << "from behind";
 
-    use({QStringLiteral("windowminimize"), settingsID()});
-    ASSERT_TRUE(waitUntil([&] { return desktop.inspector().activeWindow() != window; }));
+    minimise();
     chooseSettings();
     EXPECT_TRUE(isForward()) << "from the taskbar";
 
-    use({QStringLiteral("set_num_desktops"), QStringLiteral("2")});
-    use({QStringLiteral("set_desktop_for_window"), settingsID(), QStringLiteral("1")});
+    sendToAnotherDesktop();
     chooseSettings();
     EXPECT_TRUE(isForward()) << "from another desktop";
     EXPECT_EQ(settings(), window) << "it is the same window";
@@ -81,8 +109,9 @@ TEST_P(SettingsUnder, ComesForwardFromBehindMinimisedAndFromAnotherDesktop) {
 INSTANTIATE_TEST_SUITE_P(, SettingsUnder,
                          ::testing::Values(WindowManagerKind::openbox, WindowManagerKind::xfwm4,
                                            WindowManagerKind::kwin, WindowManagerKind::marco,
-                                           WindowManagerKind::mutter, WindowManagerKind::icewm,
-                                           WindowManagerKind::fluxbox),
+                                           WindowManagerKind::mutter, WindowManagerKind::muffin,
+                                           WindowManagerKind::icewm, WindowManagerKind::fluxbox,
+                                           WindowManagerKind::i3),
                          [](const auto& parameter) { return std::string(name(parameter.param)); });
 
 } // namespace tilewright::testing

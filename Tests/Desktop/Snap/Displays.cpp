@@ -7,6 +7,7 @@
 #include <X11/X11Desktop.h>
 
 #include <QDir>
+#include <QRegularExpression>
 #include <gtest/gtest.h>
 
 namespace tilewright::testing {
@@ -40,6 +41,20 @@ void splitIntoMonitors(DesktopSession& desktop, const QRect& left, const QRect& 
     };
     setMonitor("LEFT", left, "screen");
     setMonitor("RIGHT", right, "none");
+}
+
+std::vector<QRect> monitors(const DesktopSession& desktop) {
+    const QString list = outputOf(QStringLiteral("xrandr"), {QStringLiteral("--listmonitors")},
+                                  desktop.environment());
+    static const QRegularExpression geometry(
+        QStringLiteral(R"( (\d+)/\d+x(\d+)/\d+\+(\d+)\+(\d+) )"));
+    std::vector<QRect> found;
+    for (auto all = geometry.globalMatch(list); all.hasNext();) {
+        const auto match = all.next();
+        found.emplace_back(match.captured(3).toInt(), match.captured(4).toInt(),
+                           match.captured(1).toInt(), match.captured(2).toInt());
+    }
+    return found;
 }
 
 void assignLayouts(DesktopSession& desktop, const std::vector<ZoneLayout>& layouts) {

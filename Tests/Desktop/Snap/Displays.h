@@ -15,6 +15,9 @@ namespace tilewright::testing {
 /// Splits an Xvfb screen into two monitors, for whoever asks RandR. Waits until it is done.
 void splitIntoMonitors(DesktopSession& desktop, const QRect& left, const QRect& right);
 
+/// The monitors that RandR tells of, in its order: the primary first, where there is one.
+[[nodiscard]] std::vector<QRect> monitors(const DesktopSession& desktop);
+
 /// Writes a layouts file in which the displays, the primary first, use these layouts. Before the
 /// program starts.
 void assignLayouts(DesktopSession& desktop, const std::vector<ZoneLayout>& layouts);

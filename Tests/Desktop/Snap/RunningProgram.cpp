@@ -21,6 +21,7 @@ quint32 keyFor(const QString& modifier) {
 RunningProgram::RunningProgram(DesktopSession& desktop, const QString& modifier,
                                const std::map<QString, QString>& environment)
     : desktop_(desktop)
+    , end_(End::withThisObject)
     , modifier_(modifier) {
     const QString folder = desktop.home() + QStringLiteral("/.config/Tilewright");
     QDir().mkpath(folder);
@@ -32,8 +33,18 @@ RunningProgram::RunningProgram(DesktopSession& desktop, const QString& modifier,
     waitUntilReady();
 }
 
+RunningProgram::RunningProgram(DesktopSession& desktop, Subprocess& process,
+                               const QString& modifier)
+    : desktop_(desktop)
+    , end_(End::elsewhere)
+    , process_(&process)
+    , modifier_(modifier) {
+    waitUntilReady();
+}
+
 RunningProgram::~RunningProgram() {
-    process_->stop();
+    if (end_ == End::withThisObject)
+        process_->stop();
 }
 
 quint32 RunningProgram::key() const {

@@ -8,13 +8,16 @@
 
 namespace tilewright::testing {
 
-/// The real program, running in a test's desktop. It ends with this object.
+/// The real program, running in a test's desktop.
 class RunningProgram {
 public:
     /// Starts it with this key as the user's choice ("control", "shift", "option", "command"), and
-    /// waits until it answers to a drag. Fails the running test when it does not.
+    /// waits until it answers to a drag. Fails the running test when it does not. The program ends
+    /// with this object.
     explicit RunningProgram(DesktopSession& desktop, const QString& modifier = defaultModifier(),
                             const std::map<QString, QString>& environment = {});
+    /// The same for a program that somebody else has started, and ends.
+    RunningProgram(DesktopSession& desktop, Subprocess& process, const QString& modifier);
     RunningProgram(const RunningProgram&) = delete;
     RunningProgram& operator=(const RunningProgram&) = delete;
     ~RunningProgram();
@@ -34,9 +37,12 @@ public:
     [[nodiscard]] quint32 key() const;
 
 private:
+    enum class End { withThisObject, elsewhere };
+
     void waitUntilReady();
 
     DesktopSession& desktop_;
+    const End end_;
     Subprocess* process_;
     QString modifier_;
     mutable XInspector::Window overlay_ = 0;

@@ -1,0 +1,57 @@
+// Where the desktop lacks what window control needs: the way that the Accessibility tab shows.
+
+#include "ShellUser.h"
+
+#include <Waiting.h>
+
+#include <QDir>
+#include <QFile>
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace tilewright::testing {
+namespace {
+
+class GuidanceOnScreen : public ::testing::Test {
+protected:
+    /// Puts a document handler of the test's own before those of the machine: it notes what it is
+    /// asked to open.
+    QString pathWithHandler() {
+        const QString folder = desktop.session().home() + u"/bin"_s;
+        QDir().mkpath(folder);
+        QFile handler(folder + u"/xdg-open"_s);
+        EXPECT_TRUE(handler.open(QIODevice::WriteOnly));
+        handler.write("#!/bin/sh\necho \"$1\" > '" + notes().toUtf8() + ".new'\nmv '" +
+                      notes().toUtf8() + ".new' '" + notes().toUtf8() + "'\n");
+        handler.close();
+        QFile::setPermissions(handler.fileName(),
+                              QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        return folder + u':' + desktop.session().environment().value(u"PATH"_s);
+    }
+    [[nodiscard]] QString notes() { return desktop.session().home() + u"/opened"_s; }
+
+    ShellDesktop desktop;
+};
+
+} // namespace
+
+TEST_F(GuidanceOnScreen, TheAccessibilityTabOpensAPageThatSaysWhatAWaylandSessionLacks) {
+    desktop.startTray(TrayHost::systemTray);
+    ShellUser user(desktop);
+    const Subprocess& program =
+        user.startProgram({{u"XDG_SESSION_TYPE"_s, u"wayland"_s}, {u"PATH"_s, pathWithHandler()}});
+    user.openSettings(u"Accessibility"_s);
+    user.click(u"push button"_s, u"Open Privacy & Security Settings"_s);
+    ASSERT_TRUE(waitUntil([&] { return QFile::exists(notes()); }));
+    QFile note(notes());
+    ASSERT_TRUE(note.open(QIODevice::ReadOnly));
+    const QString page = QString::fromUtf8(note.readAll()).trimmed();
+    EXPECT_TRUE(page.endsWith(u"/tilewright/help/x11-session.html"_s)) << page.toStdString();
+    QFile opened(page);
+    ASSERT_TRUE(opened.open(QIODevice::ReadOnly)) << page.toStdString();
+    EXPECT_TRUE(opened.readAll().contains("Windows can be moved in an X11 session only."));
+    EXPECT_TRUE(program.isRunning());
+}
+
+} // namespace tilewright::testing
