@@ -159,7 +159,7 @@ TEST(ApplicationsOfAWaylandSession, AreToldThatAnX11SessionIsNeeded) {
     const auto connection = X11Connection::open(desktop.display());
     FakeMainLoop loop;
     FakeUserNotifications notifications;
-    X11Desktop x11(*connection, loop, notifications, true);
+    X11Desktop x11(*connection, loop, notifications, true, {});
     EXPECT_FALSE(x11.accessibility().isTrusted());
     x11.workspace().openAccessibilitySettings();
     ASSERT_EQ(notifications.shown.size(), 1U);

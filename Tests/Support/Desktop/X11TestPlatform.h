@@ -12,7 +12,7 @@ class X11TestPlatform final : public Platform {
 public:
     explicit X11TestPlatform(const QString& display)
         : connection_(X11Connection::open(display))
-        , desktop_(*connection_, loop_, fakes_.fakeUserNotifications, false)
+        , desktop_(*connection_, loop_, fakes_.fakeUserNotifications, false, {})
         , installation_(*this) {}
 
     X11Screens& screens() override { return desktop_.screens(); }

@@ -46,9 +46,11 @@ void FreeDesktopGuidance::show(const Topic& topic) {
 
 void FreeDesktopGuidance::addIfInstalled(std::vector<Command>& commands, const QString& program,
                                          const QStringList& arguments) const {
-    // Never an empty list of folders, which would mean this process's own.
     const QStringList folders =
-        environment_.value(QStringLiteral("PATH"), QStringLiteral("/usr/bin:/bin")).split(u':');
+        environment_.value(QStringLiteral("PATH")).split(u':', Qt::SkipEmptyParts);
+    // An empty list would mean this process's own folders.
+    if (folders.isEmpty())
+        return;
     const QString path = QStandardPaths::findExecutable(program, folders);
     if (!path.isEmpty())
         commands.push_back(Command{path} + arguments);

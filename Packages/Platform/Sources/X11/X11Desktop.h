@@ -13,11 +13,13 @@
 namespace tilewright {
 
 /// The displays, the pointer and the windows of an X screen, put together. Main thread only; the
-/// arguments have to outlive it.
+/// arguments have to outlive it, but for the environment: the one in which other programs are found
+/// and started.
 class X11Desktop {
 public:
     X11Desktop(X11Connection& connection, MainLoop& loop, UserNotifications& notifications,
-               bool isWaylandSession = X11Trust::isWaylandSession())
+               bool isWaylandSession = X11Trust::isWaylandSession(),
+               const QProcessEnvironment& environment = QProcessEnvironment::systemEnvironment())
         : selection_(connection)
         , windowManager_(connection, selection_)
         , activeWindow_(connection, selection_)
@@ -28,7 +30,7 @@ public:
                        [this] { return screens_.coordinates(); })
         , trust_(connection, windowManager_, loop, notifications, isWaylandSession)
         , accessibility_(connection, screens_, trust_, activeWindow_, frameSetter_)
-        , guidance_(notifications)
+        , guidance_(notifications, environment)
         , screenMotionWish_(connection, selection_)
         , workspace_(connection, activeWindow_, compositor_, trust_, guidance_, screenMotionWish_,
                      sessionMotionWish_) {}

@@ -140,6 +140,14 @@ TEST_F(Guidance, NotifiesWhereAHandlerCannotBeStarted) {
     EXPECT_EQ(notifications.shown, QStringList(QStringLiteral("Title|Text")));
 }
 
+TEST_F(Guidance, NotifiesWhereTheEnvironmentNamesNoPrograms) {
+    for (const QString& nothing : {QString(), QStringLiteral(":")}) {
+        environment.insert(QStringLiteral("PATH"), nothing);
+        guidance().show(topic);
+    }
+    EXPECT_EQ(notifications.shown.size(), 2);
+}
+
 TEST_F(Guidance, NotifiesWhereThePageIsMissing) {
     install("xdg-open");
     QFile::remove(page());
