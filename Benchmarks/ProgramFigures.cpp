@@ -1,0 +1,74 @@
+// Measures the whole program as its user meets it, on an X server of its own, under openbox with
+// tint2 as the tray's host: how soon its item shows, what it holds in memory, how often it wakes
+// while nobody uses it. Takes about a minute and a half. See Documentation/performance.md.
+
+#include <ProcessFigures.h>
+#include <ShellDesktop.h>
+#include <Waiting.h>
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QThread>
+#include <algorithm>
+#include <cstdio>
+#include <gtest/gtest.h>
+
+namespace tilewright::testing {
+namespace {
+
+constexpr int starts = 9;
+constexpr unsigned long idleSeconds = 60;
+
+void printMemory(const char* when, pid_t program) {
+    const ProcessFigures figures = processFigures(program);
+    std::printf("memory %-40s resident %5.1f MiB, of it private %5.1f MiB\n", when,
+                double(figures.residentKiB) / 1024, double(figures.privateKiB) / 1024);
+    std::fflush(stdout);
+}
+
+void measure() {
+    ShellDesktop desktop;
+    desktop.startTray(TrayHost::systemTray);
+    std::vector<double> times;
+    times.reserve(starts);
+    for (int start = 0; start < starts; ++start) {
+        QElapsedTimer clock;
+        clock.start();
+        Subprocess& program = desktop.startProgram();
+        while (clock.elapsed() < 20'000 && !desktop.showsItem()) {
+        }
+        times.push_back(double(clock.nsecsElapsed()) / 1e6);
+        program.stop();
+        static_cast<void>(waitUntil([&] { return !desktop.showsItem(); }));
+    }
+    std::sort(times.begin(), times.end());
+    std::printf("start to the item on the bar: median %.0f ms, longest %.0f ms, of %d\n",
+                times[times.size() / 2], times.back(), starts);
+
+    Subprocess& program = desktop.startProgram();
+    static_cast<void>(desktop.item());
+    QThread::sleep(2);
+    printMemory("at rest, nothing opened yet:", program.pid());
+    const ProcessFigures before = processFigures(program.pid());
+    QThread::sleep(idleSeconds);
+    const ProcessFigures after = processFigures(program.pid());
+    std::printf("wake-ups in %lu idle seconds: %ld, processor time %.1f ms\n", idleSeconds,
+                after.voluntarySwitches - before.voluntarySwitches,
+                double(after.cpuMicroseconds - before.cpuMicroseconds) / 1e3);
+    const QRect panel = desktop.openPanel();
+    printMemory("with the panel open:", program.pid());
+    desktop.input().click(ShellDesktop::settingsButton(panel));
+    static_cast<void>(waitUntil([&] { return desktop.settingsWindow().has_value(); }));
+    QThread::sleep(1);
+    printMemory("with the settings open:", program.pid());
+}
+
+} // namespace
+} // namespace tilewright::testing
+
+int main(int argc, char** argv) {
+    ::testing::InitGoogleTest(&argc, argv);
+    const QCoreApplication application(argc, argv);
+    tilewright::testing::measure();
+    return 0;
+}

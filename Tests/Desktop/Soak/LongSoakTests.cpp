@@ -1,0 +1,13 @@
+#include "MixedSoak.h"
+
+#include <gtest/gtest.h>
+
+namespace tilewright::testing {
+namespace {
+
+TEST(LongSoak, TenThousandDragsOpeningsEditsAndSessionsLeaveNothingBehind) {
+    expectNothingPilesUpInUse({.batches = 40, .roundsPerBatch = 20, .bytesPerEvent = 160});
+}
+
+} // namespace
+} // namespace tilewright::testing
