@@ -18,13 +18,21 @@ std::string text(const QRect& rectangle) {
 
 } // namespace
 
-QPoint DragScript::grip(const TestClient& client) const {
+DragScript::Grip DragScript::gripOf(const TestClient& client) const {
     const XInspector& inspector = desktop_.inspector();
-    const QRect outer = inspector.outerFrame(client.window);
-    const QRect inner = inspector.clientFrame(client.window);
+    QRect outer;
+    QRect inner;
+    // The two belong together only where the window has not moved between them.
+    EXPECT_TRUE(waitUntil([&] {
+        outer = inspector.outerFrame(client.window);
+        inner = inspector.clientFrame(client.window);
+        return outer == inspector.outerFrame(client.window);
+    }));
     const int bar = inner.y() - outer.y();
     // A window without the window manager's bar draws its own.
-    return {outer.x() + outer.width() / 3, outer.y() + (bar > 4 ? bar / 2 : 20)};
+    const bool isOwn = bar <= 4;
+    return {QPoint(outer.x() + outer.width() / 3, outer.y() + (isOwn ? 20 : bar / 2)),
+            isOwn ? Bar::ofTheClient : Bar::ofTheWindowManager};
 }
 
 void DragScript::grab(const TestClient& client, KeyTiming timing) {
@@ -34,28 +42,49 @@ void DragScript::grab(const TestClient& client, KeyTiming timing) {
     EXPECT_TRUE(waitUntil([&] {
         const QRect frame = inspector.outerFrame(client.window);
         return frame.width() > 100 && inspector.isMapped(client.window);
-    }));
-    const QPoint from = grip(client);
+    })) << desktop_.describe();
+    const auto [from, bar] = gripOf(client);
+    const QRect before = inspector.outerFrame(client.window);
     input.move(from);
     if (timing == KeyTiming::beforeThePress)
-        input.pressKey(program_.key());
+        program_.pressKey();
     input.press();
     input.glide(from, from + QPoint(24, 12), 6);
     if (timing == KeyTiming::afterTheDragBegan)
-        input.pressKey(program_.key());
+        program_.pressKey();
     isKeyDown_ = true;
     // The window is captured at the first move that the program hears of: still above the window,
     // even where the window manager leaves it in its place.
-    const QPoint here = input.position();
+    const QPoint here = from + QPoint(24, 12);
+    place_ = here;
     EXPECT_TRUE(waitUntil([&] {
         input.move(here + QPoint(2, 0));
         input.move(here);
         return program_.overlayShows();
-    })) << "the overlay does not show";
+    })) << "the overlay does not show"
+        << desktop_.describe();
+    // It is the client that asks the window manager for the move then, when it has read what the
+    // mouse did: were it slower than the whole drag, it would ask when the button is up again, and
+    // the window manager would go on moving the window without an end.
+    if (bar == Bar::ofTheClient) {
+        // Some move it by what the mouse has done since the request, not since the press. Some do
+        // not move it at all, such as a maximised one: nothing is late there.
+        constexpr std::chrono::milliseconds longEnough(1500);
+        bool isFarther = false;
+        static_cast<void>(waitUntil(
+            [&] {
+                isFarther = !isFarther;
+                input.move(isFarther ? here + QPoint(20, 8) : here);
+                return inspector.outerFrame(client.window) != before;
+            },
+            longEnough));
+        input.move(here);
+    }
 }
 
 void DragScript::dragTo(QPoint target, int steps) {
-    desktop_.input().glide(desktop_.input().position(), target, steps);
+    desktop_.input().glide(place_, target, steps);
+    place_ = target;
 }
 
 void DragScript::releaseButton() {
@@ -64,12 +93,13 @@ void DragScript::releaseButton() {
 
 void DragScript::releaseKey() {
     if (isKeyDown_)
-        desktop_.input().releaseKey(program_.key());
+        program_.releaseKey();
     isKeyDown_ = false;
 }
 
 void DragScript::expectOverlayGone() {
-    EXPECT_TRUE(waitUntil([&] { return !program_.overlayShows(); })) << "the overlay stays";
+    EXPECT_TRUE(waitUntil([&] { return !program_.overlayShows(); }))
+        << "the overlay stays" << desktop_.describe();
 }
 
 void DragScript::drop() {
@@ -110,7 +140,8 @@ void expectFills(const XInspector& inspector, ClientKind kind, const TestClient&
         return now.topLeft() == frame.topLeft() && short_.width() >= 0 && short_.height() >= 0 &&
                short_.width() < slack.width() && short_.height() < slack.height();
     })) << name(kind)
-        << ": asked for " << text(frame) << ", is " << text(inspector.outerFrame(client.window));
+        << ": asked for " << text(frame) << ", is " << text(inspector.outerFrame(client.window))
+        << "; " << inspector.describe();
 }
 
 } // namespace tilewright::testing

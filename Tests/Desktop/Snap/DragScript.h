@@ -34,11 +34,19 @@ public:
     void run(const TestClient& client, KeyTiming timing, QPoint target);
 
 private:
-    [[nodiscard]] QPoint grip(const TestClient& client) const;
+    /// Who draws the bar that a window is taken by.
+    enum class Bar { ofTheWindowManager, ofTheClient };
+    struct Grip {
+        QPoint place;
+        Bar bar;
+    };
+    [[nodiscard]] Grip gripOf(const TestClient& client) const;
 
     DesktopSession& desktop_;
     RunningProgram& program_;
     bool isKeyDown_ = false;
+    /// Where the hand is: the server says otherwise while somebody keeps the pointer frozen.
+    QPoint place_;
 };
 
 /// The part of the screen that panels leave free, as the window manager tells it; for one monitor.

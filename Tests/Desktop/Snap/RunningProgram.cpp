@@ -51,6 +51,21 @@ quint32 RunningProgram::key() const {
     return keyFor(modifier_);
 }
 
+void RunningProgram::pressKey() {
+    desktop_.input().pressKey(key());
+    expectModifierHeld(true);
+}
+
+void RunningProgram::releaseKey() {
+    desktop_.input().releaseKey(key());
+    expectModifierHeld(false);
+}
+
+void RunningProgram::expectModifierHeld(bool isHeld) {
+    EXPECT_TRUE(waitUntil([&] { return desktop_.inspector().isModifierHeld() == isHeld; }))
+        << "the keyboard is frozen" << desktop_.describe();
+}
+
 XInspector::Window RunningProgram::overlay() const {
     const XInspector& inspector = desktop_.inspector();
     if (overlay_ != 0 && inspector.exists(overlay_))
@@ -75,11 +90,12 @@ void RunningProgram::waitUntilReady() {
     const QSize screen = desktop_.inspector().screenSize();
     const QPoint emptyPlace(screen.width() / 4, screen.height() - 40);
     // It tells nobody that it listens: drag over the empty desktop until it does.
+    bool shown = false;
     const bool answers = waitUntil([&] {
         input.move(emptyPlace);
         // The button first: with the key held, a press belongs to some window managers.
         input.press();
-        input.pressKey(key());
+        pressKey();
         const bool shows = waitUntil(
             [&] {
                 input.move(emptyPlace + QPoint(3, 0));
@@ -88,17 +104,15 @@ void RunningProgram::waitUntilReady() {
             },
             std::chrono::milliseconds(300));
         // The key first: nothing is snapped.
-        input.releaseKey(key());
+        releaseKey();
         const bool isHidden = waitUntil([&] { return !overlayShows(); });
         input.release();
+        shown = shown || shows;
         return shows && isHidden;
     });
-    EXPECT_TRUE(answers) << "the program does not answer to a drag; it printed:\n"
-                         <<
-        [&] {
-            QFile log(desktop_.logFile());
-            return log.open(QIODevice::ReadOnly) ? log.readAll().toStdString() : std::string();
-        }();
+    EXPECT_TRUE(answers) << "the program does not answer to a drag: "
+                         << (shown ? "the overlay stays" : "the overlay never showed")
+                         << (isRunning() ? "" : ", the program has ended") << desktop_.describe();
 }
 
 } // namespace tilewright::testing

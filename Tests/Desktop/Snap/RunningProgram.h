@@ -35,11 +35,18 @@ public:
 
     /// The key that the program was told to answer to.
     [[nodiscard]] quint32 key() const;
+    /// Presses or lets go of this key, and waits until the server counts it so: a window manager
+    /// that has grabbed the key freezes the keyboard until it has looked at it, and one that is
+    /// slow would see what the mouse does next before the key. Fails the running test when it never
+    /// does.
+    void pressKey();
+    void releaseKey();
 
 private:
     enum class End { withThisObject, elsewhere };
 
     void waitUntilReady();
+    void expectModifierHeld(bool isHeld);
 
     DesktopSession& desktop_;
     const End end_;

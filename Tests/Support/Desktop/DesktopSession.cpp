@@ -5,6 +5,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace tilewright::testing {
@@ -130,6 +131,19 @@ QString DesktopSession::logFile() const {
     return folder_.filePath(QStringLiteral("programs.log"));
 }
 
+std::string DesktopSession::describe() {
+    std::string text = "\n" + inspector_->describe();
+    text += windowManager_.isRunning() ? "the window manager runs" : "no window manager runs";
+    text += compositor_.isRunning() ? ", picom runs\n" : "\n";
+    constexpr qint64 lastPart = 2000;
+    QFile log(logFile());
+    if (log.open(QIODevice::ReadOnly)) {
+        log.seek(std::max<qint64>(0, log.size() - lastPart));
+        text += "the programs printed:\n" + log.readAll().toStdString();
+    }
+    return text;
+}
+
 void DesktopSession::setUpEnvironment() {
     const QProcessEnvironment outer = QProcessEnvironment::systemEnvironment();
     for (const char* kept : {"PATH", "LANG", "LD_LIBRARY_PATH", "ASAN_OPTIONS", "UBSAN_OPTIONS",
@@ -173,11 +187,20 @@ void DesktopSession::writeWindowManagerConfiguration() const {
     // Asks nothing at its first start.
     writeFile(home + QStringLiteral("/.fluxbox/init"),
               "session.screen0.toolbar.visible: true\nsession.screen0.workspacewarping: false\n"
+              "session.screen0.opaqueMove: true\n"
               "session.configVersion: 13\n");
+    // Its own keys take Control with the mouse on a title bar for the gathering of windows into
+    // tabs, and it holds the whole server meanwhile.
+    writeFile(home + QStringLiteral("/.fluxbox/keys"),
+              "OnTitlebar Mouse1 :MacroCmd {Raise} {Focus} {ActivateTab}\n"
+              "OnTitlebar Move1 :StartMoving\n");
     // No wallpaper: where it finds no program to draw one, it says so in a window of its own.
     writeFile(home + QStringLiteral("/.fluxbox/overlay"), "background: none\n");
     writeFile(home + QStringLiteral("/.config/glib-2.0/settings/keyfile"),
-              "[org/gnome/mutter]\nedge-tiling=true\n[org/cinnamon/muffin]\nedge-tiling=true\n"
+              // The shell's own key freezes the keyboard until the shell has looked at it; a button
+              // pressed meanwhile, and mutter, with no shell around it, forgets to thaw it.
+              "[org/gnome/mutter]\nedge-tiling=true\noverlay-key=''\n"
+              "[org/cinnamon/muffin]\nedge-tiling=true\noverlay-key=''\n"
               "[org/mate/Marco/general]\nallow-tiling=true\n");
 }
 

@@ -66,6 +66,8 @@ public:
     [[nodiscard]] Subprocess& windowManager() { return windowManager_; }
     /// Where programs started here print to, for the message of a failed test.
     [[nodiscard]] QString logFile() const;
+    /// What the desktop looks like now and what its programs have printed, for the same purpose.
+    [[nodiscard]] std::string describe();
 
 private:
     void setUpEnvironment();

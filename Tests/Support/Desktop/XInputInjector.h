@@ -35,6 +35,8 @@ public:
     void type(const QString& text);
 
     [[nodiscard]] QPoint position() const;
+    /// Its connection, on which a server can be held without stopping it.
+    [[nodiscard]] xcb_connection_t* connection() const { return connection_; }
 
 private:
     void fake(quint8 type, quint8 detail, QPoint at = {});

@@ -3,6 +3,7 @@
 #include <QColor>
 #include <cstdlib>
 #include <cstring>
+#include <sstream>
 #include <xcb/xcb.h>
 
 namespace tilewright::testing {
@@ -189,6 +190,14 @@ XInspector::Window XInspector::inputFocus() const {
     return reply ? reply->focus : 0;
 }
 
+bool XInspector::isModifierHeld() const {
+    const ReplyPtr<xcb_query_pointer_reply_t> reply(
+        xcb_query_pointer_reply(connection_, xcb_query_pointer(connection_, root()), nullptr));
+    constexpr unsigned modifiers =
+        XCB_MOD_MASK_SHIFT | XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1 | XCB_MOD_MASK_4;
+    return reply && (reply->mask & modifiers) != 0;
+}
+
 bool XInspector::hasWindowManager() const {
     const auto check = property(root(), "_NET_SUPPORTING_WM_CHECK");
     return !check.empty() && exists(check.front()) &&
@@ -199,6 +208,47 @@ bool XInspector::hasCompositor() const {
     const ReplyPtr<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
         connection_, xcb_get_selection_owner(connection_, atom("_NET_WM_CM_S0")), nullptr));
     return reply && reply->owner != 0;
+}
+
+QByteArray XInspector::atomName(quint32 atom) const {
+    const ReplyPtr<xcb_get_atom_name_reply_t> reply(
+        xcb_get_atom_name_reply(connection_, xcb_get_atom_name(connection_, atom), nullptr));
+    return reply ? QByteArray(xcb_get_atom_name_name(reply.get()),
+                              xcb_get_atom_name_name_length(reply.get()))
+                 : QByteArray("?");
+}
+
+std::string XInspector::describe(Window window) const {
+    const QRect outer = outerFrame(window);
+    std::ostringstream text;
+    text << "  " << window << " \"" << title(window).toStdString() << "\" process "
+         << processID(window) << ", " << outer.width() << "x" << outer.height() << " at "
+         << outer.x() << "," << outer.y() << (isMapped(window) ? "" : ", not viewable")
+         << (isOverrideRedirect(window) ? ", override-redirect" : "");
+    if (const auto state = property(window, "WM_STATE"); !state.empty())
+        text << ", WM_STATE " << state.front();
+    for (const quint32 state : property(window, "_NET_WM_STATE"))
+        text << " " << atomName(state).toStdString();
+    text << "\n";
+    return text.str();
+}
+
+std::string XInspector::describe() const {
+    std::ostringstream text;
+    const ReplyPtr<xcb_query_pointer_reply_t> pointer(
+        xcb_query_pointer_reply(connection_, xcb_query_pointer(connection_, root()), nullptr));
+    if (!pointer)
+        return "the X server does not answer\n";
+    text << "pointer at " << pointer->root_x << "," << pointer->root_y << " above "
+         << pointer->child << ", buttons and keys 0x" << std::hex << pointer->mask << std::dec
+         << "; active " << activeWindow() << ", focus " << inputFocus() << "; compositor "
+         << (hasCompositor() ? "yes" : "no") << "; windows:\n";
+    for (const Window window : allWindows()) {
+        const bool isClient = !property(window, "WM_STATE").empty();
+        if (isClient || (isOverrideRedirect(window) && isMapped(window)))
+            text << describe(window);
+    }
+    return text.str();
 }
 
 QImage XInspector::screenshot(QRect area) const {

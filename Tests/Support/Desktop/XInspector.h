@@ -61,16 +61,26 @@ public:
     [[nodiscard]] Window activeWindow() const;
     /// The window with the X input focus.
     [[nodiscard]] Window inputFocus() const;
+    /// Whether the server counts any of the modifier keys as held. Not yet, or still, while
+    /// somebody keeps the keyboard frozen.
+    [[nodiscard]] bool isModifierHeld() const;
     /// Whether a window manager runs that follows the extended hints.
     [[nodiscard]] bool hasWindowManager() const;
     /// Whether a compositing manager runs.
     [[nodiscard]] bool hasCompositor() const;
+
+    /// Pointer, buttons and keys, focus, active window, and every window with its frame and states:
+    /// for the message of a failed test.
+    [[nodiscard]] std::string describe() const;
 
     /// What is on the screen now; of the whole screen when the rectangle is empty.
     [[nodiscard]] QImage screenshot(QRect area = {}) const;
     [[nodiscard]] QColor pixel(QPoint point) const;
 
 private:
+    [[nodiscard]] std::string describe(Window window) const;
+    [[nodiscard]] QByteArray atomName(quint32 atom) const;
+
     xcb_connection_t* connection_ = nullptr;
     const xcb_screen_t* screen_ = nullptr;
 };
