@@ -161,6 +161,34 @@ TEST(WindowFaults, AServerHeldByAnotherClientIsWaitedForWithABoundOnly) {
     bench.expectNextSnapWorks();
 }
 
+TEST(WindowFaults, AFrameAskedForWhileTheServerIsHeldIsSetWhenItIsFreeAgain) {
+    FaultBench bench;
+    const auto client = bench.makeClient();
+    const auto element = WindowManager::shared().windowElementAtScreenPoint(
+        appKitCentre(*bench.platform, bench.desktop.inspector().outerFrame(client->window())));
+    ASSERT_TRUE(element.has_value());
+    const Zone zone = ZoneLayout::halves().zones[1];
+    QSignalSpy answersAgain(&bench.platform->connection(), &X11Connection::answersAgain);
+    xcb_connection_t* holder = bench.desktop.inspector().connection();
+    xcb_grab_server(holder);
+    EXPECT_NE(bench.desktop.inspector().inputFocus(), ~0U); // A round trip: the grab holds.
+    EXPECT_NO_THROW(WindowManager::shared().snap(*element, zone, bench.screen()));
+    EXPECT_TRUE(bench.platform->connection().isStuck());
+    // Nothing that could not be read has been taken for gone.
+    EXPECT_TRUE(bench.platform->accessibility().isTrusted());
+    EXPECT_EQ(bench.platform->screens().all().size(), 1U);
+    EXPECT_EQ(answersAgain.count(), 0);
+    xcb_ungrab_server(holder);
+    xcb_flush(holder);
+    EXPECT_TRUE(waitUntil([&] {
+        return bench.desktop.inspector().outerFrame(client->window()) ==
+               pixelsOf(zone, bench.screen());
+    }));
+    EXPECT_EQ(answersAgain.count(), 1);
+    EXPECT_FALSE(bench.platform->connection().isStuck());
+    EXPECT_TRUE(settle(*bench.platform));
+}
+
 TEST(WindowFaults, ALostServerIsToldOnceAndEveryCallFails) {
     FaultBench bench;
     const auto client = bench.makeClient();

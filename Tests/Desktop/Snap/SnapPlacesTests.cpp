@@ -88,6 +88,29 @@ TEST_F(SnapPlaces, TheOverlayFollowsThePointerToAMonitorWithAnotherLayout) {
     expectFills(inspector, ClientKind::qt, client, third);
 }
 
+TEST(SnapOnTwoOutputs, EachHasItsOwnLayoutAndADragGoesFromOneToTheOther) {
+    DesktopSession desktop(XServer::twoOutputs());
+    ASSERT_TRUE(desktop.startWindowManager(WindowManagerKind::openbox));
+    const XInspector& inspector = desktop.inspector();
+    const QSize screen = inspector.screenSize();
+    const QRect left(0, 0, screen.width() / 2, screen.height());
+    const QRect right = left.translated(left.width(), 0);
+    assignLayouts(desktop, {ZoneLayout::thirds(), ZoneLayout::quadrants()});
+    RunningProgram program(desktop);
+    DragScript script(desktop, program);
+    const TestClient client = startClient(desktop, ClientKind::qt, {300, 200, 400, 300});
+    script.grab(client, KeyTiming::afterTheDragBegan);
+    EXPECT_TRUE(waitUntil([&] { return inspector.clientFrame(program.overlay()) == left; }));
+    const QRect quadrant = zoneFrame(ZoneLayout::quadrants().zones[2], right);
+    script.dragTo(quadrant.center());
+    EXPECT_TRUE(waitUntil([&] { return inspector.clientFrame(program.overlay()) == right; }));
+    script.drop();
+    expectFills(inspector, ClientKind::qt, client, quadrant);
+    const QRect third = zoneFrame(ZoneLayout::thirds().zones[1], left);
+    script.run(client, KeyTiming::afterTheDragBegan, third.center());
+    expectFills(inspector, ClientKind::qt, client, third);
+}
+
 TEST_F(SnapPlaces, BetweenTwoMonitorsTheOverlayStaysAsItWas) {
     const QRect left(0, 0, 900, 1080);
     const QRect right(1020, 0, 900, 1080);

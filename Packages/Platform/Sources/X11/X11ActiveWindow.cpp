@@ -21,6 +21,8 @@ X11ActiveWindow::X11ActiveWindow(X11Connection& connection, X11EventSelection& s
                                                    connection_.atom(X11Atom::netActiveWindow))
                                                activeChanged();
                                        });
+    QObject::connect(&connection_, &X11Connection::answersAgain, &context_,
+                     [this] { activeChanged(); });
     announced_ = noteActive(requestActive());
 }
 
@@ -80,6 +82,9 @@ std::optional<xcb_window_t> X11ActiveWindow::lastActive() {
         return before;
     while (!visits_.empty()) {
         const xcb_window_t window = visits_.front().window;
+        // A window that the server could not tell of is not gone for that.
+        if (connection_.isStuck())
+            return window;
         if (takeExists(requestProperty(connection_, window, X11Atom::wmState, 2)))
             return window;
         visits_.pop_front();

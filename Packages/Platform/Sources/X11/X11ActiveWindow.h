@@ -35,6 +35,8 @@ private:
     [[nodiscard]] bool takeExists(xcb_get_property_cookie_t state) const;
 
     X11Connection& connection_;
+    /// Ends the connection to its signals.
+    QObject context_;
     X11EventSelection::Interest rootInterest_;
     X11Listener rootListener_;
     std::function<void()> onChange_;

@@ -6,7 +6,7 @@ namespace tilewright {
 
 X11Compositor::X11Compositor(X11Connection& connection)
     : connection_(connection)
-    , selection_(connection.intern(connection.screenName("_NET_WM_CM_S"))) {
+    , selection_(connection.compositorSelection()) {
     if (connection_.xfixes().isPresent) {
         listener_ = connection_.listen(
             X11EventFilter::type(static_cast<std::uint8_t>(connection_.xfixes().firstEvent +
@@ -23,9 +23,14 @@ X11Compositor::X11Compositor(X11Connection& connection)
                 XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
     }
     // After the selection of events: nothing is missed between the two.
+    connect(&connection_, &X11Connection::answersAgain, this, [this] { update(readIsRunning()); });
+    isRunning_ = readIsRunning();
+}
+
+bool X11Compositor::readIsRunning() {
     const auto owner = connection_.reply<xcb_get_selection_owner_reply_t>(
         xcb_get_selection_owner(connection_.xcb(), selection_));
-    isRunning_ = owner && owner->owner != XCB_NONE;
+    return owner ? owner->owner != XCB_NONE : isRunning_;
 }
 
 void X11Compositor::update(bool isRunning) {

@@ -20,6 +20,8 @@ Q_SIGNALS:
 
 private:
     void update(bool isRunning);
+    /// As it was known where the server does not answer.
+    [[nodiscard]] bool readIsRunning();
 
     X11Connection& connection_;
     xcb_atom_t selection_ = XCB_ATOM_NONE;

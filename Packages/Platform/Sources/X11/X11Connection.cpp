@@ -112,6 +112,37 @@ void X11Listener::reset() {
     entry_.reset();
 }
 
+struct X11AwaitedReply::Entry {
+    unsigned int sequence;
+    std::function<void(void*)> handler;
+    X11Reply<void> answer;
+    bool isAnswered = false;
+    bool isWanted = true;
+};
+
+X11AwaitedReply& X11AwaitedReply::operator=(X11AwaitedReply&& other) noexcept {
+    if (this != &other) {
+        reset();
+        entry_ = std::move(other.entry_);
+    }
+    return *this;
+}
+
+X11AwaitedReply::~X11AwaitedReply() {
+    reset();
+}
+
+bool X11AwaitedReply::isAwaited() const {
+    return entry_ && entry_->isWanted;
+}
+
+void X11AwaitedReply::reset() {
+    // The connection drops the entry, and the reply, when its turn comes.
+    if (entry_)
+        entry_->isWanted = false;
+    entry_.reset();
+}
+
 bool X11EventFilter::matches(const xcb_generic_event_t& event) const {
     switch (kind) {
     case Kind::type:
@@ -162,19 +193,35 @@ X11Connection::~X11Connection() {
     xcb_disconnect(connection_);
 }
 
+template<class Reply, class Cookie>
+X11Reply<Reply> X11Connection::firstReply(Cookie cookie) {
+    // Connecting has waited for the server without a bound; what these answers say is taken for
+    // good, so that none of them may be missed.
+    xcb_generic_error_t* error = nullptr;
+    void* answer = xcb_wait_for_reply(connection_, cookie.sequence, &error);
+    std::free(error);
+    return X11Reply<Reply>(static_cast<Reply*>(answer));
+}
+
 void X11Connection::queryServer() {
     for (xcb_extension_t* id :
          {&xcb_randr_id, &xcb_shape_id, &xcb_xfixes_id, &xcb_input_id, &xcb_xkb_id})
         xcb_prefetch_extension_data(connection_, id);
+    const QByteArray compositorName = "_NET_WM_CM_S" + QByteArray::number(screenNumber_);
+    const auto compositorCookie =
+        xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(compositorName.size()),
+                        compositorName.constData());
     std::array<xcb_intern_atom_cookie_t, atomNames.size()> atomCookies{};
     for (std::size_t i = 0; i < atomNames.size(); ++i) {
         const auto length = static_cast<std::uint16_t>(std::strlen(atomNames[i]));
         atomCookies[i] = xcb_intern_atom(connection_, 0, length, atomNames[i]);
     }
     for (std::size_t i = 0; i < atomNames.size(); ++i) {
-        if (const auto answer = reply<xcb_intern_atom_reply_t>(atomCookies[i]))
+        if (const auto answer = firstReply<xcb_intern_atom_reply_t>(atomCookies[i]))
             atoms_[i] = answer->atom;
     }
+    if (const auto answer = firstReply<xcb_intern_atom_reply_t>(compositorCookie))
+        compositorSelection_ = answer->atom;
 
     randr_ = presence(connection_, xcb_randr_id);
     shape_ = presence(connection_, xcb_shape_id);
@@ -193,15 +240,15 @@ void X11Connection::queryServer() {
     const auto xkb = xkb_.isPresent ? xcb_xkb_use_extension(connection_, 1, 0)
                                     : xcb_xkb_use_extension_cookie_t{};
     if (randr_.isPresent)
-        setVersion(randr_, reply<xcb_randr_query_version_reply_t>(randr));
+        setVersion(randr_, firstReply<xcb_randr_query_version_reply_t>(randr));
     if (shape_.isPresent)
-        setVersion(shape_, reply<xcb_shape_query_version_reply_t>(shape));
+        setVersion(shape_, firstReply<xcb_shape_query_version_reply_t>(shape));
     if (xfixes_.isPresent)
-        setVersion(xfixes_, reply<xcb_xfixes_query_version_reply_t>(xfixes));
+        setVersion(xfixes_, firstReply<xcb_xfixes_query_version_reply_t>(xfixes));
     if (xinput_.isPresent)
-        setVersion(xinput_, reply<xcb_input_xi_query_version_reply_t>(xinput));
+        setVersion(xinput_, firstReply<xcb_input_xi_query_version_reply_t>(xinput));
     if (xkb_.isPresent) {
-        const auto answer = reply<xcb_xkb_use_extension_reply_t>(xkb);
+        const auto answer = firstReply<xcb_xkb_use_extension_reply_t>(xkb);
         xkb_.isPresent = answer && answer->supported;
         xkb_.majorVersion = answer ? answer->serverMajor : 0;
         xkb_.minorVersion = answer ? answer->serverMinor : 0;
@@ -212,10 +259,6 @@ xcb_atom_t X11Connection::intern(const QByteArray& name) {
     const auto answer = reply<xcb_intern_atom_reply_t>(
         xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(name.size()), name.constData()));
     return answer ? answer->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE);
-}
-
-QByteArray X11Connection::screenName(const char* prefix) const {
-    return QByteArray(prefix) + QByteArray::number(screenNumber_);
 }
 
 bool X11Connection::isAlive() const {
@@ -250,9 +293,7 @@ void* X11Connection::waitForReply(unsigned int sequence) {
     flush();
     if (xcb_total_written(connection_) != writtenBefore)
         ++roundTrips_;
-    const auto deadline =
-        std::chrono::steady_clock::now() +
-        (isStuck_ ? std::chrono::milliseconds(stuckBound) : std::chrono::milliseconds(replyBound));
+    const auto deadline = std::chrono::steady_clock::now() + patience();
     void* answer = nullptr;
     xcb_generic_error_t* error = nullptr;
     bool isAnswered = true;
@@ -263,11 +304,31 @@ void* X11Connection::waitForReply(unsigned int sequence) {
             break;
         }
     }
-    isStuck_ = !isAnswered;
     std::free(error);
+    if (!isAnswered)
+        noticeStuck();
     // Reading the reply may have read events too; the descriptor does not tell of those.
     stashQueuedEvents();
     return answer;
+}
+
+std::chrono::milliseconds X11Connection::patience() {
+    if (!isStuck_)
+        return replyBound;
+    // It may have caught up without the event loop having come round to saying so.
+    takeAnswers();
+    return catchingUp_.entry_->isAnswered ? replyBound : stuckBound;
+}
+
+void X11Connection::noticeStuck() {
+    if (std::exchange(isStuck_, true))
+        return;
+    catchingUp_ = whenAnswered<xcb_get_input_focus_reply_t>(xcb_get_input_focus(connection_),
+                                                            [this](const auto& answer) {
+                                                                isStuck_ = false;
+                                                                if (answer)
+                                                                    Q_EMIT answersAgain();
+                                                            });
 }
 
 bool X11Connection::waitForSocket(std::chrono::steady_clock::time_point deadline) const {
@@ -293,10 +354,53 @@ X11Listener X11Connection::listen(const X11EventFilter& filter, EventHandler han
     return X11Listener(std::move(entry));
 }
 
-void X11Connection::stashQueuedEvents() {
+X11AwaitedReply X11Connection::await(unsigned int sequence, std::function<void(void*)> handler) {
+    auto entry = std::make_shared<X11AwaitedReply::Entry>();
+    entry->sequence = sequence;
+    entry->handler = std::move(handler);
+    awaited_.push_back(entry);
+    flush();
+    return X11AwaitedReply(std::move(entry));
+}
+
+void X11Connection::takeAnswers() {
+    for (const auto& entry : awaited_) {
+        if (entry->isAnswered)
+            continue;
+        void* answer = nullptr;
+        xcb_generic_error_t* error = nullptr;
+        if (xcb_poll_for_reply(connection_, entry->sequence, &answer, &error) == 0)
+            break;
+        std::free(error);
+        entry->answer.reset(answer);
+        entry->isAnswered = true;
+    }
+    // Looking for a reply may read events too; the descriptor does not tell of those.
     while (xcb_generic_event_t* event = xcb_poll_for_queued_event(connection_))
         stash_.emplace_back(event);
-    if (!stash_.empty())
+}
+
+bool X11Connection::isAnswerNext() const {
+    if (awaited_.empty() || !awaited_.front()->isAnswered)
+        return false;
+    if (stash_.empty())
+        return true;
+    // An event bears the number of the request that the server had done last.
+    const auto lead =
+        static_cast<std::int32_t>(stash_.front()->full_sequence - awaited_.front()->sequence);
+    return lead >= 0;
+}
+
+void X11Connection::handOverAnswer() {
+    const std::shared_ptr<X11AwaitedReply::Entry> entry = std::move(awaited_.front());
+    awaited_.pop_front();
+    if (std::exchange(entry->isWanted, false))
+        entry->handler(entry->answer.release());
+}
+
+void X11Connection::stashQueuedEvents() {
+    takeAnswers();
+    if (!stash_.empty() || isAnswerNext())
         scheduleDispatch();
     noticeLoss();
 }
@@ -317,12 +421,19 @@ void X11Connection::scheduleDispatch() {
 void X11Connection::dispatchEvents() {
     while (xcb_generic_event_t* event = xcb_poll_for_event(connection_))
         stash_.emplace_back(event);
+    takeAnswers();
     bool dispatchedAny = false;
-    while (!stash_.empty()) {
-        const X11Reply<xcb_generic_event_t> event = std::move(stash_.front());
-        stash_.pop_front();
-        dispatch(*event);
-        dispatchedAny = true;
+    for (;;) {
+        if (isAnswerNext()) {
+            handOverAnswer();
+        } else if (!stash_.empty()) {
+            const X11Reply<xcb_generic_event_t> event = std::move(stash_.front());
+            stash_.pop_front();
+            dispatch(*event);
+            dispatchedAny = true;
+        } else {
+            break;
+        }
     }
     if (dispatchedAny)
         Q_EMIT eventsDispatched();

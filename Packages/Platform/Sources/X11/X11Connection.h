@@ -90,6 +90,28 @@ private:
     std::shared_ptr<Entry> entry_;
 };
 
+/// Stands for a reply that has been asked for and is not waited for. Once this is gone the reply's
+/// handler is not called any more. May be destroyed in any handler, and after the connection.
+class X11AwaitedReply {
+public:
+    X11AwaitedReply() = default;
+    X11AwaitedReply(X11AwaitedReply&&) noexcept = default;
+    X11AwaitedReply& operator=(X11AwaitedReply&& other) noexcept;
+    ~X11AwaitedReply();
+
+    /// Whether the reply has yet to come.
+    [[nodiscard]] bool isAwaited() const;
+    /// Does without the reply.
+    void reset();
+
+private:
+    friend class X11Connection;
+    struct Entry;
+    explicit X11AwaitedReply(std::shared_ptr<Entry> entry)
+        : entry_(std::move(entry)) {}
+    std::shared_ptr<Entry> entry_;
+};
+
 /// This program's own connection to an X server, apart from the toolkit's.
 ///
 /// Events are handed to listeners from the event loop, never from within a request. Requests fail
@@ -119,8 +141,8 @@ public:
     }
     /// Interns an atom whose name is known at run time only; none on failure.
     [[nodiscard]] xcb_atom_t intern(const QByteArray& name);
-    /// A name such as "WM_S0" that carries this connection's screen number.
-    [[nodiscard]] QByteArray screenName(const char* prefix) const;
+    /// The selection whose owner composites this connection's screen.
+    [[nodiscard]] xcb_atom_t compositorSelection() const { return compositorSelection_; }
 
     [[nodiscard]] const X11Extension& randr() const { return randr_; }
     [[nodiscard]] const X11Extension& shape() const { return shape_; }
@@ -128,6 +150,9 @@ public:
     [[nodiscard]] const X11Extension& xinput() const { return xinput_; }
     [[nodiscard]] const X11Extension& xkb() const { return xkb_; }
 
+    /// Whether the server owes an answer that was waited for in vain. What is read meanwhile says
+    /// nothing: whoever keeps a state leaves it as it is and reads again upon `answersAgain`.
+    [[nodiscard]] bool isStuck() const { return isStuck_; }
     /// Whether the server is still there.
     [[nodiscard]] bool isAlive() const;
 
@@ -137,6 +162,16 @@ public:
     template<class Reply, class Cookie>
     [[nodiscard]] X11Reply<Reply> reply(Cookie cookie) {
         return X11Reply<Reply>(static_cast<Reply*>(waitForReply(cookie.sequence)));
+    }
+    /// Hands over a request's reply from the event loop, however long the server takes: after the
+    /// events that the server sent before it, and before those that it sent after it. Null when the
+    /// request failed or the connection is lost. `Cookie` is the request's cookie.
+    template<class Reply, class Cookie>
+    [[nodiscard]] X11AwaitedReply whenAnswered(Cookie cookie,
+                                               std::function<void(X11Reply<Reply>)> handler) {
+        return await(cookie.sequence, [handler = std::move(handler)](void* answer) {
+            handler(X11Reply<Reply>(static_cast<Reply*>(answer)));
+        });
     }
     /// Waits for the outcome of a checked request without a reply: whether the server did it.
     bool check(xcb_void_cookie_t cookie);
@@ -160,6 +195,8 @@ Q_SIGNALS:
     /// The events that had arrived together have all been handed out: the moment to act once upon
     /// a burst.
     void eventsDispatched();
+    /// The server has come to answer again after it had been found stuck. Sent from the event loop.
+    void answersAgain();
     /// The server is gone. Sent once; all requests fail from now on.
     void connectionLost();
 
@@ -168,6 +205,15 @@ private:
 
     void queryServer();
     [[nodiscard]] void* waitForReply(unsigned int sequence);
+    [[nodiscard]] std::chrono::milliseconds patience();
+    /// The handler owns the reply that it is given.
+    [[nodiscard]] X11AwaitedReply await(unsigned int sequence, std::function<void(void*)> handler);
+    void takeAnswers();
+    [[nodiscard]] bool isAnswerNext() const;
+    void handOverAnswer();
+    void noticeStuck();
+    template<class Reply, class Cookie>
+    [[nodiscard]] X11Reply<Reply> firstReply(Cookie cookie);
     [[nodiscard]] bool waitForSocket(std::chrono::steady_clock::time_point deadline) const;
     void stashQueuedEvents();
     void scheduleDispatch();
@@ -178,6 +224,7 @@ private:
     int screenNumber_;
     const xcb_screen_t* screen_ = nullptr;
     X11AtomTable atoms_{};
+    xcb_atom_t compositorSelection_ = XCB_ATOM_NONE;
     X11Extension randr_;
     X11Extension shape_;
     X11Extension xfixes_;
@@ -186,11 +233,15 @@ private:
     std::unique_ptr<QSocketNotifier> notifier_;
     std::deque<X11Reply<xcb_generic_event_t>> stash_;
     std::vector<std::shared_ptr<X11Listener::Entry>> listeners_;
+    /// In the order of their requests, which is the order of their replies.
+    std::deque<std::shared_ptr<X11AwaitedReply::Entry>> awaited_;
     std::function<void()> waitObserver_;
     std::uint64_t roundTrips_ = 0;
     int dispatchDepth_ = 0;
     bool isDispatchScheduled_ = false;
     bool isStuck_ = false;
+    /// Comes when the server has caught up with what it owes.
+    X11AwaitedReply catchingUp_;
     bool isLost_ = false;
 };
 

@@ -11,8 +11,6 @@ constexpr std::uint32_t rawButtons =
     XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_RELEASE;
 constexpr std::uint32_t rawMotion = XCB_INPUT_XI_EVENT_MASK_RAW_MOTION;
 
-/// How often the queue is read again because more arrived while the server was asked.
-constexpr int mostReadings = 8;
 /// How deep windows are nested at most between the root and one of an application.
 constexpr int mostWindowLevels = 8;
 
@@ -29,10 +27,18 @@ ModifierFlags modifierFlags(unsigned int keyMask) {
     return ModifierFlags(bits);
 }
 
+std::optional<X11InputServerState> stateFrom(const X11Reply<xcb_query_pointer_reply_t>& answer) {
+    if (!answer)
+        return std::nullopt;
+    return X11InputServerState{(answer->mask & XCB_BUTTON_MASK_1) != 0,
+                               modifierFlags(answer->mask)};
+}
+
 } // namespace
 
-X11EventMonitors::X11EventMonitors(X11Connection& connection, Own own)
+X11EventMonitors::X11EventMonitors(X11Connection& connection, X11Pointer& pointer, Own own)
     : connection_(connection)
+    , pointer_(pointer)
     , own_(std::move(own))
     , state_(*this) {}
 
@@ -89,11 +95,19 @@ void X11EventMonitors::startWatching() {
                 readButtonMapping();
         }));
     settling_ = QObject::connect(&connection_, &X11Connection::eventsDispatched, &connection_,
-                                 [this] { settle(); });
+                                 [this] { askServer(); });
+    catchingUp_ =
+        QObject::connect(&connection_, &X11Connection::answersAgain, &connection_, [this] {
+            readButtonMapping();
+            hasNews_ = true;
+            askServer();
+        });
     selectModifierEvents(true);
     selectRawEvents(rawButtons);
     readButtonMapping();
-    state_.start(serverState().value_or(X11InputServerState{}));
+    const auto pointer = connection_.reply<xcb_query_pointer_reply_t>(
+        xcb_query_pointer(connection_.xcb(), connection_.root()));
+    state_.start(stateFrom(pointer).value_or(X11InputServerState{}));
     selectRawEvents(state_.isLeftButtonDown() ? rawButtons | rawMotion : rawButtons);
 }
 
@@ -102,7 +116,9 @@ void X11EventMonitors::stopWatching() {
         return;
     isWatching_ = false;
     hasNews_ = false;
+    answer_.reset();
     QObject::disconnect(settling_);
+    QObject::disconnect(catchingUp_);
     listeners_.clear();
     selectModifierEvents(false);
     selectRawEvents(0);
@@ -152,21 +168,27 @@ void X11EventMonitors::handleKeyboard(const xcb_generic_event_t& event) {
     hasNews_ = true;
 }
 
-void X11EventMonitors::settle() {
-    if (isSettling_ || !hasNews_)
+void X11EventMonitors::askServer() {
+    if (!hasNews_ || answer_.isAwaited())
         return;
-    isSettling_ = true;
-    // The answer is newer than the events heard so far: what came before it is read first.
-    std::optional<X11InputServerState> server;
-    for (int reading = 0; hasNews_ && reading < mostReadings; ++reading) {
-        hasNews_ = false;
-        server = serverState();
-        connection_.dispatchEvents();
-    }
+    // What moves after a press must not be missed while the answer is on its way.
+    if (state_.isLeftButtonDown())
+        selectRawEvents(rawButtons | rawMotion);
+    answer_ = connection_.whenAnswered<xcb_query_pointer_reply_t>(
+        xcb_query_pointer(connection_.xcb(), connection_.root()),
+        [this](const auto& answer) { settle(answer); });
+}
+
+void X11EventMonitors::settle(const X11Reply<xcb_query_pointer_reply_t>& answer) {
+    // All that the server told before it answered has been heard by now.
     hasNews_ = false;
-    state_.settle(server);
-    isSettling_ = false;
+    state_.settle(stateFrom(answer));
     selectRawEvents(state_.isLeftButtonDown() ? rawButtons | rawMotion : rawButtons);
+    // Motion that follows must not be missed, whatever the handlers do first.
+    connection_.flush();
+    std::optional<X11Pointer::Known> known;
+    if (answer && answer->same_screen != 0)
+        known.emplace(pointer_, QPoint(answer->root_x, answer->root_y));
     deliver();
 }
 
@@ -192,15 +214,6 @@ void X11EventMonitors::readButtonMapping() {
         return;
     const std::uint8_t* map = xcb_get_pointer_mapping_map(mapping.get());
     buttonMapping_.assign(map, map + xcb_get_pointer_mapping_map_length(mapping.get()));
-}
-
-std::optional<X11InputServerState> X11EventMonitors::serverState() {
-    const auto pointer = connection_.reply<xcb_query_pointer_reply_t>(
-        xcb_query_pointer(connection_.xcb(), connection_.root()));
-    if (!pointer)
-        return std::nullopt;
-    return X11InputServerState{(pointer->mask & XCB_BUTTON_MASK_1) != 0,
-                               modifierFlags(pointer->mask)};
 }
 
 bool X11EventMonitors::isOwn(xcb_window_t window) const {

@@ -2,6 +2,7 @@
 
 #include "X11Connection.h"
 #include "X11InputState.h"
+#include "X11Pointer.h"
 
 #include <Platform/EventMonitors.h>
 
@@ -16,8 +17,9 @@ namespace tilewright {
 /// while a window manager or another program holds a grab.
 ///
 /// Without a monitor nothing is selected; motion only while the left button is held. Several moves
-/// that wait together are one dragged event. Monitors are refused where the server lacks what is
-/// needed.
+/// that wait together are one dragged event. Events are handed out once the server has said how
+/// keys, buttons and pointer stand after them, however long it takes: while a handler runs, the
+/// pointer is where that answer has it. Monitors are refused where the server lacks what is needed.
 class X11EventMonitors final : public EventMonitors, private X11InputServer {
 public:
     /// Which windows are this application's own.
@@ -28,8 +30,8 @@ public:
         std::function<bool()> hasGrab;
     };
 
-    /// The connection has to outlive the monitors.
-    X11EventMonitors(X11Connection& connection, Own own);
+    /// The connection and the pointer have to outlive the monitors.
+    X11EventMonitors(X11Connection& connection, X11Pointer& pointer, Own own);
     ~X11EventMonitors() override;
 
     std::optional<MonitorToken> addGlobalMonitor(EventMask mask, Handler handler) override;
@@ -53,10 +55,10 @@ private:
     void selectModifierEvents(bool isWanted);
     void handleRaw(const xcb_generic_event_t& event);
     void handleKeyboard(const xcb_generic_event_t& event);
-    void settle();
+    void askServer();
+    void settle(const X11Reply<xcb_query_pointer_reply_t>& answer);
     void deliver();
     void readButtonMapping();
-    [[nodiscard]] std::optional<X11InputServerState> serverState();
     [[nodiscard]] bool isOwn(xcb_window_t window) const;
 
     quint32 logicalButton(quint32 button) override;
@@ -64,17 +66,19 @@ private:
     X11InputOwner keyboardOwner() override;
 
     X11Connection& connection_;
+    X11Pointer& pointer_;
     Own own_;
     X11InputState state_;
     std::map<MonitorToken, std::shared_ptr<const Monitor>> monitors_;
     std::vector<X11Listener> listeners_;
     QMetaObject::Connection settling_;
+    QMetaObject::Connection catchingUp_;
     std::vector<std::uint8_t> buttonMapping_;
     std::uint32_t selectedRawEvents_ = 0;
     quint64 lastToken_ = 0;
     bool isWatching_ = false;
     bool hasNews_ = false;
-    bool isSettling_ = false;
+    X11AwaitedReply answer_;
 };
 
 } // namespace tilewright

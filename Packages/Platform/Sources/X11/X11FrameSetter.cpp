@@ -28,6 +28,7 @@ X11FrameSetter::X11FrameSetter(X11Connection& connection, X11EventSelection& sel
     connect(&connection_, &X11Connection::eventsDispatched, this, &X11FrameSetter::lookAtChanged);
     connect(&windowManager_, &X11WindowManagerWatch::changed, this,
             &X11FrameSetter::windowManagerChanged);
+    connect(&connection_, &X11Connection::answersAgain, this, &X11FrameSetter::answersAgain);
     windowManagerChanged();
 }
 
@@ -53,8 +54,11 @@ X11FrameSetter::Pending* X11FrameSetter::pendingFor(xcb_window_t window, AXError
     const auto aliveCookie = windowManager_.requestIsAlive();
     X11WindowFacts facts = readWindowFacts(connection_, window);
     const bool isManagerAlive = windowManager_.takeIsAlive(aliveCookie);
-    if (!facts.exists)
-        error = facts.isUnknown ? AXError::cannotComplete : AXError::invalidUIElement;
+    const bool isUnknown = connection_.isStuck();
+    if (isUnknown)
+        facts.isUnknown = true;
+    else if (!facts.exists)
+        error = connection_.isAlive() ? AXError::invalidUIElement : AXError::cannotComplete;
     else if (!isManagerAlive)
         error = AXError::cannotComplete;
     else if (!facts.isManaged)
@@ -72,8 +76,18 @@ void X11FrameSetter::commit(xcb_window_t window) {
     const auto found = pending_.find(window);
     if (found == pending_.end())
         return;
+    if (found->second.facts.isUnknown)
+        found->second.facts = readWindowFacts(connection_, window);
+    if (connection_.isStuck()) {
+        found->second.facts.isUnknown = true;
+        return;
+    }
     const Pending pending = found->second;
     pending_.erase(found);
+    if (!pending.facts.exists || !pending.facts.isManaged) {
+        Q_EMIT finished(window);
+        return;
+    }
     const X11Coordinates coordinates = coordinates_();
     const QRect outer = pending.facts.outerFrame();
     const AXPoint position = pending.position.value_or(coordinates.toAX(outer.topLeft()));
@@ -120,6 +134,24 @@ void X11FrameSetter::windowEvent(xcb_window_t window, const xcb_generic_event_t&
     }
 }
 
+void X11FrameSetter::answersAgain() {
+    std::vector<xcb_window_t> waiting;
+    waiting.reserve(pending_.size());
+    for (const auto& [window, pending] : pending_)
+        waiting.push_back(window);
+    for (const xcb_window_t window : waiting)
+        commit(window);
+    std::vector<xcb_window_t> overdue;
+    for (auto& [window, running] : running_) {
+        running.isDirty = true;
+        if (std::exchange(running.isOverdue, false))
+            overdue.push_back(window);
+    }
+    lookAtChanged();
+    for (const xcb_window_t window : overdue)
+        timePassed(window);
+}
+
 void X11FrameSetter::lookAtChanged() {
     std::vector<xcb_window_t> changed;
     for (auto& [window, running] : running_) {
@@ -143,6 +175,10 @@ void X11FrameSetter::timePassed(xcb_window_t window) {
     const auto found = running_.find(window);
     if (found == running_.end())
         return;
+    if (connection_.isStuck()) {
+        found->second.isOverdue = true;
+        return;
+    }
     if (facts.exists && facts.isManaged)
         perform(window, found->second.placement.timePassed(facts));
     else

@@ -28,8 +28,9 @@ public:
                    std::function<X11Coordinates()> coordinates);
     ~X11FrameSetter() override;
 
-    /// Notes the outer frame's top-left corner. Answers what one round trip can know: whether the
-    /// window exists, is managed, and somebody manages it.
+    /// Notes the outer frame's top-left corner. Answers what one bounded round trip can know:
+    /// whether the window exists, is managed, and somebody manages it. Where the server does not
+    /// answer in time nothing speaks against it: the frame is set when the server does.
     AXError setPosition(xcb_window_t window, AXPoint position);
     /// Notes the outer frame's size. Answers like `setPosition`.
     AXError setSize(xcb_window_t window, AXSize size);
@@ -43,6 +44,7 @@ Q_SIGNALS:
 
 private:
     struct Pending {
+        /// Unknown where the server does not answer: read when it does.
         X11WindowFacts facts;
         std::optional<AXPoint> position;
         std::optional<AXSize> size;
@@ -55,10 +57,13 @@ private:
         /// Tells when the window manager has come to what was asked.
         std::unique_ptr<X11Marker> marker;
         bool isDirty = false;
+        /// Its time has passed while the server did not answer.
+        bool isOverdue = false;
     };
 
     [[nodiscard]] Pending* pendingFor(xcb_window_t window, AXError& error);
     void commit(xcb_window_t window);
+    void answersAgain();
     void start(xcb_window_t window, const QRect& goal, const X11WindowFacts& facts);
     void windowEvent(xcb_window_t window, const xcb_generic_event_t& event);
     void lookAtChanged();

@@ -10,7 +10,8 @@ namespace tilewright {
 X11MotionWish::X11MotionWish(X11Connection& connection, X11EventSelection& selection)
     : connection_(connection)
     , selection_(selection)
-    , managerSelection_(connection.intern(connection.screenName("_XSETTINGS_S"))) {
+    , managerSelection_(
+          connection.intern("_XSETTINGS_S" + QByteArray::number(connection.screenNumber()))) {
     if (connection_.xfixes().isPresent) {
         selectionListener_ = connection_.listen(
             X11EventFilter::type(static_cast<std::uint8_t>(connection_.xfixes().firstEvent +

@@ -208,9 +208,10 @@ void X11OverlaySurface::setBlur(const QRegion& region) {
 }
 
 void X11OverlaySurface::readBlurOffer() {
-    isBlurOffered_ = false;
-    if (rendering_ != OverlayRendering::translucent)
+    if (rendering_ != OverlayRendering::translucent) {
+        isBlurOffered_ = false;
         return;
+    }
     // A compositor that can blur names the property on the root window.
     const auto properties = connection_.reply<xcb_list_properties_reply_t>(
         xcb_list_properties(connection_.xcb(), connection_.root()));

@@ -42,7 +42,8 @@ struct X11Platform::Parts {
     X11ScreenSaver screenSaver{*connection};
     InhibitingPowerAssertions powerAssertions{mainLoop, &screenSaver};
     X11Desktop desktop{*connection, mainLoop, userNotifications};
-    X11EventMonitors eventMonitors{*connection, {x11toolkit::ownsWindow, x11toolkit::hasGrab}};
+    X11EventMonitors eventMonitors{
+        *connection, desktop.pointer(), {x11toolkit::ownsWindow, x11toolkit::hasGrab}};
     std::optional<FreeDesktopStatusItem> statusItem;
 };
 

@@ -6,7 +6,8 @@
 
 namespace tilewright {
 
-/// The X server's pointer: the centre of the pixel it is on.
+/// The X server's pointer: the centre of the pixel it is on. A bounded round trip each time, unless
+/// whoever handles input has just learnt the place (`Known`).
 class X11Pointer final : public Pointer {
 public:
     X11Pointer(X11Connection& connection, const X11Screens& screens)
@@ -15,10 +16,25 @@ public:
 
     AppKitPoint location() const override;
 
+    /// While it lives, the pointer is where an answer of the server has it and nobody asks again:
+    /// input that is being handled and the place belong together. Not nested.
+    class Known {
+    public:
+        /// In pixels of the X screen. The pointer has to outlive this.
+        Known(X11Pointer& pointer, QPoint place);
+        Known(const Known&) = delete;
+        Known& operator=(const Known&) = delete;
+        ~Known();
+
+    private:
+        X11Pointer& pointer_;
+    };
+
 private:
     X11Connection& connection_;
     const X11Screens& screens_;
     mutable QPoint lastPlace_;
+    bool isKnown_ = false;
 };
 
 } // namespace tilewright

@@ -48,6 +48,10 @@ X11Screens::X11Screens(X11Connection& connection, X11EventSelection& selection,
         if (std::exchange(areClientsDirty_, false))
             lookAtClients();
     });
+    connect(&connection_, &X11Connection::answersAgain, this, [this] {
+        lookAtClients();
+        refresh();
+    });
     lookAtClients();
     refresh();
 }
@@ -98,6 +102,8 @@ void X11Screens::workAreasChanged() {
 void X11Screens::lookAtClients() {
     const auto list = takeItems(connection_, requestProperty(connection_, connection_.root(),
                                                              X11Atom::netClientList, 4096));
+    if (connection_.isStuck())
+        return;
     bool havePanelsChanged = false;
     std::erase_if(clients_, [&](const auto& entry) {
         if (std::find(list.begin(), list.end(), entry.first) != list.end())
@@ -126,6 +132,8 @@ void X11Screens::lookAtClients() {
             types.end();
         const bool hasPartial = !takeItems(connection_, newcomer.partial).empty();
         const bool hasWhole = !takeItems(connection_, newcomer.whole).empty();
+        if (connection_.isStuck())
+            return;
         Client& client = clients_[newcomer.window];
         client.isPanel = isDock || hasPartial || hasWhole;
         if (!client.isPanel)
@@ -256,8 +264,6 @@ X11WorkAreaHints X11Screens::readWorkAreas(QSize screen) {
 
 void X11Screens::refresh() {
     const QSize screenSize = readScreenSize();
-    if (screenSize.isEmpty())
-        return; // The server does not answer: the last state stands until it does.
     std::vector<Monitor> monitors;
     if (connection_.randr().isAtLeast(1, 5))
         monitors = readMonitors();
@@ -273,7 +279,11 @@ void X11Screens::refresh() {
         areas.push_back(monitor.area);
         displays.push_back({monitor.connector, monitor.edid});
     }
-    const auto visible = visibleAreas(areas, screenSize, readWorkAreas(screenSize));
+    const X11WorkAreaHints hints = readWorkAreas(screenSize);
+    // The server does not answer: the last state stands until it does.
+    if (screenSize.isEmpty() || connection_.isStuck())
+        return;
+    const auto visible = visibleAreas(areas, screenSize, hints);
     const auto keys = keys_.update(displays);
     coordinates_ = areas.empty() ? X11Coordinates() : X11Coordinates(areas.front());
 

@@ -20,6 +20,7 @@ X11WindowManagerWatch::X11WindowManagerWatch(X11Connection& connection,
                 property == connection_.atom(X11Atom::netSupported))
                 refresh();
         });
+    connect(&connection_, &X11Connection::answersAgain, this, &X11WindowManagerWatch::refresh);
     refresh();
 }
 
@@ -43,6 +44,8 @@ void X11WindowManagerWatch::refresh() {
         requestProperty(connection_, connection_.root(), X11Atom::netSupported, 1024);
     const auto check = takeItems(connection_, checkCookie);
     auto supported = takeItems(connection_, supportedCookie);
+    if (connection_.isStuck())
+        return;
 
     xcb_window_t window = check.empty() ? static_cast<xcb_window_t>(XCB_NONE) : check[0];
     if (window != XCB_NONE) {
@@ -58,6 +61,8 @@ void X11WindowManagerWatch::refresh() {
         // What a dead window manager left behind names a window that is gone, or another's.
         const auto own = takeItems(
             connection_, requestProperty(connection_, window, X11Atom::netSupportingWmCheck, 1));
+        if (connection_.isStuck())
+            return;
         if (own.empty() || own[0] != window)
             window = XCB_NONE;
     }

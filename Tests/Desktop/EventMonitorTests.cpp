@@ -1,0 +1,201 @@
+// The monitors of input by themselves, on a real X server with real input.
+
+#include <DesktopSession.h>
+#include <Waiting.h>
+#include <X11/X11EventMonitors.h>
+#include <X11TestPlatform.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <xcb/xinput.h>
+
+using namespace tilewright;
+using namespace tilewright::testing;
+using ::testing::ElementsAre;
+
+namespace {
+
+constexpr EventMask all{EventType::leftMouseDown, EventType::leftMouseUp,
+                        EventType::leftMouseDragged, EventType::flagsChanged};
+
+struct EventMonitorsAlone : ::testing::Test {
+    EventMonitorsAlone() {
+        const std::uint8_t xinput = platform.connection().xinput().majorOpcode;
+        for (const int number :
+             {XCB_INPUT_RAW_BUTTON_PRESS, XCB_INPUT_RAW_BUTTON_RELEASE, XCB_INPUT_RAW_MOTION})
+            listeners.push_back(platform.connection().listen(
+                X11EventFilter::generic(xinput, static_cast<std::uint16_t>(number)),
+                [this](const auto&) { ++rawEvents; }));
+        listeners.push_back(platform.connection().listen(
+            X11EventFilter::type(platform.connection().xkb().firstEvent),
+            [this](const auto&) { ++keyEvents; }));
+    }
+    MonitorToken watch(EventMask mask = all) {
+        return monitors
+            .addGlobalMonitor(mask,
+                              [this](const Event& event) {
+                                  types.push_back(event.type);
+                                  flags = event.modifierFlags;
+                                  place = platform.pointer().location();
+                              })
+            .value();
+    }
+    /// What the server has sent so far has been handed out.
+    void catchUp() {
+        bool isAnswered = false;
+        const auto answer = platform.connection().whenAnswered<xcb_get_input_focus_reply_t>(
+            xcb_get_input_focus(platform.connection().xcb()),
+            [&](const auto&) { isAnswered = true; });
+        ASSERT_TRUE(waitUntil([&] { return isAnswered; }));
+    }
+    bool hasHeard(EventType type) const {
+        return std::find(types.begin(), types.end(), type) != types.end();
+    }
+
+    DesktopSession desktop;
+    XInputInjector& input = desktop.input();
+    X11TestPlatform platform{desktop.display()};
+    X11EventMonitors monitors{platform.connection(), platform.desktop().pointer(), {}};
+    std::vector<X11Listener> listeners;
+    std::vector<EventType> types;
+    ModifierFlags flags;
+    AppKitPoint place;
+    int rawEvents = 0;
+    int keyEvents = 0;
+};
+
+TEST_F(EventMonitorsAlone, HearNothingBeforeTheFirstMonitorAndAfterTheLast) {
+    const auto useEverything = [&] {
+        input.move({100, 100});
+        input.press();
+        input.pressKey(keysym::control);
+        input.move({120, 120});
+        input.releaseKey(keysym::control);
+        input.release();
+        catchUp();
+    };
+    useEverything();
+    EXPECT_EQ(rawEvents + keyEvents, 0);
+    const MonitorToken first = watch();
+    const MonitorToken second = watch();
+    monitors.removeMonitor(first);
+    useEverything();
+    ASSERT_TRUE(waitUntil([&] { return hasHeard(EventType::leftMouseUp); }));
+    monitors.removeMonitor(second);
+    // What was on its way when the last one went.
+    catchUp();
+    const int before = rawEvents + keyEvents;
+    EXPECT_GT(before, 0);
+    useEverything();
+    EXPECT_EQ(rawEvents + keyEvents, before);
+}
+
+TEST_F(EventMonitorsAlone, HearOfMotionOnlyWhileTheLeftButtonIsHeld) {
+    watch();
+    input.glide({100, 100}, {400, 400}, 50);
+    input.press(3);
+    input.move({420, 420});
+    input.release(3);
+    catchUp();
+    const int withoutButton = rawEvents;
+    // The right button's own press and release.
+    EXPECT_EQ(withoutButton, 2);
+    input.press();
+    ASSERT_TRUE(waitUntil([&] { return hasHeard(EventType::leftMouseDown); }));
+    // Motion is heard of from here on.
+    catchUp();
+    input.move({440, 440});
+    ASSERT_TRUE(waitUntil([&] { return hasHeard(EventType::leftMouseDragged); }));
+    input.release();
+    ASSERT_TRUE(waitUntil([&] { return hasHeard(EventType::leftMouseUp); }));
+    catchUp();
+    const int afterDrag = rawEvents;
+    input.glide({440, 440}, {100, 100}, 50);
+    catchUp();
+    EXPECT_EQ(rawEvents, afterDrag);
+}
+
+TEST_F(EventMonitorsAlone, TellOfAModifierOnlyWhereOneChanged) {
+    watch(EventMask{EventType::flagsChanged});
+    input.pressKey(keysym::control);
+    ASSERT_TRUE(waitUntil([&] { return types.size() == 1; }));
+    EXPECT_TRUE(flags.contains(ModifierFlag::control));
+    // An ordinary key, and a button: no modifier of ours changes.
+    input.tapKey('a');
+    input.click({200, 200});
+    input.releaseKey(keysym::control);
+    ASSERT_TRUE(waitUntil([&] { return types.size() == 2; }));
+    EXPECT_FALSE(flags.contains(ModifierFlag::control));
+    catchUp();
+    EXPECT_EQ(types.size(), 2U);
+}
+
+TEST_F(EventMonitorsAlone, ManyMovesThatWaitTogetherAreOneAndThePlaceIsTheLast) {
+    watch();
+    input.press();
+    ASSERT_TRUE(waitUntil([&] { return hasHeard(EventType::leftMouseDown); }));
+    // Motion is heard of from here on.
+    catchUp();
+    types.clear();
+    // Nobody turns the loop meanwhile: they wait together, the release behind them.
+    input.glide({100, 100}, {700, 500}, 300);
+    input.release();
+    ASSERT_TRUE(waitUntil([&] { return hasHeard(EventType::leftMouseUp); }));
+    EXPECT_THAT(types, ElementsAre(EventType::leftMouseDragged, EventType::leftMouseUp));
+    const double height = platform.screens().all().front()->frame().height;
+    EXPECT_EQ(place.x, 700.5);
+    EXPECT_EQ(place.y, height - 500.5);
+}
+
+TEST_F(EventMonitorsAlone, AMonitorMayRemoveItselfInItsHandler) {
+    int calls = 0;
+    std::optional<MonitorToken> own;
+    own = monitors.addGlobalMonitor(all, [&](const Event&) {
+        ++calls;
+        monitors.removeMonitor(*own);
+    });
+    const MonitorToken other = watch();
+    input.click({300, 300});
+    ASSERT_TRUE(waitUntil([&] { return hasHeard(EventType::leftMouseUp); }));
+    EXPECT_EQ(calls, 1);
+    monitors.removeMonitor(other);
+}
+
+TEST_F(EventMonitorsAlone, AnAnswerComesBetweenTheEventsBeforeAndAfterItsRequest) {
+    std::vector<std::string> order;
+    const xcb_window_t root = platform.connection().root();
+    const X11Listener listener =
+        platform.connection().listen(X11EventFilter::window(root), [&](const auto& event) {
+            if (eventType(event) == XCB_CLIENT_MESSAGE)
+                order.push_back(
+                    std::to_string(eventAs<xcb_client_message_event_t>(event).data.data32[0]));
+        });
+    const auto interest =
+        platform.desktop().selection().select(root, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
+    const auto send = [&](std::uint32_t number) {
+        xcb_client_message_event_t message{};
+        message.response_type = XCB_CLIENT_MESSAGE;
+        message.format = 32;
+        message.window = root;
+        message.data.data32[0] = number;
+        xcb_send_event(platform.connection().xcb(), 0, root, XCB_EVENT_MASK_STRUCTURE_NOTIFY,
+                       static_cast<const char*>(static_cast<const void*>(&message)));
+    };
+    send(1);
+    const auto answer = platform.connection().whenAnswered<xcb_get_input_focus_reply_t>(
+        xcb_get_input_focus(platform.connection().xcb()),
+        [&](const auto& reply) { order.push_back(reply ? "answer" : "none"); });
+    send(2);
+    {
+        // Nobody wants this one any more.
+        const auto dropped = platform.connection().whenAnswered<xcb_get_input_focus_reply_t>(
+            xcb_get_input_focus(platform.connection().xcb()),
+            [&](const auto&) { order.emplace_back("unwanted"); });
+    }
+    send(3);
+    platform.connection().flush();
+    ASSERT_TRUE(waitUntil([&] { return order.size() >= 4; }));
+    EXPECT_THAT(order, ElementsAre("1", "answer", "2", "3"));
+}
+
+} // namespace

@@ -1,0 +1,220 @@
+#include "DragScript.h"
+
+#include <BareClient.h>
+#include <Waiting.h>
+
+#include <QFile>
+#include <csignal>
+#include <gtest/gtest.h>
+
+namespace tilewright::testing {
+namespace {
+
+/// Drags under openbox while other programs do what they may: hold pointer and keyboard, hold the
+/// server, wait for clicks.
+struct SnapBesideOthers : ::testing::Test {
+    void SetUp() override { ASSERT_TRUE(desktop.startWindowManager(WindowManagerKind::openbox)); }
+
+    xcb_connection_t* connectTo() {
+        return other.emplace_back(Connection(xcb_connect(desktop.display().toLatin1(), nullptr)))
+            .get();
+    }
+    /// Whether a reply says that the pointer or keyboard was grabbed.
+    template<class Reply>
+    static bool isGrabbed(Reply* reply) {
+        const bool isSuccess = reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
+        std::free(reply); // NOLINT: xcb allocates with malloc
+        return isSuccess;
+    }
+    /// As screen lockers do.
+    bool grabAll(xcb_connection_t* locker) {
+        const quint32 root = inspector.root();
+        return waitUntil([&] {
+                   return isGrabbed(xcb_grab_pointer_reply(
+                       locker,
+                       xcb_grab_pointer(locker, 0, root, XCB_EVENT_MASK_BUTTON_PRESS,
+                                        XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC, XCB_NONE,
+                                        XCB_NONE, XCB_CURRENT_TIME),
+                       nullptr));
+               }) &&
+               waitUntil([&] {
+                   return isGrabbed(xcb_grab_keyboard_reply(
+                       locker,
+                       xcb_grab_keyboard(locker, 0, root, XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC,
+                                         XCB_GRAB_MODE_ASYNC),
+                       nullptr));
+               });
+    }
+    void ungrabAll(xcb_connection_t* locker) {
+        xcb_ungrab_pointer(locker, XCB_CURRENT_TIME);
+        xcb_ungrab_keyboard(locker, XCB_CURRENT_TIME);
+        xcb_flush(locker);
+    }
+    /// Moves about with button and key held until the overlay shows: the program is up to date
+    /// then.
+    void moveUntilTheOverlayShows(RunningProgram& program, QPoint place) {
+        EXPECT_TRUE(waitUntil([&] {
+            desktop.input().move(place + QPoint(2, 0));
+            desktop.input().move(place);
+            return program.overlayShows();
+        })) << desktop.describe();
+    }
+    TestClient openWindow() { return startClient(desktop, ClientKind::qt, {300, 200, 400, 300}); }
+    /// Nothing sticks: moves without a button show nothing, and the next drag snaps.
+    void expectNextDragSnaps(RunningProgram& program, const TestClient& client) {
+        DragScript script(desktop, program);
+        EXPECT_TRUE(waitUntil([&] { return !program.overlayShows(); })) << desktop.describe();
+        desktop.input().move({1200, 900});
+        const QRect zone = zoneFrame(ZoneLayout::bentoBox().zones[1], workArea(inspector));
+        script.run(client, KeyTiming::beforeThePress, zone.center());
+        expectFills(inspector, ClientKind::qt, client, zone);
+    }
+
+    struct Disconnect {
+        void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
+    };
+    using Connection = std::unique_ptr<xcb_connection_t, Disconnect>;
+
+    DesktopSession desktop;
+    XInspector& inspector = desktop.inspector();
+    std::vector<Connection> other;
+};
+
+TEST_F(SnapBesideOthers, APointerAndKeyboardGrabOverAWholeDragLeavesNothingStuck) {
+    RunningProgram program(desktop);
+    const TestClient client = openWindow();
+    xcb_connection_t* locker = connectTo();
+    ASSERT_TRUE(grabAll(locker));
+    desktop.input().move({1500, 900});
+    program.pressKey();
+    desktop.input().press();
+    moveUntilTheOverlayShows(program, {1300, 700});
+    desktop.input().release();
+    program.releaseKey();
+    ungrabAll(locker);
+    expectNextDragSnaps(program, client);
+}
+
+TEST_F(SnapBesideOthers, AGrabThatBeginsInMidDragAndEndsAfterItLeavesNothingStuck) {
+    RunningProgram program(desktop);
+    const TestClient client = openWindow();
+    DragScript script(desktop, program);
+    // In the window itself: nobody else has the pointer then, so that the locker can take it.
+    desktop.input().move(inspector.clientFrame(client.window).center());
+    program.pressKey();
+    desktop.input().press();
+    const QPoint here = desktop.input().position();
+    moveUntilTheOverlayShows(program, here);
+    xcb_connection_t* locker = connectTo();
+    // The program that was pressed on keeps the pointer until the button is up: a locker gets it at
+    // that moment.
+    program.releaseKey();
+    desktop.input().release();
+    ASSERT_TRUE(grabAll(locker)) << desktop.describe();
+    EXPECT_TRUE(waitUntil([&] { return !program.overlayShows(); })) << desktop.describe();
+    program.pressKey();
+    desktop.input().press();
+    moveUntilTheOverlayShows(program, here + QPoint(300, 200));
+    ungrabAll(locker);
+    program.releaseKey();
+    desktop.input().release();
+    expectNextDragSnaps(program, client);
+}
+
+TEST_F(SnapBesideOthers, AServerHeldWhileTheButtonGoesUpLeavesNothingStuck) {
+    RunningProgram program(desktop);
+    const TestClient client = openWindow();
+    DragScript script(desktop, program);
+    const QRect zone = zoneFrame(ZoneLayout::bentoBox().zones[0], workArea(inspector));
+    script.grab(client, KeyTiming::beforeThePress);
+    script.dragTo(zone.center());
+    // Held by the hand itself, which goes on meanwhile: longer than the program waits for an
+    // answer.
+    xcb_connection_t* holder = desktop.input().connection();
+    xcb_grab_server(holder);
+    desktop.input().release();
+    desktop.input().releaseKey(program.key());
+    EXPECT_TRUE(staysTrue([&] { return program.isRunning(); }, std::chrono::milliseconds(700)));
+    xcb_ungrab_server(holder);
+    xcb_flush(holder);
+    // The key was let go last: the drop counts, late as it is heard of.
+    script.expectOverlayGone();
+    expectFills(inspector, ClientKind::qt, client, zone);
+    expectNextDragSnaps(program, client);
+}
+
+TEST_F(SnapBesideOthers, AClickThroughTheOverlayReachesTheWindowBeneathIt) {
+    RunningProgram program(desktop);
+    const TestClient client = openWindow();
+    BareClient beneath(desktop.display(), QRect(1200, 500, 300, 200));
+    xcb_connection_t* listener = connectTo();
+    const quint32 mask = XCB_EVENT_MASK_BUTTON_PRESS;
+    xcb_change_window_attributes(listener, beneath.window(), XCB_CW_EVENT_MASK, &mask);
+    xcb_flush(listener);
+    DragScript script(desktop, program);
+    script.grab(client, KeyTiming::beforeThePress);
+    // The overlay can only be clicked on when the drag that shows it is over: stop the program
+    // before it hears of that.
+    program.process().signal(SIGSTOP);
+    script.releaseButton();
+    script.releaseKey();
+    ASSERT_TRUE(program.overlayShows());
+    const QPoint place = inspector.clientFrame(beneath.window()).center();
+    ASSERT_TRUE(inspector.clientFrame(program.overlay()).contains(place));
+    desktop.input().click(place, 3);
+    EXPECT_TRUE(waitUntil([&] {
+        auto* event = xcb_poll_for_event(listener);
+        const bool isClick = event && (event->response_type & 0x7f) == XCB_BUTTON_PRESS;
+        std::free(event); // NOLINT: xcb allocates with malloc
+        return isClick;
+    })) << "the click does not arrive"
+        << desktop.describe();
+    EXPECT_TRUE(program.overlayShows());
+    program.process().signal(SIGCONT);
+    script.expectOverlayGone();
+}
+
+/// The bytes that a process shares with others in segments, as pictures for the X server are.
+qint64 sharedBytes(pid_t process) {
+    QFile maps(QStringLiteral("/proc/%1/maps").arg(process));
+    if (!maps.open(QIODevice::ReadOnly))
+        return -1;
+    qint64 bytes = 0;
+    const auto lines = maps.readAll().split('\n');
+    for (const QByteArray& line : lines) {
+        const auto words = line.simplified().split(' ');
+        if (words.size() < 2 || !words[1].endsWith('s'))
+            continue;
+        const auto ends = words[0].split('-');
+        bytes += ends[1].toLongLong(nullptr, 16) - ends[0].toLongLong(nullptr, 16);
+    }
+    return bytes;
+}
+
+TEST_F(SnapBesideOthers, TheOverlaysPixelsAreGivenUpWhenItHides) {
+    RunningProgram program(desktop);
+    const TestClient client = openWindow();
+    DragScript script(desktop, program);
+    const QSize screen = inspector.screenSize();
+    const qint64 picture = qint64{4} * screen.width() * screen.height();
+    const QRect zone = zoneFrame(ZoneLayout::bentoBox().zones[0], workArea(inspector));
+    script.run(client, KeyTiming::beforeThePress, zone.center());
+    expectFills(inspector, ClientKind::qt, client, zone);
+    ASSERT_GE(sharedBytes(program.pid()), 0);
+    // The window goes first, its pixels just after it.
+    ASSERT_TRUE(waitUntil([&] { return sharedBytes(program.pid()) < picture / 10; }))
+        << "shared " << sharedBytes(program.pid()) << " bytes";
+    for (int drag = 0; drag < 3; ++drag) {
+        script.grab(client, KeyTiming::beforeThePress);
+        script.dragTo(zone.center());
+        EXPECT_TRUE(waitUntil([&] { return sharedBytes(program.pid()) >= picture; }))
+            << "shared " << sharedBytes(program.pid()) << " bytes";
+        script.drop();
+        expectFills(inspector, ClientKind::qt, client, zone);
+        EXPECT_TRUE(waitUntil([&] { return sharedBytes(program.pid()) < picture / 10; }))
+            << "shared " << sharedBytes(program.pid()) << " bytes";
+    }
+}
+
+} // namespace
+} // namespace tilewright::testing
