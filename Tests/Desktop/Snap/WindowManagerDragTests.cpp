@@ -21,34 +21,47 @@ struct WindowManagerDrag : ::testing::TestWithParam<Desk> {
         ASSERT_TRUE(desktop.startWindowManager(GetParam().kind, GetParam().compositing));
     }
 
+    /// A client that draws its own bar. With i3 its wish to be moved is at times not taken up, for
+    /// as long as the button is held; an ordinary window stands in for it there.
+    static ClientKind ownBar() {
+        return GetParam().kind == WindowManagerKind::i3 ? ClientKind::qt
+                                                        : ClientKind::gtkClientDecorated;
+    }
+
     DesktopSession desktop;
 };
 
 TEST_P(WindowManagerDrag, SnapsByControl) {
     SnapCases cases(desktop, QStringLiteral("control"));
     cases.dropInAZone(ClientKind::xterm, KeyTiming::beforeThePress, 0);
-    cases.dropInAZone(ClientKind::gtkClientDecorated, KeyTiming::afterTheDragBegan, 1);
-    cases.pullOffMaximised(ClientKind::qt, 2);
+    cases.dropInAZone(ownBar(), KeyTiming::afterTheDragBegan, 1);
+    // i3's floating windows know no such state; fluxbox gives a window its border back when it has
+    // long had its new size.
+    if (GetParam().kind == WindowManagerKind::i3 || GetParam().kind == WindowManagerKind::fluxbox)
+        cases.dropInAZone(ClientKind::qt, KeyTiming::beforeThePress, 2);
+    else
+        cases.pullOffMaximised(ClientKind::qt, 2);
 }
 
 TEST_P(WindowManagerDrag, SnapsByShift) {
     SnapCases cases(desktop, QStringLiteral("shift"));
     cases.dropInAZone(ClientKind::qt, KeyTiming::afterTheDragBegan, 3);
-    cases.dropInAZone(ClientKind::gtkClientDecorated, KeyTiming::beforeThePress, 2);
+    cases.dropInAZone(ownBar(), KeyTiming::beforeThePress, 2);
     cases.closeInMidDrag(ClientKind::xterm, 1);
 }
 
 TEST_P(WindowManagerDrag, SnapsByOption) {
     SnapCases cases(desktop, QStringLiteral("option"));
     cases.dropInAZone(ClientKind::xterm, KeyTiming::afterTheDragBegan, 1);
-    cases.pressEscape(ClientKind::gtkClientDecorated, 0);
+    cases.pressEscape(ownBar(), 0);
     cases.releaseTheKeyFirst(ClientKind::qt);
 }
 
 TEST_P(WindowManagerDrag, SnapsByCommand) {
     SnapCases cases(desktop, QStringLiteral("command"));
-    cases.dropInAZone(ClientKind::gtkClientDecorated, KeyTiming::afterTheDragBegan, 3);
+    cases.dropInAZone(ownBar(), KeyTiming::afterTheDragBegan, 3);
     cases.dropInAZone(ClientKind::xterm, KeyTiming::beforeThePress, 2);
+    cases.dropInAZone(ClientKind::qt, KeyTiming::beforeThePress, 1);
 }
 
 TEST_P(WindowManagerDrag, SnapsAtTheScreensEdges) {
@@ -59,8 +72,14 @@ TEST_P(WindowManagerDrag, SnapsAtTheScreensEdges) {
 INSTANTIATE_TEST_SUITE_P(Under, WindowManagerDrag,
                          ::testing::Values(Desk{WindowManagerKind::xfwm4, Compositing::off},
                                            Desk{WindowManagerKind::xfwm4, Compositing::on},
+                                           Desk{WindowManagerKind::kwin, Compositing::off},
+                                           Desk{WindowManagerKind::kwin, Compositing::on},
                                            Desk{WindowManagerKind::marco, Compositing::off},
+                                           Desk{WindowManagerKind::marco, Compositing::on},
                                            Desk{WindowManagerKind::mutter, Compositing::on},
+                                           Desk{WindowManagerKind::muffin, Compositing::on},
+                                           Desk{WindowManagerKind::fluxbox, Compositing::off},
+                                           Desk{WindowManagerKind::i3, Compositing::off},
                                            Desk{WindowManagerKind::icewm, Compositing::off},
                                            Desk{WindowManagerKind::icewm, Compositing::on}),
                          nameOf);
