@@ -16,6 +16,8 @@ namespace tilewright::appkit {
 void openURL(const QString& url);
 /// Brings this application in front of whichever one is active.
 void activateThisApplication();
+/// Whether the user asked the system for reduced motion.
+[[nodiscard]] bool prefersReducedMotion();
 /// How many instances of this program run, this one included. One for a program outside a bundle,
 /// which has no identifier to look for.
 [[nodiscard]] int runningInstances();

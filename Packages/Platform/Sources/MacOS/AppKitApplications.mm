@@ -32,6 +32,10 @@ void activateThisApplication() {
     [[NSApplication sharedApplication] activateIgnoringOtherApps:YES];
 }
 
+bool prefersReducedMotion() {
+    return [[NSWorkspace sharedWorkspace] accessibilityDisplayShouldReduceMotion];
+}
+
 int runningInstances() {
     NSString* identifier = [[NSBundle mainBundle] bundleIdentifier];
     if (!identifier)

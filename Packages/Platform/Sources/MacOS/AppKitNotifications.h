@@ -11,6 +11,8 @@ enum class Notification {
     screenParametersChanged,
     /// Another application than before is the active one.
     applicationActivated,
+    /// The user changed how the system displays things, such as its motion.
+    displayOptionsChanged,
     /// Some application's accessibility permission changed, perhaps this one's. Announced a moment
     /// before the system answers by it.
     accessibilityPermissionChanged,

@@ -17,6 +17,7 @@ NSNotificationCenter* centerOf(Notification notification) {
     case Notification::screenParametersChanged:
         return [NSNotificationCenter defaultCenter];
     case Notification::applicationActivated:
+    case Notification::displayOptionsChanged:
         return [[NSWorkspace sharedWorkspace] notificationCenter];
     case Notification::accessibilityPermissionChanged:
     case Notification::panelRequested:
@@ -31,6 +32,8 @@ NSString* nameOf(Notification notification) {
         return NSApplicationDidChangeScreenParametersNotification;
     case Notification::applicationActivated:
         return NSWorkspaceDidActivateApplicationNotification;
+    case Notification::displayOptionsChanged:
+        return NSWorkspaceAccessibilityDisplayOptionsDidChangeNotification;
     case Notification::accessibilityPermissionChanged:
         return toNSString(QStringLiteral("com.apple.accessibility.api"));
     case Notification::panelRequested:

@@ -167,6 +167,10 @@ void activateThisApplication() {
     ++FakeAppKit::current().activations;
 }
 
+bool prefersReducedMotion() {
+    return FakeAppKit::current().reducesMotion;
+}
+
 int runningInstances() {
     return FakeAppKit::current().instances;
 }

@@ -67,6 +67,7 @@ public:
     std::map<ProcessID, QString> names;
     std::vector<QString> openedURLs;
     int activations = 0;
+    bool reducesMotion = false;
 
     std::map<QString, QString> defaults;
     QTemporaryDir applicationSupport;

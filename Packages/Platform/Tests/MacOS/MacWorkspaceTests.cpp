@@ -65,6 +65,17 @@ TEST_F(MacWorkspaceTest, OpensTheAccessibilityPaneOfTheSystemSettings) {
                                    u"?Privacy_Accessibility"_s});
 }
 
+TEST_F(MacWorkspaceTest, TellsOfTheWishForReducedMotionAndOfItsChange) {
+    const MacWorkspace workspace;
+    int announced = 0;
+    QObject::connect(&workspace, &Workspace::prefersReducedMotionChanged, [&] { ++announced; });
+    EXPECT_EQ(workspace.prefersReducedMotion(), false);
+    appKit.reducesMotion = true;
+    appKit.announce(appkit::Notification::displayOptionsChanged);
+    EXPECT_EQ(announced, 1);
+    EXPECT_EQ(workspace.prefersReducedMotion(), true);
+}
+
 TEST_F(MacWorkspaceTest, BringsThisApplicationForwardWhenAsked) {
     MacWorkspace workspace;
     EXPECT_EQ(appKit.activations, 0);

@@ -14,6 +14,7 @@
 typedef NSString* NSDeviceDescriptionKey;
 extern NSNotificationName const NSApplicationDidChangeScreenParametersNotification;
 extern NSNotificationName const NSWorkspaceDidActivateApplicationNotification;
+extern NSNotificationName const NSWorkspaceAccessibilityDisplayOptionsDidChangeNotification;
 extern NSNotificationName const NSWorkspaceSessionDidBecomeActiveNotification;
 
 @interface NSScreen : NSObject
@@ -70,6 +71,7 @@ typedef NS_OPTIONS(NSUInteger, NSEventModifierFlags) {
 @property(class, readonly, strong) NSWorkspace* sharedWorkspace;
 @property(readonly, strong) NSRunningApplication* frontmostApplication;
 @property(readonly, strong) NSNotificationCenter* notificationCenter;
+@property(readonly) BOOL accessibilityDisplayShouldReduceMotion;
 - (BOOL)openURL:(NSURL*)url;
 @end
 
