@@ -52,7 +52,9 @@ struct FaultBench {
         WindowManager::shared().snapFocusedWindow(zone, platform->screens().all().front());
         EXPECT_TRUE(waitUntil([&] {
             return desktop.inspector().outerFrame(client->window()) == pixelsOf(zone, screen());
-        }));
+        })) << "is "
+            << text(desktop.inspector().outerFrame(client->window())) << ", active is "
+            << desktop.inspector().activeWindow() << ", the client " << client->window();
         EXPECT_TRUE(settle(*platform));
     }
 

@@ -65,6 +65,8 @@ FreeDesktopMotionWish::FreeDesktopMotionWish(QDBusConnection bus)
     auto* watch =
         new QDBusServiceWatcher(portal(), bus_, QDBusServiceWatcher::WatchForRegistration, this);
     connect(watch, &QDBusServiceWatcher::serviceRegistered, this, [this] { readAll(); });
+    // Slots that take it cannot be connected before the toolkit knows the type.
+    qRegisterMetaType<QDBusVariant>();
     bus_.connect(portal(), portalPath(), settingsInterface(), QStringLiteral("SettingChanged"),
                  this, SLOT(settingChanged(QString, QString, QDBusVariant)));
     readAll();
@@ -88,14 +90,21 @@ void FreeDesktopMotionWish::readAll() {
     // Most desktops start it at login; where none did, nobody needs it for this.
     call.setAutoStartService(false);
     call << QStringList{appearance(), interfaceSettings(), kdeSettings()};
+    changedSince_.clear();
     auto* pending = new QDBusPendingCallWatcher(bus_.asyncCall(call), this);
     connect(pending, &QDBusPendingCallWatcher::finished, this,
             [this, generation = ++generation_](QDBusPendingCallWatcher* finished) {
                 finished->deleteLater();
                 const QDBusMessage reply = finished->reply();
-                if (generation == generation_ && reply.type() == QDBusMessage::ReplyMessage &&
-                    reply.signature() == QStringLiteral("a{sa{sv}}"))
-                    take(qdbus_cast<Groups>(reply.arguments().value(0)));
+                if (generation != generation_ || reply.type() != QDBusMessage::ReplyMessage ||
+                    reply.signature() != QStringLiteral("a{sa{sv}}"))
+                    return;
+                // A change is handed out at once, a reply only later: what has been heard of is
+                // never older.
+                auto groups = qdbus_cast<Groups>(reply.arguments().value(0));
+                for (auto group = changedSince_.cbegin(); group != changedSince_.cend(); ++group)
+                    groups[group.key()].insert(group.value());
+                take(std::move(groups));
             });
 }
 
@@ -103,6 +112,7 @@ void FreeDesktopMotionWish::settingChanged(const QString& group, const QString& 
                                            const QDBusVariant& value) {
     if (group != appearance() && group != interfaceSettings() && group != kdeSettings())
         return;
+    changedSince_[group][key] = value.variant();
     Groups groups = groups_;
     groups[group][key] = value.variant();
     take(std::move(groups));

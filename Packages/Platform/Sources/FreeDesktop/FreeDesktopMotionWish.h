@@ -44,6 +44,8 @@ private:
     QDBusConnection bus_;
     int generation_ = 0;
     Groups groups_;
+    /// What changed after all settings were asked for last.
+    Groups changedSince_;
 };
 
 } // namespace tilewright
