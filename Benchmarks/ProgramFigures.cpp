@@ -17,6 +17,8 @@ namespace tilewright::testing {
 namespace {
 
 constexpr int starts = 9;
+/// The toolkit's picture cache empties itself once, half a minute after the item was drawn.
+constexpr unsigned long settlingSeconds = 35;
 constexpr unsigned long idleSeconds = 60;
 
 void printMemory(const char* when, pid_t program) {
@@ -47,7 +49,7 @@ void measure() {
 
     Subprocess& program = desktop.startProgram();
     static_cast<void>(desktop.item());
-    QThread::sleep(2);
+    QThread::sleep(settlingSeconds);
     printMemory("at rest, nothing opened yet:", program.pid());
     const ProcessFigures before = processFigures(program.pid());
     QThread::sleep(idleSeconds);

@@ -31,6 +31,18 @@ protected:
                    desktop.inspector().activeWindow() == *window;
         });
     }
+    /// How the desktop stands, for the message of a failed test.
+    [[nodiscard]] std::string standing() {
+        XInspector& look = desktop.inspector();
+        const auto desktopOf = [&](XInspector::Window window, const char* name) {
+            return ::testing::PrintToString(look.property(window, name));
+        };
+        return "settings " + std::to_string(settings()) +
+               (look.isMapped(settings()) ? " mapped" : " not mapped") + " on desktop " +
+               desktopOf(settings(), "_NET_WM_DESKTOP") + ", active " +
+               std::to_string(look.activeWindow()) + ", current desktop " +
+               desktopOf(look.root(), "_NET_CURRENT_DESKTOP");
+    }
     [[nodiscard]] XInspector::Window settings() { return desktop.settingsWindow().value_or(0); }
     [[nodiscard]] QString settingsID() { return QString::number(settings()); }
     void use(const QStringList& arguments) {
@@ -61,11 +73,13 @@ protected:
             use({QStringLiteral("set_num_desktops"), QStringLiteral("2")});
             use({QStringLiteral("set_desktop_for_window"), settingsID(), QStringLiteral("1")});
         }
+        // Another window becomes the active one, and would close a panel that opens before it has.
         XInspector& look = desktop.inspector();
         ASSERT_TRUE(waitUntil([&] {
             return look.property(settings(), "_NET_WM_DESKTOP") == std::vector<quint32>{1} &&
-                   look.property(look.root(), "_NET_CURRENT_DESKTOP") == std::vector<quint32>{0};
-        }));
+                   look.property(look.root(), "_NET_CURRENT_DESKTOP") == std::vector<quint32>{0} &&
+                   look.activeWindow() != settings();
+        })) << standing();
     }
 
     ShellDesktop desktop{GetParam()};
@@ -94,15 +108,15 @@ TEST_P(SettingsUnder, ComesForwardFromBehindMinimisedAndFromAnotherDesktop) {
     use({QStringLiteral("windowactivate"), QString::number(client.window)});
     ASSERT_TRUE(waitUntil([&] { return desktop.inspector().activeWindow() == client.window; }));
     chooseSettings();
-    EXPECT_TRUE(isForward()) << "from behind";
+    EXPECT_TRUE(isForward()) << "from behind: " << standing();
 
     minimise();
     chooseSettings();
-    EXPECT_TRUE(isForward()) << "from the taskbar";
+    EXPECT_TRUE(isForward()) << "from the taskbar: " << standing();
 
     sendToAnotherDesktop();
     chooseSettings();
-    EXPECT_TRUE(isForward()) << "from another desktop";
+    EXPECT_TRUE(isForward()) << "from another desktop: " << standing();
     EXPECT_EQ(settings(), window) << "it is the same window";
 }
 
