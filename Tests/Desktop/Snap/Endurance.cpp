@@ -11,28 +11,6 @@
 namespace tilewright::testing {
 namespace {
 
-/// What a program holds beside memory.
-struct Holdings {
-    int fileDescriptors = 0;
-    XResources resources;
-    std::size_t windows = 0;
-
-    /// A count may be the smaller one: some is given back only a moment after a drag has ended.
-    [[nodiscard]] bool isWithin(const Holdings& bound) const {
-        return fileDescriptors <= bound.fileDescriptors && windows <= bound.windows &&
-               std::ranges::all_of(resources, [&](const auto& held) {
-                   const auto found = bound.resources.find(held.first);
-                   return found != bound.resources.end() && held.second <= found->second;
-               });
-    }
-};
-
-void PrintTo(const Holdings& holdings, std::ostream* out) {
-    *out << holdings.fileDescriptors << " descriptors, " << holdings.windows << " windows";
-    for (const auto& [type, count] : holdings.resources)
-        *out << ", " << count << " " << type;
-}
-
 long lowerQuartileOf(std::vector<long> values) {
     const auto quartile = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 4);
     std::nth_element(values.begin(), quartile, values.end());

@@ -2,8 +2,10 @@
 
 #include <QDir>
 #include <QFile>
+#include <algorithm>
 #include <cstdlib>
 #include <memory>
+#include <ostream>
 #include <unistd.h>
 #include <xcb/res.h>
 
@@ -105,6 +107,24 @@ XResources xResources(const QString& display, pid_t process) {
     }
     xcb_disconnect(connection);
     return resources;
+}
+
+bool Holdings::isWithin(const Holdings& bound) const {
+    // More than the views have.
+    constexpr long mostPointerShapes = 8;
+    return fileDescriptors <= bound.fileDescriptors && windows <= bound.windows &&
+           std::ranges::all_of(resources, [&](const auto& held) {
+               if (held.first == "CURSOR")
+                   return held.second <= mostPointerShapes;
+               const auto found = bound.resources.find(held.first);
+               return found != bound.resources.end() && held.second <= found->second;
+           });
+}
+
+void PrintTo(const Holdings& holdings, std::ostream* out) {
+    *out << holdings.fileDescriptors << " descriptors, " << holdings.windows << " windows";
+    for (const auto& [type, count] : holdings.resources)
+        *out << ", " << count << " " << type;
 }
 
 } // namespace tilewright::testing

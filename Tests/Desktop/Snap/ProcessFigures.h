@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <iosfwd>
 #include <map>
 #include <string>
 #include <sys/types.h>
@@ -26,5 +27,20 @@ struct ProcessFigures {
 /// counts them.
 using XResources = std::map<std::string, long>;
 [[nodiscard]] XResources xResources(const QString& display, pid_t process);
+
+/// What a process holds beside memory.
+struct Holdings {
+    int fileDescriptors = 0;
+    XResources resources;
+    /// Of everybody on the X server.
+    std::size_t windows = 0;
+
+    /// Whether nothing is more than in `bound`. Counts may be smaller: some is given back only a
+    /// moment after its use. Pointer shapes are made at their first use and kept, so that only
+    /// their number is bounded.
+    [[nodiscard]] bool isWithin(const Holdings& bound) const;
+};
+/// Prints them in a failed test's message.
+void PrintTo(const Holdings& holdings, std::ostream* out);
 
 } // namespace tilewright::testing

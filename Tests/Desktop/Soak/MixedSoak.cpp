@@ -29,33 +29,6 @@ constexpr int eventsPerRound = 13;
 /// Where controls are, by their names, from the top-left corner of their window.
 using Places = std::map<QString, QPoint>;
 
-/// What a program holds beside memory.
-struct Holdings {
-    int fileDescriptors = 0;
-    XResources resources;
-    std::size_t windows = 0;
-
-    [[nodiscard]] bool isWithin(const Holdings& bound) const {
-        return fileDescriptors <= bound.fileDescriptors && windows <= bound.windows &&
-               std::ranges::all_of(resources, [&](const auto& held) {
-                   // The toolkit makes a pointer's shape at its first use, and keeps it.
-                   if (held.first == "CURSOR")
-                       return held.second <= pointerShapes;
-                   const auto found = bound.resources.find(held.first);
-                   return found != bound.resources.end() && held.second <= found->second;
-               });
-    }
-
-    /// More than the views have.
-    static constexpr long pointerShapes = 8;
-};
-
-void PrintTo(const Holdings& holdings, std::ostream* out) {
-    *out << holdings.fileDescriptors << " descriptors, " << holdings.windows << " windows";
-    for (const auto& [type, count] : holdings.resources)
-        *out << ", " << count << " " << type;
-}
-
 /// What the calmest eighth of the batches does not exceed.
 long calmestOf(std::vector<long> values) {
     const auto eighth = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 8);
