@@ -82,8 +82,6 @@ void SnapCases::closeInMidDrag(ClientKind kind, std::size_t zone) {
     SCOPED_TRACE(std::string("the window closes: ") + name(kind));
     const TestClient other = open(ClientKind::qt, {900, 500, 400, 300});
     const QRect untouched = inspector_.outerFrame(other.window);
-    // Taken beside the outline that one window manager shows of its own tiles while Shift is held:
-    // where no window is found under the pointer, the focused one stands in for it.
     const TestClient client = open(kind, {360, 220, 640, 420});
     script_.grab(client, KeyTiming::beforeThePress);
     script_.dragTo(area_.center());
