@@ -1,10 +1,9 @@
 #include "MenuBarExtra.h"
 
+#include "InputSoFar.h"
 #include "ScreenSpace.h"
 
 #include <Platform/Platform.h>
-
-#include <QPointer>
 
 namespace tilewright {
 
@@ -26,10 +25,9 @@ MenuBarExtra::MenuBarExtra(PanelWindow::ViewFactory makeView)
             &MenuBarExtra::openByPointer);
     connect(&panel_, &PanelWindow::opened, this, [this] {
         forgetPress();
-        // The press that opened the panel has been read by now, and is handed out before this.
-        Platform::current().mainLoop().post([self = QPointer<MenuBarExtra>(this)] {
-            if (self && self->panel_.isVisible())
-                self->watchPresses();
+        afterInputSoFar(this, [this, opening = ++opening_] {
+            if (panel_.isVisible() && opening == opening_)
+                watchPresses();
         });
     });
     connect(&panel_, &PanelWindow::closed, this, [this] {
@@ -60,16 +58,14 @@ void MenuBarExtra::clicked(const QRect& place) {
         open(place);
         return;
     }
-    // The click may be a new one whose press has not been heard of yet: what happened before this
-    // round trip is handed out before what is posted after it.
-    static_cast<void>(pointer());
-    Platform::current().mainLoop().post([self = QPointer<MenuBarExtra>(this), place] {
-        if (!self || self->panel_.isVisible())
+    // The click may be a new one whose press has not been heard of yet.
+    afterInputSoFar(this, [this, place] {
+        if (panel_.isVisible())
             return;
-        const bool closedByThisClick = self->isPressOnItem();
-        self->forgetPress();
+        const bool closedByThisClick = isPressOnItem();
+        forgetPress();
         if (!closedByThisClick)
-            self->open(place);
+            open(place);
     });
 }
 

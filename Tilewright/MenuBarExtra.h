@@ -54,6 +54,8 @@ private:
     QRect itemPlace_;
     QPoint itemPointer_;
     Press press_ = Press::none;
+    /// How often the panel has been opened.
+    int opening_ = 0;
     ScopedTimer pressTimer_;
     std::vector<MonitorToken> monitors_;
 };

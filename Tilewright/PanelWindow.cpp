@@ -1,5 +1,6 @@
 #include "PanelWindow.h"
 
+#include "InputSoFar.h"
 #include "PanelPlacement.h"
 #include "ScreenSpace.h"
 
@@ -74,12 +75,10 @@ void PanelWindow::open(const QRect& place) {
     show();
     grabsLeft_ = grabAttempts;
     holdInput();
-    // The press that opened the panel is read before this round trip ends, and handed out before
-    // what is posted after it.
-    static_cast<void>(Platform::current().pointer().location());
-    Platform::current().mainLoop().post([self = QPointer<PanelWindow>(this)] {
-        if (self && self->isVisible())
-            self->watchOutside();
+    // The press that opened the panel must not close it.
+    afterInputSoFar(this, [this, opening = ++opening_] {
+        if (isVisible() && opening == opening_)
+            watchOutside();
     });
     Q_EMIT opened();
 }

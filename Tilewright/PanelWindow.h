@@ -73,6 +73,8 @@ private:
     bool isClosingForPress_ = false;
     bool holdsInput_ = false;
     int grabsLeft_ = 0;
+    /// How often it has been opened.
+    int opening_ = 0;
     ScopedTimer grabTimer_;
     std::vector<MonitorToken> pressMonitors_;
 };
