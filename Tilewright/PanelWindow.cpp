@@ -72,6 +72,7 @@ void PanelWindow::open(const QRect& place) {
     layout()->setContentsMargins(chrome_.margins());
     makeContent();
     fitAndPlace();
+    dropStaleFocusConnections();
     show();
     grabsLeft_ = grabAttempts;
     holdInput();
@@ -195,6 +196,14 @@ void PanelWindow::releaseInput() {
     holdsInput_ = false;
     for (const MonitorToken token : std::exchange(pressMonitors_, {}))
         Platform::current().eventMonitors().removeMonitor(token);
+}
+
+void PanelWindow::dropStaleFocusConnections() {
+    // The application connects itself to a window that gets the focus, and takes the connection
+    // back when the focus leaves it, but not when the window is closed with it, as the panel always
+    // is: one more would be left by each opening.
+    if (windowHandle())
+        disconnect(windowHandle(), &QWindow::focusObjectChanged, qApp, nullptr);
 }
 
 void PanelWindow::watchOutside() {

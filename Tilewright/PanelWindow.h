@@ -63,6 +63,8 @@ private:
     void holdInput();
     void releaseInput();
     void watchOutside();
+    /// To be called while the window is not shown, hence without the focus.
+    void dropStaleFocusConnections();
 
     ViewFactory makeView_;
     PanelChrome chrome_;

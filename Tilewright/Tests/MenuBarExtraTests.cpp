@@ -4,6 +4,7 @@
 #include <QGuiApplication>
 #include <QPushButton>
 #include <QScreen>
+#include <QSignalSpy>
 #include <QTest>
 #include <QVBoxLayout>
 #include <gtest/gtest.h>
@@ -95,6 +96,20 @@ TEST_F(MenuBarExtraTest, MakesItsContentNewAtEachOpening) {
     EXPECT_TRUE(first.isNull()) << "nothing of a closed panel is kept";
     clickItem();
     EXPECT_EQ(viewsMade, 2);
+}
+
+TEST_F(MenuBarExtraTest, TellsTheApplicationOfItsFocusOnceHoweverOftenItWasOpened) {
+    for (int opening = 0; opening < 4; ++opening) {
+        if (isOpen())
+            extra->closePanel();
+        clickItem();
+        ASSERT_TRUE(isOpen());
+        ASSERT_TRUE(QTest::qWaitFor(
+            [&] { return QGuiApplication::focusWindow() == extra->panel().windowHandle(); }));
+    }
+    QSignalSpy told(qApp, &QGuiApplication::focusObjectChanged);
+    button->setFocus();
+    EXPECT_EQ(told.size(), 1) << "a connection is left by each closing";
 }
 
 TEST_F(MenuBarExtraTest, ClosesOnEscape) {

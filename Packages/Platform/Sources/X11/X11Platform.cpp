@@ -15,6 +15,7 @@
 #include <Platform/QtMainLoop.h>
 
 #include <QGuiApplication>
+#include <QWindow>
 #include <optional>
 
 namespace tilewright {
@@ -56,7 +57,12 @@ std::unique_ptr<X11Platform> X11Platform::open() {
 }
 
 X11Platform::X11Platform(std::unique_ptr<Parts> parts)
-    : parts_(std::move(parts)) {}
+    : parts_(std::move(parts)) {
+    // Every window of ours has a title and the focus once it is open.
+    if (qGuiApp)
+        QObject::connect(qGuiApp, &QGuiApplication::focusWindowChanged, parts_->connection.get(),
+                         [] { x11toolkit::forgetSentTitles(); });
+}
 
 X11Platform::~X11Platform() = default;
 

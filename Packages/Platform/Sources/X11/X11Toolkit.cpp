@@ -3,6 +3,9 @@
 #include <QApplication>
 #include <QWidget>
 
+// Last: its macros are in the way of the toolkit's names.
+#include <X11/Xlib.h>
+
 namespace tilewright::x11toolkit {
 
 xcb_connection_t* connection() {
@@ -23,6 +26,14 @@ bool ownsWindow(xcb_window_t window) {
 
 bool hasGrab() {
     return qApp && (QApplication::activePopupWidget() || QWidget::mouseGrabber());
+}
+
+void forgetSentTitles() {
+    auto* application = qGuiApp;
+    if (!application)
+        return;
+    if (auto* x11 = application->nativeInterface<QNativeInterface::QX11Application>())
+        XSync(x11->display(), False);
 }
 
 } // namespace tilewright::x11toolkit
