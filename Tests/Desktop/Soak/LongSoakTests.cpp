@@ -6,7 +6,7 @@ namespace tilewright::testing {
 namespace {
 
 TEST(LongSoak, TenThousandDragsOpeningsEditsAndSessionsLeaveNothingBehind) {
-    expectNothingPilesUpInUse({.batches = 40, .roundsPerBatch = 20, .bytesPerEvent = 160});
+    expectNothingPilesUpInUse({.batches = 40, .roundsPerBatch = 20, .bytesPerEvent = 16});
 }
 
 } // namespace

@@ -275,15 +275,16 @@ private:
     XInspector::Window overlay_ = 0;
 };
 
-void print(int events, const ProcessFigures& figures, const Holdings& holdings) {
+/// `wakeUps` are those since the line before, by the event.
+void print(int events, const ProcessFigures& figures, const Holdings& holdings, double wakeUps) {
     long resources = 0;
     for (const auto& [type, count] : holdings.resources)
         resources += count;
     std::printf(
         "%6d events: own memory %ld KiB, resident %ld KiB, %d descriptors, %ld X resources, "
-        "%zu windows, %ld wake-ups so far\n",
+        "%zu windows, %.1f wake-ups an event\n",
         events, figures.anonymousKiB, figures.residentKiB, holdings.fileDescriptors, resources,
-        holdings.windows, figures.voluntarySwitches);
+        holdings.windows, wakeUps);
     std::fflush(stdout);
 }
 
@@ -297,20 +298,22 @@ void expectNothingPilesUpInUse(SoakLength length) {
     const Holdings before = soak.holdings();
     EXPECT_FALSE(before.resources.empty());
     ProcessFigures held = soak.figures();
-    print(0, held, before);
+    print(0, held, before, 0);
+
+    const int eventsPerBatch = length.roundsPerBatch * eventsPerRound;
 
     std::vector<long> growth;
     for (int batch = 1; batch <= length.batches; ++batch) {
         ASSERT_TRUE(soak.rounds(length.roundsPerBatch)) << "in batch " << batch;
         const ProcessFigures now = soak.figures();
         growth.push_back(now.anonymousKiB - held.anonymousKiB);
+        print(batch * eventsPerBatch, now, soak.holdings(),
+              static_cast<double>(now.voluntarySwitches - held.voluntarySwitches) / eventsPerBatch);
         held = now;
-        print(batch * length.roundsPerBatch * eventsPerRound, now, soak.holdings());
     }
     // An allocator takes a large step now and then and keeps it; what leaks grows in every batch.
     if (!memoryIsKept) {
-        EXPECT_LE(calmestOf(growth),
-                  length.bytesPerEvent * length.roundsPerBatch * eventsPerRound / 1024)
+        EXPECT_LE(calmestOf(growth), length.bytesPerEvent * eventsPerBatch / 1024)
             << ::testing::PrintToString(growth);
     }
     // Some is given back only a moment after its use.

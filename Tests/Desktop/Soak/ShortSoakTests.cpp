@@ -5,8 +5,8 @@
 namespace tilewright::testing {
 namespace {
 
-TEST(Soak, AFewMinutesOfUseLeaveNothingBehind) {
-    expectNothingPilesUpInUse({.batches = 5, .roundsPerBatch = 3, .bytesPerEvent = 1024});
+TEST(Soak, AThousandDragsOpeningsEditsAndSessionsLeaveNothingBehind) {
+    expectNothingPilesUpInUse({.batches = 8, .roundsPerBatch = 10, .bytesPerEvent = 512});
 }
 
 } // namespace
