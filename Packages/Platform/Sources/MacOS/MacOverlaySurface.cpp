@@ -33,6 +33,9 @@ void MacOverlaySurface::orderFront() {
 
 void MacOverlaySurface::orderOut() {
     window_->orderOut();
+    // The window is not the toolkit's: without this the view would take itself for visible, and
+    // fade what changes next where nobody sees it.
+    view_->widget().hide();
     view_->finishAnimations();
 }
 

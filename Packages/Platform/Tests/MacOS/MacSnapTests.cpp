@@ -128,6 +128,21 @@ TEST_F(MacSnap, SnapsTheWindowUnderThePointerIntoTheZoneUnderIt) {
     EXPECT_FALSE(isOverlayShown());
 }
 
+TEST_F(MacSnap, LeavesNoAnimationBehindWhereNobodySeesIt) {
+    for (int drag = 0; drag < 2; ++drag) {
+        pressModifier();
+        dragTo(inFirst);
+        const QWidget* content = QWidget::find(*overlay()->content);
+        ASSERT_NE(content, nullptr);
+        EXPECT_TRUE(content->isVisible());
+        EXPECT_TRUE(model().highlightedZoneID().has_value());
+        release();
+        EXPECT_FALSE(content->isVisible());
+        desktop.platform.mainLoop().runPosted();
+        EXPECT_EQ(desktop.platform.mainLoop().activeTimerCount(), 0U);
+    }
+}
+
 TEST_F(MacSnap, FollowsTheDragToAnotherDisplayWithOneWindow) {
     pressModifier();
     dragTo(inFirst);
