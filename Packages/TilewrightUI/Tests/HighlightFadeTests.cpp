@@ -1,6 +1,7 @@
 #include <TilewrightUI/HighlightFade.h>
 
 #include <gtest/gtest.h>
+#include <map>
 
 using namespace std::chrono_literals;
 using namespace tilewright;
@@ -28,6 +29,23 @@ TEST(HighlightFade, ShowsAChangeInItsFirstFrame) {
     fade.start(true, 0ms);
     EXPECT_GT(fade.value(), 0.05);
     EXPECT_LT(fade.value(), 0.2);
+}
+
+TEST(HighlightFade, FollowsTheEaseOutCurveOneFrameAhead) {
+    // The cubic curve through (0, 0), (0.58, 1) and (1, 1), at 1, 3, 5 and 7 ninths of its way.
+    const std::map<HighlightFade::Time, double> curve{
+        {0ms, 0.178}, {30ms, 0.488}, {60ms, 0.742}, {90ms, 0.925}};
+    HighlightFade in;
+    in.start(true, 0ms);
+    HighlightFade out;
+    out.finish(true);
+    out.start(false, 0ms);
+    for (const auto& [now, value] : curve) {
+        in.advance(now);
+        EXPECT_NEAR(in.value(), value, 0.002) << now.count();
+        out.advance(now);
+        EXPECT_NEAR(out.value(), 1 - value, 0.002) << now.count();
+    }
 }
 
 TEST(HighlightFade, SlowsDownTowardsItsEnd) {

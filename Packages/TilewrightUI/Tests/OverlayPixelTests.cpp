@@ -62,6 +62,24 @@ int downwardRunOf(const QImage& image, int x, int y, const Shade& shade) {
     return runOf(image.transformed(QTransform(0, 1, 1, 0, 0, 0)), y, x, shade);
 }
 
+/// Looks at the image's top-left corner, in pixels.
+void expectRoundCorner(const QImage& image, int radius, int border, double borderAlpha,
+                       double fillAlpha) {
+    for (int y = 0; y < radius; ++y) {
+        for (int x = 0; x < radius; ++x) {
+            const double distance = std::hypot(radius - (x + 0.5), radius - (y + 0.5));
+            const int alpha = qAlpha(image.pixel(x, y));
+            if (distance > radius + 0.8) {
+                EXPECT_EQ(alpha, 0) << x << ", " << y;
+            } else if (distance < radius - border - 0.8) {
+                EXPECT_NEAR(alpha, fillAlpha * 255, 1.5) << x << ", " << y;
+            } else if (distance < radius - 0.8 && distance > radius - border + 0.8) {
+                EXPECT_NEAR(alpha, borderAlpha * 255, 1.5) << x << ", " << y;
+            }
+        }
+    }
+}
+
 QImage photo(const QSize& size) {
     QImage image(size, QImage::Format_ARGB32_Premultiplied);
     QPainter painter(&image);
@@ -98,20 +116,27 @@ TEST_F(OverlayPixels, HaveTheirShadesOverBlack) {
 }
 
 TEST_F(OverlayPixels, HaveTheirShadesOverAPhotograph) {
-    const QImage ground = photo(view.size());
-    const QImage image = blended(picture(), ground);
-    for (int y = 30; y < 770; y += 37) {
-        for (int x = 30; x < 470; x += 11) {
-            const Shade left = shadeOf(ground.pixelColor(x, y));
-            ASSERT_TRUE(looksLike(shadeOf(image.pixelColor(x, y)), plainFillOver(left)));
-            const Shade right = shadeOf(ground.pixelColor(x + 500, y));
-            ASSERT_TRUE(
-                looksLike(shadeOf(image.pixelColor(x + 500, y)), highlightedFillOver(right)));
+    for (const int scale : {1, 2}) {
+        const QImage ground = photo(view.size() * scale);
+        const QImage image = blended(picture(scale), ground);
+        for (int y = 30 * scale; y < 770 * scale; y += 37) {
+            for (int x = 30 * scale; x < 470 * scale; x += 11) {
+                const Shade left = shadeOf(ground.pixelColor(x, y));
+                ASSERT_TRUE(looksLike(shadeOf(image.pixelColor(x, y)), plainFillOver(left)));
+                const int across = x + 500 * scale;
+                const Shade right = shadeOf(ground.pixelColor(across, y));
+                ASSERT_TRUE(
+                    looksLike(shadeOf(image.pixelColor(across, y)), highlightedFillOver(right)));
+            }
+            for (int x = 4 * scale; x < 5 * scale; ++x) {
+                const Shade edge = shadeOf(ground.pixelColor(x, y));
+                ASSERT_TRUE(looksLike(shadeOf(image.pixelColor(x, y)), plainBorderOver(edge)));
+            }
+            for (int x = 504 * scale; x < 507 * scale; ++x)
+                ASSERT_TRUE(looksLike(shadeOf(image.pixelColor(x, y)), amber));
+            for (int x = 496 * scale; x < 504 * scale; ++x)
+                ASSERT_EQ(image.pixel(x, y), ground.pixel(x, y));
         }
-        const Shade edge = shadeOf(ground.pixelColor(4, y));
-        ASSERT_TRUE(looksLike(shadeOf(image.pixelColor(4, y)), plainBorderOver(edge)));
-        for (int x = 497; x < 504; ++x)
-            ASSERT_EQ(image.pixel(x, y), ground.pixel(x, y));
     }
 }
 
@@ -149,28 +174,55 @@ TEST_F(OverlayPixels, HaveBordersOfOneAndThreePointsInsideTheEdge) {
     }
 }
 
-TEST_F(OverlayPixels, RoundTheirCornersByARadiusOfSixteenPoints) {
-    for (const double scale : {1.0, 2.0}) {
-        const QImage image = picture(scale);
-        const double radius = 16 * scale;
-        // The right tile: its border is wide, and it is opaque.
-        const double left = 504 * scale;
-        const double top = 4 * scale;
-        for (int y = 0; y < static_cast<int>(radius); ++y) {
-            for (int x = 0; x < static_cast<int>(radius); ++x) {
-                const double distance = std::hypot(radius - (x + 0.5), radius - (y + 0.5));
-                const int alpha =
-                    qAlpha(image.pixel(static_cast<int>(left) + x, static_cast<int>(top) + y));
-                const double border = 3 * scale;
-                if (distance > radius + 0.8) {
-                    EXPECT_EQ(alpha, 0) << x << ", " << y;
-                } else if (distance < radius - border - 0.8) {
-                    EXPECT_NEAR(alpha, 0.28 * 255, 1.5) << x << ", " << y;
-                } else if (distance < radius - 0.8 && distance > radius - border + 0.8) {
-                    EXPECT_EQ(alpha, 255) << x << ", " << y;
-                }
+TEST_F(OverlayPixels, RoundEachCornerByARadiusOfSixteenPoints) {
+    struct Look {
+        QRect tile;
+        int border;
+        double borderAlpha;
+        double fillAlpha;
+    };
+    const std::vector<Look> looks{{{4, 4, 492, 792},
+                                   1,
+                                   (0.4 + (neutralOpacity * 0.6)) * plainOpacity,
+                                   neutralOpacity * plainOpacity},
+                                  {{504, 4, 492, 792}, 3, 1, 0.28}};
+    for (const int scale : {1, 2}) {
+        for (const Look& look : looks) {
+            const QImage tile =
+                picture(scale).copy(QRect(look.tile.topLeft() * scale, look.tile.size() * scale));
+            for (const bool fromTheRight : {false, true}) {
+                for (const bool fromBelow : {false, true})
+                    expectRoundCorner(tile.mirrored(fromTheRight, fromBelow), 16 * scale,
+                                      look.border * scale, look.borderAlpha, look.fillAlpha);
             }
         }
+    }
+}
+
+TEST_F(OverlayPixels, KeepTheirWidthsAndGapsWhereTheyAreCutToTheirBorders) {
+    view.setRendering(OverlayRendering::shaped);
+    const Shade plain = over(white, 0.4, neutral);
+    for (const int scale : {1, 2}) {
+        const QImage overlay = picture(scale);
+        QImage image(overlay.size(), QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::black);
+        QPainter painter(&image);
+        painter.setClipRegion(QTransform::fromScale(scale, scale).map(view.outline()));
+        painter.drawImage(0, 0, overlay);
+        painter.end();
+        const int middle = 400 * scale;
+        EXPECT_EQ(runOf(image, 0, middle, black), 4 * scale);
+        EXPECT_EQ(runOf(image, 4 * scale, middle, plain), scale);
+        EXPECT_EQ(runOf(image, 5 * scale, middle, black), 490 * scale);
+        EXPECT_EQ(runOf(image, 495 * scale, middle, plain), scale);
+        EXPECT_EQ(runOf(image, 496 * scale, middle, black), 8 * scale);
+        EXPECT_EQ(runOf(image, 504 * scale, middle, amber), 3 * scale);
+        EXPECT_EQ(runOf(image, 507 * scale, middle, black), 486 * scale);
+        EXPECT_EQ(runOf(image, 993 * scale, middle, amber), 3 * scale);
+        EXPECT_EQ(runOf(image, 996 * scale, middle, black), 4 * scale);
+        EXPECT_EQ(downwardRunOf(image, 250 * scale, 0, black), 4 * scale);
+        EXPECT_EQ(downwardRunOf(image, 250 * scale, 4 * scale, plain), scale);
+        EXPECT_EQ(downwardRunOf(image, 750 * scale, 793 * scale, amber), 3 * scale);
     }
 }
 
