@@ -147,6 +147,56 @@ TEST_F(EventMonitorsAlone, ManyMovesThatWaitTogetherAreOneAndThePlaceIsTheLast) 
     EXPECT_EQ(place.y, height - 500.5);
 }
 
+TEST_F(EventMonitorsAlone, TellTheLocalOnesAloneOfADragAndAKeyInAnOwnWindow) {
+    // Made by the hand itself, so that it is there before the hand moves on.
+    xcb_connection_t* maker = input.connection();
+    const xcb_window_t root = platform.connection().root();
+    const xcb_window_t window = xcb_generate_id(maker);
+    const std::uint32_t isOverride = 1;
+    xcb_create_window(maker, XCB_COPY_FROM_PARENT, window, root, 300, 300, 400, 300, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_OVERRIDE_REDIRECT,
+                      &isOverride);
+    xcb_map_window(maker, window);
+    X11EventMonitors split{
+        platform.connection(),
+        platform.desktop().pointer(),
+        {[window](xcb_window_t other) { return other == window; }, [] { return false; }}};
+    std::vector<EventType> ofOthers;
+    std::vector<EventType> own;
+    split.addGlobalMonitor(all, [&](const Event& event) { ofOthers.push_back(event.type); });
+    split.addLocalMonitor(all, [&](const Event& event) { own.push_back(event.type); });
+    const auto dragWithTheKey = [&](QPoint from, std::uint32_t focus,
+                                    const std::vector<EventType>& heard) {
+        xcb_set_input_focus(maker, XCB_INPUT_FOCUS_POINTER_ROOT, focus, XCB_CURRENT_TIME);
+        const auto hasHeardLast = [&](EventType type) {
+            return waitUntil([&] { return !heard.empty() && heard.back() == type; });
+        };
+        input.move(from);
+        input.pressKey(keysym::control);
+        EXPECT_TRUE(hasHeardLast(EventType::flagsChanged));
+        input.press();
+        EXPECT_TRUE(hasHeardLast(EventType::leftMouseDown));
+        // Motion is heard of from here on.
+        catchUp();
+        input.move(from + QPoint(20, 20));
+        EXPECT_TRUE(hasHeardLast(EventType::leftMouseDragged));
+        input.release();
+        EXPECT_TRUE(hasHeardLast(EventType::leftMouseUp));
+        input.releaseKey(keysym::control);
+        EXPECT_TRUE(hasHeardLast(EventType::flagsChanged));
+    };
+    const auto wholeDrag =
+        ElementsAre(EventType::flagsChanged, EventType::leftMouseDown, EventType::leftMouseDragged,
+                    EventType::leftMouseUp, EventType::flagsChanged);
+    dragWithTheKey({400, 400}, window, own);
+    EXPECT_THAT(own, wholeDrag);
+    EXPECT_TRUE(ofOthers.empty());
+    own.clear();
+    dragWithTheKey({100, 100}, XCB_INPUT_FOCUS_POINTER_ROOT, ofOthers);
+    EXPECT_THAT(ofOthers, wholeDrag);
+    EXPECT_TRUE(own.empty());
+}
+
 TEST_F(EventMonitorsAlone, AMonitorMayRemoveItselfInItsHandler) {
     int calls = 0;
     std::optional<MonitorToken> own;
