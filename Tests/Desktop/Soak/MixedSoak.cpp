@@ -83,7 +83,8 @@ public:
             },
             std::chrono::seconds(60));
     }
-    /// How often the panel had to be asked once more to close, or the editor to save.
+    /// How often the panel had to be asked once more to close, a session to begin or the editor to
+    /// save.
     [[nodiscard]] int repeated() const { return repeated_; }
     void expectOrderlyEnd() {
         program_->signal(SIGTERM);
@@ -111,20 +112,27 @@ private:
         Subprocess& program = desktop_.startProgram({}, environment);
         const auto learn = [&](Places& places, const QString& awaited,
                                const std::function<QRect()>& window) {
-            EXPECT_TRUE(waitUntil([&] {
-                places.clear();
-                bool isInPlace = false;
-                const QRect frame = window();
-                for (const AccessibleNode& node : reader.showing(program.pid())) {
-                    isInPlace = isInPlace || (node.depth == 1 && node.frame == frame);
-                    if (node.is(u"focusable"_s))
-                        places.emplace(node.name, node.frame.center() - frame.topLeft());
-                }
-                return isInPlace && places.contains(awaited);
-            })) << awaited.toStdString();
+            EXPECT_TRUE(waitUntil(
+                [&] {
+                    places.clear();
+                    bool isInPlace = false;
+                    const QRect frame = window();
+                    for (const AccessibleNode& node : reader.showing(program.pid())) {
+                        isInPlace = isInPlace || (node.depth == 1 && node.frame == frame);
+                        if (node.is(u"focusable"_s))
+                            places.emplace(node.name, node.frame.center() - frame.topLeft());
+                    }
+                    return isInPlace && places.contains(awaited);
+                },
+                std::chrono::seconds(60)))
+                << awaited.toStdString();
         };
-        const QRect panel = desktop_.openPanel();
-        learn(panelPlaces_, u"Quit"_s, [&] { return panel; });
+        QRect panel;
+        learn(panelPlaces_, u"Quit"_s, [&] {
+            // A window that the window manager makes the active one meanwhile closes it.
+            panel = desktop_.panel().value_or(QRect());
+            return panel.isNull() ? panel = desktop_.openPanel() : panel;
+        });
         desktop_.input().click(panel.topLeft() + panelPlaces_[u"Settings…"_s]);
         learn(settingsPlaces_, u"Save Layout"_s, [&] { return settingsFrame(); });
         program.stop();
@@ -202,14 +210,21 @@ private:
 
     void keepAwake() {
         const QPoint corner = openPanel().topLeft();
-        desktop_.input().click(corner + panelPlaces_[u"15m"_s]);
-        EXPECT_TRUE(waitUntil([&] { return idle_.isInhibited(); })) << "no session begins";
         // A click on a switch means the other state than the one it shows.
         const QPoint toggle = corner + panelPlaces_[u"Keep Awake"_s];
-        EXPECT_TRUE(waitUntil([&] {
+        const auto isOn = [&] {
             const QColor seen = desktop_.inspector().pixel(toggle - QPoint(10, 0));
-            return seen.red() - seen.blue() > 30;
-        })) << "the switch does not show the session";
+            return idle_.isInhibited() && seen.red() - seen.blue() > 30;
+        };
+        // The service is this process: on a machine that is busy it may answer later than the
+        // program waits, which then refuses the session and gives back what it is granted.
+        const bool isBegun = waitUntil([&] {
+            ++repeated_;
+            desktop_.input().click(corner + panelPlaces_[u"15m"_s]);
+            return waitUntil(isOn, std::chrono::seconds(3));
+        });
+        EXPECT_TRUE(isBegun) << "no session begins, or the switch does not show it";
+        --repeated_;
         desktop_.input().click(toggle);
         EXPECT_TRUE(waitUntil([&] { return !idle_.isInhibited(); })) << "the session does not end";
         closePanel(PanelEnd::escape);
@@ -320,7 +335,7 @@ void expectNothingPilesUpInUse(SoakLength length) {
     EXPECT_TRUE(waitUntil([&] { return soak.holdings().isWithin(before); }))
         << ::testing::PrintToString(before) << "\n is now "
         << ::testing::PrintToString(soak.holdings());
-    std::printf("%d closings and savings asked for once more\n", soak.repeated());
+    std::printf("%d closings, sessions and savings asked for once more\n", soak.repeated());
     EXPECT_TRUE(soak.waitForRest()) << "something goes on waking the program";
     soak.expectOrderlyEnd();
 }
