@@ -54,6 +54,15 @@ protected:
     }
 
     [[nodiscard]] const Screen& screen() const { return *platform->screens().all().front(); }
+    /// Expects a window that has gone out of sight to be found nowhere. Some window managers keep
+    /// it on the server, beneath a window of their own.
+    void expectNotFoundAt(const QRect& frame) {
+        EXPECT_TRUE(waitUntil([&] {
+            return !WindowManager::shared()
+                        .windowElementAtScreenPoint(appKitCentre(*platform, frame))
+                        .has_value();
+        }));
+    }
     /// Expects a window to come to fill the zone.
     void expectIn(XInspector::Window window, const Zone& zone) {
         EXPECT_TRUE(settle(*platform));
@@ -114,16 +123,18 @@ TEST_P(WindowStates, FreesAMaximisedFullscreenOrShadedWindowAndFillsTheZone) {
     }
 }
 
-TEST_P(MinimisedWindows, HaveTheFrameThatTheyWereGivenOnceTheyAreBack) {
+TEST_P(MinimisedWindows, AreFoundNowhereAndHaveTheFrameThatTheyWereGivenOnceTheyAreBack) {
     XInspector& inspector = desktop.inspector();
     const auto isIconic = [&] {
         const auto state = inspector.property(client.window, "WM_STATE");
         return !state.empty() && state[0] == 3;
     };
+    const QRect before = inspector.outerFrame(client.window);
     static_cast<void>(outputOf(QStringLiteral("xdotool"),
                                {QStringLiteral("windowminimize"), windowText()},
                                desktop.environment()));
     ASSERT_TRUE(waitUntil(isIconic));
+    expectNotFoundAt(before);
     const Zone zone = ZoneLayout::thirds().zones[1];
     const Screen& screen = *platform->screens().all().front();
     WindowManager::shared().snap(*element, zone, screen);
@@ -139,11 +150,13 @@ TEST_P(MinimisedWindows, HaveTheFrameThatTheyWereGivenOnceTheyAreBack) {
 TEST_P(WindowStates, MovesAWindowOnAnotherDesktop) {
     XInspector& inspector = desktop.inspector();
     expectSnap(ZoneLayout::thirds().zones[1]);
+    const QRect before = inspector.outerFrame(client.window);
     putOnAnotherDesktop();
     ASSERT_TRUE(waitUntil([&] {
         const auto number = inspector.property(client.window, "_NET_WM_DESKTOP");
         return !number.empty() && number[0] == 1;
     }));
+    expectNotFoundAt(before);
     const Zone zone = ZoneLayout::halves().zones[1];
     WindowManager::shared().snap(*element, zone, screen());
     EXPECT_TRUE(settle(*platform));

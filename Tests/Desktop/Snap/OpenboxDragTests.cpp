@@ -45,7 +45,7 @@ TEST_P(OpenboxDrag, EscapeChangesNothingOfTheSnap) {
 
 TEST_P(OpenboxDrag, AWindowThatClosesDuringTheDragCostsNothing) {
     for (const ClientKind kind : draggedClients)
-        cases->closeInMidDrag(kind, 2);
+        cases->closeInMidDrag(kind, KeyTiming::beforeThePress, 2);
 }
 
 TEST_P(OpenboxDrag, AMaximisedWindowIsPulledOffIntoAZone) {

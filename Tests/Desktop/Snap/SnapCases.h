@@ -28,7 +28,7 @@ public:
     /// Escape in mid-drag changes nothing of the snap.
     void pressEscape(ClientKind kind, std::size_t zone);
     /// A window that closes in mid-drag costs nothing, neither another window's place.
-    void closeInMidDrag(ClientKind kind, std::size_t zone);
+    void closeInMidDrag(ClientKind kind, KeyTiming timing, std::size_t zone);
     /// A maximised window is pulled off into a zone.
     void pullOffMaximised(ClientKind kind, std::size_t zone);
     /// Dropped where a window manager would tile or maximise it, the window fills the zone there.

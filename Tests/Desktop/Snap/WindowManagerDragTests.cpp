@@ -28,6 +28,14 @@ struct WindowManagerDrag : ::testing::TestWithParam<Desk> {
                                                         : ClientKind::gtkClientDecorated;
     }
 
+    /// Whether a window that is moved while Shift is held jumps to the edges round about: it is not
+    /// under the pointer then when the program looks, and the focused window stands in for it.
+    static bool jumpsWithShift() {
+        return GetParam().kind == WindowManagerKind::marco ||
+               GetParam().kind == WindowManagerKind::mutter ||
+               GetParam().kind == WindowManagerKind::muffin;
+    }
+
     DesktopSession desktop;
 };
 
@@ -47,10 +55,8 @@ TEST_P(WindowManagerDrag, SnapsByShift) {
     SnapCases cases(desktop, QStringLiteral("shift"));
     cases.dropInAZone(ClientKind::qt, KeyTiming::afterTheDragBegan, 3);
     cases.dropInAZone(ownBar(), KeyTiming::beforeThePress, 2);
-    // kwin shows an outline of its own tiles while Shift is held, which may lie under the pointer
-    // when the drag begins: then no window is captured, and the focused one stands in for it.
-    if (GetParam().kind != WindowManagerKind::kwin)
-        cases.closeInMidDrag(ClientKind::xterm, 1);
+    if (!jumpsWithShift())
+        cases.closeInMidDrag(ClientKind::xterm, KeyTiming::afterTheDragBegan, 1);
 }
 
 TEST_P(WindowManagerDrag, SnapsByOption) {
@@ -64,7 +70,7 @@ TEST_P(WindowManagerDrag, SnapsByCommand) {
     SnapCases cases(desktop, QStringLiteral("command"));
     cases.dropInAZone(ownBar(), KeyTiming::afterTheDragBegan, 3);
     cases.dropInAZone(ClientKind::xterm, KeyTiming::beforeThePress, 2);
-    cases.dropInAZone(ClientKind::qt, KeyTiming::beforeThePress, 1);
+    cases.closeInMidDrag(ClientKind::qt, KeyTiming::beforeThePress, 1);
 }
 
 TEST_P(WindowManagerDrag, SnapsAtTheScreensEdges) {

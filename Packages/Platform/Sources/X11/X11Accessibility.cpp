@@ -1,15 +1,17 @@
 #include "X11Accessibility.h"
 
-#include "X11WindowFacts.h"
+#include "X11WindowLookup.h"
 
 #include <cmath>
 
 namespace tilewright {
 
-X11Accessibility::X11Accessibility(X11Connection& connection, const X11Screens& screens,
-                                   X11Trust& trust, X11ActiveWindow& activeWindow,
-                                   X11FrameSetter& frameSetter)
+X11Accessibility::X11Accessibility(X11Connection& connection,
+                                   const X11WindowManagerWatch& windowManager,
+                                   const X11Screens& screens, X11Trust& trust,
+                                   X11ActiveWindow& activeWindow, X11FrameSetter& frameSetter)
     : connection_(connection)
+    , windowManager_(windowManager)
     , screens_(screens)
     , trust_(trust)
     , context_(std::make_shared<X11ElementContext>(
@@ -28,7 +30,8 @@ AXResult<AccessibilityElement> X11Accessibility::elementAtPosition(AXPoint point
         return {AXError::illegalArgument, {}};
     if (!connection_.isAlive())
         return {AXError::cannotComplete, {}};
-    const auto window = applicationWindowAt(connection_, screens_.coordinates().toPixel(point));
+    const auto window =
+        applicationWindowAt(connection_, windowManager_, screens_.coordinates().toPixel(point));
     if (!window)
         return {AXError::noValue, {}};
     return {AXError::success,

@@ -12,8 +12,9 @@ namespace tilewright {
 /// asks of the X server alone: a client that has stopped cannot stop it.
 class X11Accessibility final : public Accessibility {
 public:
-    X11Accessibility(X11Connection& connection, const X11Screens& screens, X11Trust& trust,
-                     X11ActiveWindow& activeWindow, X11FrameSetter& frameSetter);
+    X11Accessibility(X11Connection& connection, const X11WindowManagerWatch& windowManager,
+                     const X11Screens& screens, X11Trust& trust, X11ActiveWindow& activeWindow,
+                     X11FrameSetter& frameSetter);
 
     bool isTrusted() const override { return trust_.isTrusted(); }
     bool requestTrust() override { return trust_.request(); }
@@ -25,6 +26,7 @@ public:
 
 private:
     X11Connection& connection_;
+    const X11WindowManagerWatch& windowManager_;
     const X11Screens& screens_;
     X11Trust& trust_;
     std::shared_ptr<X11ElementContext> context_;

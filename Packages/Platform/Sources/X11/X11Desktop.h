@@ -29,7 +29,7 @@ public:
         , frameSetter_(connection, selection_, windowManager_, loop,
                        [this] { return screens_.coordinates(); })
         , trust_(connection, windowManager_, loop, notifications, isWaylandSession)
-        , accessibility_(connection, screens_, trust_, activeWindow_, frameSetter_)
+        , accessibility_(connection, windowManager_, screens_, trust_, activeWindow_, frameSetter_)
         , guidance_(notifications, environment)
         , screenMotionWish_(connection, selection_)
         , workspace_(connection, activeWindow_, compositor_, trust_, guidance_, screenMotionWish_,

@@ -3,16 +3,14 @@
 #include "X11Properties.h"
 
 #include <algorithm>
-#include <array>
 
 namespace tilewright {
 namespace {
 
 constexpr std::uint32_t withdrawnState = 0;
 constexpr std::uint32_t iconicState = 3;
-/// How deep a window manager may bury a client, and how many windows are looked at on each level.
+/// How deep a window manager may bury a client.
 constexpr int deepestClient = 4;
-constexpr std::size_t widestLevel = 64;
 
 X11Extents extentsFrom(const std::vector<std::uint32_t>& items) {
     const auto at = [&](std::size_t i) {
@@ -121,15 +119,13 @@ bool isManagedState(const std::vector<std::uint32_t>& state) {
     return !state.empty() && state[0] != withdrawnState;
 }
 
-/// A level of the window tree: what each window bears, and its children.
-struct TreeNode {
-    xcb_window_t window;
-    xcb_get_property_cookie_t state;
-    xcb_get_property_cookie_t type;
-    xcb_query_tree_cookie_t tree;
-};
-
 } // namespace
+
+bool isApplicationType(const X11Connection& connection, const std::vector<std::uint32_t>& types) {
+    X11WindowFacts facts;
+    applyType(connection, types, facts);
+    return facts.isApplicationWindow;
+}
 
 QSize X11SizeLimits::constrained(QSize wish) const {
     const auto dimension = [](int value, int least, int most, int start, int step) {
@@ -208,53 +204,6 @@ X11WindowFacts readWindowFacts(X11Connection& connection, xcb_window_t window) {
                             ? extentsFrom(decorations)
                             : extentsFromTree(connection, window, facts.client);
     return facts;
-}
-
-std::optional<xcb_window_t> applicationWindowAt(X11Connection& connection, QPoint place) {
-    xcb_connection_t* xcb = connection.xcb();
-    const auto x = static_cast<std::int16_t>(std::clamp(place.x(), -32768, 32767));
-    const auto y = static_cast<std::int16_t>(std::clamp(place.y(), -32768, 32767));
-    const auto top = connection.reply<xcb_translate_coordinates_reply_t>(
-        xcb_translate_coordinates(xcb, connection.root(), connection.root(), x, y));
-    if (!top || top->child == XCB_NONE)
-        return std::nullopt;
-
-    // The place may be on a title bar: the client is somewhere in the frame, not under the place.
-    std::vector<xcb_window_t> level{top->child};
-    for (int depth = 0; depth < deepestClient && !level.empty(); ++depth) {
-        std::vector<TreeNode> nodes;
-        nodes.reserve(level.size());
-        for (const xcb_window_t window : level) {
-            nodes.push_back({window, requestProperty(connection, window, X11Atom::wmState),
-                             requestProperty(connection, window, X11Atom::netWmWindowType),
-                             xcb_query_tree(xcb, window)});
-        }
-        level.clear();
-        std::optional<xcb_window_t> found;
-        bool isFoundForUsers = false;
-        for (const TreeNode& node : nodes) {
-            const auto state = takeItems(connection, node.state);
-            const auto types = takeItems(connection, node.type);
-            const auto tree = connection.reply<xcb_query_tree_reply_t>(node.tree);
-            // Children come bottommost first; the topmost client of a frame is its current one.
-            if (isManagedState(state)) {
-                X11WindowFacts facts;
-                applyType(connection, types, facts);
-                found = node.window;
-                isFoundForUsers = facts.isApplicationWindow;
-            }
-            if (!tree)
-                continue;
-            const xcb_window_t* children = xcb_query_tree_children(tree.get());
-            for (int i = 0; i < xcb_query_tree_children_length(tree.get()); ++i) {
-                if (level.size() < widestLevel)
-                    level.push_back(children[i]);
-            }
-        }
-        if (found)
-            return isFoundForUsers ? found : std::nullopt;
-    }
-    return std::nullopt;
 }
 
 } // namespace tilewright

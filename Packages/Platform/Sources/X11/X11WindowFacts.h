@@ -3,7 +3,8 @@
 #include "X11Connection.h"
 
 #include <QRect>
-#include <optional>
+#include <cstdint>
+#include <vector>
 
 namespace tilewright {
 
@@ -70,10 +71,9 @@ struct X11WindowFacts {
 /// decorations.
 [[nodiscard]] X11WindowFacts readWindowFacts(X11Connection& connection, xcb_window_t window);
 
-/// The managed window of an application at a place of the X screen, topmost first; none where the
-/// wallpaper, a panel, a menu or nothing is on top there. Windows without input shape at the place
-/// are looked through.
-[[nodiscard]] std::optional<xcb_window_t> applicationWindowAt(X11Connection& connection,
-                                                              QPoint place);
+/// Whether users work in windows that bear these types: panels, wallpapers, menus and the like are
+/// none. The first type that this program knows counts; without one it is a window for users.
+[[nodiscard]] bool isApplicationType(const X11Connection& connection,
+                                     const std::vector<std::uint32_t>& types);
 
 } // namespace tilewright

@@ -28,6 +28,12 @@ bool X11WindowManagerWatch::supports(xcb_atom_t hint) const {
     return std::find(supported_.begin(), supported_.end(), hint) != supported_.end();
 }
 
+bool X11WindowManagerWatch::made(xcb_window_t window) const {
+    // The same on every connection to a server.
+    const std::uint32_t ofTheConnection = ~xcb_get_setup(connection_.xcb())->resource_id_mask;
+    return isRunning() && (window & ofTheConnection) == (checkWindow_ & ofTheConnection);
+}
+
 xcb_get_property_cookie_t X11WindowManagerWatch::requestIsAlive() const {
     return requestProperty(connection_, checkWindow_, X11Atom::netSupportingWmCheck, 1);
 }

@@ -21,6 +21,10 @@ public:
     [[nodiscard]] bool supports(X11Atom hint) const { return supports(connection_.atom(hint)); }
     [[nodiscard]] bool supports(xcb_atom_t hint) const;
 
+    /// Whether the window manager itself made a window, rather than one of the applications whose
+    /// windows it manages. Asks nobody: a window's number tells which connection it was made on.
+    [[nodiscard]] bool made(xcb_window_t window) const;
+
     /// Asks whether the window manager still runs right now; `takeIsAlive` has the answer. In two
     /// steps, so that it shares a round trip with other requests.
     [[nodiscard]] xcb_get_property_cookie_t requestIsAlive() const;

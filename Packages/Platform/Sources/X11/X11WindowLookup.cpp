@@ -1,0 +1,204 @@
+#include "X11WindowLookup.h"
+
+#include "X11Properties.h"
+#include "X11WindowFacts.h"
+
+#include <QRect>
+#include <algorithm>
+#include <array>
+#include <xcb/shape.h>
+
+namespace tilewright {
+namespace {
+
+constexpr std::uint32_t withdrawnState = 0;
+constexpr std::uint32_t normalState = 1;
+/// How deep a window manager may bury a client, and how many windows are looked at on each level.
+constexpr int deepestClient = 4;
+constexpr std::size_t widestLevel = 64;
+
+/// A window of the tree: what it bears, and its children.
+struct TreeNode {
+    xcb_window_t window;
+    xcb_get_property_cookie_t state;
+    xcb_get_property_cookie_t type;
+    xcb_query_tree_cookie_t tree;
+};
+
+/// What a child of the root window holds.
+struct Content {
+    /// The managed window in it, or it itself; none where nobody manages anything of it.
+    std::optional<xcb_window_t> client;
+    /// Whether users work in the client.
+    bool isForUsers = false;
+    /// Whether the client is neither minimised nor on a desktop that does not show.
+    bool isShown = false;
+};
+
+Content contentOf(X11Connection& connection, xcb_window_t top) {
+    // A place may be on a title bar: the client is somewhere in the frame, not under the place.
+    std::vector<xcb_window_t> level{top};
+    Content content;
+    for (int depth = 0; depth < deepestClient && !level.empty() && !content.client; ++depth) {
+        std::vector<TreeNode> nodes;
+        nodes.reserve(level.size());
+        for (const xcb_window_t window : level) {
+            nodes.push_back({window, requestProperty(connection, window, X11Atom::wmState),
+                             requestProperty(connection, window, X11Atom::netWmWindowType),
+                             xcb_query_tree(connection.xcb(), window)});
+        }
+        level.clear();
+        for (const TreeNode& node : nodes) {
+            const auto state = takeItems(connection, node.state);
+            const auto types = takeItems(connection, node.type);
+            const auto tree = connection.reply<xcb_query_tree_reply_t>(node.tree);
+            // Children come bottommost first; the topmost client of a frame is its current one.
+            if (!state.empty() && state[0] != withdrawnState)
+                content = {node.window, isApplicationType(connection, types),
+                           state[0] == normalState};
+            if (!tree)
+                continue;
+            const xcb_window_t* children = xcb_query_tree_children(tree.get());
+            for (int i = 0; i < xcb_query_tree_children_length(tree.get()); ++i) {
+                if (level.size() < widestLevel)
+                    level.push_back(children[i]);
+            }
+        }
+    }
+    return content;
+}
+
+/// Whether a window of the window manager's own that holds no client only shows something, or only
+/// covers what lies beneath, while the window manager is at work.
+bool isSeenThrough(X11Connection& connection, xcb_window_t window) {
+    const auto attributesCookie = xcb_get_window_attributes(connection.xcb(), window);
+    const auto typeCookie = requestProperty(connection, window, X11Atom::netWmWindowType);
+    const auto attributes = connection.reply<xcb_get_window_attributes_reply_t>(attributesCookie);
+    const auto types = takeItems(connection, typeCookie);
+    if (!attributes)
+        return false;
+    // The type tells more than the events: toolkits ask for all of them, or in a way that does not
+    // show here. Menus and panels that are made with one have a type of their own.
+    if (!types.empty()) {
+        return std::any_of(types.begin(), types.end(), [&](std::uint32_t type) {
+            return type == connection.atom(X11Atom::netWmWindowTypeNormal) ||
+                   type == connection.atom(X11Atom::netWmWindowTypeNotification);
+        });
+    }
+    return (attributes->all_event_masks & XCB_EVENT_MASK_BUTTON_PRESS) == 0;
+}
+
+bool holds(const xcb_shape_get_rectangles_reply_t& shape, QPoint place) {
+    const xcb_rectangle_t* rectangles = xcb_shape_get_rectangles_rectangles(&shape);
+    return std::any_of(rectangles, rectangles + xcb_shape_get_rectangles_rectangles_length(&shape),
+                       [&](const xcb_rectangle_t& part) {
+                           return QRect(part.x, part.y, part.width, part.height).contains(place);
+                       });
+}
+
+/// The children of the root window below one of them that the server would hand a press at the
+/// place to, were those above not there. Topmost first.
+std::vector<xcb_window_t> windowsBelow(X11Connection& connection, xcb_window_t window,
+                                       QPoint place) {
+    xcb_connection_t* xcb = connection.xcb();
+    const auto tree =
+        connection.reply<xcb_query_tree_reply_t>(xcb_query_tree(xcb, connection.root()));
+    if (!tree)
+        return {};
+    const xcb_window_t* bottommost = xcb_query_tree_children(tree.get());
+    const xcb_window_t* end = bottommost + xcb_query_tree_children_length(tree.get());
+    const xcb_window_t* top = std::find(bottommost, end, window);
+    // Restacked or gone since it was found.
+    if (top == end)
+        return {};
+
+    struct Sibling {
+        xcb_window_t window;
+        xcb_get_window_attributes_cookie_t attributes;
+        xcb_get_geometry_cookie_t geometry;
+    };
+    std::vector<Sibling> siblings;
+    siblings.reserve(static_cast<std::size_t>(top - bottommost));
+    while (top != bottommost) {
+        --top;
+        siblings.push_back(
+            {*top, xcb_get_window_attributes(xcb, *top), xcb_get_geometry(xcb, *top)});
+    }
+    struct Candidate {
+        xcb_window_t window;
+        QPoint place;
+        std::array<xcb_shape_get_rectangles_cookie_t, 2> shapes;
+    };
+    const bool hasShapes = connection.shape().isAtLeast(1, 1);
+    std::vector<Candidate> candidates;
+    candidates.reserve(siblings.size());
+    for (const Sibling& sibling : siblings) {
+        const auto attributes =
+            connection.reply<xcb_get_window_attributes_reply_t>(sibling.attributes);
+        const auto geometry = connection.reply<xcb_get_geometry_reply_t>(sibling.geometry);
+        if (!attributes || !geometry || attributes->map_state != XCB_MAP_STATE_VIEWABLE)
+            continue;
+        const int border = geometry->border_width;
+        const QPoint corner(geometry->x, geometry->y);
+        const QRect area(corner,
+                         QSize(geometry->width + 2 * border, geometry->height + 2 * border));
+        if (!area.contains(place))
+            continue;
+        Candidate& candidate = candidates.emplace_back();
+        candidate.window = sibling.window;
+        // A shape's origin lies within the border.
+        candidate.place = place - corner - QPoint(border, border);
+        if (hasShapes)
+            candidate.shapes = {
+                xcb_shape_get_rectangles(xcb, sibling.window, XCB_SHAPE_SK_BOUNDING),
+                xcb_shape_get_rectangles(xcb, sibling.window, XCB_SHAPE_SK_INPUT)};
+    }
+    std::vector<xcb_window_t> found;
+    found.reserve(candidates.size());
+    for (const Candidate& candidate : candidates) {
+        bool isHit = true;
+        for (std::size_t i = 0; hasShapes && i < candidate.shapes.size(); ++i) {
+            const auto shape =
+                connection.reply<xcb_shape_get_rectangles_reply_t>(candidate.shapes[i]);
+            isHit = isHit && shape && holds(*shape, candidate.place);
+        }
+        if (isHit)
+            found.push_back(candidate.window);
+    }
+    return found;
+}
+
+} // namespace
+
+std::optional<xcb_window_t> applicationWindowAt(X11Connection& connection,
+                                                const X11WindowManagerWatch& windowManager,
+                                                QPoint place) {
+    const auto x = static_cast<std::int16_t>(std::clamp(place.x(), -32768, 32767));
+    const auto y = static_cast<std::int16_t>(std::clamp(place.y(), -32768, 32767));
+    const auto top = connection.reply<xcb_translate_coordinates_reply_t>(
+        xcb_translate_coordinates(connection.xcb(), connection.root(), connection.root(), x, y));
+    if (!top || top->child == XCB_NONE)
+        return std::nullopt;
+
+    const auto isCover = [&](xcb_window_t window) {
+        return windowManager.made(window) && isSeenThrough(connection, window);
+    };
+    if (const Content content = contentOf(connection, top->child); content.client)
+        return content.isForUsers ? content.client : std::nullopt;
+    if (!isCover(top->child))
+        return std::nullopt;
+    for (const xcb_window_t window : windowsBelow(connection, top->child, place)) {
+        const Content content = contentOf(connection, window);
+        // Compositing window managers keep windows on the server that the user has put out of
+        // sight, beneath a cover.
+        if (content.client && !content.isShown)
+            continue;
+        if (content.client)
+            return content.isForUsers ? content.client : std::nullopt;
+        if (!isCover(window))
+            return std::nullopt;
+    }
+    return std::nullopt;
+}
+
+} // namespace tilewright
