@@ -3,6 +3,8 @@
 #include <Platform/Platform.h>
 
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace tilewright {
 
@@ -12,8 +14,10 @@ class DesktopBackend {
 public:
     DesktopBackend() = delete;
 
-    /// Tells the toolkit what it has to know before its application object is made.
-    static void prepareToolkit();
+    /// The command line that the toolkit is given, after the program's name, in place of this
+    /// process's own: neither the user's arguments nor the environment choose what only this
+    /// desktop can be. Nothing of it reaches the programs that this one starts.
+    [[nodiscard]] static std::vector<std::string> toolkitArguments();
     /// Opens the desktop; null, after saying why on standard error, when there is none. Needs the
     /// toolkit's application object, and has to end before it.
     [[nodiscard]] static std::unique_ptr<Platform> open();

@@ -4,7 +4,9 @@
 
 namespace tilewright {
 
-void DesktopBackend::prepareToolkit() {}
+std::vector<std::string> DesktopBackend::toolkitArguments() {
+    return {};
+}
 
 std::unique_ptr<Platform> DesktopBackend::open() {
     return std::make_unique<MacPlatform>();

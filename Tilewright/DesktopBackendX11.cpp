@@ -6,10 +6,9 @@
 
 namespace tilewright {
 
-void DesktopBackend::prepareToolkit() {
+std::vector<std::string> DesktopBackend::toolkitArguments() {
     // The windows of an X server are what is moved, also where a Wayland compositor runs beside it.
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "xcb");
+    return {"-platform", "xcb"};
 }
 
 std::unique_ptr<Platform> DesktopBackend::open() {

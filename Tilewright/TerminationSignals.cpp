@@ -42,8 +42,12 @@ TerminationSignals::TerminationSignals(QObject* parent)
     action.sa_handler = passOnTerminationSignal;
     action.sa_flags = SA_RESTART;
     sigemptyset(&action.sa_mask);
-    for (std::size_t i = 0; i < signals_.size(); ++i)
-        sigaction(signals_[i], &action, &formerActions_[i]);
+    for (std::size_t i = 0; i < signals_.size(); ++i) {
+        sigaction(signals_[i], nullptr, &formerActions_[i]);
+        // Whoever started this program so that a signal is nothing to it, as nohup does, means it.
+        if (formerActions_[i].sa_handler != SIG_IGN)
+            sigaction(signals_[i], &action, nullptr);
+    }
 }
 
 TerminationSignals::~TerminationSignals() {

@@ -9,7 +9,8 @@
 namespace tilewright {
 
 /// Turns the signals that ask a process to end (SIGTERM, SIGINT, SIGHUP) into a call from the event
-/// loop, for as long as it lives; then the former handlers are back. One at a time.
+/// loop, for as long as it lives; then the former handlers are back. A signal that the process was
+/// started to ignore stays ignored. One at a time.
 class TerminationSignals final : public QObject {
     Q_OBJECT
 

@@ -10,8 +10,15 @@
 
 int main(int argc, char** argv) {
     using namespace tilewright;
-    DesktopBackend::prepareToolkit();
-    const QApplication application(argc, argv);
+    std::vector<std::string> arguments = DesktopBackend::toolkitArguments();
+    arguments.emplace(arguments.begin(), argc > 0 ? argv[0] : "tilewright");
+    std::vector<char*> pointers;
+    pointers.reserve(arguments.size() + 1);
+    for (std::string& argument : arguments)
+        pointers.push_back(argument.data());
+    pointers.push_back(nullptr);
+    int count = static_cast<int>(arguments.size());
+    const QApplication application(count, pointers.data());
     QApplication::setApplicationName(QStringLiteral("tilewright"));
     QApplication::setDesktopFileName(QStringLiteral("org.tilewright.Tilewright"));
     installAccessibleApplication();

@@ -57,6 +57,8 @@ public:
     bool requestTrust() override {
         log("requestTrust");
         ++trustRequests;
+        if (whenTrustIsRequested)
+            whenTrustIsRequested();
         return trusted;
     }
     AccessibilityElement systemWideElement() const override {
@@ -82,6 +84,8 @@ public:
 
     bool trusted = true;
     int trustRequests = 0;
+    /// Called within each such request.
+    std::function<void()> whenTrustIsRequested;
     bool positionValuesFail = false;
     bool sizeValuesFail = false;
     std::shared_ptr<FakeElement> systemWide;

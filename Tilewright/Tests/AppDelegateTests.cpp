@@ -31,11 +31,14 @@ TEST_F(AppDelegateTest, DoesNotAskWhereThePermissionIsGranted) {
 
 TEST_F(AppDelegateTest, AsksBeforeItWatchesAnything) {
     platform.fakeAccessibility.trusted = false;
+    bool wasWatching = false;
+    platform.fakeAccessibility.whenTrustIsRequested = [&] {
+        wasWatching = !platform.fakeEventMonitors.installed.empty();
+    };
     delegate.applicationDidFinishLaunching();
-    const auto& calls = platform.fakeAccessibility.calls;
-    ASSERT_GE(calls.size(), 2U);
-    EXPECT_EQ(calls[0], "isTrusted");
-    EXPECT_EQ(calls[1], "requestTrust");
+    EXPECT_EQ(platform.fakeAccessibility.trustRequests, 1);
+    EXPECT_FALSE(wasWatching) << "while it asked";
+    EXPECT_FALSE(platform.fakeEventMonitors.installed.empty()) << "afterwards";
 }
 
 TEST_F(AppDelegateTest, EndsTheSessionBeforeItStopsWatchingWhenTheApplicationTerminates) {

@@ -1,12 +1,26 @@
 #include <Tilewright/TerminationSignals.h>
 #include <Waiting.h>
 
+#include <QCoreApplication>
 #include <QSignalSpy>
 #include <csignal>
 #include <gtest/gtest.h>
 
 using tilewright::TerminationSignals;
 using tilewright::testing::waitUntil;
+
+namespace {
+
+using Handler = void (*)(int);
+
+extern "C" void formerHandler(int /*signal*/) {}
+
+Handler handlerOf(int signal) {
+    struct sigaction now = {};
+    return sigaction(signal, nullptr, &now) == 0 ? now.sa_handler : nullptr;
+}
+
+} // namespace
 
 TEST(TerminationSignals, TurnsEachSignalIntoACallFromTheEventLoop) {
     const TerminationSignals termination;
@@ -21,10 +35,26 @@ TEST(TerminationSignals, TurnsEachSignalIntoACallFromTheEventLoop) {
 }
 
 TEST(TerminationSignals, PutsTheFormerHandlersBack) {
+    std::signal(SIGHUP, formerHandler);
+    {
+        const TerminationSignals termination;
+        EXPECT_NE(handlerOf(SIGHUP), formerHandler);
+    }
+    EXPECT_EQ(handlerOf(SIGHUP), formerHandler);
+    std::signal(SIGHUP, SIG_DFL);
+}
+
+TEST(TerminationSignals, LeavesASignalIgnoredThatTheProcessWasStartedToIgnore) {
     std::signal(SIGHUP, SIG_IGN);
-    { const TerminationSignals termination; }
-    struct sigaction now = {};
-    ASSERT_EQ(sigaction(SIGHUP, nullptr, &now), 0);
-    EXPECT_EQ(now.sa_handler, SIG_IGN);
+    {
+        const TerminationSignals termination;
+        EXPECT_EQ(handlerOf(SIGHUP), SIG_IGN);
+        EXPECT_NE(handlerOf(SIGTERM), SIG_DFL) << "the others are heeded";
+        QSignalSpy requested(&termination, &TerminationSignals::terminationRequested);
+        ASSERT_EQ(std::raise(SIGHUP), 0);
+        QCoreApplication::processEvents();
+        EXPECT_EQ(requested.size(), 0);
+    }
+    EXPECT_EQ(handlerOf(SIGHUP), SIG_IGN);
     std::signal(SIGHUP, SIG_DFL);
 }

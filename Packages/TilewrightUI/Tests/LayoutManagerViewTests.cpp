@@ -232,6 +232,19 @@ TEST_F(LayoutManager, SetsItsSectionsOutAsDesigned) {
     EXPECT_EQ(place(view.builtInCards()[2], content).right() + 1, 520 - 16);
 }
 
+TEST_F(LayoutManager, KeepsThePlaceOfAnEmptyGridBelowTheHint) {
+    LayoutManagerView view;
+    layOut(view);
+    const QWidget* content = view.widget();
+    const auto labels = content->findChildren<TextLabel*>(QString(), Qt::FindDirectChildrenOnly);
+    const QRect title = place(labels[0], content);
+    const QRect hint = place(labels[1], content);
+    EXPECT_EQ(hint.top() - (title.bottom() + 1), 8);
+    const QRect secondTitle = place(labels[2], content);
+    // The section's spacing before the grid, the grid, which has no height, and the next section.
+    EXPECT_EQ(secondTitle.top() - (hint.bottom() + 1), 8 + 0 + 18);
+}
+
 TEST_F(LayoutManager, FitsAsManyColumnsOfAtLeast150PointsAsItCan) {
     for (int i = 0; i < 7; ++i)
         add(QStringLiteral("Layout %1").arg(i));

@@ -16,14 +16,14 @@ namespace {
 class GuidanceOnScreen : public ::testing::Test {
 protected:
     /// Puts a document handler of the test's own before those of the machine: it notes what it is
-    /// asked to open.
+    /// asked to open, and on which platform the toolkit's programs are to run.
     QString pathWithHandler() {
         const QString folder = desktop.session().home() + u"/bin"_s;
         QDir().mkpath(folder);
         QFile handler(folder + u"/xdg-open"_s);
         EXPECT_TRUE(handler.open(QIODevice::WriteOnly));
-        handler.write("#!/bin/sh\necho \"$1\" > '" + notes().toUtf8() + ".new'\nmv '" +
-                      notes().toUtf8() + ".new' '" + notes().toUtf8() + "'\n");
+        handler.write("#!/bin/sh\n(echo \"$1\"; echo \"$QT_QPA_PLATFORM\") > '" + notes().toUtf8() +
+                      ".new'\nmv '" + notes().toUtf8() + ".new' '" + notes().toUtf8() + "'\n");
         handler.close();
         QFile::setPermissions(handler.fileName(),
                               QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
@@ -39,14 +39,17 @@ protected:
 TEST_F(GuidanceOnScreen, TheAccessibilityTabOpensAPageThatSaysWhatAWaylandSessionLacks) {
     desktop.startTray(TrayHost::systemTray);
     ShellUser user(desktop);
-    const Subprocess& program =
-        user.startProgram({{u"XDG_SESSION_TYPE"_s, u"wayland"_s}, {u"PATH"_s, pathWithHandler()}});
+    const Subprocess& program = user.startProgram({{u"XDG_SESSION_TYPE"_s, u"wayland"_s},
+                                                   {u"PATH"_s, pathWithHandler()},
+                                                   {u"QT_QPA_PLATFORM"_s, u"wayland"_s}});
     user.openSettings(u"Accessibility"_s);
     user.click(u"push button"_s, u"Open Privacy & Security Settings"_s);
     ASSERT_TRUE(waitUntil([&] { return QFile::exists(notes()); }));
     QFile note(notes());
     ASSERT_TRUE(note.open(QIODevice::ReadOnly));
-    const QString page = QString::fromUtf8(note.readAll()).trimmed();
+    const QStringList lines = QString::fromUtf8(note.readAll()).split(u'\n');
+    const QString page = lines.value(0);
+    EXPECT_EQ(lines.value(1), u"wayland"_s) << "what serves this program is not the handler's";
     EXPECT_TRUE(page.endsWith(u"/tilewright/help/x11-session.html"_s)) << page.toStdString();
     QFile opened(page);
     ASSERT_TRUE(opened.open(QIODevice::ReadOnly)) << page.toStdString();

@@ -1,12 +1,18 @@
 // From start to end, however it ends.
 
-#include "ShellDesktop.h"
+#include "ShellUser.h"
 
 #include <TestClients.h>
 #include <Waiting.h>
 
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <csignal>
 #include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
 
 namespace tilewright::testing {
 namespace {
@@ -33,6 +39,7 @@ TEST_P(LifecycleSignal, EndsTheSessionAndTheProcessInOrder) {
     EXPECT_TRUE(program.waitForEnd());
     EXPECT_EQ(program.exitCode(), 0) << "it ended by itself, not by the signal";
     EXPECT_TRUE(waitUntil([&] { return !idle.isInhibited(); }));
+    EXPECT_EQ(idle.releases(), 1) << "it gave back what it held before it went";
 }
 
 INSTANTIATE_TEST_SUITE_P(, LifecycleSignal, ::testing::Values(SIGTERM, SIGINT, SIGHUP),
@@ -41,6 +48,17 @@ INSTANTIATE_TEST_SUITE_P(, LifecycleSignal, ::testing::Values(SIGTERM, SIGINT, S
                                                 : parameter.param == SIGINT ? "Interrupt"
                                                                             : "HangUp");
                          });
+
+TEST_F(Lifecycle, HeedsNeitherOptionsNorAnotherPlatformInTheEnvironment) {
+    desktop.startTray(TrayHost::systemTray);
+    Subprocess& program = desktop.startProgram(
+        {}, {{u"QT_QPA_PLATFORM"_s, u"offscreen"_s}},
+        {u"-platform"_s, u"offscreen"_s, u"-display"_s, u":none"_s, u"--help"_s});
+    const QRect panel = desktop.openPanel();
+    desktop.input().click(ShellDesktop::quitButton(panel));
+    EXPECT_TRUE(program.waitForEnd());
+    EXPECT_EQ(program.exitCode(), 0);
+}
 
 TEST_F(Lifecycle, OpensThePanelOfTheFirstInstanceOnASecondStart) {
     Subprocess& program = desktop.startProgram();
@@ -72,6 +90,7 @@ TEST_F(Lifecycle, StartsAgainAfterItWasKilled) {
     first.signal(SIGKILL);
     ASSERT_TRUE(first.waitForEnd());
     EXPECT_TRUE(waitUntil([&] { return !idle.isInhibited(); })) << "nothing is left behind";
+    EXPECT_EQ(idle.releases(), 0) << "a killed process gives nothing back: the service sees to it";
     EXPECT_TRUE(waitUntil([&] { return !desktop.showsItem(); }));
     desktop.startProgram();
     desktop.openPanel();
@@ -88,6 +107,36 @@ TEST_F(Lifecycle, EndsWithoutACrashWhenTheDisplayServerIsGone) {
     EXPECT_TRUE(program.waitForEnd());
     EXPECT_NE(program.exitCode(), -1) << "a signal ended it";
     EXPECT_TRUE(waitUntil([&] { return !idle.isInhibited(); }));
+}
+
+TEST_F(Lifecycle, LeavesWhatTheUserChangedInWholeFilesWhenTheDisplayServerIsGone) {
+    ShellUser user(desktop);
+    desktop.startTray(TrayHost::systemTray);
+    Subprocess& program = user.startProgram();
+    const QRect panel = desktop.openPanel();
+    desktop.input().click(desktop.card(panel, 0, 1));
+    ASSERT_TRUE(waitUntil(
+        [&] { return desktop.layouts().contains("00000000-0000-0000-0000-000000000002"); }));
+    const QByteArray layouts = desktop.layouts();
+    desktop.input().tapKey(keysym::escape);
+    ASSERT_TRUE(desktop.waitForPanel(false));
+    user.openSettings(u"General"_s);
+    user.chooseBelow(2);
+    // What the view shows, the file has to hold.
+    static_cast<void>(user.place(u"combo box"_s, u"⌥ Option"_s));
+    desktop.session().server().kill();
+    EXPECT_TRUE(program.waitForEnd());
+    EXPECT_NE(program.exitCode(), -1) << "a signal ended it";
+
+    EXPECT_EQ(desktop.layouts(), layouts);
+    const QJsonObject stored = QJsonDocument::fromJson(layouts).object();
+    EXPECT_EQ(stored[u"assignments"].toObject().size(), 1) << layouts.constData();
+    const QFileInfo file(desktop.layoutsFile());
+    EXPECT_EQ(file.dir().entryList(QDir::Files | QDir::Hidden), QStringList(file.fileName()))
+        << "nothing half written lies beside it";
+    QFile settings(desktop.session().home() + u"/.config/Tilewright/Tilewright.conf"_s);
+    ASSERT_TRUE(settings.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(settings.readAll().split('\n').contains("snapActivationModifier=option"));
 }
 
 TEST_F(Lifecycle, ClosesThePanelWhenAnotherWindowBecomesActive) {

@@ -55,6 +55,7 @@ TEST_F(SessionEnd, EndsTheKeepAwakeSessionAndTheProcessWhenTheUserLogsOut) {
     EXPECT_TRUE(program->waitForEnd());
     EXPECT_EQ(program->exitCode(), 0) << "it ended by itself";
     EXPECT_TRUE(waitUntil([&] { return !idle.isInhibited(); }));
+    EXPECT_EQ(idle.releases(), 1) << "it gave back what it held before it went";
     EXPECT_TRUE(waitUntil([&] { return count("closed") == 1; })) << "it took leave";
     constexpr const char* never = "restarts 3";
     EXPECT_GE(count(never), 1) << "starting at login is the user's choice, made elsewhere:\n"

@@ -120,12 +120,51 @@ TEST_P(SettingsUnder, ComesForwardFromBehindMinimisedAndFromAnotherDesktop) {
     EXPECT_EQ(settings(), window) << "it is the same window";
 }
 
+TEST(SettingsBesideATray, ComeForwardAlsoWhenTheItemWasMadeAnewAfterThem) {
+    ShellDesktop desktop;
+    desktop.startTray(TrayHost::systemTray);
+    desktop.startProgram();
+    const auto chooseSettings = [&] {
+        const QRect panel = desktop.openPanel();
+        desktop.input().click(ShellDesktop::settingsButton(panel));
+        ASSERT_TRUE(desktop.waitForPanel(false));
+        EXPECT_TRUE(waitUntil([&] {
+            const auto window = desktop.settingsWindow();
+            return window && desktop.inspector().activeWindow() == *window;
+        })) << desktop.session().describe();
+    };
+    chooseSettings();
+    desktop.startTray(TrayHost::systemTray);
+    static_cast<void>(desktop.item());
+    const TestClient client =
+        startClient(desktop.session(), ClientKind::xterm, QRect(400, 300, 900, 600));
+    ASSERT_NE(client.window, 0U);
+    ASSERT_TRUE(waitUntil([&] { return desktop.inspector().activeWindow() == client.window; }));
+    // Only what is asked for the right window brings it from another desktop.
+    XInspector& look = desktop.inspector();
+    const XInspector::Window settings = desktop.settingsWindow().value_or(0);
+    for (const QStringList& arguments :
+         {QStringList{QStringLiteral("set_num_desktops"), QStringLiteral("2")},
+          QStringList{QStringLiteral("set_desktop_for_window"), QString::number(settings),
+                      QStringLiteral("1")}})
+        static_cast<void>(
+            outputOf(QStringLiteral("xdotool"), arguments, desktop.session().environment()));
+    ASSERT_TRUE(waitUntil([&] {
+        return look.property(settings, "_NET_WM_DESKTOP") == std::vector<quint32>{1} &&
+               look.activeWindow() == client.window;
+    }));
+    chooseSettings();
+    EXPECT_EQ(desktop.settingsWindow(), settings) << "it is the same window";
+}
+
+// Not jwm, which goes on calling a window active after it went to another desktop: whether it came
+// back from there cannot be told by that.
 INSTANTIATE_TEST_SUITE_P(, SettingsUnder,
                          ::testing::Values(WindowManagerKind::openbox, WindowManagerKind::xfwm4,
                                            WindowManagerKind::kwin, WindowManagerKind::marco,
                                            WindowManagerKind::mutter, WindowManagerKind::muffin,
                                            WindowManagerKind::icewm, WindowManagerKind::fluxbox,
-                                           WindowManagerKind::i3),
+                                           WindowManagerKind::i3, WindowManagerKind::metacity),
                          [](const auto& parameter) { return std::string(name(parameter.param)); });
 
 } // namespace tilewright::testing

@@ -91,7 +91,8 @@ uint IdleService::Inhibit(const QString& /*application*/, const QString& /*reaso
 }
 
 void IdleService::UnInhibit(uint cookie) {
-    holders_.erase(cookie);
+    if (holders_.erase(cookie) > 0)
+        ++releases_;
 }
 
 ShellDesktop::ShellDesktop(WindowManagerKind windowManager) {
@@ -119,8 +120,9 @@ void ShellDesktop::startTray(TrayHost host) {
 }
 
 Subprocess& ShellDesktop::startProgram(const QString& path,
-                                       const std::map<QString, QString>& moreEnvironment) {
-    program_ = &session_.start(path.isEmpty() ? program() : path, {}, moreEnvironment);
+                                       const std::map<QString, QString>& moreEnvironment,
+                                       const QStringList& arguments) {
+    program_ = &session_.start(path.isEmpty() ? program() : path, arguments, moreEnvironment);
     // From then on another start finds it.
     EXPECT_TRUE(waitUntil([&] {
         return outputOf(QStringLiteral("dbus-send"),
@@ -139,10 +141,10 @@ int ShellDesktop::startAgain() {
     return second.exitCode();
 }
 
-std::optional<QPoint> ShellDesktop::findItem() {
+QRegion ShellDesktop::itemPixels() {
     // Drawn in one tone that nothing else on the bar has.
     const QImage bar = inspector().screenshot(QRect(0, 0, 1920, barHeight));
-    QRect found;
+    QRegion found;
     for (int y = 0; y < bar.height(); ++y) {
         for (int x = 0; x < bar.width(); ++x) {
             const QColor color = bar.pixelColor(x, y);
@@ -151,10 +153,22 @@ std::optional<QPoint> ShellDesktop::findItem() {
                 found |= QRect(x, y, 1, 1);
         }
     }
+    return found;
+}
+
+std::optional<QPoint> ShellDesktop::findItem() {
+    const QRect found = itemPixels().boundingRect();
     // The cup, not some line of the bar.
     if (found.width() < 10 || found.width() > 40 || found.height() < 8)
         return std::nullopt;
     return found.center();
+}
+
+int ShellDesktop::itemCoverage() {
+    int pixels = 0;
+    for (const QRect& part : itemPixels())
+        pixels += part.width() * part.height();
+    return pixels;
 }
 
 bool ShellDesktop::showsItem() {

@@ -7,6 +7,7 @@
 #include <QDBusServiceWatcher>
 #include <QObject>
 #include <QRect>
+#include <QRegion>
 #include <map>
 #include <optional>
 
@@ -26,6 +27,8 @@ public:
     ~IdleService() override;
 
     [[nodiscard]] bool isInhibited() const { return !holders_.empty(); }
+    /// How often a holder has asked for the end of what it holds, rather than left the bus with it.
+    [[nodiscard]] int releases() const { return releases_; }
 
 public Q_SLOTS:
     uint Inhibit(const QString& application, const QString& reason);
@@ -37,6 +40,7 @@ private:
     QDBusServiceWatcher* watch_ = nullptr;
     uint lastCookie_ = 0;
     std::map<uint, QString> holders_;
+    int releases_ = 0;
 };
 
 /// A desktop in which the program runs as a user runs it, seen and used from outside only.
@@ -49,7 +53,8 @@ public:
     void killTray() { tray_->stop(); }
     /// Starts the program as it was built, or another copy of it.
     Subprocess& startProgram(const QString& path = {},
-                             const std::map<QString, QString>& moreEnvironment = {});
+                             const std::map<QString, QString>& moreEnvironment = {},
+                             const QStringList& arguments = {});
     /// Starts the program again while it runs, and waits until that second process has ended.
     [[nodiscard]] int startAgain();
 
@@ -57,6 +62,9 @@ public:
     [[nodiscard]] QPoint item();
     /// Whether the item shows now.
     [[nodiscard]] bool showsItem();
+    /// How much of the bar the item's drawing covers, in pixels: a filled cup is more than the
+    /// outline of one.
+    [[nodiscard]] int itemCoverage();
 
     /// The open panel, without its shadow; none while it is closed.
     [[nodiscard]] std::optional<QRect> panel();
@@ -84,6 +92,8 @@ public:
     [[nodiscard]] XInputInjector& input() { return session_.input(); }
 
 private:
+    /// The pixels of the bar that have the item's tone.
+    [[nodiscard]] QRegion itemPixels();
     [[nodiscard]] std::optional<QPoint> findItem();
     [[nodiscard]] std::vector<int> amberRows(const QRect& panel);
 

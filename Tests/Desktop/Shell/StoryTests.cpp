@@ -115,6 +115,7 @@ TEST_F(WholeProgram, IsUsedFromItsFirstStartToItsEnd) {
     ASSERT_TRUE(waitUntil([&] { return idle.isInhibited(); }));
     user.quit();
     EXPECT_TRUE(waitUntil([&] { return !idle.isInhibited(); }));
+    EXPECT_EQ(idle.releases(), 1) << "it gave back what it held before it went";
     EXPECT_TRUE(waitUntil([&] { return !desktop.showsItem(); }));
 }
 

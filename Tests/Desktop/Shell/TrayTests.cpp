@@ -146,6 +146,31 @@ TEST_P(UnderTrayHost, EndsTheSessionAndTheProcessOnQuit) {
     EXPECT_TRUE(program.waitForEnd());
     EXPECT_EQ(program.exitCode(), 0);
     EXPECT_TRUE(waitUntil([&] { return !idle.isInhibited(); }));
+    EXPECT_EQ(idle.releases(), 1) << "it gave back what it held before it went";
+}
+
+// The bar of the other kind draws the window of the item at its own leisure.
+TEST(ItemOnANotifierBar, FillsItsCupWhileASessionRunsAsSoonAsThePanelsSwitchIsUsed) {
+    ShellDesktop desktop;
+    desktop.startTray(TrayHost::statusNotifier);
+    desktop.startProgram();
+    desktop.openPanel();
+    // A bar may light up what lies below the pointer.
+    desktop.input().move({1500, 900});
+    int outline = 0;
+    ASSERT_TRUE(waitUntil([&] {
+        const int before = std::exchange(outline, desktop.itemCoverage());
+        return outline > 0 && outline == before;
+    }));
+    desktop.input().tapKey(keysym::tab);
+    desktop.input().tapKey(keysym::space);
+    EXPECT_TRUE(waitUntil([&] { return desktop.itemCoverage() > outline * 5 / 4; }))
+        << desktop.itemCoverage() << " pixels, and " << outline << " before";
+    EXPECT_TRUE(desktop.panel().has_value()) << "the panel is still open";
+    desktop.input().tapKey(keysym::space);
+    EXPECT_TRUE(waitUntil([&] { return desktop.itemCoverage() == outline; }))
+        << desktop.itemCoverage() << " pixels, and " << outline << " before";
+    EXPECT_TRUE(desktop.panel().has_value());
 }
 
 INSTANTIATE_TEST_SUITE_P(, UnderTrayHost,

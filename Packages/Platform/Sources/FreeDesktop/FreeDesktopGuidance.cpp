@@ -1,7 +1,5 @@
 #include "FreeDesktopGuidance.h"
 
-#include "HandedOverProcess.h"
-
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
@@ -33,10 +31,11 @@ QStringList FreeDesktopGuidance::installedPageFolders() {
 
 FreeDesktopGuidance::FreeDesktopGuidance(UserNotifications& notifications,
                                          const QProcessEnvironment& environment,
-                                         QStringList pageFolders)
+                                         QStringList pageFolders, HandedOverProcess::Clock clock)
     : notifications_(notifications)
     , environment_(environment)
-    , pageFolders_(std::move(pageFolders)) {}
+    , pageFolders_(std::move(pageFolders))
+    , clock_(std::move(clock)) {}
 
 FreeDesktopGuidance::~FreeDesktopGuidance() = default;
 
@@ -85,7 +84,7 @@ void FreeDesktopGuidance::tryInTurn(std::vector<Command> commands,
     }
     const Command command = commands.front();
     commands.erase(commands.begin());
-    auto* process = new HandedOverProcess(this);
+    auto* process = new HandedOverProcess(clock_, this);
     process->handOver(
         command.first(), command.mid(1), environment_,
         [this, process, rest = std::move(commands), whenNoneIsLeft] {

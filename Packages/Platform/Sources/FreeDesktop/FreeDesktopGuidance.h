@@ -1,5 +1,7 @@
 #pragma once
 
+#include "HandedOverProcess.h"
+
 #include <Platform/UserNotifications.h>
 
 #include <QObject>
@@ -35,11 +37,12 @@ public:
     [[nodiscard]] static QStringList installedPageFolders();
 
     /// Programs are looked up in the environment's PATH and get this environment. The notifications
-    /// have to outlive this.
+    /// have to outlive this. By the clock a program that cannot help is told from one that has.
     explicit FreeDesktopGuidance(
         UserNotifications& notifications,
         const QProcessEnvironment& environment = QProcessEnvironment::systemEnvironment(),
-        QStringList pageFolders = installedPageFolders());
+        QStringList pageFolders = installedPageFolders(),
+        HandedOverProcess::Clock clock = HandedOverProcess::steadyTime);
     ~FreeDesktopGuidance() override;
 
     /// Returns at once. Programs that it starts live on after this object.
@@ -58,6 +61,7 @@ private:
     UserNotifications& notifications_;
     const QProcessEnvironment environment_;
     const QStringList pageFolders_;
+    const HandedOverProcess::Clock clock_;
 };
 
 } // namespace tilewright

@@ -16,6 +16,8 @@ std::optional<QString> FreeDesktopUserDefaults::string(const QString& key) const
 
 void FreeDesktopUserDefaults::setString(const QString& value, const QString& key) {
     settings_.setValue(key, value);
+    // The process may end in whatever way before the toolkit comes to it.
+    settings_.sync();
 }
 
 } // namespace tilewright

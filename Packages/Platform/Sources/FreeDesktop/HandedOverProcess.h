@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QProcess>
+#include <chrono>
 #include <functional>
 
 namespace tilewright {
@@ -12,15 +13,27 @@ class HandedOverProcess final : public QProcess {
     Q_OBJECT
 
 public:
-    explicit HandedOverProcess(QObject* parent = nullptr);
+    /// Tells times that never go back, from a beginning of its own choice.
+    using Clock = std::function<std::chrono::milliseconds()>;
+    /// Within this time a program has found out that it cannot do what it is asked for. One that
+    /// ends badly later has shown its user something, and was ended with or without his will.
+    static constexpr std::chrono::seconds trialTime{5};
+
+    /// The machine's own such clock.
+    [[nodiscard]] static std::chrono::milliseconds steadyTime();
+
+    explicit HandedOverProcess(Clock clock = steadyTime, QObject* parent = nullptr);
     ~HandedOverProcess() override;
 
     /// Starts a program with its arguments; returns at once. `whenFailed` is called from the event
-    /// loop, once, if it cannot be started, crashes or ends with another code than 0 while this
-    /// object lives; `whenDone` if it ends well.
+    /// loop, once, if it cannot be started, or crashes or ends with another code than 0 within
+    /// `trialTime`, while this object lives; `whenDone` if it ends otherwise.
     void handOver(const QString& program, const QStringList& arguments,
                   const QProcessEnvironment& environment, std::function<void()> whenFailed,
                   std::function<void()> whenDone);
+
+private:
+    const Clock clock_;
 };
 
 } // namespace tilewright

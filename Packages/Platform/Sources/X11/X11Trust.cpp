@@ -79,8 +79,6 @@ void X11Trust::windowManagerChanged() {
 }
 
 void X11Trust::tell() {
-    if (std::exchange(hasTold_, true))
-        return;
     notifications_.show(tr("Tilewright cannot move windows"), explanation(lack()));
 }
 

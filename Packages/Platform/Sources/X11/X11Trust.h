@@ -39,8 +39,9 @@ public:
     [[nodiscard]] Lack lack() const;
     /// A sentence for the user; empty where nothing is missing.
     [[nodiscard]] static QString explanation(Lack lack);
-    /// Answers `isTrusted()`; where the answer is no, tells the user, once in a run. A window
-    /// manager that is merely not there yet is waited for first, 10 s at most.
+    /// Answers `isTrusted()`; where the answer is no, tells the user, each time that it is asked. A
+    /// window manager that is merely not there yet is waited for first, 10 s at most, once in a
+    /// run; what is asked meanwhile waits with it.
     bool request();
 
 private:
@@ -52,7 +53,6 @@ private:
     MainLoop& loop_;
     UserNotifications& notifications_;
     const bool isWaylandSession_;
-    bool hasTold_ = false;
     bool hasWaited_ = false;
     ScopedTimer wait_;
 };

@@ -84,8 +84,10 @@ void X11Workspace::activateThisApplication() {
     for (auto it = windows.crbegin(); it != windows.crend(); ++it) {
         QWindow* window = *it;
         const bool isOrdinary = window->type() == Qt::Window || window->type() == Qt::Dialog;
+        // What the window manager does not manage, such as the toolkit's tray icon, is no window
+        // that it could bring forward.
         if (!window->isVisible() || !isOrdinary ||
-            window->flags().testFlag(Qt::WindowDoesNotAcceptFocus))
+            (window->flags() & (Qt::WindowDoesNotAcceptFocus | Qt::BypassWindowManagerHint)))
             continue;
         const auto native = static_cast<xcb_window_t>(window->winId());
         showDesktopOf(native);

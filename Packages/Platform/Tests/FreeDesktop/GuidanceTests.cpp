@@ -174,4 +174,33 @@ TEST_F(Guidance, NeitherWaitsForAHandlerNorEndsItWithItself) {
     EXPECT_EQ(notifications.shown, QStringList());
 }
 
+TEST_F(Guidance, TakesAHandlerThatEndsBadlyForAFailureOnlyWhileItIsNew) {
+    using Time = std::chrono::milliseconds;
+    const QString gate = path("gate");
+    ASSERT_EQ(::mkfifo(gate.toUtf8().constData(), 0600), 0);
+    // Held open at both ends, so that no order of openings makes either side wait for ever.
+    QFile opened(gate);
+    ASSERT_TRUE(opened.open(QIODevice::ReadWrite | QIODevice::Unbuffered));
+    install("handler", "read line < '" + gate.toUtf8() + "'\neval \"$line\"");
+    const Time trial = HandedOverProcess::trialTime;
+    for (const char* end : {"exit 3", "kill -9 $$", "exit 0"}) {
+        for (const Time age : {Time(0), trial - Time(1), trial, Time(std::chrono::hours(9))}) {
+            Time now{12345};
+            QStringList outcome;
+            HandedOverProcess process([&] { return now; });
+            process.handOver(
+                path("bin/handler"), {}, QProcessEnvironment::systemEnvironment(),
+                [&] { outcome.append(QStringLiteral("failed")); },
+                [&] { outcome.append(QStringLiteral("done")); });
+            now += age;
+            opened.write(QByteArray(end) + '\n');
+            EXPECT_TRUE(waitUntil([&] { return !outcome.isEmpty(); }));
+            const bool isFailure = qstrcmp(end, "exit 0") != 0 && age < trial;
+            EXPECT_EQ(outcome,
+                      QStringList(isFailure ? QStringLiteral("failed") : QStringLiteral("done")))
+                << end << " after " << age.count() << " ms";
+        }
+    }
+}
+
 } // namespace tilewright::testing

@@ -33,7 +33,7 @@ struct OpenedBackend {
 } // namespace
 
 TEST(MacPlatform, IsTheBackendOfAProgramBuiltForMacOS) {
-    DesktopBackend::prepareToolkit();
+    EXPECT_TRUE(DesktopBackend::toolkitArguments().empty()) << "the toolkit knows its desktop";
     OpenedBackend backend;
     ASSERT_NE(backend.platform, nullptr);
     Platform& platform = *backend.platform;

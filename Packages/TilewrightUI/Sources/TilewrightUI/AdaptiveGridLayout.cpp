@@ -48,6 +48,14 @@ QSize AdaptiveGridLayout::minimumSize() const {
     return {minimumColumnWidth_, 0};
 }
 
+bool AdaptiveGridLayout::isEmpty() const {
+    return false;
+}
+
+Qt::Orientations AdaptiveGridLayout::expandingDirections() const {
+    return Qt::Horizontal;
+}
+
 void AdaptiveGridLayout::setGeometry(const QRect& rect) {
     QLayout::setGeometry(rect);
     arrange(rect, Pass::place);

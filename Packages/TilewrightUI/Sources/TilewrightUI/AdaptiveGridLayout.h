@@ -27,6 +27,11 @@ public:
     [[nodiscard]] int heightForWidth(int width) const override;
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSize() const override;
+    /// Never: without items it is a grid of no height, which keeps its place among its neighbours
+    /// and the spacing before it.
+    [[nodiscard]] bool isEmpty() const override;
+    /// Rows are as high as their items, whatever room is left below.
+    [[nodiscard]] Qt::Orientations expandingDirections() const override;
     void setGeometry(const QRect& rect) override;
 
 private:
