@@ -1,5 +1,6 @@
 #include "DragScript.h"
 
+#include <SizeRules.h>
 #include <Waiting.h>
 
 #include <cmath>
@@ -7,9 +8,6 @@
 
 namespace tilewright::testing {
 namespace {
-
-/// One more than the largest cell of the terminal's font.
-constexpr QSize cellBound(14, 27);
 
 std::string text(const QRect& rectangle) {
     return std::to_string(rectangle.width()) + "x" + std::to_string(rectangle.height()) + " at " +
@@ -133,7 +131,11 @@ QRect zoneFrame(const Zone& zone, const QRect& area) {
 
 void expectFills(const XInspector& inspector, ClientKind kind, const TestClient& client,
                  const QRect& frame) {
-    const QSize slack = kind == ClientKind::xterm ? cellBound : QSize(1, 1);
+    const QSize slack = SizeRules::of(inspector, client.window).increment;
+    if (kind == ClientKind::xterm)
+        EXPECT_GT(slack.height(), 1) << "the terminal tells of no cells";
+    else
+        EXPECT_EQ(slack, QSize(1, 1)) << name(kind);
     EXPECT_TRUE(waitUntil([&] {
         const QRect now = inspector.outerFrame(client.window);
         const QSize short_ = frame.size() - now.size();

@@ -55,7 +55,7 @@ private:
 [[nodiscard]] QRect zoneFrame(const Zone& zone, const QRect& area);
 
 /// Waits until the window fills the frame: to the pixel, or for a terminal, whose size moves by
-/// character cells, by as many whole cells as fit.
+/// character cells, by as many of the cells that it tells of as fit.
 void expectFills(const XInspector& inspector, ClientKind kind, const TestClient& client,
                  const QRect& frame);
 

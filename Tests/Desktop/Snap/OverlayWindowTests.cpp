@@ -1,6 +1,7 @@
 #include "Displays.h"
 #include "DragScript.h"
 
+#include <BareClient.h>
 #include <Waiting.h>
 
 #include <gtest/gtest.h>
@@ -70,6 +71,26 @@ TEST_F(OverlayWindow, CoversAFullscreenWindowTakesNoFocusAndShowsInNoListOfWindo
     EXPECT_TRUE(inspector.isOverrideRedirect(program->overlay()));
     desktop.input().releaseKey(program->key());
     desktop.input().release();
+}
+
+TEST_F(OverlayWindow, CoversTheWholeMonitorPanelsIncluded) {
+    begin(Compositing::off);
+    const QRect screen(QPoint(), inspector.screenSize());
+    // Along the left edge, where the first zone's border is drawn.
+    constexpr quint32 thickness = 60;
+    const BareClient panel(desktop.display(), QRect(0, 0, int(thickness), screen.height()),
+                           {thickness, 0, 0, 0, 0, quint32(screen.bottom()), 0, 0, 0, 0, 0, 0});
+    ASSERT_TRUE(waitUntil([&] { return workArea(inspector).left() == int(thickness); }));
+    const QColor ground = pixel(onHighlightedBorder);
+    EXPECT_EQ(ground, QColor(Qt::white)) << "the panel";
+    hold();
+    EXPECT_EQ(inspector.clientFrame(program->overlay()), screen);
+    EXPECT_TRUE(waitUntil([&] { return isAmber(pixel(onHighlightedBorder)); }))
+        << desktop.describe();
+    EXPECT_EQ(inspector.clientFrame(panel.window()), QRect(0, 0, int(thickness), screen.height()));
+    script->drop();
+    EXPECT_TRUE(waitUntil([&] { return pixel(onHighlightedBorder) == ground; }))
+        << desktop.describe();
 }
 
 TEST_F(OverlayWindow, ThePointerIsInTheWindowsBeneathIt) {

@@ -30,10 +30,12 @@ QRect SnapCases::frame(std::size_t zone) const {
 
 void SnapCases::dragAndDrop(ClientKind kind, const TestClient& client, KeyTiming timing,
                             QPoint target, const QRect& expected) {
-    script_.grab(client, timing);
-    script_.dragTo(target);
-    script_.drop();
+    script_.run(client, timing, target);
     expectFills(inspector_, kind, client, expected);
+    expectActive(client);
+}
+
+void SnapCases::expectActive(const TestClient& client) const {
     EXPECT_TRUE(waitUntil([&] { return inspector_.activeWindow() == client.window; }))
         << "the dragged window " << client.window << " is not the active one"
         << desktop_.describe();
@@ -60,9 +62,14 @@ void SnapCases::releaseTheKeyFirst(ClientKind kind) {
     script_.releaseKey();
     script_.expectOverlayGone();
     script_.releaseButton();
+    expectActive(client);
+    // A drag of another window that does snap comes after it: what was to happen first has
+    // happened.
+    const TestClient next = open(ClientKind::qt, {420, 260, 640, 420});
+    script_.run(next, KeyTiming::beforeThePress, frame(0).center());
+    expectFills(inspector_, ClientKind::qt, next, frame(0));
     EXPECT_EQ(inspector_.outerFrame(client.window).size(), before) << desktop_.describe();
-    // A drag that does snap comes after it: what was to happen first has happened.
-    dragAndDrop(kind, client, KeyTiming::beforeThePress, frame(0).center(), frame(0));
+    next.process->stop();
     client.process->stop();
 }
 
@@ -75,6 +82,7 @@ void SnapCases::pressEscape(ClientKind kind, std::size_t zone) {
     EXPECT_TRUE(program_.overlayShows()) << desktop_.describe();
     script_.drop();
     expectFills(inspector_, kind, client, frame(zone));
+    expectActive(client);
     client.process->stop();
 }
 

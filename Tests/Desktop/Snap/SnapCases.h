@@ -12,8 +12,8 @@ inline constexpr std::array draggedClients{ClientKind::xterm, ClientKind::qt,
                                            ClientKind::gtkClientDecorated};
 
 /// What can happen in a drag, each as one scripted drag on a desktop of one monitor with Bento Box.
-/// After each the overlay is gone; but for the drops at the edges, where some window managers turn
-/// to another desktop, the active window is the one that was dragged.
+/// After each the overlay is gone and the active window is the one that was dragged; but for one
+/// that draws its own bar, where it is dropped at an edge.
 class SnapCases {
 public:
     /// Starts the program with this key.
@@ -42,6 +42,8 @@ private:
     [[nodiscard]] QRect frame(std::size_t zone) const;
     void dragAndDrop(ClientKind kind, const TestClient& client, KeyTiming timing, QPoint target,
                      const QRect& expected);
+    /// Waits until the window that was dragged is the active one.
+    void expectActive(const TestClient& client) const;
 
     DesktopSession& desktop_;
     XInspector& inspector_;

@@ -19,6 +19,22 @@ bool isAmber(const QColor& colour) {
 struct SnapPlaces : ::testing::Test {
     void SetUp() override { ASSERT_TRUE(desktop.startWindowManager(WindowManagerKind::openbox)); }
     TestClient openWindow() { return startClient(desktop, ClientKind::qt, {300, 200, 400, 300}); }
+    /// Waits until the window that was dragged fills the frame and is the active one.
+    void expectSnapped(const TestClient& client, const QRect& frame) {
+        expectFills(inspector, ClientKind::qt, client, frame);
+        EXPECT_TRUE(waitUntil([&] { return inspector.activeWindow() == client.window; }))
+            << desktop.describe();
+    }
+    /// The window that was dragged is where it was, and the active one. Another window is snapped
+    /// first: what was to happen to this one has happened by then.
+    void expectNotSnapped(const TestClient& client, const QRect& before, DragScript& script,
+                          const QRect& zone) {
+        EXPECT_EQ(inspector.activeWindow(), client.window) << desktop.describe();
+        const TestClient next = startClient(desktop, ClientKind::qt, {420, 560, 400, 300});
+        script.run(next, KeyTiming::beforeThePress, zone.center());
+        expectSnapped(next, zone);
+        EXPECT_EQ(inspector.outerFrame(client.window), before) << desktop.describe();
+    }
     /// Whether the zone with this frame is drawn highlighted.
     bool isHighlighted(const QRect& zone) const {
         return isAmber(inspector.pixel({zone.left() + 5, zone.center().y()}));
@@ -39,10 +55,7 @@ TEST_F(SnapPlaces, ADropInAGapBetweenZonesSnapsNothing) {
     script.grab(client, KeyTiming::beforeThePress);
     script.dragTo(workArea(inspector).center());
     script.drop();
-    EXPECT_EQ(inspector.outerFrame(client.window), before);
-    const QRect right = zoneFrame(layout.zones[1], workArea(inspector));
-    script.run(client, KeyTiming::beforeThePress, right.center());
-    expectFills(inspector, ClientKind::qt, client, right);
+    expectNotSnapped(client, before, script, zoneFrame(layout.zones[1], workArea(inspector)));
 }
 
 TEST_F(SnapPlaces, ADropOverAPanelSnapsNothingAndZonesLeaveThePanelFree) {
@@ -59,10 +72,7 @@ TEST_F(SnapPlaces, ADropOverAPanelSnapsNothingAndZonesLeaveThePanelFree) {
     script.grab(client, KeyTiming::beforeThePress);
     script.dragTo(onPanel);
     script.drop();
-    EXPECT_EQ(inspector.outerFrame(client.window), before);
-    const QRect zone = zoneFrame(ZoneLayout::bentoBox().zones[0], area);
-    script.run(client, KeyTiming::beforeThePress, zone.center());
-    expectFills(inspector, ClientKind::qt, client, zone);
+    expectNotSnapped(client, before, script, zoneFrame(ZoneLayout::bentoBox().zones[0], area));
 }
 
 TEST_F(SnapPlaces, TheOverlayFollowsThePointerToAMonitorWithAnotherLayout) {
@@ -83,32 +93,9 @@ TEST_F(SnapPlaces, TheOverlayFollowsThePointerToAMonitorWithAnotherLayout) {
     EXPECT_TRUE(waitUntil([&] { return inspector.clientFrame(program.overlay()) == right; }));
     EXPECT_TRUE(waitUntil([&] { return isHighlighted(quadrant); }));
     script.drop();
-    expectFills(inspector, ClientKind::qt, client, quadrant);
+    expectSnapped(client, quadrant);
     script.run(client, KeyTiming::beforeThePress, third.center());
-    expectFills(inspector, ClientKind::qt, client, third);
-}
-
-TEST(SnapOnTwoOutputs, EachHasItsOwnLayoutAndADragGoesFromOneToTheOther) {
-    DesktopSession desktop(XServer::twoOutputs());
-    ASSERT_TRUE(desktop.startWindowManager(WindowManagerKind::openbox));
-    const XInspector& inspector = desktop.inspector();
-    const QSize screen = inspector.screenSize();
-    const QRect left(0, 0, screen.width() / 2, screen.height());
-    const QRect right = left.translated(left.width(), 0);
-    assignLayouts(desktop, {ZoneLayout::thirds(), ZoneLayout::quadrants()});
-    RunningProgram program(desktop);
-    DragScript script(desktop, program);
-    const TestClient client = startClient(desktop, ClientKind::qt, {300, 200, 400, 300});
-    script.grab(client, KeyTiming::afterTheDragBegan);
-    EXPECT_TRUE(waitUntil([&] { return inspector.clientFrame(program.overlay()) == left; }));
-    const QRect quadrant = zoneFrame(ZoneLayout::quadrants().zones[2], right);
-    script.dragTo(quadrant.center());
-    EXPECT_TRUE(waitUntil([&] { return inspector.clientFrame(program.overlay()) == right; }));
-    script.drop();
-    expectFills(inspector, ClientKind::qt, client, quadrant);
-    const QRect third = zoneFrame(ZoneLayout::thirds().zones[1], left);
-    script.run(client, KeyTiming::afterTheDragBegan, third.center());
-    expectFills(inspector, ClientKind::qt, client, third);
+    expectSnapped(client, third);
 }
 
 TEST_F(SnapPlaces, BetweenTwoMonitorsTheOverlayStaysAsItWas) {
@@ -127,7 +114,7 @@ TEST_F(SnapPlaces, BetweenTwoMonitorsTheOverlayStaysAsItWas) {
     desktop.input().move({left.right() + 60, 1000});
     EXPECT_TRUE(program.overlayShows());
     script.drop();
-    expectFills(inspector, ClientKind::qt, client, half);
+    expectSnapped(client, half);
 }
 
 } // namespace

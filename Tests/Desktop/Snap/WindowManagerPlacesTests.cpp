@@ -1,0 +1,190 @@
+#include "Displays.h"
+#include "DragScript.h"
+
+#include <BareClient.h>
+#include <Waiting.h>
+
+#include <gtest/gtest.h>
+
+namespace tilewright::testing {
+namespace {
+
+struct Desk {
+    WindowManagerKind kind;
+    Compositing compositing;
+    const char* modifier;
+    ClientKind client;
+    KeyTiming timing;
+};
+
+std::string nameOf(const ::testing::TestParamInfo<Desk>& info) {
+    return std::string(name(info.param.kind)) +
+           (info.param.compositing == Compositing::on ? "Composited" : "Plain") +
+           info.param.modifier;
+}
+
+/// Two zones with a gap between them, which leave the lower half free: a window manager may have a
+/// bar of its own there that nobody else hears of.
+ZoneLayout withAGap() {
+    return customLayout(QStringLiteral("Gap"), {{0, 0, 0.4, 0.5}, {0.6, 0, 0.4, 0.5}});
+}
+
+/// A desktop of two monitors with layouts of their own, the program on it and what is dragged.
+struct TwoMonitors {
+    TwoMonitors(DesktopSession& itsDesktop, const Desk& itsDesk)
+        : desktop(itsDesktop)
+        , desk(itsDesk) {
+        assignLayouts(desktop, {layout, ZoneLayout::quadrants()});
+        program = std::make_unique<RunningProgram>(desktop, QString::fromLatin1(desk.modifier));
+        script = std::make_unique<DragScript>(desktop, *program);
+    }
+
+    /// Opens a window on the left monitor and waits until it is the active one.
+    [[nodiscard]] TestClient open() const {
+        const TestClient client = startClient(desktop, desk.client, {200, 160, 400, 300});
+        expectActive(client);
+        return client;
+    }
+    void expectActive(const TestClient& client) const {
+        EXPECT_TRUE(waitUntil([&] { return inspector.activeWindow() == client.window; }))
+            << desktop.describe();
+    }
+    void expectOverlayOn(const QRect& monitor) const {
+        EXPECT_TRUE(waitUntil([&] { return inspector.clientFrame(program->overlay()) == monitor; }))
+            << desktop.describe();
+    }
+    /// Takes the window to drag it about. It is the active one before: some window managers do not
+    /// always see that one which draws its own bar was clicked on.
+    void grab(const TestClient& client) const {
+        if (inspector.activeWindow() != client.window)
+            static_cast<void>(outputOf(
+                QStringLiteral("wmctrl"),
+                {QStringLiteral("-i"), QStringLiteral("-a"), QString::number(client.window)},
+                desktop.environment()));
+        expectActive(client);
+        script->grab(client, desk.timing);
+    }
+    /// Drags the window to a place where nothing takes it.
+    void dropNowhere(const TestClient& client, QPoint place) const {
+        grab(client);
+        script->dragTo(place);
+        script->drop();
+        expectActive(client);
+    }
+    /// Drops the window that is being dragged, and waits until it fills the frame.
+    void dropInto(const TestClient& client, const QRect& frame) const {
+        script->drop();
+        expectFills(inspector, desk.client, client, frame);
+        expectActive(client);
+    }
+
+    DesktopSession& desktop;
+    const Desk& desk;
+    const ZoneLayout layout = withAGap();
+    const XInspector& inspector = desktop.inspector();
+    std::unique_ptr<RunningProgram> program;
+    std::unique_ptr<DragScript> script;
+};
+
+struct WindowManagerPlaces : ::testing::TestWithParam<Desk> {};
+
+TEST_P(WindowManagerPlaces, GapsPanelsAndTheSpaceBetweenMonitorsTakeNothing) {
+    DesktopSession desktop;
+    const QRect left(0, 0, 900, 1080);
+    const QRect right(1020, 0, 900, 1080);
+    splitIntoMonitors(desktop, left, right);
+    ASSERT_TRUE(desktop.startWindowManager(GetParam().kind, GetParam().compositing));
+    constexpr quint32 thickness = 48;
+    const BareClient panel(
+        desktop.display(),
+        QRect(left.left(), left.bottom() + 1 - int(thickness), left.width(), int(thickness)),
+        {0, 0, 0, thickness, 0, 0, 0, 0, 0, 0, 0, quint32(left.right())});
+    const TwoMonitors desk(desktop, GetParam());
+    const XInspector& inspector = desktop.inspector();
+    const auto& zones = ZoneLayout::quadrants().zones;
+
+    const TestClient stays = desk.open();
+    const QSize before = inspector.outerFrame(stays.window).size();
+    desk.dropNowhere(stays, {left.center().x(), 420});
+
+    // What snaps comes after what does not: what was to happen to the other has happened by then.
+    const TestClient client = desk.open();
+    desk.grab(client);
+    desk.expectOverlayOn(left);
+    desk.script->dragTo(zoneFrame(zones[0], right).center());
+    desk.expectOverlayOn(right);
+    // Between the monitors it stays as it was.
+    desk.script->dragTo({left.right() + 60, 300});
+    EXPECT_TRUE(desk.program->overlayShows()) << desktop.describe();
+    desk.dropInto(client, zoneFrame(zones[0], right));
+    EXPECT_EQ(inspector.outerFrame(stays.window).size(), before)
+        << "in the gap" << desktop.describe();
+
+    desk.dropNowhere(stays, {150, left.bottom() - int(thickness) / 2});
+    desk.grab(client);
+    desk.expectOverlayOn(right);
+    desk.script->dragTo(zoneFrame(zones[1], right).center());
+    desk.dropInto(client, zoneFrame(zones[1], right));
+    EXPECT_EQ(inspector.outerFrame(stays.window).size(), before)
+        << "over the panel" << desktop.describe();
+}
+
+INSTANTIATE_TEST_SUITE_P(Under, WindowManagerPlaces,
+                         ::testing::Values(Desk{WindowManagerKind::fluxbox, Compositing::off,
+                                                "shift", ClientKind::gtkClientDecorated,
+                                                KeyTiming::afterTheDragBegan},
+                                           Desk{WindowManagerKind::i3, Compositing::off, "option",
+                                                ClientKind::xterm, KeyTiming::beforeThePress},
+                                           Desk{WindowManagerKind::icewm, Compositing::off, "shift",
+                                                ClientKind::qt, KeyTiming::beforeThePress}),
+                         nameOf);
+
+/// Two outputs, as the window manager sees them too.
+struct SnapOnTwoOutputs : ::testing::TestWithParam<Desk> {};
+
+TEST_P(SnapOnTwoOutputs, EachHasItsOwnLayoutAndADragGoesFromOneToTheOther) {
+    DesktopSession desktop(XServer::twoOutputs());
+    ASSERT_TRUE(desktop.startWindowManager(GetParam().kind, GetParam().compositing));
+    const QSize screen = desktop.inspector().screenSize();
+    const QRect left(0, 0, screen.width() / 2, screen.height());
+    const QRect right = left.translated(left.width(), 0);
+    const TwoMonitors desk(desktop, GetParam());
+    const TestClient client = desk.open();
+    desk.grab(client);
+    desk.expectOverlayOn(left);
+    const QRect quadrant = zoneFrame(ZoneLayout::quadrants().zones[1], right);
+    desk.script->dragTo(quadrant.center());
+    desk.expectOverlayOn(right);
+    desk.dropInto(client, quadrant);
+    desk.grab(client);
+    desk.expectOverlayOn(right);
+    const QRect back = zoneFrame(desk.layout.zones[1], left);
+    desk.script->dragTo(back.center());
+    desk.expectOverlayOn(left);
+    desk.dropInto(client, back);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Under, SnapOnTwoOutputs,
+    ::testing::Values(Desk{WindowManagerKind::openbox, Compositing::off, "control", ClientKind::qt,
+                           KeyTiming::afterTheDragBegan},
+                      Desk{WindowManagerKind::xfwm4, Compositing::on, "option",
+                           ClientKind::gtkClientDecorated, KeyTiming::afterTheDragBegan},
+                      Desk{WindowManagerKind::kwin, Compositing::off, "command", ClientKind::xterm,
+                           KeyTiming::beforeThePress},
+                      Desk{WindowManagerKind::marco, Compositing::off, "control",
+                           ClientKind::gtkClientDecorated, KeyTiming::beforeThePress},
+                      Desk{WindowManagerKind::mutter, Compositing::on, "command", ClientKind::qt,
+                           KeyTiming::afterTheDragBegan},
+                      Desk{WindowManagerKind::muffin, Compositing::on, "option", ClientKind::xterm,
+                           KeyTiming::afterTheDragBegan},
+                      Desk{WindowManagerKind::fluxbox, Compositing::off, "control",
+                           ClientKind::xterm, KeyTiming::beforeThePress},
+                      Desk{WindowManagerKind::i3, Compositing::off, "shift", ClientKind::qt,
+                           KeyTiming::afterTheDragBegan},
+                      Desk{WindowManagerKind::icewm, Compositing::off, "shift", ClientKind::xterm,
+                           KeyTiming::beforeThePress}),
+    nameOf);
+
+} // namespace
+} // namespace tilewright::testing
