@@ -209,18 +209,24 @@ void X11OverlaySurface::setBlur(const QRegion& region) {
 
 void X11OverlaySurface::readBlurOffer() {
     if (rendering_ != OverlayRendering::translucent) {
+        blurOffer_.reset();
         isBlurOffered_ = false;
         return;
     }
-    // A compositor that can blur names the property on the root window.
-    const auto properties = connection_.reply<xcb_list_properties_reply_t>(
-        xcb_list_properties(connection_.xcb(), connection_.root()));
-    if (!properties)
-        return;
-    const xcb_atom_t* atoms = xcb_list_properties_atoms(properties.get());
-    const auto* end = atoms + xcb_list_properties_atoms_length(properties.get());
-    isBlurOffered_ =
-        std::find(atoms, end, connection_.atom(X11Atom::kdeNetWmBlurBehindRegion)) != end;
+    // A compositor that can blur names the property on the root window. Nobody waits for the
+    // answer: the window that has just been let go is to be moved first.
+    blurOffer_ = connection_.whenAnswered<xcb_list_properties_reply_t>(
+        xcb_list_properties(connection_.xcb(), connection_.root()),
+        [this](const X11Reply<xcb_list_properties_reply_t>& properties) {
+            if (!properties)
+                return;
+            const xcb_atom_t* atoms = xcb_list_properties_atoms(properties.get());
+            const auto* end = atoms + xcb_list_properties_atoms_length(properties.get());
+            isBlurOffered_ =
+                std::find(atoms, end, connection_.atom(X11Atom::kdeNetWmBlurBehindRegion)) != end;
+            if (container_->isVisible())
+                applyAreas();
+        });
 }
 
 void X11OverlaySurface::releasePixels() {

@@ -48,6 +48,7 @@ private:
     QMetaObject::Connection following_;
     OverlayRendering rendering_ = OverlayRendering::translucent;
     QRect placedAt_;
+    X11AwaitedReply blurOffer_;
     bool isBlurOffered_ = false;
     bool hasBlur_ = false;
     std::shared_ptr<bool> isAlive_ = std::make_shared<bool>(true);
