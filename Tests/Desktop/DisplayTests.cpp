@@ -240,6 +240,27 @@ TEST(Displays, GiveUpWhatPanelsReserveEachOnItsOwnMonitor) {
     EXPECT_EQ(bench.screens()[0], left);
 }
 
+TEST(Displays, KnowWhereWindowManagersMayTileAWindowThatIsLetGo) {
+    DisplayBench bench;
+    const QSize output = bench.outputSize();
+    const int width = output.width();
+    const int height = output.height();
+    const BareClient panel(bench.desktop.display(), QRect(0, 0, width, 40),
+                           {0, 0, 40, 0, 0, 0, 0, 0, 0, quint32(width - 1), 0, 0});
+    ASSERT_TRUE(waitUntil([&] { return bench.screens().front()->visibleFrame().height < height; }));
+    const X11Screens& screens = bench.platform->desktop().screens();
+    for (const int left : {0, width}) {
+        EXPECT_FALSE(screens.isNearAnEdge({left + width / 2, height / 2}));
+        EXPECT_TRUE(screens.isNearAnEdge({left, height / 2}));
+        EXPECT_TRUE(screens.isNearAnEdge({left + width - 1, height / 2}));
+        EXPECT_TRUE(screens.isNearAnEdge({left + width / 2, 0}));
+        EXPECT_TRUE(screens.isNearAnEdge({left + width / 2, height - 1}));
+    }
+    // An edge is also where the panel ends.
+    EXPECT_TRUE(screens.isNearAnEdge({width / 2, 70}));
+    EXPECT_FALSE(screens.isNearAnEdge({width + width / 2, 70}));
+}
+
 TEST(Displays, GiveUpWhatAWindowReservesThatBecomesAPanelLater) {
     DisplayBench bench;
     const int width = bench.outputSize().width();

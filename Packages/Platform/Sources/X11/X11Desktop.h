@@ -27,7 +27,7 @@ public:
         , screens_(connection, selection_, windowManager_, activeWindow_, loop)
         , pointer_(connection, screens_)
         , frameSetter_(connection, selection_, windowManager_, loop,
-                       [this] { return screens_.coordinates(); })
+                       {[this] { return screens_.coordinates(); }, [this] { return tiling(); }})
         , trust_(connection, windowManager_, loop, notifications, isWaylandSession)
         , accessibility_(connection, windowManager_, screens_, trust_, activeWindow_, frameSetter_)
         , guidance_(notifications, environment)
@@ -46,6 +46,13 @@ public:
     [[nodiscard]] X11Workspace& workspace() { return workspace_; }
 
 private:
+    /// Window managers tile a window that is let go near an edge.
+    [[nodiscard]] X11FramePlacement::Tiling tiling() const {
+        const auto place = pointer_.known();
+        return place && screens_.isNearAnEdge(*place) ? X11FramePlacement::Tiling::likely
+                                                      : X11FramePlacement::Tiling::unlikely;
+    }
+
     X11EventSelection selection_;
     X11WindowManagerWatch windowManager_;
     X11ActiveWindow activeWindow_;

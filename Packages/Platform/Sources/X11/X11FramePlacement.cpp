@@ -1,5 +1,7 @@
 #include "X11FramePlacement.h"
 
+#include <utility>
+
 namespace tilewright {
 namespace {
 
@@ -71,7 +73,10 @@ X11FramePlacement::Action X11FramePlacement::timePassed(const X11WindowFacts& fa
     if (isReached(facts) && !isPinned(facts))
         return finish();
     const QRect outer = facts.outerFrame();
-    if (!mayAskAgain() || lastMiss_ == outer)
+    // One that has not stirred may not have been heard: only where it went somewhere twice is that
+    // the window manager's answer.
+    const bool isAgreed = lastMiss_ == outer && outer != origin_;
+    if (!mayAskAgain() || isAgreed)
         return finish();
     lastMiss_ = outer;
     if (!isPinned(facts) && learnHabit(facts)) {
@@ -94,11 +99,13 @@ X11FramePlacement::Action X11FramePlacement::clear(const X11WindowFacts& facts) 
 X11FramePlacement::Action X11FramePlacement::ask(const X11WindowFacts& facts) {
     phase_ = Phase::settling;
     ++attempts_;
+    if (!origin_)
+        origin_ = facts.outerFrame();
     Action action = request(facts);
-    // Even where no state shows: the window manager may have tiled the window upon the very
-    // release that led here.
-    action.removesMaximized = true;
-    action.addsMaximized = attempts_ == 2;
+    // Where the window manager tiles upon the very release that led here, its state shows only
+    // after this; and where time alone did not help, the window may be tiled without any.
+    action.removesMaximized = tiling_ == Tiling::likely || isPinned(facts) || attempts_ > 1;
+    action.addsMaximized = lastMiss_.has_value() && !std::exchange(hasAddedMaximized_, true);
     return action;
 }
 

@@ -14,7 +14,7 @@ namespace tilewright {
 /// is asked for, and asked for again, twice at most, when the window is elsewhere after a while:
 /// the window manager's own tiling may have acted on the same release of the mouse button. A frame
 /// that the client's size limits explain counts as reached, and so does one in which two attempts
-/// have ended alike.
+/// have ended alike; one that has done nothing at all is no answer.
 class X11FramePlacement {
 public:
     /// What is to be done now, in the order of the members.
@@ -40,11 +40,16 @@ public:
         QPoint offset;
     };
 
+    /// Whether the window manager may be tiling the window at this moment, unseen.
+    enum class Tiling { unlikely, likely };
+
     /// `goal` is the outer frame to reach, in pixels of the X screen. `habit` is what was found out
     /// about the window manager before.
-    explicit X11FramePlacement(const QRect& goal, const Habit& habit = {})
+    explicit X11FramePlacement(const QRect& goal, const Habit& habit = {},
+                               Tiling tiling = Tiling::unlikely)
         : goal_(goal)
-        , habit_(habit) {}
+        , habit_(habit)
+        , tiling_(tiling) {}
 
     /// The first thing to do for a window that looks like this.
     [[nodiscard]] Action begin(const X11WindowFacts& facts);
@@ -76,12 +81,16 @@ private:
 
     QRect goal_;
     Habit habit_;
+    Tiling tiling_;
     Phase phase_ = Phase::clearing;
     int attempts_ = 0;
     int corrections_ = 0;
     X11Extents askedWithDecorations_;
     X11Extents askedWithShadow_;
+    /// The outer frame in which the window was when it was first asked to go elsewhere.
+    std::optional<QRect> origin_;
     std::optional<QRect> lastMiss_;
+    bool hasAddedMaximized_ = false;
 };
 
 } // namespace tilewright

@@ -19,12 +19,12 @@ constexpr std::uint32_t sourceIsUser = 2;
 
 X11FrameSetter::X11FrameSetter(X11Connection& connection, X11EventSelection& selection,
                                X11WindowManagerWatch& windowManager, MainLoop& loop,
-                               std::function<X11Coordinates()> coordinates)
+                               Surroundings surroundings)
     : connection_(connection)
     , selection_(selection)
     , windowManager_(windowManager)
     , loop_(loop)
-    , coordinates_(std::move(coordinates)) {
+    , surroundings_(std::move(surroundings)) {
     connect(&connection_, &X11Connection::eventsDispatched, this, &X11FrameSetter::lookAtChanged);
     connect(&windowManager_, &X11WindowManagerWatch::changed, this,
             &X11FrameSetter::windowManagerChanged);
@@ -43,8 +43,12 @@ AXError X11FrameSetter::setPosition(xcb_window_t window, AXPoint position) {
 
 AXError X11FrameSetter::setSize(xcb_window_t window, AXSize size) {
     AXError error = AXError::success;
-    if (Pending* pending = pendingFor(window, error))
+    if (Pending* pending = pendingFor(window, error)) {
         pending->size = size;
+        // Nothing more is to be known: who writes the frame may have much else to do in this turn.
+        if (pending->position)
+            commit(window);
+    }
     return error;
 }
 
@@ -69,7 +73,7 @@ X11FrameSetter::Pending* X11FrameSetter::pendingFor(xcb_window_t window, AXError
         if (!life.expired())
             commit(window);
     });
-    return &pending_.emplace(window, Pending{facts, {}, {}}).first->second;
+    return &pending_.emplace(window, Pending{facts, surroundings_.tiling(), {}, {}}).first->second;
 }
 
 void X11FrameSetter::commit(xcb_window_t window) {
@@ -88,24 +92,24 @@ void X11FrameSetter::commit(xcb_window_t window) {
         Q_EMIT finished(window);
         return;
     }
-    const X11Coordinates coordinates = coordinates_();
+    const X11Coordinates coordinates = surroundings_.coordinates();
     const QRect outer = pending.facts.outerFrame();
     const AXPoint position = pending.position.value_or(coordinates.toAX(outer.topLeft()));
     const AXSize size =
         pending.size.value_or(AXSize{double(outer.width()), double(outer.height())});
-    start(window, coordinates.toPixels(position, size), pending.facts);
+    start(window, coordinates.toPixels(position, size), pending);
 }
 
-void X11FrameSetter::start(xcb_window_t window, const QRect& goal, const X11WindowFacts& facts) {
+void X11FrameSetter::start(xcb_window_t window, const QRect& goal, const Pending& pending) {
     running_.erase(window);
-    Running running{X11FramePlacement(goal, habit_), {}, {}, {}, {}, false};
+    Running running{X11FramePlacement(goal, habit_, pending.tiling), {}, {}, {}, {}, false};
     running.interest =
         selection_.select(window, XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE);
     running.listener = connection_.listen(
         X11EventFilter::window(window),
         [this, window](const xcb_generic_event_t& event) { windowEvent(window, event); });
     Running& entry = running_.emplace(window, std::move(running)).first->second;
-    perform(window, entry.placement.begin(facts));
+    perform(window, entry.placement.begin(pending.facts));
 }
 
 void X11FrameSetter::windowEvent(xcb_window_t window, const xcb_generic_event_t& event) {

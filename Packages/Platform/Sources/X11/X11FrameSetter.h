@@ -16,16 +16,23 @@
 namespace tilewright {
 
 /// Sets windows' frames. The writes made to one window within one turn of the event loop become one
-/// frame; asking for it, verifying and asking again run on from the event loop and end by
-/// themselves. A newer frame of the same window, or its end, cancels what runs. Main thread only.
+/// frame, complete at once with a size that follows a position; asking for it, verifying and asking
+/// again run on from the event loop and end by themselves. A newer frame of the same window, or its
+/// end, cancels what runs. Main thread only.
 class X11FrameSetter final : public QObject {
     Q_OBJECT
 
 public:
-    /// `coordinates` answers how Accessibility space lies on the X screen now.
+    /// What the setter asks of its surroundings, whenever it needs to know.
+    struct Surroundings {
+        /// How Accessibility space lies on the X screen now.
+        std::function<X11Coordinates()> coordinates;
+        /// Whether the window manager may be tiling, by itself, a window that is let go now.
+        std::function<X11FramePlacement::Tiling()> tiling;
+    };
+
     X11FrameSetter(X11Connection& connection, X11EventSelection& selection,
-                   X11WindowManagerWatch& windowManager, MainLoop& loop,
-                   std::function<X11Coordinates()> coordinates);
+                   X11WindowManagerWatch& windowManager, MainLoop& loop, Surroundings surroundings);
     ~X11FrameSetter() override;
 
     /// Notes the outer frame's top-left corner. Answers what one bounded round trip can know:
@@ -46,6 +53,7 @@ private:
     struct Pending {
         /// Unknown where the server does not answer: read when it does.
         X11WindowFacts facts;
+        X11FramePlacement::Tiling tiling;
         std::optional<AXPoint> position;
         std::optional<AXSize> size;
     };
@@ -64,7 +72,7 @@ private:
     [[nodiscard]] Pending* pendingFor(xcb_window_t window, AXError& error);
     void commit(xcb_window_t window);
     void answersAgain();
-    void start(xcb_window_t window, const QRect& goal, const X11WindowFacts& facts);
+    void start(xcb_window_t window, const QRect& goal, const Pending& pending);
     void windowEvent(xcb_window_t window, const xcb_generic_event_t& event);
     void lookAtChanged();
     void timePassed(xcb_window_t window);
@@ -80,7 +88,7 @@ private:
     X11EventSelection& selection_;
     X11WindowManagerWatch& windowManager_;
     MainLoop& loop_;
-    std::function<X11Coordinates()> coordinates_;
+    Surroundings surroundings_;
     std::map<xcb_window_t, Pending> pending_;
     std::map<xcb_window_t, Running> running_;
     std::unique_ptr<X11Marker> trialMarker_;

@@ -4,6 +4,8 @@
 
 #include <Platform/Pointer.h>
 
+#include <optional>
+
 namespace tilewright {
 
 /// The X server's pointer: the centre of the pixel it is on. A bounded round trip each time, unless
@@ -15,6 +17,11 @@ public:
         , screens_(screens) {}
 
     AppKitPoint location() const override;
+
+    /// The pointer's place in pixels of the X screen, while whoever handles input knows it.
+    [[nodiscard]] std::optional<QPoint> known() const {
+        return isKnown_ ? std::optional(lastPlace_) : std::nullopt;
+    }
 
     /// While it lives, the pointer is where an answer of the server has it and nobody asks again:
     /// input that is being handled and the place belong together. Not nested.

@@ -13,6 +13,9 @@ namespace {
 constexpr std::chrono::milliseconds rest{50};
 constexpr std::chrono::milliseconds longestBurst{400};
 
+/// In pixels. Window managers differ; the widest margin seen is half of this.
+constexpr double tilingMargin = 50;
+
 QRect rectFrom(const std::vector<std::uint32_t>& items, std::size_t at) {
     return {static_cast<int>(items[at]), static_cast<int>(items[at + 1]),
             static_cast<int>(items[at + 2]), static_cast<int>(items[at + 3])};
@@ -306,6 +309,17 @@ void X11Screens::refresh() {
         return;
     screens_ = std::move(screens);
     Q_EMIT screensChanged();
+}
+
+bool X11Screens::isNearAnEdge(QPoint place) const {
+    const AppKitPoint point = coordinates_.toAppKit(place);
+    return std::none_of(screens_.begin(), screens_.end(), [point](const ScreenPtr& screen) {
+        const AppKitRect area = screen->visibleFrame();
+        return AppKitRect{area.x + tilingMargin, area.y + tilingMargin,
+                          std::max(area.width - 2 * tilingMargin, 0.0),
+                          std::max(area.height - 2 * tilingMargin, 0.0)}
+            .contains(point);
+    });
 }
 
 ScreenPtr X11Screens::main() const {

@@ -63,6 +63,10 @@ public:
     /// How the screen spaces lie on the X screen now.
     [[nodiscard]] const X11Coordinates& coordinates() const { return coordinates_; }
 
+    /// Whether a place, in pixels of the X screen, is so near to an edge of its monitor, or of what
+    /// panels leave of that, that window managers may tile a window let go there.
+    [[nodiscard]] bool isNearAnEdge(QPoint place) const;
+
 private:
     struct Monitor {
         QRect area;

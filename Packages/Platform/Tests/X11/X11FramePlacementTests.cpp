@@ -25,8 +25,16 @@ TEST(X11FramePlacement, AsksForTheFramesCornerAndTheClientsSize) {
     const auto action = placement.begin(windowAt({0, 0, 300, 300}));
     EXPECT_EQ(action.request, QRect(100, 50, 596, 376));
     EXPECT_TRUE(action.startsWaiting);
+    EXPECT_FALSE(action.removesMaximized);
+    EXPECT_FALSE(action.addsMaximized);
+}
+
+TEST(X11FramePlacement, ClearsAtOnceTheStateThatTheWindowManagersTilingMaySetUnseen) {
+    X11FramePlacement placement(goal, {}, X11FramePlacement::Tiling::likely);
+    const auto action = placement.begin(windowAt({0, 0, 300, 300}));
     EXPECT_TRUE(action.removesMaximized);
     EXPECT_FALSE(action.addsMaximized);
+    EXPECT_TRUE(action.request.has_value());
 }
 
 TEST(X11FramePlacement, ReachesBeyondTheFrameByAClientsOwnShadow) {
@@ -85,6 +93,24 @@ TEST(X11FramePlacement, StopsWhenTwoAttemptsEndAlike) {
     EXPECT_TRUE(placement.timePassed(windowAt({0, 0, 960, 1080})).isFinished);
 }
 
+TEST(X11FramePlacement, AsksAgainWhereNothingHasStirred) {
+    const X11WindowFacts still = windowAt({0, 0, 300, 300});
+    X11FramePlacement placement(goal);
+    EXPECT_TRUE(placement.begin(still).request.has_value());
+    EXPECT_TRUE(placement.timePassed(still).request.has_value());
+    EXPECT_TRUE(placement.timePassed(still).request.has_value());
+    EXPECT_TRUE(placement.timePassed(still).isFinished);
+}
+
+TEST(X11FramePlacement, AddsTheMaximisedStateOnceOnly) {
+    X11FramePlacement placement(goal);
+    static_cast<void>(placement.begin(windowAt({0, 0, 300, 300})));
+    EXPECT_TRUE(placement.timePassed(windowAt({1, 0, 960, 1080})).addsMaximized);
+    const auto third = placement.timePassed(windowAt({2, 0, 960, 1080}));
+    EXPECT_FALSE(third.addsMaximized);
+    EXPECT_TRUE(third.removesMaximized);
+}
+
 TEST(X11FramePlacement, AsksThreeTimesAtMost) {
     X11FramePlacement placement(goal);
     static_cast<void>(placement.begin(windowAt({0, 0, 300, 300})));
@@ -120,7 +146,10 @@ TEST(X11FramePlacement, ClearsAStateThatTheWindowManagersOwnTilingBringsBack) {
     X11WindowFacts tiled = windowAt({0, 0, 1920, 1080});
     tiled.isMaximized = true;
     EXPECT_TRUE(placement.windowChanged(tiled).removesMaximized);
-    EXPECT_TRUE(placement.windowChanged(windowAt({0, 0, 300, 300})).request.has_value());
+    const auto again = placement.windowChanged(windowAt({0, 0, 300, 300}));
+    EXPECT_TRUE(again.request.has_value());
+    // The state is gone: nothing need flash up to free the window.
+    EXPECT_FALSE(again.addsMaximized);
 }
 
 TEST(X11FramePlacement, LearnsThatTheCornerIsTakenForTheClients) {
