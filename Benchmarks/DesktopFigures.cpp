@@ -1,6 +1,10 @@
 // Measures the real program on X servers of its own: DesktopFigures. See
 // Documentation/performance.md.
 
+#include "BareDrop.h"
+#include "FinalNotice.h"
+
+#include <BareClient.h>
 #include <DragScript.h>
 #include <ProcessFigures.h>
 #include <Waiting.h>
@@ -8,6 +12,7 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <functional>
 #include <gtest/gtest.h>
@@ -56,12 +61,13 @@ void measureLatencies() {
     RunningProgram program(desktop);
     XInspector& inspector = desktop.inspector();
     XInputInjector& input = desktop.input();
-    const auto& zones = ZoneLayout::bentoBox().zones;
+    const auto& zones = tilewright::ZoneLayout::bentoBox().zones;
     const QRect area = workArea(inspector);
     const QRect first = zoneFrame(zones[0], area);
     const QRect second = zoneFrame(zones[1], area);
     const auto border = [&](const QRect& zone) {
-        return inspector.pixel({zone.left() + 5, zone.center().y()});
+        // The tile's outermost pixel: the one that a plain tile's border has, too.
+        return inspector.pixel({zone.left() + 4, zone.center().y()});
     };
     std::vector<double> shows;
     std::vector<double> moves;
@@ -87,6 +93,75 @@ void measureLatencies() {
     }
     print("first dragged event to the overlay's pixel on the server, median", median(shows), "ms");
     print("pointer's move to the first pixel of the new highlight, median", median(moves), "ms");
+}
+
+/// Drags a window into two zones in turn and answers how long after the button's release it was
+/// where it belongs, in milliseconds, median. `isReady` holds when the button may be let go.
+double medianOfDrops(DesktopSession& desktop, const BareClient& client,
+                     const std::array<QRect, 2>& zones, const std::function<bool()>& isReady,
+                     const std::function<void(const QRect&)>& aim) {
+    constexpr int rounds = 60;
+    XInspector& inspector = desktop.inspector();
+    XInputInjector& input = desktop.input();
+    const quint32 key = keyFor(RunningProgram::defaultModifier());
+    FinalNotice notice(desktop.display(), client.window());
+    std::vector<double> drops;
+    for (int round = 0; round < rounds; ++round) {
+        const QRect zone = zones[static_cast<std::size_t>(round % 2)];
+        const QRect outer = inspector.outerFrame(client.window());
+        const QRect inner = inspector.clientFrame(client.window());
+        aim(zone);
+        const QPoint grip(outer.center().x(), (outer.top() + inner.top()) / 2);
+        input.move(grip);
+        input.pressKey(key);
+        input.press();
+        // Motion is heard of only once the press has been.
+        QThread::msleep(20);
+        input.move(grip + QPoint(3, 0));
+        static_cast<void>(waitUntil(isReady));
+        input.glide(grip + QPoint(3, 0), zone.center(), 8);
+        // Until the highlight has come to rest.
+        QThread::msleep(200);
+        notice.expect(zone.adjusted(inner.left() - outer.left(), inner.top() - outer.top(),
+                                    inner.right() - outer.right(),
+                                    inner.bottom() - outer.bottom()));
+        const auto start = FinalNotice::Clock::now();
+        input.release();
+        if (!notice.wait()) {
+            std::fprintf(stderr, "the window did not come to its zone\n");
+            return 0;
+        }
+        // What still comes counts too: only then was it the final notice.
+        QThread::msleep(30);
+        drops.push_back(notice.since(start));
+        input.releaseKey(key);
+        QThread::msleep(150);
+    }
+    return median(drops);
+}
+
+void measureDrops(const char* what, const std::array<Zone, 2>& zones) {
+    DesktopSession desktop;
+    desktop.startWindowManager(WindowManagerKind::openbox);
+    const BareClient client(desktop.display(), QRect(300, 200, 500, 300));
+    const QRect area = workArea(desktop.inspector());
+    const std::array<QRect, 2> frames{zoneFrame(zones[0], area), zoneFrame(zones[1], area)};
+    double bare = 0;
+    {
+        BareDrop drop(desktop.display().toLatin1().constData(), client.window());
+        bare = medianOfDrops(
+            desktop, client, frames, [] { return true; },
+            [&](const QRect& zone) {
+                drop.aim({zone.x(), zone.y(), zone.width(), zone.height()});
+            });
+    }
+    RunningProgram program(desktop);
+    const double own = medianOfDrops(
+        desktop, client, frames, [&] { return program.overlayShows(); }, [](const QRect&) {});
+    std::printf("release to the window's final frame, %s, medians: %.2f ms, bare program %.2f ms, "
+                "ratio %.2f\n",
+                what, own, bare, own / bare);
+    std::fflush(stdout);
 }
 
 void measureDrag(QSize size) {
@@ -131,6 +206,9 @@ int main(int argc, char** argv) {
     const QCoreApplication application(argc, argv);
     tilewright::testing::measureIdle();
     tilewright::testing::measureLatencies();
+    const auto& zones = tilewright::ZoneLayout::bentoBox().zones;
+    tilewright::testing::measureDrops("moved", {zones[2], zones[3]});
+    tilewright::testing::measureDrops("moved and resized", {zones[0], zones[1]});
     tilewright::testing::measureDrag({1920, 1080});
     tilewright::testing::measureDrag({3840, 2160});
     return 0;

@@ -3,6 +3,7 @@
 // without any of this program's code. Both in turn, in one run.
 
 #include "BareFrameRequest.h"
+#include "FinalNotice.h"
 
 #include <BareClient.h>
 #include <WindowManager/WindowManager.h>
@@ -10,7 +11,6 @@
 #include <X11TestPlatform.h>
 
 #include <QApplication>
-#include <QSocketNotifier>
 #include <QTimer>
 #include <algorithm>
 #include <array>
@@ -21,76 +21,21 @@ using namespace tilewright::testing;
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
 double median(std::vector<double> values) {
     std::nth_element(values.begin(), values.begin() + std::ptrdiff_t(values.size() / 2),
                      values.end());
     return values[values.size() / 2];
 }
 
-/// Looks out for the notice that a window is where it was asked to be, for both programs alike.
-class FinalNotice {
-public:
-    FinalNotice(const QString& display, quint32 window)
-        : connection_(xcb_connect(display.toLatin1().constData(), nullptr))
-        , notifier_(xcb_get_file_descriptor(connection_), QSocketNotifier::Read) {
-        const std::uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
-        xcb_change_window_attributes(connection_, window, XCB_CW_EVENT_MASK, &mask);
-        xcb_flush(connection_);
-        QObject::connect(&notifier_, &QSocketNotifier::activated, &notifier_, [this] { look(); });
-    }
-    FinalNotice(const FinalNotice&) = delete;
-    FinalNotice& operator=(const FinalNotice&) = delete;
-    ~FinalNotice() {
-        notifier_.setEnabled(false);
-        xcb_disconnect(connection_);
-    }
-
-    /// The client's area that is to come next.
-    void expect(const QRect& client) {
-        look();
-        isResized_ = client.size() != wanted_.size();
-        wanted_ = client;
-        seen_.reset();
-    }
-    /// Turns the loop until the notice has come; false if it does not.
-    [[nodiscard]] bool hasCome() {
-        QTimer deadline;
-        deadline.setSingleShot(true);
-        deadline.start(std::chrono::seconds(5));
-        while (!seen_ && deadline.isActive())
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-        return seen_.has_value();
-    }
-    /// Microseconds from `start` to the last notice of any kind so far.
-    [[nodiscard]] double since(Clock::time_point start) {
-        look();
-        return std::chrono::duration<double, std::micro>(*seen_ - start).count();
-    }
-
-private:
-    void look() {
-        while (xcb_generic_event_t* event = xcb_poll_for_event(connection_)) {
-            const X11Reply<xcb_generic_event_t> owned(event);
-            if ((event->response_type & 0x7f) != XCB_CONFIGURE_NOTIFY)
-                continue;
-            const auto& notice = eventAs<xcb_configure_notify_event_t>(*event);
-            const QRect told(notice.x, notice.y, notice.width, notice.height);
-            // Only the notices that window managers send carry places on the screen; those of the
-            // server tell of a new size.
-            const bool isSent = (event->response_type & 0x80) != 0;
-            if (seen_ || (isSent ? told == wanted_ : isResized_ && told.size() == wanted_.size()))
-                seen_ = Clock::now();
-        }
-    }
-
-    xcb_connection_t* connection_;
-    QSocketNotifier notifier_;
-    QRect wanted_;
-    bool isResized_ = true;
-    std::optional<Clock::time_point> seen_;
-};
+/// Turns the loop until the notice has come; false if it does not.
+bool turnUntil(const FinalNotice& notice) {
+    QTimer deadline;
+    deadline.setSingleShot(true);
+    deadline.start(std::chrono::seconds(5));
+    while (!notice.hasCome() && deadline.isActive())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    return notice.hasCome();
+}
 
 /// Lets everybody come to rest, so that neither program pays for the other's work.
 void rest(X11TestPlatform& platform) {
@@ -130,7 +75,7 @@ bool compare(const char* what, const std::array<Zone, 2>& zones, const DesktopSe
         // Each of the two sets the window to either zone equally often.
         const bool isOurs = round % 4 == 0 || round % 4 == 3;
         const std::uint64_t tripsBefore = platform.connection().roundTrips();
-        const auto start = Clock::now();
+        const auto start = FinalNotice::Clock::now();
         if (isOurs) {
             WindowManager::shared().snap(element, zone, screen);
             roundTrips.push_back(double(platform.connection().roundTrips() - tripsBefore));
@@ -138,7 +83,7 @@ bool compare(const char* what, const std::array<Zone, 2>& zones, const DesktopSe
             std::fprintf(stderr, "the bare program may not set the window\n");
             return false;
         }
-        if (!notice.hasCome()) {
+        if (!turnUntil(notice)) {
             std::fprintf(stderr, "the window did not come to its frame\n");
             return false;
         }
@@ -146,7 +91,7 @@ bool compare(const char* what, const std::array<Zone, 2>& zones, const DesktopSe
         rest(platform);
         (isOurs ? ours : theirs).push_back(notice.since(start));
     }
-    std::printf("%s, call to final ConfigureNotify, medians of %zu: %.0f us, bare %.0f us, ratio "
+    std::printf("%s, call to final ConfigureNotify, medians of %zu: %.3f ms, bare %.3f ms, ratio "
                 "%.2f; round trips within the call: %.0f\n",
                 what, ours.size(), median(ours), median(theirs), median(ours) / median(theirs),
                 median(roundTrips));
