@@ -15,6 +15,10 @@ public:
 
     /// Appends a tab. The title is plain text.
     void addSymbolTab(const QString& symbol, const QString& title);
+    /// The symbol of a tab, which there has to be.
+    [[nodiscard]] const QString& tabSymbol(int index) const {
+        return tabs_.at(static_cast<std::size_t>(index)).symbol;
+    }
 
 protected:
     QSize tabSizeHint(int index) const override;

@@ -15,6 +15,7 @@
 #include <QApplication>
 #include <QLayout>
 #include <QTest>
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace tilewright::testing {
@@ -39,6 +40,18 @@ protected:
     FakeDesktop desktop;
 };
 
+/// Whether any pixel of a widget has exactly this colour.
+bool shows(QWidget& widget, const QColor& color) {
+    const QImage picture = widget.grab().toImage();
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            if (picture.pixelColor(x, y).rgb() == color.rgb())
+                return true;
+        }
+    }
+    return false;
+}
+
 class SnapWhileSettingsAreOpen : public SnapFixture {};
 
 TEST_F(SettingsViewTest, HasFourTabsInOrderAndStartsAtTheLayouts) {
@@ -49,6 +62,10 @@ TEST_F(SettingsViewTest, HasFourTabsInOrderAndStartsAtTheLayouts) {
     EXPECT_EQ(bar->tabText(1), QStringLiteral("Manage"));
     EXPECT_EQ(bar->tabText(2), QStringLiteral("General"));
     EXPECT_EQ(bar->tabText(3), QStringLiteral("Accessibility"));
+    EXPECT_EQ(bar->tabSymbol(0), QStringLiteral("square.grid.2x2"));
+    EXPECT_EQ(bar->tabSymbol(1), QStringLiteral("list.bullet.rectangle"));
+    EXPECT_EQ(bar->tabSymbol(2), QStringLiteral("gearshape"));
+    EXPECT_EQ(bar->tabSymbol(3), QStringLiteral("accessibility"));
     EXPECT_EQ(view.selection(), Tab::layouts);
     EXPECT_NE(qobject_cast<LayoutEditorView*>(view.content(Tab::layouts)), nullptr);
     EXPECT_NE(qobject_cast<LayoutManagerView*>(view.content(Tab::manage)), nullptr);
@@ -145,14 +162,41 @@ TEST_F(SettingsViewTest, GeneralExplainsTheChosenModifier) {
     EXPECT_EQ(titles,
               (std::vector<QString>{QStringLiteral("⌃ Control"), QStringLiteral("⇧ Shift"),
                                     QStringLiteral("⌥ Option"), QStringLiteral("⌘ Command")}));
-    QStringList texts;
-    for (const auto* label : view.findChildren<TextLabel*>())
-        texts.append(label->text());
-    EXPECT_TRUE(texts.contains(QStringLiteral("Keep Awake")));
-    EXPECT_TRUE(texts.contains(QStringLiteral("Window Zones")));
-    EXPECT_TRUE(texts.contains(QStringLiteral("Snap modifier")));
-    EXPECT_TRUE(
-        texts.contains(QStringLiteral("Configure default session durations in the menu bar.")));
+}
+
+TEST_F(SettingsViewTest, GeneralHasItsSectionsBelowEachOtherInTheirStyles) {
+    GeneralSettingsView view;
+    view.resize(520, 460);
+    view.show();
+    settle();
+    struct Line {
+        QString text;
+        look::TextStyle style;
+        TextLabel::Importance importance;
+    };
+    using enum TextLabel::Importance;
+    const std::vector<Line> lines{
+        {QStringLiteral("Keep Awake"), look::TextStyle::headline, primary},
+        {QStringLiteral("Configure default session durations in the menu bar."),
+         look::TextStyle::caption, secondary},
+        {QStringLiteral("Window Zones"), look::TextStyle::headline, primary},
+        {QStringLiteral("Snap modifier"), look::TextStyle::body, primary},
+        {view.caption()->text(), look::TextStyle::caption, secondary},
+    };
+    auto labels = view.findChildren<TextLabel*>();
+    std::sort(labels.begin(), labels.end(), [&](const TextLabel* a, const TextLabel* b) {
+        return a->mapTo(&view, QPoint()).y() < b->mapTo(&view, QPoint()).y();
+    });
+    ASSERT_EQ(static_cast<std::size_t>(labels.size()), lines.size());
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        const TextLabel* label = labels[static_cast<qsizetype>(i)];
+        EXPECT_EQ(label->text(), lines[i].text);
+        EXPECT_EQ(label->style(), lines[i].style) << label->text().toStdString();
+        EXPECT_EQ(label->importance(), lines[i].importance) << label->text().toStdString();
+    }
+    // The choice is on the row of its name.
+    EXPECT_EQ(view.modifierPicker()->mapTo(&view, view.modifierPicker()->rect().center()).y() / 8,
+              labels[3]->mapTo(&view, labels[3]->rect().center()).y() / 8);
 }
 
 TEST_F(SettingsViewTest, GeneralStoresAChoiceAtOnceAndFollowsIt) {
@@ -229,6 +273,8 @@ TEST_F(SettingsViewTest, AccessibilityShowsWhatIsGranted) {
     EXPECT_TRUE(view.isTrusted());
     EXPECT_EQ(view.symbol()->symbol(), QStringLiteral("checkmark.shield.fill"));
     EXPECT_EQ(view.symbol()->size(), QSize(40, 40));
+    EXPECT_TRUE(shows(*view.symbol(), look::green(view.palette())));
+    EXPECT_FALSE(shows(*view.symbol(), look::orange(view.palette())));
     EXPECT_EQ(view.message()->text(), QStringLiteral("Accessibility access granted."));
     EXPECT_FALSE(view.openSettingsButton()->isVisible());
 }
@@ -241,7 +287,10 @@ TEST_F(SettingsViewTest, AccessibilityShowsWhatIsMissingAndTheWayToIt) {
     EXPECT_EQ(view.symbol()->symbol(), QStringLiteral("exclamationmark.shield.fill"));
     EXPECT_EQ(view.message()->text(),
               QStringLiteral("Accessibility access is required for window snapping."));
+    EXPECT_TRUE(shows(*view.symbol(), look::orange(view.palette())));
+    EXPECT_FALSE(shows(*view.symbol(), look::green(view.palette())));
     ASSERT_TRUE(view.openSettingsButton()->isVisible());
+    EXPECT_EQ(view.openSettingsButton()->kind(), GlassButton::Kind::prominent);
     EXPECT_EQ(view.openSettingsButton()->title(),
               QStringLiteral("Open Privacy & Security Settings"));
     view.openSettingsButton()->click();
@@ -265,6 +314,7 @@ TEST_F(SettingsViewTest, AccessibilityLooksEveryTwoSecondsWhileOnScreen) {
     desktop.platform.fakeMainLoop.advance(2s);
     EXPECT_FALSE(view.isTrusted());
     EXPECT_EQ(view.symbol()->symbol(), QStringLiteral("exclamationmark.shield.fill"));
+    EXPECT_TRUE(shows(*view.symbol(), look::orange(view.palette())));
     EXPECT_TRUE(view.openSettingsButton()->isVisible());
     view.hide();
     EXPECT_EQ(timers(), 0U);

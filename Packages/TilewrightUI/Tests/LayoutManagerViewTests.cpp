@@ -89,7 +89,36 @@ TEST_F(LayoutManager, PresetsHaveNoDeleteButton) {
     for (const LayoutManagerCard* card : view.builtInCards())
         EXPECT_EQ(card->deleteButton(), nullptr);
     ASSERT_NE(view.customCards()[0]->deleteButton(), nullptr);
-    EXPECT_EQ(view.customCards()[0]->deleteButton()->title(), QStringLiteral("Delete"));
+    const GlassButton& button = *view.customCards()[0]->deleteButton();
+    EXPECT_EQ(button.title(), QStringLiteral("Delete"));
+    EXPECT_EQ(button.symbol(), QStringLiteral("trash"));
+    EXPECT_EQ(button.kind(), GlassButton::Kind::bordered);
+    EXPECT_EQ(button.role(), GlassButton::Role::destructive);
+    EXPECT_EQ(button.controlSize(), GlassButton::ControlSize::small);
+}
+
+TEST_F(LayoutManager, SetsItsTextsInTheirStyles) {
+    add(QStringLiteral("Mine"));
+    const LayoutManagerView view;
+    using enum TextLabel::Importance;
+    const auto expectStyle = [](const TextLabel& label, look::TextStyle style,
+                                TextLabel::Importance importance) {
+        EXPECT_EQ(label.style(), style) << label.text().toStdString();
+        EXPECT_EQ(label.importance(), importance) << label.text().toStdString();
+    };
+    const auto labels =
+        view.widget()->findChildren<TextLabel*>(QString(), Qt::FindDirectChildrenOnly);
+    ASSERT_EQ(labels.size(), 4);
+    expectStyle(*labels[0], look::TextStyle::headline, primary);
+    expectStyle(*labels[1], look::TextStyle::caption, secondary);
+    expectStyle(*labels[2], look::TextStyle::headline, primary);
+    expectStyle(*labels[3], look::TextStyle::caption, secondary);
+    const auto ofTheCard = view.customCards()[0]->findChildren<TextLabel*>();
+    ASSERT_EQ(ofTheCard.size(), 2);
+    EXPECT_EQ(ofTheCard[0]->text(), QStringLiteral("Mine"));
+    expectStyle(*ofTheCard[0], look::TextStyle::callout, primary);
+    EXPECT_EQ(ofTheCard[1]->text(), QStringLiteral("1 zones"));
+    expectStyle(*ofTheCard[1], look::TextStyle::caption2, secondary);
 }
 
 TEST_F(LayoutManager, DeleteAsksFirst) {
@@ -105,8 +134,12 @@ TEST_F(LayoutManager, DeleteAsksFirst) {
     EXPECT_EQ(view.confirmation()->textFormat(), Qt::PlainText);
     EXPECT_EQ(view.confirmation()->informativeText(),
               QStringLiteral("This removes the layout and clears it from any displays using it."));
-    EXPECT_NE(button(view, QStringLiteral("Delete")), nullptr);
-    EXPECT_NE(button(view, QStringLiteral("Cancel")), nullptr);
+    ASSERT_NE(button(view, QStringLiteral("Delete")), nullptr);
+    ASSERT_NE(button(view, QStringLiteral("Cancel")), nullptr);
+    EXPECT_EQ(view.confirmation()->buttonRole(button(view, QStringLiteral("Delete"))),
+              QMessageBox::DestructiveRole);
+    EXPECT_EQ(view.confirmation()->buttonRole(button(view, QStringLiteral("Cancel"))),
+              QMessageBox::RejectRole);
     EXPECT_EQ(LayoutStore::shared().customLayouts().size(), 1U);
 }
 

@@ -30,11 +30,10 @@ QString keyOf(const AccessibleNode& node) {
 
 class AccessibleViews : public ::testing::Test {
 protected:
-    AccessibleViews() {
+    explicit AccessibleViews(std::map<QString, QString> more = {}) {
         desktop.writeLayouts(oneLayoutOfTheUsers);
         QProcessEnvironment environment;
         AccessibilityReader::enable(environment);
-        std::map<QString, QString> more;
         for (const QString& key : environment.keys())
             more[key] = environment.value(key);
         program = &desktop.startProgram({}, more);
@@ -151,6 +150,13 @@ protected:
     Subprocess* program = nullptr;
 };
 
+/// Where windows cannot be moved, and yet a window manager gives the keyboard to one of ours.
+class AccessibleViewsWithoutTrust : public AccessibleViews {
+protected:
+    AccessibleViewsWithoutTrust()
+        : AccessibleViews({{u"XDG_SESSION_TYPE"_s, u"wayland"_s}}) {}
+};
+
 } // namespace
 
 TEST_F(AccessibleViews, ThePanelIsADialogWithAllItsControls) {
@@ -187,6 +193,15 @@ TEST_F(AccessibleViews, ThePanelTellsWhatAClickChanges) {
 
 TEST_F(AccessibleViews, TabReachesEverythingInThePanel) {
     openPanel();
+    expectTabReachesEverything();
+}
+
+TEST_F(AccessibleViews, TabReachesEverythingInThePanelDuringASession) {
+    openPanel();
+    click(toggle, u"Keep Awake"_s);
+    ASSERT_TRUE(waitForState(toggle, u"Keep Awake"_s, u"checked"_s));
+    ASSERT_TRUE(waitUntil([&] { return !find(button, u"15m"_s); })) << "the buttons slide out";
+    expectEveryControlNamed();
     expectTabReachesEverything();
 }
 
@@ -277,6 +292,13 @@ TEST_F(AccessibleViews, TheAccessibilitySettingsTellWhatIsMissing) {
     static_cast<void>(control(label, u"Accessibility access is required for window snapping."_s));
     static_cast<void>(control(button, u"Open Privacy & Security Settings"_s));
     expectEveryControlNamed();
+}
+
+TEST_F(AccessibleViewsWithoutTrust, TabReachesTheWayToIt) {
+    openSettings(u"Accessibility"_s);
+    static_cast<void>(control(button, u"Open Privacy & Security Settings"_s));
+    expectEveryControlNamed();
+    expectTabReachesEverything();
 }
 
 } // namespace tilewright::testing

@@ -29,7 +29,12 @@ public:
 
     explicit GlassButton(const QString& title, Kind kind = Kind::glass, QWidget* parent = nullptr);
 
+    [[nodiscard]] Kind kind() const { return kind_; }
+    [[nodiscard]] Role role() const { return role_; }
+    [[nodiscard]] ControlSize controlSize() const { return size_; }
     [[nodiscard]] const QString& title() const { return title_; }
+    /// The symbol before the title; empty for none.
+    [[nodiscard]] const QString& symbol() const { return symbol_; }
     void setTitle(const QString& title);
     /// Shows a symbol before the title; an empty name shows none.
     void setSymbol(const QString& name);

@@ -30,6 +30,9 @@ public:
 
     void setOverflow(Overflow overflow);
 
+    [[nodiscard]] look::TextStyle style() const { return style_; }
+    [[nodiscard]] Importance importance() const { return importance_; }
+
     /// What is painted at the present width: the text, or its shortened form.
     [[nodiscard]] QString shownText() const { return fitted().text; }
     /// The share of its style's size at which the text is painted at the present width: 0.8 to 1.
