@@ -41,8 +41,15 @@ void DragScript::grab(const TestClient& client, KeyTiming timing) {
         const QRect frame = inspector.outerFrame(client.window);
         return frame.width() > 100 && inspector.isMapped(client.window);
     })) << desktop_.describe();
-    const auto [from, bar] = gripOf(client);
+    const Grip grip = gripOf(client);
+    const QPoint from = grip.place;
     const QRect before = inspector.outerFrame(client.window);
+    // A client that draws its own bar tells the server a moment after it was resized where it takes
+    // the mouse: until then a press goes to the desktop beneath, which takes the focus away.
+    EXPECT_TRUE(waitUntil([&] {
+        return inspector.toplevelAt(from) == inspector.toplevelOf(client.window);
+    })) << "another window is at "
+        << from.x() << "," << from.y() << desktop_.describe();
     input.move(from);
     if (timing == KeyTiming::beforeThePress)
         program_.pressKey();
@@ -64,7 +71,7 @@ void DragScript::grab(const TestClient& client, KeyTiming timing) {
     // It is the client that asks the window manager for the move then, when it has read what the
     // mouse did: were it slower than the whole drag, it would ask when the button is up again, and
     // the window manager would go on moving the window without an end.
-    if (bar == Bar::ofTheClient) {
+    if (grip.bar == Bar::ofTheClient) {
         // Some move it by what the mouse has done since the request, not since the press. Some do
         // not move it at all, such as a maximised one: nothing is late there.
         constexpr std::chrono::milliseconds longEnough(1500);

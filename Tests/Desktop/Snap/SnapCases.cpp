@@ -130,6 +130,7 @@ void SnapCases::dropAtTheEdges(ClientKind kind, KeyTiming timing) {
     const auto drop = [&](QPoint target, std::size_t zone) {
         script_.run(client, timing, target);
         expectFills(inspector_, kind, client, frame(zone));
+        expectActive(client);
     };
     drop({area_.left(), area_.center().y()}, 0);
     drop(area_.bottomRight(), 3);

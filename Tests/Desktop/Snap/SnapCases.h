@@ -12,8 +12,7 @@ inline constexpr std::array draggedClients{ClientKind::xterm, ClientKind::qt,
                                            ClientKind::gtkClientDecorated};
 
 /// What can happen in a drag, each as one scripted drag on a desktop of one monitor with Bento Box.
-/// After each the overlay is gone and the active window is the one that was dragged; but for one
-/// that draws its own bar, where it is dropped at an edge.
+/// After each the overlay is gone, and the active window is the one that was dragged.
 class SnapCases {
 public:
     /// Starts the program with this key.
@@ -40,10 +39,10 @@ private:
     /// Opens a window and waits until it is the active one, in its place.
     [[nodiscard]] TestClient open(ClientKind kind, const QRect& area = {300, 200, 640, 420}) const;
     [[nodiscard]] QRect frame(std::size_t zone) const;
-    void dragAndDrop(ClientKind kind, const TestClient& client, KeyTiming timing, QPoint target,
-                     const QRect& expected);
     /// Waits until the window that was dragged is the active one.
     void expectActive(const TestClient& client) const;
+    void dragAndDrop(ClientKind kind, const TestClient& client, KeyTiming timing, QPoint target,
+                     const QRect& expected);
 
     DesktopSession& desktop_;
     XInspector& inspector_;

@@ -168,6 +168,10 @@ QRect XInspector::outerFrame(Window window) const {
                                static_cast<int>(frame[1]), static_cast<int>(frame[3]));
     }
     // No extents told: the frame is the ancestor just below the root.
+    return clientFrame(toplevelOf(window));
+}
+
+XInspector::Window XInspector::toplevelOf(Window window) const {
     Window current = window;
     for (;;) {
         const ReplyPtr<xcb_query_tree_reply_t> tree(
@@ -176,7 +180,16 @@ QRect XInspector::outerFrame(Window window) const {
             break;
         current = tree->parent;
     }
-    return clientFrame(current);
+    return current;
+}
+
+XInspector::Window XInspector::toplevelAt(QPoint place) const {
+    const ReplyPtr<xcb_translate_coordinates_reply_t> reply(xcb_translate_coordinates_reply(
+        connection_,
+        xcb_translate_coordinates(connection_, root(), root(), static_cast<qint16>(place.x()),
+                                  static_cast<qint16>(place.y())),
+        nullptr));
+    return reply ? reply->child : 0;
 }
 
 XInspector::Window XInspector::activeWindow() const {

@@ -50,6 +50,12 @@ public:
     /// client-side ones left out.
     [[nodiscard]] QRect outerFrame(Window window) const;
 
+    /// The ancestor just below the root, such as the window manager's frame, or the window itself.
+    [[nodiscard]] Window toplevelOf(Window window) const;
+    /// The child of the root to which a press at this place goes, as far as shapes and grabs are
+    /// the server's matter; 0 for the root itself.
+    [[nodiscard]] Window toplevelAt(QPoint place) const;
+
     /// The 32-bit items of a property; empty when it is not there.
     [[nodiscard]] std::vector<quint32> property(Window window, const char* name) const;
     [[nodiscard]] QByteArray bytesProperty(Window window, const char* name) const;
