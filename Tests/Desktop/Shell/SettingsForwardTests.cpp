@@ -55,31 +55,36 @@ protected:
                                    {QStringLiteral("[id=%1] %2").arg(settingsID()).arg(command)},
                                    desktop.session().environment()));
     }
-    /// Puts the settings window out of sight, as its user would.
-    void minimise() {
-        const XInspector::Window window = settings();
+    /// Waits until a window is the active one: one that becomes it later closes a panel that is
+    /// open by then.
+    void waitUntilActive(const TestClient& client) {
+        ASSERT_TRUE(waitUntil([&] { return desktop.inspector().activeWindow() == client.window; }))
+            << standing();
+    }
+    /// Puts the settings window out of sight, as its user would; another one comes to the front.
+    void minimise(const TestClient& next) {
         // Out of sight is i3's scratchpad.
         if (GetParam() == WindowManagerKind::i3)
             tellI3(QStringLiteral("move scratchpad"));
         else
             use({QStringLiteral("windowminimize"), settingsID()});
-        ASSERT_TRUE(waitUntil([&] { return desktop.inspector().activeWindow() != window; }));
+        waitUntilActive(next);
     }
-    /// Puts the settings window on the second desktop, the user staying on the first.
-    void sendToAnotherDesktop() {
+    /// Puts the settings window on the second desktop, the user staying on the first, where another
+    /// one comes to the front.
+    void sendToAnotherDesktop(const TestClient& next) {
         if (GetParam() == WindowManagerKind::i3) {
             tellI3(QStringLiteral("move container to workspace 2"));
         } else {
             use({QStringLiteral("set_num_desktops"), QStringLiteral("2")});
             use({QStringLiteral("set_desktop_for_window"), settingsID(), QStringLiteral("1")});
         }
-        // Another window becomes the active one, and would close a panel that opens before it has.
         XInspector& look = desktop.inspector();
         ASSERT_TRUE(waitUntil([&] {
             return look.property(settings(), "_NET_WM_DESKTOP") == std::vector<quint32>{1} &&
-                   look.property(look.root(), "_NET_CURRENT_DESKTOP") == std::vector<quint32>{0} &&
-                   look.activeWindow() != settings();
+                   look.property(look.root(), "_NET_CURRENT_DESKTOP") == std::vector<quint32>{0};
         })) << standing();
+        waitUntilActive(next);
     }
 
     ShellDesktop desktop{GetParam()};
@@ -92,8 +97,9 @@ TEST_P(SettingsUnder, OpensBehindNothingAndFocused) {
     const TestClient client =
         startClient(desktop.session(), ClientKind::xterm, QRect(400, 300, 900, 600));
     ASSERT_NE(client.window, 0U);
+    waitUntilActive(client);
     chooseSettings();
-    EXPECT_TRUE(isForward());
+    EXPECT_TRUE(isForward()) << standing();
 }
 
 TEST_P(SettingsUnder, ComesForwardFromBehindMinimisedAndFromAnotherDesktop) {
@@ -106,15 +112,15 @@ TEST_P(SettingsUnder, ComesForwardFromBehindMinimisedAndFromAnotherDesktop) {
         startClient(desktop.session(), ClientKind::xterm, QRect(400, 300, 900, 600));
     ASSERT_NE(client.window, 0U);
     use({QStringLiteral("windowactivate"), QString::number(client.window)});
-    ASSERT_TRUE(waitUntil([&] { return desktop.inspector().activeWindow() == client.window; }));
+    waitUntilActive(client);
     chooseSettings();
     EXPECT_TRUE(isForward()) << "from behind: " << standing();
 
-    minimise();
+    minimise(client);
     chooseSettings();
     EXPECT_TRUE(isForward()) << "from the taskbar: " << standing();
 
-    sendToAnotherDesktop();
+    sendToAnotherDesktop(client);
     chooseSettings();
     EXPECT_TRUE(isForward()) << "from another desktop: " << standing();
     EXPECT_EQ(settings(), window) << "it is the same window";
