@@ -43,9 +43,8 @@ TEST_P(WindowManagerDrag, SnapsByControl) {
     SnapCases cases(desktop, QStringLiteral("control"));
     cases.dropInAZone(ClientKind::xterm, KeyTiming::beforeThePress, 0);
     cases.dropInAZone(ownBar(), KeyTiming::afterTheDragBegan, 1);
-    // i3's floating windows know no such state; fluxbox gives a window its border back when it has
-    // long had its new size.
-    if (GetParam().kind == WindowManagerKind::i3 || GetParam().kind == WindowManagerKind::fluxbox)
+    // i3's floating windows know no such state.
+    if (GetParam().kind == WindowManagerKind::i3)
         cases.dropInAZone(ClientKind::qt, KeyTiming::beforeThePress, 2);
     else
         cases.pullOffMaximised(ClientKind::qt, 2);
