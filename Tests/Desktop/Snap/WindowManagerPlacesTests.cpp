@@ -129,15 +129,19 @@ TEST_P(WindowManagerPlaces, GapsPanelsAndTheSpaceBetweenMonitorsTakeNothing) {
         << "over the panel" << desktop.describe();
 }
 
-INSTANTIATE_TEST_SUITE_P(Under, WindowManagerPlaces,
-                         ::testing::Values(Desk{WindowManagerKind::fluxbox, Compositing::off,
-                                                "shift", ClientKind::gtkClientDecorated,
-                                                KeyTiming::afterTheDragBegan},
-                                           Desk{WindowManagerKind::i3, Compositing::off, "option",
-                                                ClientKind::xterm, KeyTiming::beforeThePress},
-                                           Desk{WindowManagerKind::icewm, Compositing::off, "shift",
-                                                ClientKind::qt, KeyTiming::beforeThePress}),
-                         nameOf);
+INSTANTIATE_TEST_SUITE_P(
+    Under, WindowManagerPlaces,
+    ::testing::Values(Desk{WindowManagerKind::fluxbox, Compositing::off, "shift",
+                           ClientKind::gtkClientDecorated, KeyTiming::afterTheDragBegan},
+                      Desk{WindowManagerKind::i3, Compositing::off, "option", ClientKind::xterm,
+                           KeyTiming::beforeThePress},
+                      Desk{WindowManagerKind::icewm, Compositing::off, "shift", ClientKind::qt,
+                           KeyTiming::beforeThePress},
+                      Desk{WindowManagerKind::kwin, Compositing::off, "command", ClientKind::qt,
+                           KeyTiming::afterTheDragBegan},
+                      Desk{WindowManagerKind::marco, Compositing::on, "option", ClientKind::qt,
+                           KeyTiming::afterTheDragBegan}),
+    nameOf);
 
 /// Two outputs, as the window manager sees them too.
 struct SnapOnTwoOutputs : ::testing::TestWithParam<Desk> {};
