@@ -21,10 +21,11 @@ namespace tilewright {
 
 namespace {
 
-/// While the tray's host still holds the pointer for the click that opened the panel, no other grab
-/// is granted.
-constexpr std::chrono::milliseconds grabInterval{30};
-constexpr int grabAttempts = 30;
+/// No grab is granted while another client holds the pointer or the keyboard, as the tray's host
+/// does for the click that opened the panel and a window manager until it has ended a move; and
+/// nobody tells when it lets go. Mostly that is soon.
+constexpr std::chrono::milliseconds shortestGrabWait{30};
+constexpr std::chrono::milliseconds longestGrabWait{480};
 
 } // namespace
 
@@ -74,7 +75,7 @@ void PanelWindow::open(const QRect& place) {
     fitAndPlace();
     dropStaleFocusConnections();
     show();
-    grabsLeft_ = grabAttempts;
+    grabWait_ = shortestGrabWait;
     holdInput();
     // The press that opened the panel must not close it.
     afterInputSoFar(this, [this, opening = ++opening_] {
@@ -182,9 +183,11 @@ void PanelWindow::holdInput() {
     const bool keyboard = windowHandle()->setKeyboardGrabEnabled(true);
     const bool mouse = windowHandle()->setMouseGrabEnabled(true);
     holdsInput_ = keyboard && mouse;
-    if (!holdsInput_ && --grabsLeft_ > 0)
-        grabTimer_ = ScopedTimer(
-            Platform::current().mainLoop().scheduleOnce(grabInterval, [this] { holdInput(); }));
+    if (holdsInput_)
+        return;
+    grabTimer_ = ScopedTimer(
+        Platform::current().mainLoop().scheduleOnce(grabWait_, [this] { holdInput(); }));
+    grabWait_ = std::min(grabWait_ * 3 / 2, longestGrabWait);
 }
 
 void PanelWindow::releaseInput() {

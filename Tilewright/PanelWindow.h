@@ -8,6 +8,7 @@
 #include <QPointer>
 #include <QRect>
 #include <QWidget>
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -74,7 +75,8 @@ private:
     bool isFitting_ = false;
     bool isClosingForPress_ = false;
     bool holdsInput_ = false;
-    int grabsLeft_ = 0;
+    /// How long it waits before it asks for the keyboard and the pointer once more.
+    std::chrono::milliseconds grabWait_{};
     /// How often it has been opened.
     int opening_ = 0;
     ScopedTimer grabTimer_;

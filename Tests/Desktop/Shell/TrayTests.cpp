@@ -2,6 +2,7 @@
 
 #include "ShellDesktop.h"
 
+#include <InputGrab.h>
 #include <TestClients.h>
 #include <Waiting.h>
 #include <WindowManager/ZoneLayout.h>
@@ -65,6 +66,23 @@ TEST_P(UnderTrayHost, OpensAndClosesThePanelByClicksOnTheItemAndElsewhere) {
         desktop.input().tapKey(keysym::escape);
         EXPECT_TRUE(desktop.waitForPanel(false)) << "by the escape key";
     }
+}
+
+TEST_P(UnderTrayHost, GivesThePanelTheKeyboardHoweverLateAnotherClientLetsGoOfIt) {
+    desktop.startTray(GetParam());
+    desktop.startProgram();
+    static_cast<void>(desktop.item());
+    InputGrab other(desktop.session().display());
+    ASSERT_TRUE(other.takeKeyboard());
+    desktop.openPanel();
+    // The key goes to who holds the keyboard.
+    desktop.input().tapKey(keysym::escape);
+    EXPECT_TRUE(staysTrue([&] { return desktop.panel().has_value(); }, std::chrono::seconds(2)));
+    other.letGo();
+    EXPECT_TRUE(waitUntil([&] {
+        desktop.input().tapKey(keysym::escape);
+        return !desktop.panel().has_value();
+    }));
 }
 
 TEST_P(UnderTrayHost, ShowsTheItemOnAHostThatStartsLaterAndOnEachThatFollows) {

@@ -1,6 +1,7 @@
 #include "DragScript.h"
 
 #include <BareClient.h>
+#include <InputGrab.h>
 #include <Waiting.h>
 
 #include <QFile>
@@ -15,41 +16,6 @@ namespace {
 struct SnapBesideOthers : ::testing::Test {
     void SetUp() override { ASSERT_TRUE(desktop.startWindowManager(WindowManagerKind::openbox)); }
 
-    xcb_connection_t* connectTo() {
-        return other.emplace_back(Connection(xcb_connect(desktop.display().toLatin1(), nullptr)))
-            .get();
-    }
-    /// Whether a reply says that the pointer or keyboard was grabbed.
-    template<class Reply>
-    static bool isGrabbed(Reply* reply) {
-        const bool isSuccess = reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
-        std::free(reply); // NOLINT: xcb allocates with malloc
-        return isSuccess;
-    }
-    /// As screen lockers do.
-    bool grabAll(xcb_connection_t* locker) {
-        const quint32 root = inspector.root();
-        return waitUntil([&] {
-                   return isGrabbed(xcb_grab_pointer_reply(
-                       locker,
-                       xcb_grab_pointer(locker, 0, root, XCB_EVENT_MASK_BUTTON_PRESS,
-                                        XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC, XCB_NONE,
-                                        XCB_NONE, XCB_CURRENT_TIME),
-                       nullptr));
-               }) &&
-               waitUntil([&] {
-                   return isGrabbed(xcb_grab_keyboard_reply(
-                       locker,
-                       xcb_grab_keyboard(locker, 0, root, XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC,
-                                         XCB_GRAB_MODE_ASYNC),
-                       nullptr));
-               });
-    }
-    void ungrabAll(xcb_connection_t* locker) {
-        xcb_ungrab_pointer(locker, XCB_CURRENT_TIME);
-        xcb_ungrab_keyboard(locker, XCB_CURRENT_TIME);
-        xcb_flush(locker);
-    }
     /// Moves about with button and key held until the overlay shows: the program is up to date
     /// then.
     void moveUntilTheOverlayShows(RunningProgram& program, QPoint place) {
@@ -70,28 +36,22 @@ struct SnapBesideOthers : ::testing::Test {
         expectFills(inspector, ClientKind::qt, client, zone);
     }
 
-    struct Disconnect {
-        void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
-    };
-    using Connection = std::unique_ptr<xcb_connection_t, Disconnect>;
-
     DesktopSession desktop;
     XInspector& inspector = desktop.inspector();
-    std::vector<Connection> other;
 };
 
 TEST_F(SnapBesideOthers, APointerAndKeyboardGrabOverAWholeDragLeavesNothingStuck) {
     RunningProgram program(desktop);
     const TestClient client = openWindow();
-    xcb_connection_t* locker = connectTo();
-    ASSERT_TRUE(grabAll(locker));
+    InputGrab locker(desktop.display());
+    ASSERT_TRUE(locker.takePointer() && locker.takeKeyboard());
     desktop.input().move({1500, 900});
     program.pressKey();
     desktop.input().press();
     moveUntilTheOverlayShows(program, {1300, 700});
     desktop.input().release();
     program.releaseKey();
-    ungrabAll(locker);
+    locker.letGo();
     expectNextDragSnaps(program, client);
 }
 
@@ -105,17 +65,17 @@ TEST_F(SnapBesideOthers, AGrabThatBeginsInMidDragAndEndsAfterItLeavesNothingStuc
     desktop.input().press();
     const QPoint here = desktop.input().position();
     moveUntilTheOverlayShows(program, here);
-    xcb_connection_t* locker = connectTo();
+    InputGrab locker(desktop.display());
     // The program that was pressed on keeps the pointer until the button is up: a locker gets it at
     // that moment.
     program.releaseKey();
     desktop.input().release();
-    ASSERT_TRUE(grabAll(locker)) << desktop.describe();
+    ASSERT_TRUE(locker.takePointer() && locker.takeKeyboard()) << desktop.describe();
     EXPECT_TRUE(waitUntil([&] { return !program.overlayShows(); })) << desktop.describe();
     program.pressKey();
     desktop.input().press();
     moveUntilTheOverlayShows(program, here + QPoint(300, 200));
-    ungrabAll(locker);
+    locker.letGo();
     program.releaseKey();
     desktop.input().release();
     expectNextDragSnaps(program, client);
@@ -147,10 +107,11 @@ TEST_F(SnapBesideOthers, AClickThroughTheOverlayReachesTheWindowBeneathIt) {
     RunningProgram program(desktop);
     const TestClient client = openWindow();
     BareClient beneath(desktop.display(), QRect(1200, 500, 300, 200));
-    xcb_connection_t* listener = connectTo();
+    const std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)> listener(
+        xcb_connect(desktop.display().toLatin1(), nullptr), &xcb_disconnect);
     const quint32 mask = XCB_EVENT_MASK_BUTTON_PRESS;
-    xcb_change_window_attributes(listener, beneath.window(), XCB_CW_EVENT_MASK, &mask);
-    xcb_flush(listener);
+    xcb_change_window_attributes(listener.get(), beneath.window(), XCB_CW_EVENT_MASK, &mask);
+    xcb_flush(listener.get());
     DragScript script(desktop, program);
     script.grab(client, KeyTiming::beforeThePress);
     // The overlay can only be clicked on when the drag that shows it is over: stop the program
@@ -163,7 +124,7 @@ TEST_F(SnapBesideOthers, AClickThroughTheOverlayReachesTheWindowBeneathIt) {
     ASSERT_TRUE(inspector.clientFrame(program.overlay()).contains(place));
     desktop.input().click(place, 3);
     EXPECT_TRUE(waitUntil([&] {
-        auto* event = xcb_poll_for_event(listener);
+        auto* event = xcb_poll_for_event(listener.get());
         const bool isClick = event && (event->response_type & 0x7f) == XCB_BUTTON_PRESS;
         std::free(event); // NOLINT: xcb allocates with malloc
         return isClick;
