@@ -14,7 +14,11 @@ function(tilewright_test target)
   if(NOT test_LABEL)
     set(test_LABEL unit)
   endif()
-  if(NOT test_TIMEOUT)
+  set(cost)
+  if(test_TIMEOUT)
+    # What may take long starts first, also on the first run: at the end it would run alone.
+    set(cost COST ${test_TIMEOUT})
+  else()
     set(test_TIMEOUT 300)
   endif()
   if(test_GUI)
@@ -34,5 +38,6 @@ function(tilewright_test target)
     PROPERTIES
       LABELS "${test_LABEL}"
       TIMEOUT ${test_TIMEOUT}
+      ${cost}
       FAIL_REGULAR_EXPRESSION "\\[  SKIPPED \\]")
 endfunction()

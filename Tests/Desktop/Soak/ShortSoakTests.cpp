@@ -5,8 +5,8 @@
 namespace tilewright::testing {
 namespace {
 
-TEST(Soak, AThousandDragsOpeningsEditsAndSessionsLeaveNothingBehind) {
-    expectNothingPilesUpInUse({.batches = 8, .roundsPerBatch = 10, .bytesPerEvent = 512});
+TEST(Soak, ThreeThousandDragsOpeningsEditsAndSessionsLeaveNothingBehind) {
+    expectNothingPilesUpInUse({.batches = 8, .roundsPerBatch = 30, .bytesPerEvent = 128});
 }
 
 } // namespace
