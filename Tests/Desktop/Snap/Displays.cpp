@@ -1,6 +1,7 @@
 #include "Displays.h"
 
 #include <FakePlatform.h>
+#include <Waiting.h>
 
 #include <Platform/QtMainLoop.h>
 #include <WindowManager/LayoutStore.h>
@@ -41,6 +42,18 @@ void splitIntoMonitors(DesktopSession& desktop, const QRect& left, const QRect& 
     };
     setMonitor("LEFT", left, "screen");
     setMonitor("RIGHT", right, "none");
+}
+
+void moveRightOutput(DesktopSession& desktop, QPoint place) {
+    static_cast<void>(
+        outputOf(QStringLiteral("xrandr"),
+                 {QStringLiteral("--output"), QStringLiteral("DUMMY1"), QStringLiteral("--pos"),
+                  QStringLiteral("%1x%2").arg(place.x()).arg(place.y())},
+                 desktop.environment()));
+    EXPECT_TRUE(waitUntil([&] {
+        const auto all = monitors(desktop);
+        return all.size() == 2 && all[1].topLeft() == place;
+    }));
 }
 
 std::vector<QRect> monitors(const DesktopSession& desktop) {

@@ -15,6 +15,9 @@ namespace tilewright::testing {
 /// Splits an Xvfb screen into two monitors, for whoever asks RandR. Waits until it is done.
 void splitIntoMonitors(DesktopSession& desktop, const QRect& left, const QRect& right);
 
+/// Moves the right one of two real outputs. Waits until it is done.
+void moveRightOutput(DesktopSession& desktop, QPoint place);
+
 /// The monitors that RandR tells of, in its order: the primary first, where there is one.
 [[nodiscard]] std::vector<QRect> monitors(const DesktopSession& desktop);
 
