@@ -168,6 +168,30 @@ TEST_F(TrustInADesktop, TellsNothingWhenAWindowManagerAppearsWhileItWaits) {
     EXPECT_TRUE(trust->request());
 }
 
+TEST_F(TrustInADesktop, WaitsNoSecondTimeAfterAWindowManagerThatCameInTimeHasDied) {
+    ASSERT_NO_FATAL_FAILURE(start());
+    EXPECT_FALSE(trust->request());
+    {
+        const Manager manager = startManager();
+        EXPECT_TRUE(becomes(Lack::nothing));
+    }
+    EXPECT_TRUE(becomes(Lack::windowManager));
+    EXPECT_FALSE(trust->request());
+    EXPECT_EQ(told(), only(Lack::windowManager));
+    EXPECT_EQ(loop.activeTimerCount(), 0U);
+}
+
+TEST_F(TrustInADesktop, IsAskedAgainWhileItWaitsForOffersWithoutTellingTwice) {
+    ASSERT_NO_FATAL_FAILURE(start());
+    EXPECT_FALSE(trust->request());
+    const Manager manager = startManager({X11Atom::netActiveWindow});
+    EXPECT_TRUE(becomes(Lack::windowManagerSupport));
+    EXPECT_FALSE(trust->request());
+    EXPECT_TRUE(told().empty());
+    loop.advance(std::chrono::seconds(10));
+    EXPECT_EQ(told(), only(Lack::windowManagerSupport));
+}
+
 TEST_F(TrustInADesktop, JudgesAWindowManagerThatTellsItsOffersLateAtTheDeadline) {
     ASSERT_NO_FATAL_FAILURE(start());
     EXPECT_FALSE(trust->request());

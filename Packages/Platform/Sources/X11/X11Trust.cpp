@@ -1,5 +1,7 @@
 #include "X11Trust.h"
 
+#include <utility>
+
 namespace tilewright {
 namespace {
 /// How long a window manager may take to appear at login.
@@ -59,14 +61,16 @@ bool X11Trust::request() {
     const Lack missing = lack();
     if (missing == Lack::nothing)
         return true;
-    if (missing != Lack::windowManager || hasWaited_)
+    if (wait_.isActive())
+        return false;
+    if (missing != Lack::windowManager || std::exchange(hasWaited_, true)) {
         tell();
-    else if (!wait_.isActive())
-        wait_ = ScopedTimer(loop_.scheduleOnce(loginPatience, [this] {
-            hasWaited_ = true;
-            if (!isTrusted())
-                tell();
-        }));
+        return false;
+    }
+    wait_ = ScopedTimer(loop_.scheduleOnce(loginPatience, [this] {
+        if (!isTrusted())
+            tell();
+    }));
     return false;
 }
 

@@ -53,6 +53,7 @@ private:
     MainLoop& loop_;
     UserNotifications& notifications_;
     const bool isWaylandSession_;
+    /// Whether the one wait of this run has begun, however it ended.
     bool hasWaited_ = false;
     ScopedTimer wait_;
 };
