@@ -14,20 +14,36 @@ using namespace tilewright::testing;
 
 namespace {
 
+/// Whether a window manager's check window names itself by the time that the root window names it.
+enum class CheckWindow { bearsItsNumber, bearsNothingYet };
+
 /// Says that it is a window manager, and what it offers, on a connection of its own; its end is a
 /// crash: what it wrote on the root window stays.
 class PretendedWindowManager {
 public:
-    PretendedWindowManager(const QString& display, const std::vector<X11Atom>& offers)
+    PretendedWindowManager(const QString& display, const std::vector<X11Atom>& offers,
+                           CheckWindow checkWindow = CheckWindow::bearsItsNumber)
         : connection_(X11Connection::open(display))
         , window_(xcb_generate_id(connection_->xcb())) {
-        xcb_create_window(connection_->xcb(), XCB_COPY_FROM_PARENT, window_, connection_->root(), 0,
-                          0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0,
-                          nullptr);
+        makeWindow();
         offer(offers);
+        if (checkWindow == CheckWindow::bearsItsNumber)
+            nameWindow();
+        nameOnRoot();
+        sync();
+    }
+    /// Has the check window name itself.
+    void nameWindow() {
         set(window_, X11Atom::netSupportingWmCheck, XCB_ATOM_WINDOW, {window_});
-        set(connection_->root(), X11Atom::netSupportingWmCheck, XCB_ATOM_WINDOW, {window_});
         connection_->flush();
+    }
+    /// Ends its check window and makes another one, which has the same number.
+    void makeWindowAnew() {
+        xcb_destroy_window(connection_->xcb(), window_);
+        makeWindow();
+        nameWindow();
+        nameOnRoot();
+        sync();
     }
     void offer(const std::vector<X11Atom>& offers) {
         std::vector<std::uint32_t> atoms;
@@ -39,6 +55,19 @@ public:
     }
 
 private:
+    void makeWindow() {
+        xcb_create_window(connection_->xcb(), XCB_COPY_FROM_PARENT, window_, connection_->root(), 0,
+                          0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0,
+                          nullptr);
+    }
+    void nameOnRoot() {
+        set(connection_->root(), X11Atom::netSupportingWmCheck, XCB_ATOM_WINDOW, {window_});
+    }
+    /// Returns once the server has done what was asked so far.
+    void sync() {
+        EXPECT_TRUE(connection_->reply<xcb_get_input_focus_reply_t>(
+            xcb_get_input_focus(connection_->xcb())));
+    }
     void set(xcb_window_t window, X11Atom property, xcb_atom_t type,
              const std::vector<std::uint32_t>& items) {
         xcb_change_property(connection_->xcb(), XCB_PROP_MODE_REPLACE, window,
@@ -86,8 +115,17 @@ protected:
         return {X11Trust::explanation(lack)};
     }
     using Manager = std::unique_ptr<PretendedWindowManager>;
-    [[nodiscard]] Manager startManager(const std::vector<X11Atom>& offers = whatIsNeeded) const {
-        return std::make_unique<PretendedWindowManager>(server->display(), offers);
+    [[nodiscard]] Manager
+    startManager(const std::vector<X11Atom>& offers = whatIsNeeded,
+                 CheckWindow checkWindow = CheckWindow::bearsItsNumber) const {
+        return std::make_unique<PretendedWindowManager>(server->display(), offers, checkWindow);
+    }
+    /// What the server has told so far has been heard.
+    void catchUp() {
+        bool isAnswered = false;
+        const auto answer = connection->whenAnswered<xcb_get_input_focus_reply_t>(
+            xcb_get_input_focus(connection->xcb()), [&](const auto&) { isAnswered = true; });
+        EXPECT_TRUE(waitUntil([&] { return isAnswered; }));
     }
 
     const std::unique_ptr<XServer> server = XServer::virtualScreen({640, 480});
@@ -254,6 +292,26 @@ TEST_F(TrustInADesktop, IsNotBelievedOfWhatADeadWindowManagerLeftBehind) {
     ASSERT_NO_FATAL_FAILURE(start());
     EXPECT_TRUE(becomes(Lack::windowManager));
     EXPECT_FALSE(trust->isTrusted());
+}
+
+TEST_F(TrustInADesktop, ComesWithACheckWindowThatNamesItselfOnlyAfterTheRootDid) {
+    ASSERT_NO_FATAL_FAILURE(start());
+    const Manager manager = startManager(whatIsNeeded, CheckWindow::bearsNothingYet);
+    catchUp();
+    EXPECT_EQ(trust->lack(), Lack::windowManager);
+    manager->nameWindow();
+    EXPECT_TRUE(becomes(Lack::nothing));
+}
+
+TEST_F(TrustInADesktop, EndsWithACheckWindowThatTookTheNumberOfTheOneBefore) {
+    ASSERT_NO_FATAL_FAILURE(start());
+    Manager manager = startManager();
+    EXPECT_TRUE(becomes(Lack::nothing));
+    manager->makeWindowAnew();
+    catchUp();
+    EXPECT_TRUE(becomes(Lack::nothing));
+    manager.reset();
+    EXPECT_TRUE(becomes(Lack::windowManager));
 }
 
 TEST_F(TrustInADesktop, IsNeverThereInAWaylandSession) {

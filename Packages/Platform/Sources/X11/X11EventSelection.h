@@ -22,6 +22,9 @@ public:
         Interest& operator=(Interest&& other) noexcept;
         ~Interest() { reset(); }
 
+        /// Whether this stands for a wish.
+        [[nodiscard]] bool isActive() const { return selection_ != nullptr; }
+        /// Gives the wish up.
         void reset();
 
     private:

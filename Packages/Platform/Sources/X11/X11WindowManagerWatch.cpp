@@ -54,17 +54,15 @@ void X11WindowManagerWatch::refresh() {
         return;
 
     xcb_window_t window = check.empty() ? static_cast<xcb_window_t>(XCB_NONE) : check[0];
-    if (window != XCB_NONE) {
+    if (window == XCB_NONE) {
+        checkInterest_.reset();
+        checkListener_.reset();
+    } else {
         // Listen before looking: the window manager may end in between.
-        if (window != checkWindow_) {
-            checkInterest_ = selection_.select(window, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
-            checkListener_ = connection_.listen(X11EventFilter::window(window),
-                                                [this](const xcb_generic_event_t& event) {
-                                                    if (eventType(event) == XCB_DESTROY_NOTIFY)
-                                                        refresh();
-                                                });
-        }
-        // What a dead window manager left behind names a window that is gone, or another's.
+        if (window != checkWindow_ || !checkInterest_.isActive())
+            follow(window);
+        // What a dead window manager left behind names a window that is gone, or another's; a
+        // living one's may come to name itself only now.
         const auto own = takeItems(
             connection_, requestProperty(connection_, window, X11Atom::netSupportingWmCheck, 1));
         if (connection_.isStuck())
@@ -72,16 +70,32 @@ void X11WindowManagerWatch::refresh() {
         if (own.empty() || own[0] != window)
             window = XCB_NONE;
     }
-    if (window == XCB_NONE) {
-        checkInterest_.reset();
-        checkListener_.reset();
+    if (window == XCB_NONE)
         supported.clear();
-    }
     if (window == checkWindow_ && supported == supported_)
         return;
     checkWindow_ = window;
     supported_ = std::move(supported);
     Q_EMIT changed();
+}
+
+void X11WindowManagerWatch::follow(xcb_window_t window) {
+    // First the old wish, lest it be taken for one about this window: a number that named a window
+    // that is gone may name another one by now.
+    checkInterest_.reset();
+    checkInterest_ =
+        selection_.select(window, XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE);
+    checkListener_ = connection_.listen(
+        X11EventFilter::window(window), [this](const xcb_generic_event_t& event) {
+            const bool isGone = eventType(event) == XCB_DESTROY_NOTIFY;
+            const bool isNamed = eventType(event) == XCB_PROPERTY_NOTIFY &&
+                                 eventAs<xcb_property_notify_event_t>(event).atom ==
+                                     connection_.atom(X11Atom::netSupportingWmCheck);
+            if (isGone)
+                checkInterest_.reset();
+            if (isGone || isNamed)
+                refresh();
+        });
 }
 
 } // namespace tilewright

@@ -36,10 +36,13 @@ Q_SIGNALS:
 
 private:
     void refresh();
+    /// Hears of the end of a check window, and of whether it names itself.
+    void follow(xcb_window_t window);
 
     X11Connection& connection_;
     X11EventSelection& selection_;
     X11EventSelection::Interest rootInterest_;
+    /// In the window that the root window names, whether or not that is to be believed.
     X11EventSelection::Interest checkInterest_;
     X11Listener rootListener_;
     X11Listener checkListener_;
