@@ -6,7 +6,9 @@
 
 #include <QSignalSpy>
 #include <QtEndian>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <vector>
 #include <xcb/xcb.h>
 
 namespace tilewright::testing {
@@ -29,6 +31,15 @@ public:
     SettingsManager(const SettingsManager&) = delete;
     SettingsManager& operator=(const SettingsManager&) = delete;
 
+    /// Keeps the server from answering anybody else.
+    void holdServer() {
+        xcb_grab_server(connection_);
+        sync();
+    }
+    void letGoOfServer() {
+        xcb_ungrab_server(connection_);
+        sync();
+    }
     void setAnimations(qint32 areEnabled) {
         ++serial_;
         const QByteArray name("Gtk/EnableAnimations");
@@ -100,6 +111,35 @@ TEST_F(MotionWishOnScreen, IsKnownFromTheStartWhereAManagerRuns) {
     manager.setAnimations(0);
     platform.emplace(desktop.display());
     EXPECT_EQ(platform->workspace().prefersReducedMotion(), true);
+}
+
+TEST_F(MotionWishOnScreen, IsKeptWhileTheServerDoesNotAnswerAndReadOnceItDoes) {
+    SettingsManager manager(desktop.display());
+    manager.setAnimations(0);
+    platform.emplace(desktop.display());
+    Workspace& workspace = platform->workspace();
+    ASSERT_EQ(workspace.prefersReducedMotion(), true);
+    std::vector<std::optional<bool>> told;
+    QObject::connect(&workspace, &Workspace::prefersReducedMotionChanged, &workspace,
+                     [&] { told.push_back(workspace.prefersReducedMotion()); });
+    manager.holdServer();
+    manager.setAnimations(1);
+    EXPECT_TRUE(waitUntil([&] { return platform->connection().isStuck(); }));
+    EXPECT_EQ(workspace.prefersReducedMotion(), true);
+    manager.letGoOfServer();
+    expect(false);
+    EXPECT_THAT(told, ::testing::ElementsAre(std::optional(false)));
+}
+
+TEST_F(MotionWishOnScreen, IsReadOfAManagerThatCameWhileTheServerDidNotAnswer) {
+    platform.emplace(desktop.display());
+    SettingsManager manager(desktop.display());
+    manager.holdServer();
+    manager.setAnimations(0);
+    EXPECT_TRUE(waitUntil([&] { return platform->connection().isStuck(); }));
+    EXPECT_EQ(platform->workspace().prefersReducedMotion(), std::nullopt);
+    manager.letGoOfServer();
+    expect(true);
 }
 
 } // namespace tilewright::testing

@@ -28,10 +28,19 @@ X11MotionWish::X11MotionWish(X11Connection& connection, X11EventSelection& selec
                 XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
     }
     // After the selection of events: nothing is missed between the two.
+    connect(&connection_, &X11Connection::answersAgain, this, &X11MotionWish::findManager);
+    findManager();
+}
+
+void X11MotionWish::findManager() {
     const auto owner = connection_.reply<xcb_get_selection_owner_reply_t>(
         xcb_get_selection_owner(connection_.xcb(), managerSelection_));
-    if (owner && owner->owner != XCB_NONE)
+    if (!owner)
+        return;
+    if (owner->owner != manager_)
         follow(owner->owner);
+    else
+        read();
 }
 
 void X11MotionWish::follow(xcb_window_t manager) {
@@ -59,6 +68,9 @@ void X11MotionWish::read() {
         constexpr std::uint32_t bound = 0x4000;
         const QByteArray settings = takeBytes(
             connection_, requestProperty(connection_, manager_, X11Atom::xsettingsSettings, bound));
+        // No answer says nothing of what the user wishes.
+        if (connection_.isStuck())
+            return;
         if (const auto areEnabled =
                 integerXSetting(settings, QByteArrayLiteral("Gtk/EnableAnimations")))
             wish = *areEnabled == 0;

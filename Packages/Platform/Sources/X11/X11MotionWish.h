@@ -24,6 +24,7 @@ Q_SIGNALS:
     void changed();
 
 private:
+    void findManager();
     void follow(xcb_window_t manager);
     void read();
 
