@@ -67,7 +67,8 @@ FreeDesktopMotionWish::FreeDesktopMotionWish(QDBusConnection bus)
     connect(watch, &QDBusServiceWatcher::serviceRegistered, this, [this] { readAll(); });
     // Slots that take it cannot be connected before the toolkit knows the type.
     qRegisterMetaType<QDBusVariant>();
-    bus_.connect(portal(), portalPath(), settingsInterface(), QStringLiteral("SettingChanged"),
+    // Any sender: naming one would look up its owner, blocking.
+    bus_.connect(QString(), portalPath(), settingsInterface(), QStringLiteral("SettingChanged"),
                  this, SLOT(settingChanged(QString, QString, QDBusVariant)));
     readAll();
 }

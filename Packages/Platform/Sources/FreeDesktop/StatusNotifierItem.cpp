@@ -127,28 +127,30 @@ StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, int number)
                 if (newOwner.isEmpty())
                     watcherVanished();
                 else
-                    watcherAppeared();
+                    watcherAppeared(newOwner);
             });
     const QString watcher = watcherService();
-    bus_.connect(watcher, watcherPath(), watcher, QStringLiteral("StatusNotifierHostRegistered"),
-                 this, SLOT(hostRegistered()));
-    bus_.connect(watcher, watcherPath(), watcher, QStringLiteral("StatusNotifierHostUnregistered"),
-                 this, SLOT(hostUnregistered()));
+    // Any sender: naming one would look up its owner, blocking. Whose they are is judged here.
+    bus_.connect(QString(), watcherPath(), watcher, QStringLiteral("StatusNotifierHostRegistered"),
+                 this, SLOT(hostRegistered(QDBusMessage)));
+    bus_.connect(QString(), watcherPath(), watcher,
+                 QStringLiteral("StatusNotifierHostUnregistered"), this,
+                 SLOT(hostUnregistered(QDBusMessage)));
     bus_.connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
                  QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,
                  SLOT(busLost()));
 
-    QDBusMessage hasOwner = callToBus(QStringLiteral("NameHasOwner"));
-    hasOwner << watcher;
-    auto* pending = new QDBusPendingCallWatcher(bus_.asyncCall(hasOwner), this);
+    QDBusMessage getOwner = callToBus(QStringLiteral("GetNameOwner"));
+    getOwner << watcher;
+    auto* pending = new QDBusPendingCallWatcher(bus_.asyncCall(getOwner), this);
     connect(pending, &QDBusPendingCallWatcher::finished, this,
             [this, generation = watcherGeneration_](QDBusPendingCallWatcher* call) {
                 call->deleteLater();
                 if (generation != watcherGeneration_)
                     return;
-                const QDBusPendingReply<bool> reply = *call;
-                if (reply.isValid() && reply.value())
-                    watcherAppeared();
+                const QDBusPendingReply<QString> reply = *call;
+                if (reply.isValid())
+                    watcherAppeared(reply.value());
                 else
                     settle(false);
             });
@@ -172,8 +174,9 @@ void StatusNotifierItem::setTitle(const QString& title) {
     adaptor_->setTitle(title);
 }
 
-void StatusNotifierItem::watcherAppeared() {
+void StatusNotifierItem::watcherAppeared(const QString& owner) {
     ++watcherGeneration_;
+    watcher_ = owner;
     QDBusMessage registerItem =
         callToWatcher(watcherService(), QStringLiteral("RegisterStatusNotifierItem"));
     registerItem << serviceName_;
@@ -183,6 +186,7 @@ void StatusNotifierItem::watcherAppeared() {
 
 void StatusNotifierItem::watcherVanished() {
     ++watcherGeneration_;
+    watcher_.clear();
     settle(false);
 }
 
@@ -202,13 +206,15 @@ void StatusNotifierItem::askForHost() {
             });
 }
 
-void StatusNotifierItem::hostRegistered() {
-    settle(true);
+void StatusNotifierItem::hostRegistered(const QDBusMessage& notice) {
+    if (notice.service() == watcher_)
+        settle(true);
 }
 
-void StatusNotifierItem::hostUnregistered() {
+void StatusNotifierItem::hostUnregistered(const QDBusMessage& notice) {
     // Another host may remain.
-    askForHost();
+    if (notice.service() == watcher_)
+        askForHost();
 }
 
 void StatusNotifierItem::busLost() {

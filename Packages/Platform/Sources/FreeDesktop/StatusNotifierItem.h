@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDBusConnection>
+#include <QDBusMessage>
 #include <QIcon>
 #include <QObject>
 #include <QPoint>
@@ -42,14 +43,14 @@ Q_SIGNALS:
     void hostedChanged();
 
 private Q_SLOTS:
-    void hostRegistered();
-    void hostUnregistered();
+    void hostRegistered(const QDBusMessage& notice);
+    void hostUnregistered(const QDBusMessage& notice);
     void busLost();
 
 private:
     class Adaptor;
 
-    void watcherAppeared();
+    void watcherAppeared(const QString& owner);
     void watcherVanished();
     void askForHost();
     void settle(bool isHosted);
@@ -57,6 +58,8 @@ private:
     QDBusConnection bus_;
     QString serviceName_;
     Adaptor* adaptor_;
+    /// The watcher's own name on the bus; empty while none is known.
+    QString watcher_;
     /// Counts the watchers seen, so that a late answer of a former one is told apart.
     int watcherGeneration_ = 0;
     bool isHosted_ = false;

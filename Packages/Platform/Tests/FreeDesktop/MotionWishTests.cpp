@@ -132,6 +132,17 @@ TEST_F(MotionWish, IsAskedOfAPortalThatStartsLaterAndIsNotStartedForIt) {
     EXPECT_EQ(portal.reads, 1);
 }
 
+TEST_F(MotionWish, WaitsForNoAnswerOfTheBusAtTheStart) {
+    portal.set(interfaceSettings, "enable-animations", false);
+    portal.appear();
+    const QDBusConnection connection = bus.connect();
+    EXPECT_TRUE(bus.isDoneWithoutAnAnswer([&] { wish.emplace(connection); }));
+    EXPECT_EQ(wish->prefersReducedMotion(), std::nullopt);
+    expect(true);
+    portal.change(interfaceSettings, "enable-animations", true);
+    expect(false);
+}
+
 TEST_F(MotionWish, IsUnknownWithoutABus) {
     const FreeDesktopMotionWish without(PrivateBus::absent());
     EXPECT_EQ(without.prefersReducedMotion(), std::nullopt);

@@ -1,8 +1,11 @@
 #pragma once
 
+#include <Waiting.h>
+
 #include <QDBusConnection>
 #include <QProcess>
 #include <csignal>
+#include <future>
 #include <gtest/gtest.h>
 #include <sys/prctl.h>
 
@@ -41,6 +44,23 @@ public:
             return;
         daemon_.kill();
         daemon_.waitForFinished(20'000);
+    }
+
+    /// Does something while the bus, as when the machine keeps it waiting, answers nobody. Whether
+    /// it came back without an answer; the bus goes on afterwards in any case.
+    template<class Action>
+    [[nodiscard]] bool isDoneWithoutAnAnswer(Action action) {
+        const auto pid = static_cast<pid_t>(daemon_.processId());
+        ::kill(pid, SIGSTOP);
+        std::promise<void> done;
+        auto isDone = std::async(std::launch::async, [pid, done = done.get_future()] {
+            const bool isInTime = done.wait_for(patience) == std::future_status::ready;
+            ::kill(pid, SIGCONT);
+            return isInTime;
+        });
+        action();
+        done.set_value();
+        return isDone.get();
     }
 
     /// A connection to a bus that is not there.

@@ -13,6 +13,7 @@
 #include <QPainter>
 #include <QSignalSpy>
 #include <gtest/gtest.h>
+#include <optional>
 
 namespace tilewright::testing {
 namespace {
@@ -108,6 +109,33 @@ TEST_F(StatusNotifierItemTest, FollowsHostsThatComeToAWatcherAndGo) {
     EXPECT_TRUE(waitUntil([&] { return item.isHosted(); }));
     watcher.setHost(false);
     EXPECT_TRUE(waitUntil([&] { return !item.isHosted(); }));
+}
+
+TEST_F(StatusNotifierItemTest, WaitsForNoAnswerOfTheBusAtTheStart) {
+    FakeNotifierWatcher watcher(bus.connect(), false);
+    const QDBusConnection connection = bus.connect();
+    std::optional<StatusNotifierItem> item;
+    EXPECT_TRUE(bus.isDoneWithoutAnAnswer([&] { item.emplace(connection); }));
+    EXPECT_FALSE(item->isSettled());
+    EXPECT_TRUE(waitUntil([&] { return item->isSettled() && watcher.items.size() == 1; }));
+    watcher.setHost(true);
+    EXPECT_TRUE(waitUntil([&] { return item->isHosted(); }));
+}
+
+TEST_F(StatusNotifierItemTest, BelievesNobodyButTheWatcherAboutItsHosts) {
+    FakeNotifierWatcher watcher(bus.connect(), false);
+    // Its name is taken already.
+    FakeNotifierWatcher pretender(bus.connect(), false);
+    const StatusNotifierItem item(bus.connect());
+    ASSERT_TRUE(waitUntil([&] { return item.isSettled(); }));
+    QSignalSpy changes(&item, &StatusNotifierItem::hostedChanged);
+    pretender.setHost(true);
+    watcher.setHost(true);
+    EXPECT_TRUE(waitUntil([&] { return item.isHosted(); }));
+    pretender.setHost(false);
+    watcher.setHost(false);
+    EXPECT_TRUE(waitUntil([&] { return !item.isHosted(); }));
+    EXPECT_EQ(changes.size(), 2);
 }
 
 TEST_F(StatusNotifierItemTest, SettlesWithoutABus) {
