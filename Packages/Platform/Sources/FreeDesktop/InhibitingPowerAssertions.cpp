@@ -69,9 +69,9 @@ PowerAssertionResult InhibitingPowerAssertions::create(const QString& type, quin
         return {EINVAL, 0};
     const Assertion assertion = ask(name);
     waitForFirstGrant(assertion.inhibitions, answerBound);
-    const bool isGranted =
-        isAnyHeld(assertion.inhibitions) ||
-        (assertion.suspendsScreenSaver && isDesktopWithoutIdleService(assertion.inhibitions));
+    const bool isGranted = isAnyHeld(assertion.inhibitions) ||
+                           (assertion.suspension == ScreenSaver::Suspension::held &&
+                            isDesktopWithoutIdleService(assertion.inhibitions));
     if (!isGranted) {
         end(assertion);
         return {EOPNOTSUPP, 0};
@@ -97,14 +97,15 @@ InhibitingPowerAssertions::Assertion InhibitingPowerAssertions::ask(const QStrin
             assertion.inhibitions.push_back(
                 new IdleInhibition(loop_, service, bus, reason, &owner_));
     }
-    assertion.suspendsScreenSaver = screenSaver_ && screenSaver_->suspend();
+    if (screenSaver_)
+        assertion.suspension = screenSaver_->suspend();
     return assertion;
 }
 
 void InhibitingPowerAssertions::end(const Assertion& assertion) {
     for (IdleInhibition* inhibition : assertion.inhibitions)
         inhibition->end();
-    if (assertion.suspendsScreenSaver)
+    if (assertion.suspension != ScreenSaver::Suspension::none)
         screenSaver_->resume();
 }
 

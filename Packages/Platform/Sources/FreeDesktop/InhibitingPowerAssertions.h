@@ -42,7 +42,7 @@ private:
     struct Assertion {
         /// Children of `owner_` that destroy themselves after their end.
         std::vector<IdleInhibition*> inhibitions;
-        bool suspendsScreenSaver = false;
+        ScreenSaver::Suspension suspension = ScreenSaver::Suspension::none;
     };
 
     [[nodiscard]] Assertion ask(const QString& reason);

@@ -8,11 +8,21 @@ namespace tilewright {
 /// A suspension ends when it is resumed, and by itself when the process dies.
 class ScreenSaver {
 public:
+    /// What has come of asking for a suspension.
+    enum class Suspension {
+        /// There is none, and nothing to resume.
+        none,
+        /// The server has not answered in time: it may come to suspend the saver yet.
+        unanswered,
+        held,
+    };
+
     virtual ~ScreenSaver() = default;
 
-    /// Keeps the saver from starting until as many calls of `resume` have been made. Answers
-    /// whether the server does so; when it does not, there is nothing to resume.
-    [[nodiscard]] virtual bool suspend() = 0;
+    /// Keeps the saver from starting until each suspension that is held, or was not answered, has
+    /// been resumed.
+    [[nodiscard]] virtual Suspension suspend() = 0;
+    /// Ends one suspension, also one that the server has yet to come to.
     virtual void resume() = 0;
 };
 

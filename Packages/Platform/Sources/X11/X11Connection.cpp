@@ -265,7 +265,7 @@ bool X11Connection::isAlive() const {
     return !isLost_ && xcb_connection_has_error(connection_) == 0;
 }
 
-bool X11Connection::check(xcb_void_cookie_t cookie) {
+X11Outcome X11Connection::check(xcb_void_cookie_t cookie) {
     // Without a reply of its own, only a later request's reply tells that the request is done.
     const bool isDone =
         reply<xcb_get_input_focus_reply_t>(xcb_get_input_focus(connection_)) != nullptr;
@@ -273,12 +273,12 @@ bool X11Connection::check(xcb_void_cookie_t cookie) {
     xcb_generic_error_t* error = nullptr;
     if (!isDone || xcb_poll_for_reply(connection_, cookie.sequence, &nothing, &error) == 0) {
         xcb_discard_reply(connection_, cookie.sequence);
-        return false;
+        return isAlive() ? X11Outcome::unknown : X11Outcome::failed;
     }
     std::free(nothing);
     const bool succeeded = error == nullptr;
     std::free(error);
-    return succeeded;
+    return succeeded ? X11Outcome::done : X11Outcome::failed;
 }
 
 void X11Connection::flush() {

@@ -26,6 +26,14 @@ struct XcbFree {
 template<class T>
 using X11Reply = std::unique_ptr<T, XcbFree>;
 
+/// What has come of a request that has no reply.
+enum class X11Outcome {
+    done,
+    failed,
+    /// The server has not answered in time, and may yet do it.
+    unknown,
+};
+
 /// What the server said of one of its extensions.
 struct X11Extension {
     bool isPresent = false;
@@ -173,8 +181,8 @@ public:
             handler(X11Reply<Reply>(static_cast<Reply*>(answer)));
         });
     }
-    /// Waits for the outcome of a checked request without a reply: whether the server did it.
-    bool check(xcb_void_cookie_t cookie);
+    /// Waits for the outcome of a checked request without a reply, as long as for a reply.
+    [[nodiscard]] X11Outcome check(xcb_void_cookie_t cookie);
     /// Sends what is buffered. The event loop does so too before it blocks.
     void flush();
 

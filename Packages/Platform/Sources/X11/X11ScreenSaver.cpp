@@ -13,9 +13,18 @@ X11ScreenSaver::X11ScreenSaver(X11Connection& connection)
     : connection_(connection)
     , canSuspend_(serverCanSuspend()) {}
 
-bool X11ScreenSaver::suspend() {
-    return canSuspend_ && connection_.isAlive() &&
-           connection_.check(xcb_screensaver_suspend_checked(connection_.xcb(), 1));
+X11ScreenSaver::Suspension X11ScreenSaver::suspend() {
+    if (!canSuspend_ || !connection_.isAlive())
+        return Suspension::none;
+    switch (connection_.check(xcb_screensaver_suspend_checked(connection_.xcb(), 1))) {
+    case X11Outcome::done:
+        return Suspension::held;
+    case X11Outcome::unknown:
+        return Suspension::unanswered;
+    case X11Outcome::failed:
+        break;
+    }
+    return Suspension::none;
 }
 
 void X11ScreenSaver::resume() {

@@ -13,7 +13,7 @@ public:
     /// The connection outlives this.
     explicit X11ScreenSaver(X11Connection& connection);
 
-    [[nodiscard]] bool suspend() override;
+    [[nodiscard]] Suspension suspend() override;
     void resume() override;
 
 private:
