@@ -3,14 +3,38 @@
 
 #include <FakePlatform.h>
 #include <Waiting.h>
+#include <X11/X11EventMonitors.h>
 #include <X11/X11Properties.h>
 #include <X11/X11Trust.h>
 #include <XServer.h>
 
+#include <dlfcn.h>
 #include <gtest/gtest.h>
+#include <tuple>
+#include <xcb/xinput.h>
 
 using namespace tilewright;
 using namespace tilewright::testing;
+
+namespace {
+
+/// The latest version of XInput that is asked for: what the server offers a client is no later.
+struct {
+    std::uint16_t major = 2;
+    std::uint16_t minor = 2;
+} inputVersion;
+
+} // namespace
+
+/// Found before the library's own function.
+xcb_input_xi_query_version_cookie_t
+xcb_input_xi_query_version(xcb_connection_t* connection, std::uint16_t major, std::uint16_t minor) {
+    const auto own = reinterpret_cast<decltype(&xcb_input_xi_query_version)>(
+        dlsym(RTLD_NEXT, "xcb_input_xi_query_version"));
+    return std::tie(inputVersion.major, inputVersion.minor) < std::tie(major, minor)
+               ? own(connection, inputVersion.major, inputVersion.minor)
+               : own(connection, major, minor);
+}
 
 namespace {
 
@@ -312,6 +336,17 @@ TEST_F(TrustInADesktop, EndsWithACheckWindowThatTookTheNumberOfTheOneBefore) {
     EXPECT_TRUE(becomes(Lack::nothing));
     manager.reset();
     EXPECT_TRUE(becomes(Lack::windowManager));
+}
+
+TEST_F(TrustInADesktop, NeedsTheVersionOfTheInputExtensionThatTheMonitorsNeed) {
+    const Manager manager = startManager();
+    for (std::uint16_t minor = 0; minor <= 2; ++minor) {
+        inputVersion.minor = minor;
+        ASSERT_NO_FATAL_FAILURE(start());
+        ASSERT_EQ(connection->xinput().minorVersion, minor);
+        EXPECT_EQ(X11EventMonitors::isSupported(*connection), minor >= 1) << minor;
+        EXPECT_TRUE(becomes(minor >= 1 ? Lack::nothing : Lack::inputEvents)) << minor;
+    }
 }
 
 TEST_F(TrustInADesktop, IsNeverThereInAWaylandSession) {

@@ -38,7 +38,8 @@ public:
     std::optional<MonitorToken> addLocalMonitor(EventMask mask, Handler handler) override;
     void removeMonitor(MonitorToken token) override;
 
-    /// Whether the server tells of input in the way needed here.
+    /// Whether the server tells of input in the way needed here: monitors are had only where it
+    /// does.
     [[nodiscard]] static bool isSupported(const X11Connection& connection);
 
 private:

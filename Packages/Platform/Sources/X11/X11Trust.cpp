@@ -1,5 +1,7 @@
 #include "X11Trust.h"
 
+#include "X11EventMonitors.h"
+
 #include <utility>
 
 namespace tilewright {
@@ -29,7 +31,7 @@ X11Trust::Lack X11Trust::lack() const {
         return Lack::x11Session;
     if (!connection_.isAlive())
         return Lack::connection;
-    if (!connection_.xinput().isAtLeast(2, 2) || !connection_.xkb().isPresent)
+    if (!X11EventMonitors::isSupported(connection_))
         return Lack::inputEvents;
     if (!windowManager_.isRunning())
         return Lack::windowManager;
@@ -48,7 +50,7 @@ QString X11Trust::explanation(Lack lack) {
     case Lack::connection:
         return tr("The X server does not answer.");
     case Lack::inputEvents:
-        return tr("The X server does not offer input events of version 2.2 or later.");
+        return tr("The X server does not offer input events of version 2.1 or later.");
     case Lack::windowManager:
         return tr("No window manager is running that follows the extended window manager hints.");
     case Lack::windowManagerSupport:
