@@ -1,17 +1,18 @@
 #include "MenuBarExtra.h"
 
 #include "InputSoFar.h"
-#include "ScreenSpace.h"
 
 #include <Platform/Platform.h>
+
+#include <cmath>
 
 namespace tilewright {
 
 namespace {
 
 /// How far from the place of a former click the pointer is still taken to be on the item, where its
-/// host tells no place; in native pixels.
-constexpr int itemReach = 32;
+/// host tells no place; in points of AppKit screen space.
+constexpr double itemReach = 32;
 /// A host passes a click on well within this time.
 constexpr std::chrono::milliseconds clickPassingTime{1500};
 
@@ -42,14 +43,14 @@ MenuBarExtra::~MenuBarExtra() {
 }
 
 void MenuBarExtra::openByPointer() {
-    panel_.open(QRect());
+    panel_.open(std::nullopt);
 }
 
 void MenuBarExtra::closePanel() {
     panel_.close();
 }
 
-void MenuBarExtra::clicked(const QRect& place) {
+void MenuBarExtra::clicked(const std::optional<AppKitRect>& place) {
     if (panel_.isVisible()) {
         panel_.close();
         return;
@@ -69,9 +70,9 @@ void MenuBarExtra::clicked(const QRect& place) {
     });
 }
 
-void MenuBarExtra::open(const QRect& place) {
-    itemPlace_ = place;
-    itemPointer_ = pointer();
+void MenuBarExtra::open(const std::optional<AppKitRect>& place) {
+    itemPlace_ = place.value_or(AppKitRect());
+    itemPointer_ = Platform::current().pointer().location();
     panel_.open(place);
 }
 
@@ -135,13 +136,10 @@ bool MenuBarExtra::isPressOnItem() const {
 }
 
 bool MenuBarExtra::isPointerOnItem() const {
-    const QPoint at = pointer();
-    return itemPlace_.isEmpty() ? (at - itemPointer_).manhattanLength() <= itemReach
-                                : itemPlace_.contains(at);
-}
-
-QPoint MenuBarExtra::pointer() {
-    return ScreenSpace::nativePointer(ScreenSpace::all());
+    const AppKitPoint at = Platform::current().pointer().location();
+    if (!itemPlace_.isEmpty())
+        return itemPlace_.contains(at);
+    return std::abs(at.x - itemPointer_.x) + std::abs(at.y - itemPointer_.y) <= itemReach;
 }
 
 } // namespace tilewright

@@ -3,8 +3,6 @@
 #include "MenuBarLabel.h"
 #include "PanelWindow.h"
 
-#include <QPoint>
-
 namespace tilewright {
 
 /// The menu-bar item with its panel: a click on the item opens the panel beside it, a second click
@@ -36,8 +34,8 @@ private:
         elsewhere,
     };
 
-    void clicked(const QRect& place);
-    void open(const QRect& place);
+    void clicked(const std::optional<AppKitRect>& place);
+    void open(const std::optional<AppKitRect>& place);
     void watchPresses();
     void pressed();
     void released();
@@ -46,13 +44,13 @@ private:
     /// Whether a click that the host passes on now may be the press that closed the panel.
     [[nodiscard]] bool isPressOnItem() const;
     [[nodiscard]] bool isPointerOnItem() const;
-    [[nodiscard]] static QPoint pointer();
 
     MenuBarLabel label_;
     PanelWindow panel_;
-    /// Where the item was clicked last: its place, and the pointer then, in native pixels.
-    QRect itemPlace_;
-    QPoint itemPointer_;
+    /// Where the item was clicked last: its place, empty where its host tells none, and the pointer
+    /// then.
+    AppKitRect itemPlace_;
+    AppKitPoint itemPointer_;
     Press press_ = Press::none;
     /// How often the panel has been opened.
     int opening_ = 0;

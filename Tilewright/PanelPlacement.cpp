@@ -13,44 +13,41 @@ int clampSpan(int start, int length, int low, int high) {
 
 } // namespace
 
-QPoint PanelPlacement::topLeft(QSize panel) const {
-    const QRect area = visibleFrame.adjusted(gap, gap, -gap, -gap);
-    const int itemRight = item.x() + item.width();
-    const int itemBottom = item.y() + item.height();
-    QPoint corner(item.x() + item.width() / 2 - panel.width() / 2,
-                  item.y() + item.height() / 2 - panel.height() / 2);
+ToolkitRect PanelPlacement::place(QSize panel) const {
+    const ToolkitPoint center = item.center();
+    int x = center.x - panel.width() / 2;
+    int y = center.y - panel.height() / 2;
     switch (barEdge()) {
     case Edge::top:
-        corner.setY(itemBottom + gap);
+        y = item.maxY() + gap;
         break;
     case Edge::bottom:
-        corner.setY(item.y() - gap - panel.height());
+        y = item.y - gap - panel.height();
         break;
     case Edge::left:
-        corner.setX(itemRight + gap);
+        x = item.maxX() + gap;
         break;
     case Edge::right:
-        corner.setX(item.x() - gap - panel.width());
+        x = item.x - gap - panel.width();
         break;
     }
-    return {clampSpan(corner.x(), panel.width(), area.x(), area.x() + area.width()),
-            clampSpan(corner.y(), panel.height(), area.y(), area.y() + area.height())};
+    return {clampSpan(x, panel.width(), visibleFrame.x + gap, visibleFrame.maxX() - gap),
+            clampSpan(y, panel.height(), visibleFrame.y + gap, visibleFrame.maxY() - gap),
+            panel.width(), panel.height()};
 }
 
 PanelPlacement::Edge PanelPlacement::barEdge() const {
-    const QPoint center(item.x() + item.width() / 2, item.y() + item.height() / 2);
-    const int visibleRight = visibleFrame.x() + visibleFrame.width();
-    const int visibleBottom = visibleFrame.y() + visibleFrame.height();
-    if (center.y() < visibleFrame.y())
+    const ToolkitPoint center = item.center();
+    if (center.y < visibleFrame.y)
         return Edge::top;
-    if (center.y() >= visibleBottom)
+    if (center.y >= visibleFrame.maxY())
         return Edge::bottom;
-    if (center.x() < visibleFrame.x())
+    if (center.x < visibleFrame.x)
         return Edge::left;
-    if (center.x() >= visibleRight)
+    if (center.x >= visibleFrame.maxX())
         return Edge::right;
     // In a bar that reserves no space, or in none: above or below, where there is more room.
-    return center.y() - frame.y() <= frame.height() / 2 ? Edge::top : Edge::bottom;
+    return center.y - frame.y <= frame.height / 2 ? Edge::top : Edge::bottom;
 }
 
 } // namespace tilewright

@@ -1,25 +1,24 @@
 #pragma once
 
-#include <QPoint>
-#include <QRect>
+#include <Platform/ToolkitSpace.h>
+
 #include <QSize>
 
 namespace tilewright {
 
-/// Where a panel opens: beside an item of a bar, on the inner side of the bar.
-///
-/// All lengths are in one unit, which the caller chooses; rectangles are of one desktop.
+/// Where a panel opens: beside an item of a bar, on the inner side of the bar. Sizes are in the
+/// toolkit's points.
 struct PanelPlacement {
     /// The item, or an empty rectangle at the point that is known of it.
-    QRect item;
+    ToolkitRect item;
     /// The whole screen that the panel belongs to.
-    QRect frame;
+    ToolkitRect frame;
     /// The screen less its bars.
-    QRect visibleFrame;
+    ToolkitRect visibleFrame;
 
-    /// The panel's top-left corner. The panel is wholly inside the visible frame if it fits there
-    /// at all; else its top-left corner is.
-    [[nodiscard]] QPoint topLeft(QSize panel) const;
+    /// The place of a panel of that size. It is wholly inside the visible frame if it fits there at
+    /// all; else its top-left corner is.
+    [[nodiscard]] ToolkitRect place(QSize panel) const;
 
     /// How far the panel keeps from the item and from the visible frame's edges.
     static constexpr int gap = 4;

@@ -2,7 +2,6 @@
 
 #include "InputSoFar.h"
 #include "PanelPlacement.h"
-#include "ScreenSpace.h"
 
 #include <Platform/Platform.h>
 
@@ -10,7 +9,6 @@
 #include <QEvent>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QVBoxLayout>
@@ -26,6 +24,23 @@ namespace {
 /// nobody tells when it lets go. Mostly that is soon.
 constexpr std::chrono::milliseconds shortestGrabWait{30};
 constexpr std::chrono::milliseconds longestGrabWait{480};
+
+double distance(const AppKitRect& rect, AppKitPoint point) {
+    return std::max({rect.minX() - point.x, 0.0, point.x - rect.maxX()}) +
+           std::max({rect.minY() - point.y, 0.0, point.y - rect.maxY()});
+}
+
+/// The display that holds the point, else the nearest; null without displays.
+ScreenPtr screenAt(AppKitPoint point) {
+    ScreenPtr nearest;
+    for (const ScreenPtr& screen : Platform::current().screens().all()) {
+        if (screen->frame().contains(point))
+            return screen;
+        if (!nearest || distance(screen->frame(), point) < distance(nearest->frame(), point))
+            nearest = screen;
+    }
+    return nearest;
+}
 
 } // namespace
 
@@ -63,12 +78,15 @@ PanelWindow::~PanelWindow() {
     releaseInput();
 }
 
-void PanelWindow::open(const QRect& place) {
+void PanelWindow::open(const std::optional<AppKitRect>& place) {
     if (isVisible())
         return;
-    place_ = place;
-    if (place_.isNull() && place_.topLeft().isNull())
-        place_ = QRect(ScreenSpace::nativePointer(ScreenSpace::all()), QSize(0, 0));
+    if (place) {
+        place_ = *place;
+    } else {
+        const AppKitPoint pointer = Platform::current().pointer().location();
+        place_ = {pointer.x, pointer.y, 0, 0};
+    }
     chrome_.setBlending(Platform::current().workspace().blendsWindows());
     layout()->setContentsMargins(chrome_.margins());
     makeContent();
@@ -150,16 +168,15 @@ void PanelWindow::fitAndPlace() {
     if (isFitting_ || !view_)
         return;
     isFitting_ = true;
-    const std::vector<ScreenSpace> spaces = ScreenSpace::all();
-    const ScreenSpace* space = ScreenSpace::at(spaces, place_.center());
-    if (space) {
-        setScreen(space->screen);
+    if (const ScreenPtr screen = screenAt(place_.center())) {
+        const ToolkitSpace space = Platform::current().screens().toolkitSpace(*screen);
+        setScreen(space.screen());
         PanelPlacement placement;
-        placement.item = space->toToolkit(place_);
-        placement.frame = space->insideToolkit(space->nativeFrame);
-        placement.visibleFrame = space->insideToolkit(space->nativeVisibleFrame);
-        const QSize ground = contentSize(placement.visibleFrame.height() - 2 * PanelPlacement::gap);
-        setGeometry(QRect(placement.topLeft(ground), ground).marginsAdded(chrome_.margins()));
+        placement.item = space.toToolkit(place_);
+        placement.frame = space.insideToolkit(screen->frame());
+        placement.visibleFrame = space.insideToolkit(screen->visibleFrame());
+        const QSize ground = contentSize(placement.visibleFrame.height - 2 * PanelPlacement::gap);
+        setGeometry(placement.place(ground).toQRect().marginsAdded(chrome_.margins()));
     } else {
         resize(contentSize(QWIDGETSIZE_MAX).grownBy(chrome_.margins()));
     }
@@ -231,10 +248,13 @@ void PanelWindow::watchOutside() {
 }
 
 bool PanelWindow::isUnderPointer() const {
-    const std::vector<ScreenSpace> spaces = ScreenSpace::all();
-    const QPoint pointer = ScreenSpace::nativePointer(spaces);
-    const ScreenSpace* space = ScreenSpace::at(spaces, pointer);
-    return space && groundGeometry().contains(space->toToolkit(pointer));
+    const AppKitPoint pointer = Platform::current().pointer().location();
+    const ScreenPtr screen = screenAt(pointer);
+    return screen && Platform::current()
+                         .screens()
+                         .toolkitSpace(*screen)
+                         .toAppKit(ToolkitRect::of(groundGeometry()))
+                         .contains(pointer);
 }
 
 } // namespace tilewright

@@ -3,14 +3,15 @@
 #include "PanelChrome.h"
 
 #include <Platform/EventMonitors.h>
+#include <Platform/Geometry.h>
 #include <Platform/MainLoop.h>
 
 #include <QPointer>
-#include <QRect>
 #include <QWidget>
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 class QScrollArea;
@@ -32,9 +33,9 @@ public:
     explicit PanelWindow(ViewFactory makeView);
     ~PanelWindow() override;
 
-    /// Opens beside a place, which is where the status item said it is: in native pixels, empty
-    /// where only a point is known, null for "by the pointer". Does nothing while it is open.
-    void open(const QRect& place);
+    /// Opens beside a place, which is where the status item said it is: empty where only a point is
+    /// known, none for "by the pointer". Does nothing while it is open.
+    void open(const std::optional<AppKitRect>& place);
 
     /// The panel itself, without the shadow around it, in the toolkit's coordinates.
     [[nodiscard]] QRect groundGeometry() const;
@@ -71,7 +72,7 @@ private:
     PanelChrome chrome_;
     QScrollArea* scrollArea_;
     QPointer<QWidget> view_;
-    QRect place_;
+    AppKitRect place_;
     bool isFitting_ = false;
     bool isClosingForPress_ = false;
     bool holdsInput_ = false;

@@ -140,7 +140,7 @@ public:
     }
     void setAccessibleName(const QString& name) override { accessibleName = name; }
     /// As a click of the user does.
-    void click(const QRect& place) { Q_EMIT activated(place); }
+    void click(const std::optional<AppKitRect>& place) { Q_EMIT activated(place); }
 
     std::vector<QString> symbols;
     QIcon icon;

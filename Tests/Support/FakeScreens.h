@@ -34,6 +34,15 @@ class FakeScreens final : public Screens {
 public:
     const std::vector<ScreenPtr>& all() const override { return screens_; }
     ScreenPtr main() const override { return main_; }
+    /// As on X11: corners are where they are, and the toolkit scales about them.
+    ToolkitSpace toolkitSpace(const Screen& screen) const override {
+        const AppKitPoint corner{screen.frame().minX(), screen.frame().maxY()};
+        const double top = screens_.front()->frame().maxY();
+        return {nullptr,
+                corner,
+                {static_cast<int>(corner.x), static_cast<int>(top - corner.y)},
+                toolkitScale};
+    }
 
     /// Replaces the list; the first is the primary display and, unless set apart, the main one.
     void setScreens(std::vector<ScreenPtr> screens) {
@@ -46,6 +55,8 @@ public:
         setScreens(std::move(screens));
         Q_EMIT screensChanged();
     }
+
+    double toolkitScale = 1;
 
 private:
     std::vector<ScreenPtr> screens_;

@@ -42,8 +42,25 @@ struct MenuBarExtraTest : public ::testing::Test {
         platform.fakePointer.at = {to.x() + 0.5, height - (to.y() + 0.5)};
     }
     void clickItem() {
-        platform.fakeStatusItem.click(itemPlace);
+        const double height = platform.fakeScreens.all().front()->frame().height;
+        platform.fakeStatusItem.click(
+            AppKitRect{double(itemPlace.x()), height - itemPlace.y() - itemPlace.height(),
+                       double(itemPlace.width()), double(itemPlace.height())});
         platform.fakeMainLoop.runPosted();
+    }
+    /// Screens side by side and one above the other, each where the toolkit has it; the first is
+    /// the primary one, at the toolkit's origin.
+    void setScreens(const std::vector<QRect>& places) {
+        std::vector<ScreenPtr> screens;
+        screens.reserve(places.size());
+        for (const QRect& place : places) {
+            FakeScreen::Values values;
+            values.frame = {double(place.x()),
+                            double(places.front().height() - place.y() - place.height()),
+                            double(place.width()), double(place.height())};
+            screens.push_back(makeScreen(values));
+        }
+        platform.fakeScreens.setScreens(std::move(screens));
     }
     /// A press in another application, as the raw events tell of it.
     void pressElsewhere(QPoint at) {
@@ -222,10 +239,52 @@ TEST_F(MenuBarExtraTest, ForgetsAPressOnTheItemAfterAWhile) {
 
 TEST_F(MenuBarExtraTest, OpensByThePointerWhereTheHostTellsNoPlace) {
     movePointer({500, 300});
-    platform.fakeStatusItem.click(QRect());
+    platform.fakeStatusItem.click(std::nullopt);
     const QRect ground = extra->panel().groundGeometry();
     EXPECT_NEAR(ground.center().x(), 500, 1);
     EXPECT_NEAR(ground.top(), 300, 8);
+}
+
+TEST_F(MenuBarExtraTest, OpensOnTheScreenThatHoldsThePointWhichIsAllThatIsKnown) {
+    const QRect left(0, 0, 400, 400);
+    const QRect right(400, 0, 400, 400);
+    const QRect below(0, 400, 400, 400);
+    setScreens({left, right, below});
+    const auto groundFor = [&](QPoint pixel) {
+        platform.fakeStatusItem.click(AppKitRect{pixel.x() + 0.5, 400 - (pixel.y() + 0.5), 0, 0});
+        const QRect ground = extra->panel().groundGeometry();
+        extra->closePanel();
+        return ground;
+    };
+    EXPECT_TRUE(left.contains(groundFor({399, 200})));
+    EXPECT_TRUE(right.contains(groundFor({400, 200}))) << "its first column";
+    EXPECT_TRUE(left.contains(groundFor({200, 399})));
+    EXPECT_TRUE(below.contains(groundFor({200, 400}))) << "its first row";
+    EXPECT_TRUE(right.contains(groundFor({900, 200}))) << "the nearest";
+}
+
+TEST_F(MenuBarExtraTest, OpensUnderTheItemWhereTheToolkitScales) {
+    for (const double scale : {1.0, 1.25, 1.5, 2.0}) {
+        platform.fakeScreens.toolkitScale = scale;
+        const double height = 800 * scale;
+        FakeScreen::Values values;
+        values.frame = {0, 0, 800 * scale, height};
+        values.visibleFrame = {0, 0, 800 * scale, height - 30};
+        platform.fakeScreens.setScreens({makeScreen(values)});
+        const AppKitRect item{300, height - 30, 24, 30};
+        platform.fakeStatusItem.click(item);
+        const QRect ground = extra->panel().groundGeometry();
+        EXPECT_NEAR(ground.x() + ground.width() / 2.0, 312 / scale, 1) << scale;
+        EXPECT_GE(ground.top() * scale, 30) << scale;
+        EXPECT_LE(ground.top() * scale, 30 + 6 * scale) << scale;
+
+        // The pointer in the panel, and just below the item, which is above the panel.
+        platform.fakePointer.at = {312, height - (ground.top() + 1) * scale};
+        EXPECT_TRUE(extra->panel().isUnderPointer()) << scale;
+        platform.fakePointer.at = {312, height - (ground.top() - 1) * scale};
+        EXPECT_FALSE(extra->panel().isUnderPointer()) << scale;
+        extra->closePanel();
+    }
 }
 
 TEST_F(MenuBarExtraTest, OpensByThePointerWhenTheProgramIsStartedAgain) {
@@ -255,7 +314,7 @@ TEST_F(MenuBarExtraTest, IsNeverTallerThanItsScreen) {
 
 TEST_F(MenuBarExtraTest, LeavesTheDesktopAsItWasWithoutScreens) {
     platform.fakeScreens.setScreens({});
-    platform.fakeStatusItem.click(QRect());
+    platform.fakeStatusItem.click(std::nullopt);
     EXPECT_TRUE(isOpen());
     extra->closePanel();
     EXPECT_FALSE(isOpen());

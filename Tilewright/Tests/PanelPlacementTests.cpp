@@ -3,66 +3,67 @@
 #include <gtest/gtest.h>
 
 using tilewright::PanelPlacement;
+using tilewright::ToolkitRect;
 
 namespace {
 
 constexpr int gap = PanelPlacement::gap;
-const QRect frame(0, 0, 1920, 1080);
+const ToolkitRect frame{0, 0, 1920, 1080};
 const QSize panel(300, 500);
 
 QRect place(const PanelPlacement& placement, QSize size = panel) {
-    return {placement.topLeft(size), size};
+    return placement.place(size).toQRect();
 }
 
 } // namespace
 
 TEST(PanelPlacement, OpensBelowAnItemOfABarAtTheTop) {
-    const PanelPlacement placement{QRect(1000, 0, 24, 28), frame, QRect(0, 28, 1920, 1052)};
+    const PanelPlacement placement{{1000, 0, 24, 28}, frame, {0, 28, 1920, 1052}};
     EXPECT_EQ(place(placement).topLeft(), QPoint(1012 - 150, 28 + gap));
 }
 
 TEST(PanelPlacement, OpensAboveAnItemOfABarAtTheBottom) {
-    const PanelPlacement placement{QRect(1000, 1052, 24, 28), frame, QRect(0, 0, 1920, 1052)};
+    const PanelPlacement placement{{1000, 1052, 24, 28}, frame, {0, 0, 1920, 1052}};
     EXPECT_EQ(place(placement).topLeft(), QPoint(1012 - 150, 1052 - gap - 500));
 }
 
 TEST(PanelPlacement, OpensBesideAnItemOfABarAtASide) {
-    const PanelPlacement left{QRect(0, 500, 40, 24), frame, QRect(40, 0, 1880, 1080)};
+    const PanelPlacement left{{0, 500, 40, 24}, frame, {40, 0, 1880, 1080}};
     EXPECT_EQ(place(left).topLeft(), QPoint(40 + gap, 512 - 250));
-    const PanelPlacement right{QRect(1880, 500, 40, 24), frame, QRect(0, 0, 1880, 1080)};
+    const PanelPlacement right{{1880, 500, 40, 24}, frame, {0, 0, 1880, 1080}};
     EXPECT_EQ(place(right).topLeft(), QPoint(1880 - gap - 300, 512 - 250));
 }
 
 TEST(PanelPlacement, StaysOnTheScreenBesideAnItemInItsCorner) {
-    const PanelPlacement placement{QRect(1896, 0, 24, 28), frame, QRect(0, 28, 1920, 1052)};
+    const PanelPlacement placement{{1896, 0, 24, 28}, frame, {0, 28, 1920, 1052}};
     EXPECT_EQ(place(placement).topLeft(), QPoint(1920 - gap - 300, 28 + gap));
 }
 
 TEST(PanelPlacement, TreatsABarWithoutReservedSpaceByTheNearerEdge) {
-    const PanelPlacement top{QRect(1000, 0, 24, 28), frame, frame};
+    const PanelPlacement top{{1000, 0, 24, 28}, frame, frame};
     EXPECT_EQ(place(top).top(), 28 + gap);
-    const PanelPlacement bottom{QRect(1000, 1052, 24, 28), frame, frame};
+    const PanelPlacement bottom{{1000, 1052, 24, 28}, frame, frame};
     EXPECT_EQ(place(bottom).top() + 500, 1052 - gap);
 }
 
 TEST(PanelPlacement, OpensByAPointThatIsAllThatIsKnown) {
-    const PanelPlacement placement{QRect(700, 300, 0, 0), frame, frame};
+    const PanelPlacement placement{{700, 300, 0, 0}, frame, frame};
     EXPECT_EQ(place(placement).topLeft(), QPoint(550, 300 + gap));
 }
 
 TEST(PanelPlacement, KeepsItsTopLeftCornerVisibleWhereItDoesNotFit) {
-    const PanelPlacement placement{QRect(10, 190, 24, 10), QRect(0, 0, 200, 200),
-                                   QRect(0, 0, 200, 190)};
+    const PanelPlacement placement{{10, 190, 24, 10}, {0, 0, 200, 200}, {0, 0, 200, 190}};
     EXPECT_EQ(place(placement).topLeft(), QPoint(gap, gap));
 }
 
 TEST(PanelPlacement, IsWhollyInsideTheVisibleFrameFromEveryPointOfItsScreen) {
     for (const QRect& screen :
-         {frame, QRect(-1280, -200, 1280, 1024), QRect(1920, 300, 800, 600)}) {
+         {QRect(0, 0, 1920, 1080), QRect(-1280, -200, 1280, 1024), QRect(1920, 300, 800, 600)}) {
         const QRect visible = screen.adjusted(0, 24, 0, -40);
         for (int x = screen.left(); x <= screen.right(); x += 37) {
             for (int y = screen.top(); y <= screen.bottom(); y += 29) {
-                const PanelPlacement placement{QRect(x, y, 0, 0), screen, visible};
+                const PanelPlacement placement{
+                    {x, y, 0, 0}, ToolkitRect::of(screen), ToolkitRect::of(visible)};
                 ASSERT_TRUE(visible.contains(place(placement))) << x << ", " << y;
             }
         }

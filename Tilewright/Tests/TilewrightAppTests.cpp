@@ -78,7 +78,7 @@ TEST_F(TilewrightAppTest, AFirstLaunchWithoutTrustPromptsOnceAndItemAndSettingsW
     platform.fakeAccessibility.trusted = false;
     run([this](TilewrightApp& app) {
         EXPECT_EQ(platform.fakeAccessibility.trustRequests, 1);
-        platform.fakeStatusItem.click(QRect(400, 0, 24, 24));
+        platform.fakeStatusItem.click(AppKitRect{400, 876, 24, 24});
         EXPECT_TRUE(waitUntil([&] { return app.menuBarExtra().panel().isVisible(); }));
         app.settings().open();
         ASSERT_NE(app.settings().window(), nullptr);
@@ -113,7 +113,7 @@ TEST_F(TilewrightAppTest, EndsInTheSameOrderOnEachTerminationSignal) {
 
 TEST_F(TilewrightAppTest, ClosesItsPanelWhenItEnds) {
     run([this](TilewrightApp& app) {
-        platform.fakeStatusItem.click(QRect(400, 0, 24, 24));
+        platform.fakeStatusItem.click(AppKitRect{400, 876, 24, 24});
         EXPECT_TRUE(waitUntil([&] { return app.menuBarExtra().panel().isVisible(); }));
         QObject::connect(qApp, &QCoreApplication::aboutToQuit, &app,
                          [&app] { EXPECT_FALSE(app.menuBarExtra().panel().isVisible()); });

@@ -77,13 +77,13 @@ TEST_P(PanelOnTwoMonitors, OpensByThePointerOnThePointersMonitor) {
     desktop.startBar(Bar::tint2);
     desktop.startProgram(scale());
     static_cast<void>(desktop.waitForItem());
-    // Close to the border between the two.
-    desktop.input().move(secondMonitor().topLeft() + QPoint(3, 500));
+    // On either side of the border between the two.
+    desktop.input().move(secondMonitor().topLeft() + QPoint(0, 500));
     desktop.startAgain();
     EXPECT_TRUE(secondMonitor().contains(desktop.waitForPanel()));
     desktop.input().tapKey(keysym::escape);
     EXPECT_TRUE(waitUntil([&] { return !desktop.panel(); }));
-    desktop.input().move(secondMonitor().topLeft() - QPoint(3, -500));
+    desktop.input().move(secondMonitor().topLeft() - QPoint(1, -500));
     desktop.startAgain();
     EXPECT_LT(desktop.waitForPanel().right(), secondMonitor().left());
 }

@@ -2,8 +2,6 @@
 
 #include "StatusNotifierPixmap.h"
 
-#include <QGuiApplication>
-#include <QScreen>
 #include <QStandardPaths>
 #include <QSystemTrayIcon>
 #include <array>
@@ -31,22 +29,15 @@ QIcon trayIcon(const QIcon& icon) {
     return tray;
 }
 
-/// The toolkit scales each screen about its own top-left corner.
-QRect nativePixels(const QRect& rect) {
-    const QScreen* screen = QGuiApplication::screenAt(rect.center());
-    if (!screen)
-        return {};
-    const QPoint origin = screen->geometry().topLeft();
-    const double scale = screen->devicePixelRatio();
-    return {origin + (rect.topLeft() - origin) * scale, rect.size() * scale};
-}
-
 } // namespace
 
-FreeDesktopStatusItem::FreeDesktopStatusItem(QDBusConnection bus)
-    : notifierItem_(std::move(bus)) {
+FreeDesktopStatusItem::FreeDesktopStatusItem(const Screens& screens, PixelPlace pixelPlace,
+                                             QDBusConnection bus)
+    : screens_(screens)
+    , pixelPlace_(std::move(pixelPlace))
+    , notifierItem_(std::move(bus)) {
     connect(&notifierItem_, &StatusNotifierItem::activated, this,
-            [this](QPoint place) { Q_EMIT activated(QRect(place, QSize(0, 0))); });
+            [this](NativePixel click) { Q_EMIT activated(notifierPlace(click)); });
     connect(&notifierItem_, &StatusNotifierItem::hostedChanged, this,
             &FreeDesktopStatusItem::chooseHost);
 }
@@ -96,8 +87,21 @@ const QIcon& FreeDesktopStatusItem::systemTrayIcon() {
     return kept;
 }
 
-QRect FreeDesktopStatusItem::systemTrayPlace() const {
-    return nativePixels(systemTray_->geometry());
+std::optional<AppKitRect> FreeDesktopStatusItem::notifierPlace(NativePixel click) const {
+    if (click == NativePixel{})
+        return std::nullopt;
+    const AppKitPoint at = pixelPlace_(click);
+    return AppKitRect{at.x, at.y, 0, 0};
+}
+
+std::optional<AppKitRect> FreeDesktopStatusItem::systemTrayPlace() const {
+    const ToolkitRect told = ToolkitRect::of(systemTray_->geometry());
+    for (const ScreenPtr& screen : screens_.all()) {
+        const AppKitRect place = screens_.toolkitSpace(*screen).toAppKit(told);
+        if (!place.isEmpty() && screen->frame().contains(place.center()))
+            return place;
+    }
+    return std::nullopt;
 }
 
 } // namespace tilewright

@@ -2,10 +2,12 @@
 
 #include "StatusNotifierItem.h"
 
+#include <Platform/Screens.h>
 #include <Platform/StatusItem.h>
 
 #include <QDBusConnection>
 #include <QIcon>
+#include <functional>
 #include <map>
 #include <memory>
 
@@ -19,7 +21,12 @@ class FreeDesktopStatusItem final : public StatusItem {
     Q_OBJECT
 
 public:
-    explicit FreeDesktopStatusItem(QDBusConnection bus = QDBusConnection::sessionBus());
+    /// Where the centre of a pixel is in AppKit screen space.
+    using PixelPlace = std::function<AppKitPoint(NativePixel)>;
+
+    /// The screens have to outlive the item.
+    FreeDesktopStatusItem(const Screens& screens, PixelPlace pixelPlace,
+                          QDBusConnection bus = QDBusConnection::sessionBus());
     ~FreeDesktopStatusItem() override;
 
     void setSymbol(const QString& symbolName, const QIcon& icon) override;
@@ -30,9 +37,12 @@ public:
 
 private:
     void chooseHost();
-    [[nodiscard]] QRect systemTrayPlace() const;
+    [[nodiscard]] std::optional<AppKitRect> notifierPlace(NativePixel click) const;
+    [[nodiscard]] std::optional<AppKitRect> systemTrayPlace() const;
     [[nodiscard]] const QIcon& systemTrayIcon();
 
+    const Screens& screens_;
+    PixelPlace pixelPlace_;
     StatusNotifierItem notifierItem_;
     std::unique_ptr<QSystemTrayIcon> systemTray_;
     QIcon icon_;

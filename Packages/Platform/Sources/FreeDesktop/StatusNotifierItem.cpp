@@ -83,9 +83,9 @@ public:
     }
 
 public Q_SLOTS:
-    void Activate(int x, int y) { Q_EMIT item_->activated(QPoint(x, y)); }
-    void SecondaryActivate(int x, int y) { Q_EMIT item_->activated(QPoint(x, y)); }
-    void ContextMenu(int x, int y) { Q_EMIT item_->activated(QPoint(x, y)); }
+    void Activate(int x, int y) { Q_EMIT item_->activated(NativePixel{x, y}); }
+    void SecondaryActivate(int x, int y) { Q_EMIT item_->activated(NativePixel{x, y}); }
+    void ContextMenu(int x, int y) { Q_EMIT item_->activated(NativePixel{x, y}); }
     void Scroll(int /*delta*/, const QString& /*orientation*/) {}
 
 Q_SIGNALS:

@@ -1,10 +1,11 @@
 #pragma once
 
+#include <Platform/Geometry.h>
+
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QIcon>
 #include <QObject>
-#include <QPoint>
 #include <QString>
 #include <memory>
 
@@ -36,9 +37,8 @@ public:
     [[nodiscard]] bool isSettled() const { return isSettled_; }
 
 Q_SIGNALS:
-    /// The user clicked the item, with whichever button. In native pixels; (0, 0) where the host
-    /// does not know.
-    void activated(QPoint place);
+    /// The user clicked the item, with whichever button; (0, 0) where the host does not know.
+    void activated(NativePixel place);
     /// `isHosted()` or `isSettled()` changed.
     void hostedChanged();
 

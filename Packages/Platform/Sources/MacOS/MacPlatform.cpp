@@ -73,7 +73,7 @@ InstanceActivation& MacPlatform::instanceActivation() {
 }
 StatusItem& MacPlatform::statusItem() {
     if (!parts_->statusItem)
-        parts_->statusItem = std::make_unique<MacStatusItem>(parts_->screens);
+        parts_->statusItem = std::make_unique<MacStatusItem>();
     return *parts_->statusItem;
 }
 std::unique_ptr<OverlaySurface> MacPlatform::makeOverlaySurface(std::shared_ptr<OverlayView> view) {

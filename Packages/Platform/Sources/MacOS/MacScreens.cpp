@@ -4,7 +4,9 @@
 #include "AppKitScreenList.h"
 #include "DisplayNumbers.h"
 
+#include <QGuiApplication>
 #include <algorithm>
+#include <cmath>
 
 namespace tilewright {
 
@@ -76,6 +78,17 @@ ScreenPtr MacScreens::main() const {
         return static_cast<const MacScreen&>(*screen).facts() == *wanted;
     });
     return found == screens.end() ? nullptr : *found;
+}
+
+ToolkitSpace MacScreens::toolkitSpace(const Screen& screen) const {
+    // The toolkit counts in the same points, from the top of the primary display.
+    const AppKitPoint corner{screen.frame().minX(), screen.frame().maxY()};
+    const std::vector<ScreenPtr>& screens = all();
+    const double top = screens.empty() ? corner.y : screens.front()->frame().maxY();
+    const ToolkitPoint toolkitCorner{static_cast<int>(std::lround(corner.x)),
+                                     static_cast<int>(std::lround(top - corner.y))};
+    return {QGuiApplication::screenAt({toolkitCorner.x, toolkitCorner.y}), corner, toolkitCorner,
+            1};
 }
 
 } // namespace tilewright

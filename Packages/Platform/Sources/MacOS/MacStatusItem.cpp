@@ -15,9 +15,8 @@ constexpr int symbolSide = 18;
 
 } // namespace
 
-MacStatusItem::MacStatusItem(const Screens& screens)
-    : screens_(screens)
-    , item_(appkit::addStatusItem([this] { Q_EMIT activated(place()); })) {}
+MacStatusItem::MacStatusItem()
+    : item_(appkit::addStatusItem([this] { Q_EMIT activated(item_->frame()); })) {}
 
 MacStatusItem::~MacStatusItem() = default;
 
@@ -32,16 +31,6 @@ void MacStatusItem::setSymbol(const QString& /*symbolName*/, const QIcon& icon) 
 
 void MacStatusItem::setAccessibleName(const QString& name) {
     item_->setAccessibleName(name);
-}
-
-QRect MacStatusItem::place() const {
-    const std::optional<AppKitRect> frame = item_->frame();
-    const std::vector<ScreenPtr>& screens = screens_.all();
-    if (!frame || screens.empty())
-        return {};
-    // The toolkit counts in points too, from the top of the primary display.
-    const double top = screens.front()->frame().height - frame->maxY();
-    return QRectF(frame->x, top, frame->width, frame->height).toAlignedRect();
 }
 
 } // namespace tilewright

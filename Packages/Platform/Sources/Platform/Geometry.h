@@ -25,6 +25,9 @@ struct AppKitRect {
     [[nodiscard]] double minY() const { return height < 0 ? y + height : y; }
     [[nodiscard]] double maxX() const { return width < 0 ? x : x + width; }
     [[nodiscard]] double maxY() const { return height < 0 ? y : y + height; }
+    /// An empty rectangle's centre is the point where it lies.
+    [[nodiscard]] AppKitPoint center() const { return {x + width / 2, y + height / 2}; }
+    [[nodiscard]] bool isEmpty() const { return width == 0 || height == 0; }
 
     /// Whether the rectangle holds the point; the maximum edges are outside, an empty rectangle
     /// holds nothing, and so does one with a coordinate that is not a number.
@@ -50,6 +53,15 @@ struct AXSize {
     double height = 0;
 
     friend bool operator==(const AXSize&, const AXSize&) = default;
+};
+
+/// A pixel as the display server counts them: origin at the top-left corner of the whole desktop, y
+/// downward. Only backends know pixels.
+struct NativePixel {
+    int x = 0;
+    int y = 0;
+
+    friend bool operator==(const NativePixel&, const NativePixel&) = default;
 };
 
 } // namespace tilewright

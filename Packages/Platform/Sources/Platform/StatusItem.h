@@ -1,8 +1,8 @@
 #pragma once
 
+#include "Geometry.h"
+
 #include <QObject>
-#include <QPoint>
-#include <QRect>
 #include <QString>
 #include <optional>
 
@@ -26,10 +26,9 @@ public:
     virtual void setAccessibleName(const QString& name) = 0;
 
 Q_SIGNALS:
-    /// The user clicked the item. `place` is where it is, in the toolkit's native pixels with the
-    /// origin at the top-left of the desktop; an empty rectangle where only a point is known, a
-    /// null one where the host tells nothing.
-    void activated(const QRect& place);
+    /// The user clicked the item. `place` is where it is, in AppKit screen space: an empty
+    /// rectangle where only a point is known, none where the host tells nothing.
+    void activated(const std::optional<AppKitRect>& place);
 };
 
 } // namespace tilewright

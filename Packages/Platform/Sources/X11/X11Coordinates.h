@@ -10,7 +10,7 @@ namespace tilewright {
 
 /// The way between the X screen's pixels (origin at the top-left of the whole screen, y downward)
 /// and the two screen spaces of this program, both anchored to the primary monitor. One point is
-/// one pixel. The only place where fractional coordinates are rounded: edges are, sizes never, so
+/// one pixel. A window's frame is rounded here and nowhere else: its edges are, its size never, so
 /// that neighbours stay neighbours.
 class X11Coordinates {
 public:
@@ -28,6 +28,9 @@ public:
     /// The centre of a pixel: the top row and the last column belong to their display.
     [[nodiscard]] AppKitPoint toAppKit(QPoint pixel) const {
         return {pixel.x() - origin_.x() + 0.5, height_ - (pixel.y() - origin_.y() + 0.5)};
+    }
+    [[nodiscard]] AppKitPoint toAppKit(NativePixel pixel) const {
+        return toAppKit(QPoint(pixel.x, pixel.y));
     }
     /// The pixel that holds the point.
     [[nodiscard]] QPoint toPixel(AXPoint point) const {

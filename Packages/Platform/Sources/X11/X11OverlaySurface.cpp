@@ -3,9 +3,7 @@
 #include "X11Toolkit.h"
 
 #include <QBackingStore>
-#include <QGuiApplication>
 #include <QResizeEvent>
-#include <QScreen>
 #include <QWidget>
 #include <QWindow>
 #include <algorithm>
@@ -15,28 +13,6 @@
 
 namespace tilewright {
 namespace {
-
-/// A toolkit screen's place on the X screen: its corner is never scaled, its size is.
-QRect nativeGeometry(const QScreen& screen) {
-    const QSizeF size = QSizeF(screen.size()) * screen.devicePixelRatio();
-    return {screen.geometry().topLeft(), size.toSize()};
-}
-
-/// The toolkit's screen on which a part of the X screen lies.
-QScreen* toolkitScreenAt(const QRect& native) {
-    QScreen* best = QGuiApplication::primaryScreen();
-    qint64 most = 0;
-    const auto screens = QGuiApplication::screens();
-    for (QScreen* screen : screens) {
-        const QRect shared = nativeGeometry(*screen) & native;
-        const qint64 area = qint64{shared.width()} * shared.height();
-        if (area > most) {
-            most = area;
-            best = screen;
-        }
-    }
-    return best;
-}
 
 std::uint32_t unsignedOf(int value) {
     return static_cast<std::uint32_t>(value);
@@ -74,9 +50,9 @@ private:
 };
 
 X11OverlaySurface::X11OverlaySurface(X11Connection& connection, X11Compositor& compositor,
-                                     NativeFrame nativeFrame, std::shared_ptr<OverlayView> view)
+                                     const X11Screens& screens, std::shared_ptr<OverlayView> view)
     : connection_(connection)
-    , nativeFrame_(std::move(nativeFrame))
+    , screens_(screens)
     , view_(std::move(view))
     , container_(std::make_unique<Container>(view_->widget())) {
     container_->winId();
@@ -108,26 +84,23 @@ X11OverlaySurface::~X11OverlaySurface() {
 void X11OverlaySurface::setScreen(const ScreenPtr& screen) {
     if (!screen)
         return;
-    place(nativeFrame_(*screen));
+    screen_ = screen;
+    place();
     if (container_->isVisible()) {
         applyAreas();
         container_->repaint();
     }
 }
 
-void X11OverlaySurface::place(const QRect& native) {
-    placedAt_ = native;
-    QScreen* screen = toolkitScreenAt(native);
-    if (!screen)
+void X11OverlaySurface::place() {
+    const ToolkitSpace space = screens_.toolkitSpace(*screen_);
+    if (!space.screen())
         return;
-    const double scale = screen->devicePixelRatio();
-    const QPoint corner = screen->geometry().topLeft();
-    const QPointF offset = QPointF(native.topLeft() - corner) / scale;
-    const QSizeF size = QSizeF(native.size()) / scale;
-    container_->setScreen(screen);
-    container_->setGeometry(QRect(corner + offset.toPoint(), size.toSize()));
+    container_->setScreen(space.screen());
+    container_->setGeometry(space.toToolkit(screen_->frame()).toQRect());
     // The toolkit's own lengths are whole points: the window's are the monitor's very pixels.
     if (xcb_connection_t* toolkit = x11toolkit::connection()) {
+        const QRect native = X11Screens::nativeFrame(*screen_);
         const std::array<std::uint32_t, 4> geometry{unsignedOf(native.x()), unsignedOf(native.y()),
                                                     unsignedOf(native.width()),
                                                     unsignedOf(native.height())};
@@ -142,8 +115,8 @@ void X11OverlaySurface::orderFront() {
     applyAreas();
     container_->show();
     // Showing sets the toolkit's own, rounded geometry once more.
-    if (placedAt_.isValid())
-        place(placedAt_);
+    if (screen_)
+        place();
     container_->raise();
 }
 

@@ -1,13 +1,11 @@
 #pragma once
 
 #include "X11Compositor.h"
+#include "X11Screens.h"
 
 #include <Platform/OverlaySurface.h>
 
-#include <QRect>
 #include <memory>
-
-class QScreen;
 
 namespace tilewright {
 
@@ -18,12 +16,9 @@ namespace tilewright {
 /// The window is made at once and kept; its pixels are kept only while it is shown.
 class X11OverlaySurface final : public OverlaySurface {
 public:
-    /// Where a screen is on the X screen, in its pixels.
-    using NativeFrame = std::function<QRect(const Screen&)>;
-
-    /// The connection and the compositor have to outlive the surface.
-    X11OverlaySurface(X11Connection& connection, X11Compositor& compositor, NativeFrame nativeFrame,
-                      std::shared_ptr<OverlayView> view);
+    /// All but the view have to outlive the surface.
+    X11OverlaySurface(X11Connection& connection, X11Compositor& compositor,
+                      const X11Screens& screens, std::shared_ptr<OverlayView> view);
     ~X11OverlaySurface() override;
 
     void setScreen(const ScreenPtr& screen) override;
@@ -33,7 +28,7 @@ public:
 private:
     class Container;
 
-    void place(const QRect& native);
+    void place();
     void follow(const X11Compositor& compositor);
     void applyAreas();
     void setBlur(const QRegion& region);
@@ -42,12 +37,12 @@ private:
     [[nodiscard]] xcb_window_t window() const;
 
     X11Connection& connection_;
-    NativeFrame nativeFrame_;
+    const X11Screens& screens_;
     std::shared_ptr<OverlayView> view_;
     std::unique_ptr<Container> container_;
     QMetaObject::Connection following_;
     OverlayRendering rendering_ = OverlayRendering::translucent;
-    QRect placedAt_;
+    ScreenPtr screen_;
     X11AwaitedReply blurOffer_;
     bool isBlurOffered_ = false;
     bool hasBlur_ = false;

@@ -19,15 +19,6 @@
 #include <optional>
 
 namespace tilewright {
-namespace {
-
-/// Where a screen of this platform is; one of another kind would be a mistake of the program.
-QRect nativeFrameOf(const Screen& screen) {
-    const auto* own = dynamic_cast<const X11Screen*>(&screen);
-    return own ? own->nativeFrame() : QRect();
-}
-
-} // namespace
 
 /// In the order in which they need each other.
 struct X11Platform::Parts {
@@ -111,14 +102,18 @@ InstanceActivation& X11Platform::instanceActivation() {
 }
 
 StatusItem& X11Platform::statusItem() {
-    if (!parts_->statusItem)
-        parts_->statusItem.emplace();
+    if (!parts_->statusItem) {
+        const X11Screens& screens = parts_->desktop.screens();
+        parts_->statusItem.emplace(screens, [&screens](NativePixel pixel) {
+            return screens.coordinates().toAppKit(pixel);
+        });
+    }
     return *parts_->statusItem;
 }
 
 std::unique_ptr<OverlaySurface> X11Platform::makeOverlaySurface(std::shared_ptr<OverlayView> view) {
     return std::make_unique<X11OverlaySurface>(*parts_->connection, parts_->desktop.compositor(),
-                                               nativeFrameOf, std::move(view));
+                                               parts_->desktop.screens(), std::move(view));
 }
 
 } // namespace tilewright

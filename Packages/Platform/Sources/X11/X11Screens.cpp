@@ -3,6 +3,8 @@
 #include "X11Properties.h"
 #include "X11WindowFacts.h"
 
+#include <QGuiApplication>
+#include <QScreen>
 #include <algorithm>
 #include <xcb/randr.h>
 
@@ -28,6 +30,12 @@ QString nameFor(const QString& connector, const std::optional<X11Edid>& edid) {
         return edid->name;
     const QString letters = edid->manufacturerLetters();
     return letters.isEmpty() ? connector : letters + u' ' + connector;
+}
+
+double sharedArea(const AppKitRect& a, const AppKitRect& b) {
+    const double width = std::min(a.maxX(), b.maxX()) - std::max(a.minX(), b.minX());
+    const double height = std::min(a.maxY(), b.maxY()) - std::max(a.minY(), b.minY());
+    return std::max(width, 0.0) * std::max(height, 0.0);
 }
 
 } // namespace
@@ -334,6 +342,31 @@ ScreenPtr X11Screens::main() const {
         }
     }
     return screens_.front();
+}
+
+ToolkitSpace X11Screens::toolkitSpace(const Screen& screen) const {
+    // The toolkit need not know every monitor: the screen counts that has the most of it.
+    std::optional<ToolkitSpace> best;
+    double most = 0;
+    const QList<QScreen*> candidates = QGuiApplication::screens();
+    for (QScreen* candidate : candidates) {
+        // Its corner is where it is on the X screen, whatever the scale.
+        const QRect geometry = candidate->geometry();
+        const AppKitRect corner = coordinates_.toAppKit(QRect(geometry.topLeft(), QSize(0, 0)));
+        const ToolkitSpace space(candidate, {corner.x, corner.y}, {geometry.x(), geometry.y()},
+                                 candidate->devicePixelRatio());
+        const double shared = sharedArea(space.toAppKit(ToolkitRect::of(geometry)), screen.frame());
+        if (best && shared <= most)
+            continue;
+        best = space;
+        most = shared;
+    }
+    return best.value_or(ToolkitSpace());
+}
+
+QRect X11Screens::nativeFrame(const Screen& screen) {
+    const auto* own = dynamic_cast<const X11Screen*>(&screen);
+    return own ? own->values().nativeFrame : QRect();
 }
 
 } // namespace tilewright

@@ -40,8 +40,6 @@ public:
     std::optional<QString> persistentUUID() const override { return values_.persistentUUID; }
     QString localizedName() const override { return values_.localizedName; }
 
-    /// The monitor's area of the X screen, in pixels.
-    [[nodiscard]] QRect nativeFrame() const { return values_.nativeFrame; }
     [[nodiscard]] const Values& values() const { return values_; }
 
 private:
@@ -59,6 +57,11 @@ public:
 
     const std::vector<ScreenPtr>& all() const override { return screens_; }
     ScreenPtr main() const override;
+    ToolkitSpace toolkitSpace(const Screen& screen) const override;
+
+    /// A screen's area of the X screen, in pixels; empty for one of another platform, which would
+    /// be a mistake of the program.
+    [[nodiscard]] static QRect nativeFrame(const Screen& screen);
 
     /// How the screen spaces lie on the X screen now.
     [[nodiscard]] const X11Coordinates& coordinates() const { return coordinates_; }

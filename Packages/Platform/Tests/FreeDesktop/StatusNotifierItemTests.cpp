@@ -1,6 +1,7 @@
 #include "FakeNotifierWatcher.h"
 #include "PrivateBus.h"
 
+#include <FakeScreens.h>
 #include <FreeDesktop/FreeDesktopStatusItem.h>
 #include <FreeDesktop/StatusNotifierItem.h>
 #include <FreeDesktop/StatusNotifierPixmap.h>
@@ -67,7 +68,13 @@ public Q_SLOTS:
 
 class StatusNotifierItemTest : public ::testing::Test {
 protected:
+    /// On a screen 600 pixels high.
+    static AppKitPoint centerOf(NativePixel pixel) {
+        return {pixel.x + 0.5, 600 - (pixel.y + 0.5)};
+    }
+
     PrivateBus bus;
+    const FakeScreens screens;
     const QString interface = QStringLiteral("org.kde.StatusNotifierItem");
 };
 
@@ -155,7 +162,9 @@ TEST_F(StatusNotifierItemTest, LosesItsHostWithTheBus) {
 TEST_F(StatusNotifierItemTest, PassesClicksOnWithTheirPlace) {
     const FakeNotifierWatcher watcher(bus.connect());
     StatusNotifierItem item(bus.connect());
-    QSignalSpy activated(&item, &StatusNotifierItem::activated);
+    std::vector<NativePixel> places;
+    QObject::connect(&item, &StatusNotifierItem::activated,
+                     [&](NativePixel place) { places.push_back(place); });
     ASSERT_TRUE(waitUntil([&] { return watcher.items.size() == 1; }));
     Host host(bus.connect());
     const QString service = watcher.items.front();
@@ -165,10 +174,7 @@ TEST_F(StatusNotifierItemTest, PassesClicksOnWithTheirPlace) {
     const QDBusMessage scrolled =
         host.call(service, interface, QStringLiteral("Scroll"), {120, QStringLiteral("vertical")});
     EXPECT_EQ(scrolled.type(), QDBusMessage::ReplyMessage);
-    ASSERT_EQ(activated.size(), 3);
-    EXPECT_EQ(activated.at(0).at(0).toPoint(), QPoint(11, 12));
-    EXPECT_EQ(activated.at(1).at(0).toPoint(), QPoint(21, 22));
-    EXPECT_EQ(activated.at(2).at(0).toPoint(), QPoint(31, 32));
+    EXPECT_EQ(places, (std::vector<NativePixel>{{11, 12}, {21, 22}, {31, 32}}));
 }
 
 TEST_F(StatusNotifierItemTest, DescribesItselfToHosts) {
@@ -248,7 +254,7 @@ TEST(StatusNotifierPixmap, StandsOutAgainstLightAndDarkBars) {
 }
 
 TEST_F(StatusNotifierItemTest, TakesTheSystemTrayOnlyWhereNoHostShowsItems) {
-    FreeDesktopStatusItem item(bus.connect());
+    FreeDesktopStatusItem item(screens, centerOf, bus.connect());
     item.setSymbol(QStringLiteral("cup.and.saucer"), discIcon());
     EXPECT_FALSE(item.isInSystemTray()) << "before the bus has answered";
     EXPECT_TRUE(waitUntil([&] { return item.isInSystemTray(); }));
@@ -258,8 +264,22 @@ TEST_F(StatusNotifierItemTest, TakesTheSystemTrayOnlyWhereNoHostShowsItems) {
     EXPECT_TRUE(waitUntil([&] { return item.isInSystemTray(); }));
 }
 
+TEST_F(StatusNotifierItemTest, TellsWhereItWasClickedWhereItsHostKnows) {
+    const FakeNotifierWatcher watcher(bus.connect());
+    const FreeDesktopStatusItem item(screens, centerOf, bus.connect());
+    std::vector<std::optional<AppKitRect>> places;
+    QObject::connect(&item, &StatusItem::activated,
+                     [&](const std::optional<AppKitRect>& place) { places.push_back(place); });
+    ASSERT_TRUE(waitUntil([&] { return watcher.items.size() == 1; }));
+    Host host(bus.connect());
+    host.call(watcher.items.front(), interface, QStringLiteral("Activate"), {400, 12});
+    host.call(watcher.items.front(), interface, QStringLiteral("Activate"), {0, 0});
+    EXPECT_EQ(places, (std::vector<std::optional<AppKitRect>>{AppKitRect{400.5, 587.5, 0, 0},
+                                                              std::nullopt}));
+}
+
 TEST_F(StatusNotifierItemTest, TakesTheSystemTrayAtOnceWithoutABus) {
-    FreeDesktopStatusItem item(PrivateBus::absent());
+    FreeDesktopStatusItem item(screens, centerOf, PrivateBus::absent());
     item.setSymbol(QStringLiteral("cup.and.saucer"), discIcon());
     EXPECT_TRUE(item.isInSystemTray());
 }

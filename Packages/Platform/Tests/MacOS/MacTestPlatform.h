@@ -35,7 +35,7 @@ public:
     MacInstanceActivation& instanceActivation() override { return instanceActivation_; }
     MacStatusItem& statusItem() override {
         if (!statusItem_)
-            statusItem_ = std::make_unique<MacStatusItem>(screens_);
+            statusItem_ = std::make_unique<MacStatusItem>();
         return *statusItem_;
     }
     std::unique_ptr<OverlaySurface> makeOverlaySurface(std::shared_ptr<OverlayView> view) override {

@@ -19,6 +19,7 @@ TEST(X11Coordinates, KeepsThePointerInsideItsDisplayInTheTopRowAndTheLastColumn)
     const X11Coordinates coordinates(QRect(0, 0, 1920, 1080));
     const AppKitRect frame = coordinates.toAppKit(QRect(0, 0, 1920, 1080));
     EXPECT_EQ(coordinates.toAppKit(QPoint(0, 0)), (AppKitPoint{0.5, 1079.5}));
+    EXPECT_EQ(coordinates.toAppKit(NativePixel{1919, 0}), (AppKitPoint{1919.5, 1079.5}));
     for (const QPoint corner : {QPoint(0, 0), QPoint(1919, 0), QPoint(0, 1079), QPoint(1919, 1079)})
         EXPECT_TRUE(frame.contains(coordinates.toAppKit(corner)));
     EXPECT_FALSE(frame.contains(coordinates.toAppKit(QPoint(1920, 0))));

@@ -9,11 +9,13 @@ using namespace tilewright;
 
 void mix(AppKitPoint mouse, AppKitRect frame, AXPoint axPoint, ZoneRect rect,
          NormalizedPoint fraction, const Zone& zone, const ZoneLayout& layout, const Screen& screen,
-         WindowManager& manager);
+         WindowManager& manager, const ToolkitSpace& space, ToolkitRect toolkit, NativePixel pixel,
+         const QRect& unnamed);
 
 void mix(AppKitPoint mouse, AppKitRect frame, AXPoint axPoint, ZoneRect rect,
          NormalizedPoint fraction, const Zone& zone, const ZoneLayout& layout, const Screen& screen,
-         WindowManager& manager) {
+         WindowManager& manager, const ToolkitSpace& space, ToolkitRect toolkit, NativePixel pixel,
+         const QRect& unnamed) {
     rect = CoordinateConverter::appKitToAX(frame, screen);
     frame = CoordinateConverter::axToAppKit(rect, screen);
     (void)ZoneHitTesting::normalizedPointForMouseLocation(mouse, screen);
@@ -22,6 +24,10 @@ void mix(AppKitPoint mouse, AppKitRect frame, AXPoint axPoint, ZoneRect rect,
     manager.moveFocusedWindow(rect);
     (void)frame.contains(mouse);
     (void)(mouse == AppKitPoint{} && axPoint == AXPoint{} && zone == layout.zones.front());
+    toolkit = space.toToolkit(frame);
+    frame = space.toAppKit(toolkit);
+    toolkit = ToolkitRect::of(unnamed);
+    (void)(pixel == NativePixel{} && toolkit == ToolkitRect{});
 #ifdef MIX_SPACES
     (void)CoordinateConverter::appKitToAX(rect, screen);                     // refused
     (void)CoordinateConverter::appKitToAX(zone, screen);                     // refused
@@ -45,5 +51,18 @@ void mix(AppKitPoint mouse, AppKitRect frame, AXPoint axPoint, ZoneRect rect,
     (void)(frame == rect);                                                   // refused
     (void)(rect == zone);                                                    // refused
     (void)(fraction == mouse);                                               // refused
+    (void)space.toToolkit(rect);                                             // refused
+    (void)space.toToolkit(toolkit);                                          // refused
+    (void)space.toToolkit(unnamed);                                          // refused
+    (void)space.toAppKit(frame);                                             // refused
+    (void)space.toAppKit(unnamed);                                           // refused
+    (void)frame.contains(pixel);                                             // refused
+    toolkit = frame;                                                         // refused
+    toolkit = unnamed;                                                       // refused
+    frame = toolkit;                                                         // refused
+    mouse = pixel;                                                           // refused
+    (void)(frame == toolkit);                                                // refused
+    (void)(mouse == pixel);                                                  // refused
+    (void)(toolkit == unnamed);                                              // refused
 #endif
 }
