@@ -21,6 +21,12 @@ struct OpenboxDrag : ::testing::TestWithParam<Combination> {
         cases = std::make_unique<SnapCases>(desktop, QString::fromLatin1(GetParam().modifier));
     }
 
+    /// Where both would take long: one timing with compositing, the other without.
+    static KeyTiming timing() {
+        return GetParam().compositing == Compositing::on ? KeyTiming::afterTheDragBegan
+                                                         : KeyTiming::beforeThePress;
+    }
+
     DesktopSession desktop;
     std::unique_ptr<SnapCases> cases;
 };
@@ -35,27 +41,29 @@ TEST_P(OpenboxDrag, EveryKindOfWindowFillsTheZoneItIsDroppedInWheneverTheKeyIsPr
 
 TEST_P(OpenboxDrag, NothingIsSnappedWhenTheKeyIsLetGoFirst) {
     for (const ClientKind kind : draggedClients)
-        cases->releaseTheKeyFirst(kind);
+        cases->releaseTheKeyFirst(kind, {KeyTiming::afterTheDragBegan, KeyTiming::beforeThePress});
 }
 
 TEST_P(OpenboxDrag, EscapeChangesNothingOfTheSnap) {
-    for (const ClientKind kind : draggedClients)
-        cases->pressEscape(kind, 1);
+    for (const ClientKind kind : draggedClients) {
+        for (const KeyTiming timing : {KeyTiming::beforeThePress, KeyTiming::afterTheDragBegan})
+            cases->pressEscape(kind, timing, 1);
+    }
 }
 
 TEST_P(OpenboxDrag, AWindowThatClosesDuringTheDragCostsNothing) {
     for (const ClientKind kind : draggedClients)
-        cases->closeInMidDrag(kind, KeyTiming::beforeThePress, 2);
+        cases->closeInMidDrag(kind, timing(), 2);
 }
 
 TEST_P(OpenboxDrag, AMaximisedWindowIsPulledOffIntoAZone) {
     for (const ClientKind kind : draggedClients)
-        cases->pullOffMaximised(kind, 3);
+        cases->pullOffMaximised(kind, timing(), 3);
 }
 
 TEST_P(OpenboxDrag, ADropAtTheScreensEdgeFillsTheZoneThere) {
     for (const ClientKind kind : draggedClients)
-        cases->dropAtTheEdges(kind, KeyTiming::afterTheDragBegan);
+        cases->dropAtTheEdges(kind, timing());
 }
 
 INSTANTIATE_TEST_SUITE_P(Every, OpenboxDrag,

@@ -53,16 +53,18 @@ void SnapCases::dropInZonesInTurn(ClientKind kind, KeyTiming timing, std::size_t
     client.process->stop();
 }
 
-void SnapCases::releaseTheKeyFirst(ClientKind kind) {
+void SnapCases::releaseTheKeyFirst(ClientKind kind, std::initializer_list<KeyTiming> timings) {
     SCOPED_TRACE(std::string("the key is let go first: ") + name(kind));
     const TestClient client = open(kind);
     const QSize before = inspector_.outerFrame(client.window).size();
-    script_.grab(client, KeyTiming::afterTheDragBegan);
-    script_.dragTo(area_.center());
-    script_.releaseKey();
-    script_.expectOverlayGone();
-    script_.releaseButton();
-    expectActive(client);
+    for (const KeyTiming timing : timings) {
+        script_.grab(client, timing);
+        script_.dragTo(area_.center());
+        script_.releaseKey();
+        script_.expectOverlayGone();
+        script_.releaseButton();
+        expectActive(client);
+    }
     // A drag of another window that does snap comes after it: what was to happen first has
     // happened.
     const TestClient next = open(ClientKind::qt, {420, 260, 640, 420});
@@ -73,10 +75,10 @@ void SnapCases::releaseTheKeyFirst(ClientKind kind) {
     client.process->stop();
 }
 
-void SnapCases::pressEscape(ClientKind kind, std::size_t zone) {
+void SnapCases::pressEscape(ClientKind kind, KeyTiming timing, std::size_t zone) {
     SCOPED_TRACE(std::string("Escape: ") + name(kind));
     const TestClient client = open(kind);
-    script_.grab(client, KeyTiming::afterTheDragBegan);
+    script_.grab(client, timing);
     script_.dragTo(frame(zone).center());
     desktop_.input().tapKey(keysym::escape);
     EXPECT_TRUE(program_.overlayShows()) << desktop_.describe();
@@ -108,7 +110,7 @@ void SnapCases::closeInMidDrag(ClientKind kind, KeyTiming timing, std::size_t zo
     other.process->stop();
 }
 
-void SnapCases::pullOffMaximised(ClientKind kind, std::size_t zone) {
+void SnapCases::pullOffMaximised(ClientKind kind, KeyTiming timing, std::size_t zone) {
     SCOPED_TRACE(std::string("pulled off: ") + name(kind));
     const TestClient client = open(kind);
     const QStringList maximise{QStringLiteral("-i"), QStringLiteral("-r"),
@@ -120,7 +122,7 @@ void SnapCases::pullOffMaximised(ClientKind kind, std::size_t zone) {
                inspector_.outerFrame(client.window).width() >= area_.width() - 20;
     })) << "it is not maximised"
         << desktop_.describe();
-    dragAndDrop(kind, client, KeyTiming::beforeThePress, frame(zone).center(), frame(zone));
+    dragAndDrop(kind, client, timing, frame(zone).center(), frame(zone));
     client.process->stop();
 }
 

@@ -3,6 +3,7 @@
 #include "DragScript.h"
 
 #include <array>
+#include <initializer_list>
 #include <memory>
 
 namespace tilewright::testing {
@@ -22,14 +23,14 @@ public:
     void dropInAZone(ClientKind kind, KeyTiming timing, std::size_t zone);
     /// The same window through several zones, one drag each.
     void dropInZonesInTurn(ClientKind kind, KeyTiming timing, std::size_t first, int count);
-    /// With the key let go before the button nothing is snapped.
-    void releaseTheKeyFirst(ClientKind kind);
+    /// With the key let go before the button nothing is snapped, in one drag for each timing.
+    void releaseTheKeyFirst(ClientKind kind, std::initializer_list<KeyTiming> timings);
     /// Escape in mid-drag changes nothing of the snap.
-    void pressEscape(ClientKind kind, std::size_t zone);
+    void pressEscape(ClientKind kind, KeyTiming timing, std::size_t zone);
     /// A window that closes in mid-drag costs nothing, neither another window's place.
     void closeInMidDrag(ClientKind kind, KeyTiming timing, std::size_t zone);
     /// A maximised window is pulled off into a zone.
-    void pullOffMaximised(ClientKind kind, std::size_t zone);
+    void pullOffMaximised(ClientKind kind, KeyTiming timing, std::size_t zone);
     /// Dropped where a window manager would tile or maximise it, the window fills the zone there.
     void dropAtTheEdges(ClientKind kind, KeyTiming timing);
 

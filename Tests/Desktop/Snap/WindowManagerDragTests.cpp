@@ -47,7 +47,7 @@ TEST_P(WindowManagerDrag, SnapsByControl) {
     if (GetParam().kind == WindowManagerKind::i3)
         cases.dropInAZone(ClientKind::qt, KeyTiming::beforeThePress, 2);
     else
-        cases.pullOffMaximised(ClientKind::qt, 2);
+        cases.pullOffMaximised(ClientKind::qt, KeyTiming::beforeThePress, 2);
 }
 
 TEST_P(WindowManagerDrag, SnapsByShift) {
@@ -61,8 +61,8 @@ TEST_P(WindowManagerDrag, SnapsByShift) {
 TEST_P(WindowManagerDrag, SnapsByOption) {
     SnapCases cases(desktop, QStringLiteral("option"));
     cases.dropInAZone(ClientKind::xterm, KeyTiming::afterTheDragBegan, 1);
-    cases.pressEscape(ownBar(), 0);
-    cases.releaseTheKeyFirst(ClientKind::qt);
+    cases.pressEscape(ownBar(), KeyTiming::afterTheDragBegan, 0);
+    cases.releaseTheKeyFirst(ClientKind::qt, {KeyTiming::afterTheDragBegan});
 }
 
 TEST_P(WindowManagerDrag, SnapsByCommand) {

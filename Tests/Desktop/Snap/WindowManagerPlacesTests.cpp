@@ -5,6 +5,8 @@
 #include <Waiting.h>
 
 #include <gtest/gtest.h>
+#include <optional>
+#include <tuple>
 
 namespace tilewright::testing {
 namespace {
@@ -116,28 +118,42 @@ struct TwoMonitors {
     std::unique_ptr<DragScript> script;
 };
 
-struct WindowManagerPlaces : ::testing::TestWithParam<Desk> {
-    /// Xfwm4 keeps windows on the outputs: for it they are real ones.
-    static bool hasOutputs() { return GetParam().kind == WindowManagerKind::xfwm4; }
-    /// Whether it tiles what is dropped below the space that panels leave.
-    static bool tilesBelow() { return GetParam().kind == WindowManagerKind::muffin; }
+/// Two monitors with a space between them, and a panel along the bottom of the left one.
+struct MonitorsApart {
+    /// Splits one screen, or moves real outputs apart. Before the window manager starts.
+    enum class Kind { halvesOfOneScreen, outputs };
+
+    explicit MonitorsApart(Kind kind)
+        : desktop(kind == Kind::outputs ? XServer::twoOutputs() : XServer::virtualScreen())
+        , left(0, 0, kind == Kind::outputs ? 1920 : 900, 1080)
+        , right(left.translated(left.width() + 120, 0)) {
+        if (kind == Kind::outputs)
+            moveRightOutput(desktop, right.topLeft());
+        else
+            splitIntoMonitors(desktop, left, right);
+    }
+    /// After the window manager has started.
+    void showPanel() {
+        const auto thickness = quint32(panelThickness);
+        panel.emplace(
+            desktop.display(),
+            QRect(left.left(), left.bottom() + 1 - panelThickness, left.width(), panelThickness),
+            std::vector<quint32>{0, 0, 0, thickness, 0, 0, 0, 0, 0, 0, 0, quint32(left.right())});
+    }
+    /// Starts the program and drops windows in a gap, over the panel and between the monitors.
+    void dropWhereNothingTakesThem(const Desk& whichDesk);
+
+    static constexpr int panelThickness = 48;
+    DesktopSession desktop;
+    const QRect left;
+    const QRect right;
+    std::optional<BareClient> panel;
 };
 
-TEST_P(WindowManagerPlaces, GapsPanelsAndTheSpaceBetweenMonitorsTakeNothing) {
-    DesktopSession desktop(hasOutputs() ? XServer::twoOutputs() : XServer::virtualScreen());
-    const QRect left(0, 0, hasOutputs() ? 1920 : 900, 1080);
-    const QRect right = left.translated(left.width() + 120, 0);
-    if (hasOutputs())
-        moveRightOutput(desktop, right.topLeft());
-    else
-        splitIntoMonitors(desktop, left, right);
-    ASSERT_TRUE(desktop.startWindowManager(GetParam().kind, GetParam().compositing));
-    constexpr quint32 thickness = 48;
-    const BareClient panel(
-        desktop.display(),
-        QRect(left.left(), left.bottom() + 1 - int(thickness), left.width(), int(thickness)),
-        {0, 0, 0, thickness, 0, 0, 0, 0, 0, 0, 0, quint32(left.right())});
-    const TwoMonitors desk(desktop, GetParam());
+void MonitorsApart::dropWhereNothingTakesThem(const Desk& whichDesk) {
+    SCOPED_TRACE(std::string(name(whichDesk.client)) +
+                 (whichDesk.timing == KeyTiming::beforeThePress ? ", key first" : ", press first"));
+    const TwoMonitors desk(desktop, whichDesk);
     const XInspector& inspector = desktop.inspector();
     const auto& zones = ZoneLayout::quadrants().zones;
 
@@ -158,9 +174,10 @@ TEST_P(WindowManagerPlaces, GapsPanelsAndTheSpaceBetweenMonitorsTakeNothing) {
     EXPECT_EQ(inspector.outerFrame(stays.window).size(), before)
         << "in the gap" << desktop.describe();
 
-    desk.dropNowhere(stays, {150, left.bottom() - int(thickness) / 2});
+    desk.dropNowhere(stays, {150, left.bottom() - panelThickness / 2});
     QSize after = before;
-    if (tilesBelow()) {
+    // Muffin itself tiles what is dropped below the space that panels leave.
+    if (whichDesk.kind == WindowManagerKind::muffin) {
         EXPECT_TRUE(waitUntil([&] {
             after = inspector.outerFrame(stays.window).size();
             return inspector.hasAtom(stays.window, "_NET_WM_STATE",
@@ -174,6 +191,20 @@ TEST_P(WindowManagerPlaces, GapsPanelsAndTheSpaceBetweenMonitorsTakeNothing) {
     desk.dropInto(client, zoneFrame(zones[1], right));
     EXPECT_EQ(inspector.outerFrame(stays.window).size(), after)
         << "over the panel" << desktop.describe();
+    stays.process->stop();
+    client.process->stop();
+}
+
+struct WindowManagerPlaces : ::testing::TestWithParam<Desk> {};
+
+TEST_P(WindowManagerPlaces, GapsPanelsAndTheSpaceBetweenMonitorsTakeNothing) {
+    // Xfwm4 keeps windows on the outputs.
+    MonitorsApart monitors(GetParam().kind == WindowManagerKind::xfwm4
+                               ? MonitorsApart::Kind::outputs
+                               : MonitorsApart::Kind::halvesOfOneScreen);
+    ASSERT_TRUE(monitors.desktop.startWindowManager(GetParam().kind, GetParam().compositing));
+    monitors.showPanel();
+    monitors.dropWhereNothingTakesThem(GetParam());
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -197,6 +228,34 @@ INSTANTIATE_TEST_SUITE_P(
                       Desk{WindowManagerKind::icewm, Compositing::on, "control",
                            ClientKind::gtkClientDecorated, KeyTiming::afterTheDragBegan}),
     nameOf);
+
+/// Every key, with both timings and every kind of client.
+struct OpenboxPlaces : ::testing::TestWithParam<std::tuple<const char*, Compositing, KeyTiming>> {};
+
+TEST_P(OpenboxPlaces, GapsPanelsAndTheSpaceBetweenMonitorsTakeNothing) {
+    const auto [modifier, compositing, timing] = GetParam();
+    MonitorsApart monitors(MonitorsApart::Kind::halvesOfOneScreen);
+    ASSERT_TRUE(monitors.desktop.startWindowManager(WindowManagerKind::openbox, compositing));
+    monitors.showPanel();
+    for (const ClientKind kind :
+         {ClientKind::xterm, ClientKind::qt, ClientKind::gtkClientDecorated})
+        monitors.dropWhereNothingTakesThem(
+            {WindowManagerKind::openbox, compositing, modifier, kind, timing});
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Plain, OpenboxPlaces,
+    ::testing::Combine(::testing::Values("control", "shift", "option", "command"),
+                       ::testing::Values(Compositing::off),
+                       ::testing::Values(KeyTiming::beforeThePress)),
+    [](const auto& one) { return std::string(std::get<0>(one.param)) + "KeyFirst"; });
+
+INSTANTIATE_TEST_SUITE_P(
+    Composited, OpenboxPlaces,
+    ::testing::Combine(::testing::Values("control", "shift", "option", "command"),
+                       ::testing::Values(Compositing::on),
+                       ::testing::Values(KeyTiming::afterTheDragBegan)),
+    [](const auto& one) { return std::string(std::get<0>(one.param)) + "PressFirst"; });
 
 /// Two outputs, as the window manager sees them too.
 struct SnapOnTwoOutputs : ::testing::TestWithParam<Desk> {};
