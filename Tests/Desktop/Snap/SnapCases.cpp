@@ -88,13 +88,13 @@ void SnapCases::pressEscape(ClientKind kind, KeyTiming timing, std::size_t zone)
     client.process->stop();
 }
 
-void SnapCases::closeInMidDrag(ClientKind kind, KeyTiming timing, std::size_t zone) {
+void SnapCases::closeInMidDrag(ClientKind kind, KeyTiming timing, std::size_t zone, QPoint from) {
     SCOPED_TRACE(std::string("the window closes: ") + name(kind));
     // Not where the button is let go: muffin goes on with the drag of a window that is gone, on the
     // one that it finds there.
     const TestClient other = open(ClientKind::qt, {1300, 600, 400, 300});
     const QRect untouched = inspector_.outerFrame(other.window);
-    const TestClient client = open(kind, {360, 220, 640, 420});
+    const TestClient client = open(kind, {from, QSize(640, 420)});
     script_.grab(client, timing);
     script_.dragTo(area_.center());
     client.process->stop();

@@ -27,8 +27,10 @@ public:
     void releaseTheKeyFirst(ClientKind kind, std::initializer_list<KeyTiming> timings);
     /// Escape in mid-drag changes nothing of the snap.
     void pressEscape(ClientKind kind, KeyTiming timing, std::size_t zone);
-    /// A window that closes in mid-drag costs nothing, neither another window's place.
-    void closeInMidDrag(ClientKind kind, KeyTiming timing, std::size_t zone);
+    /// A window that closes in mid-drag costs nothing, neither another window's place. It opens at
+    /// this place.
+    void closeInMidDrag(ClientKind kind, KeyTiming timing, std::size_t zone,
+                        QPoint from = {360, 220});
     /// A maximised window is pulled off into a zone.
     void pullOffMaximised(ClientKind kind, KeyTiming timing, std::size_t zone);
     /// Dropped where a window manager would tile or maximise it, the window fills the zone there.

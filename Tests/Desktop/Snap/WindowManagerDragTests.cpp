@@ -28,12 +28,14 @@ struct WindowManagerDrag : ::testing::TestWithParam<Desk> {
                                                         : ClientKind::gtkClientDecorated;
     }
 
-    /// Whether a window that is moved while Shift is held jumps to the edges round about: it is not
-    /// under the pointer then when the program looks, and the focused window stands in for it.
-    static bool jumpsWithShift() {
-        return GetParam().kind == WindowManagerKind::marco ||
-               GetParam().kind == WindowManagerKind::mutter ||
-               GetParam().kind == WindowManagerKind::muffin;
+    /// Where a window opens that is moved while Shift is held. Marco, mutter and muffin make it
+    /// jump to the edges round about: away from the pointer, perhaps before the program looks, and
+    /// the focused window would stand in for it. In the corner it stays.
+    static QPoint placeForShift() {
+        const bool jumps = GetParam().kind == WindowManagerKind::marco ||
+                           GetParam().kind == WindowManagerKind::mutter ||
+                           GetParam().kind == WindowManagerKind::muffin;
+        return jumps ? QPoint(0, 0) : QPoint(360, 220);
     }
 
     DesktopSession desktop;
@@ -54,8 +56,7 @@ TEST_P(WindowManagerDrag, SnapsByShift) {
     SnapCases cases(desktop, QStringLiteral("shift"));
     cases.dropInAZone(ClientKind::qt, KeyTiming::afterTheDragBegan, 3);
     cases.dropInAZone(ownBar(), KeyTiming::beforeThePress, 2);
-    if (!jumpsWithShift())
-        cases.closeInMidDrag(ClientKind::xterm, KeyTiming::afterTheDragBegan, 1);
+    cases.closeInMidDrag(ClientKind::xterm, KeyTiming::afterTheDragBegan, 1, placeForShift());
 }
 
 TEST_P(WindowManagerDrag, SnapsByOption) {
