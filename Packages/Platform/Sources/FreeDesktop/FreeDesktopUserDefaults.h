@@ -6,8 +6,8 @@
 
 namespace tilewright {
 
-/// The user defaults in $XDG_CONFIG_HOME/Tilewright/Tilewright.conf. A value reaches the disk on
-/// the next turn of the event loop.
+/// The user defaults in $XDG_CONFIG_HOME/Tilewright/Tilewright.conf. A value is in that file, for
+/// every process, when `setString` returns.
 class FreeDesktopUserDefaults final : public UserDefaults {
 public:
     FreeDesktopUserDefaults();

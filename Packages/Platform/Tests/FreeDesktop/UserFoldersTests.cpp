@@ -1,12 +1,14 @@
 #include <FreeDesktop/FreeDesktopApplicationSupport.h>
 #include <FreeDesktop/FreeDesktopUserDefaults.h>
-#include <Waiting.h>
 
 #include <QDir>
 #include <QFile>
 #include <QSettings>
 #include <QTemporaryDir>
+#include <csignal>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace tilewright::testing {
 namespace {
@@ -31,6 +33,8 @@ protected:
     }
 
     QTemporaryDir home;
+    const QString settingsFile =
+        home.filePath(QStringLiteral(".config/Tilewright/Tilewright.conf"));
     const QByteArray formerHome = qgetenv("HOME");
     const QString key = QStringLiteral("snapActivationModifier");
 };
@@ -52,12 +56,39 @@ TEST_F(FreeDesktopFoldersTest, KeepsApplicationDataInTheGenericDataFolder) {
 }
 
 TEST_F(FreeDesktopFoldersTest, KeepsSettingsInOneFileOfTheConfigurationFolder) {
-    const QString path = home.filePath(QStringLiteral(".config/Tilewright/Tilewright.conf"));
     FreeDesktopUserDefaults defaults;
     defaults.setString(QStringLiteral("option"), key);
-    EXPECT_TRUE(waitUntil([&] { return contents(path).contains("snapActivationModifier=option"); }))
-        << "without any further call, once the event loop turns";
     EXPECT_EQ(FreeDesktopUserDefaults().string(key), QStringLiteral("option"));
+    EXPECT_EQ(QDir(home.filePath(QStringLiteral(".config")))
+                  .entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+              QStringList{QStringLiteral("Tilewright")});
+    EXPECT_EQ(QDir(QFileInfo(settingsFile).path()).entryList(QDir::Files),
+              QStringList{QStringLiteral("Tilewright.conf")});
+}
+
+TEST_F(FreeDesktopFoldersTest, HasEachSettingInItsFileAsSoonAsItIsSet) {
+    FreeDesktopUserDefaults defaults;
+    for (const QString& value : {QStringLiteral("option"), QStringLiteral("shift")}) {
+        defaults.setString(value, key);
+        // Nothing has turned the event loop.
+        EXPECT_EQ(contents(settingsFile),
+                  "[General]\nsnapActivationModifier=" + value.toUtf8() + "\n");
+    }
+}
+
+TEST_F(FreeDesktopFoldersTest, KeepsASettingOfAProcessThatIsKilledRightAfterwards) {
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        FreeDesktopUserDefaults defaults;
+        defaults.setString(QStringLiteral("command"), key);
+        std::raise(SIGKILL);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFSIGNALED(status));
+    ASSERT_EQ(WTERMSIG(status), SIGKILL);
+    EXPECT_EQ(FreeDesktopUserDefaults().string(key), QStringLiteral("command"));
 }
 
 TEST_F(FreeDesktopFoldersTest, HasNoValueWhereNoneOrAnotherKindOfOneIsStored) {
