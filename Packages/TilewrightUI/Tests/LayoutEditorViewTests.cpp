@@ -210,6 +210,34 @@ TEST_F(LayoutEditorViewTest, AddsAndDeletesZonesByItsButtons) {
     EXPECT_FALSE(button(u"Save Layout"_s)->isEnabled());
 }
 
+TEST_F(LayoutEditorViewTest, JudgesClicksThatComeTogetherByWhatTheOnesBeforeHaveDone) {
+    // The loop does not turn between them.
+    const auto clickAtOnce = [&](QWidget* control) {
+        ASSERT_NE(control, nullptr);
+        QTest::mouseClick(control, Qt::LeftButton);
+    };
+    clickAtOnce(button(u"New"_s));
+    clickAtOnce(button(u"Add Zone"_s));
+    EXPECT_EQ(model().zones().size(), 2U);
+    clickAtOnce(button(u"Delete"_s));
+    EXPECT_EQ(model().zones().size(), 1U) << "the added zone was selected";
+
+    auto* snap = view.findChild<ToggleSwitch*>();
+    clickAtOnce(snap);
+    EXPECT_FALSE(model().snapToEdges());
+    clickAtOnce(snap);
+    EXPECT_TRUE(model().snapToEdges());
+
+    model().select(zone(0).id);
+    clickAtOnce(button(u"Delete"_s));
+    EXPECT_TRUE(model().zones().empty());
+    clickAtOnce(button(u"Save Layout"_s));
+    EXPECT_TRUE(LayoutStore::shared().customLayouts().empty()) << "there is nothing to save";
+    clickAtOnce(button(u"New"_s));
+    clickAtOnce(button(u"Save Layout"_s));
+    EXPECT_EQ(LayoutStore::shared().customLayouts().size(), 1U);
+}
+
 TEST_F(LayoutEditorViewTest, ShowsAToastAndTakesItAway) {
     auto* toast = view.findChild<EditorToast*>();
     EXPECT_TRUE(toast->isHidden());

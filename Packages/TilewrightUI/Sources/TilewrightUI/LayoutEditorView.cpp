@@ -95,6 +95,10 @@ void LayoutEditorView::makeControls() {
          {openButton_, newButton_, addButton_, deleteButton_, saveAsNewButton_, saveButton_})
         button->setFocusPolicy(Qt::TabFocus);
 
+    for (QWidget* control :
+         std::initializer_list<QWidget*>{deleteButton_, saveAsNewButton_, saveButton_, snapSwitch_})
+        control->installEventFilter(this);
+
     controls_ = std::make_unique<WrappingRow>(std::vector<QWidget*>{addButton_, deleteButton_},
                                               std::vector<QWidget*>{saveAsNewButton_, saveButton_});
 }
@@ -172,6 +176,14 @@ bool LayoutEditorView::event(QEvent* event) {
     if (event->type() == QEvent::LayoutRequest)
         arrange();
     return QWidget::event(event);
+}
+
+bool LayoutEditorView::eventFilter(QObject* watched, QEvent* event) {
+    // Clicks may wait together while the program is busy, with no turn of the loop between them.
+    // Each is judged by what the model says, not by what was shown before the first.
+    if (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick)
+        refresh();
+    return QWidget::eventFilter(watched, event);
 }
 
 void LayoutEditorView::resizeEvent(QResizeEvent*) {
