@@ -42,23 +42,22 @@ struct DisplayBench {
     /// Writes what a monitor would tell of itself.
     void setEdid(const char* output, const QByteArray& edid) {
         xcb_connection_t* xcb = desktop.inspector().connection();
-        auto* resources = xcb_randr_get_screen_resources_reply(
-            xcb, xcb_randr_get_screen_resources(xcb, desktop.inspector().root()), nullptr);
+        const XReply<xcb_randr_get_screen_resources_reply_t> resources(
+            xcb_randr_get_screen_resources_reply(
+                xcb, xcb_randr_get_screen_resources(xcb, desktop.inspector().root()), nullptr));
         ASSERT_NE(resources, nullptr);
-        const auto* outputs = xcb_randr_get_screen_resources_outputs(resources);
-        for (int i = 0; i < xcb_randr_get_screen_resources_outputs_length(resources); ++i) {
-            auto* info = xcb_randr_get_output_info_reply(
-                xcb, xcb_randr_get_output_info(xcb, outputs[i], XCB_CURRENT_TIME), nullptr);
+        const auto* outputs = xcb_randr_get_screen_resources_outputs(resources.get());
+        for (int i = 0; i < xcb_randr_get_screen_resources_outputs_length(resources.get()); ++i) {
+            const XReply<xcb_randr_get_output_info_reply_t> info(xcb_randr_get_output_info_reply(
+                xcb, xcb_randr_get_output_info(xcb, outputs[i], XCB_CURRENT_TIME), nullptr));
             const QByteArray name(
-                reinterpret_cast<const char*>(xcb_randr_get_output_info_name(info)),
-                xcb_randr_get_output_info_name_length(info));
-            std::free(info); // NOLINT: xcb allocates with malloc
+                reinterpret_cast<const char*>(xcb_randr_get_output_info_name(info.get())),
+                xcb_randr_get_output_info_name_length(info.get()));
             if (name == output)
                 xcb_randr_change_output_property(
                     xcb, outputs[i], desktop.inspector().atom("EDID"), XCB_ATOM_INTEGER, 8,
                     XCB_PROP_MODE_REPLACE, static_cast<quint32>(edid.size()), edid.constData());
         }
-        std::free(resources); // NOLINT: xcb allocates with malloc
         xcb_flush(xcb);
     }
 

@@ -1,5 +1,6 @@
 // The headless desktop itself: every window manager comes up, every client shows and can be seen.
 
+#include <BareClient.h>
 #include <DesktopSession.h>
 #include <TestClients.h>
 #include <Waiting.h>
@@ -7,6 +8,33 @@
 #include <gtest/gtest.h>
 
 using namespace tilewright::testing;
+
+namespace {
+
+/// Where a window is told that buttons were pressed and released in it, from its top-left corner.
+class ButtonListener {
+public:
+    ButtonListener(const QString& display, XInspector::Window window)
+        : client_(display) {
+        const quint32 mask = XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE;
+        xcb_change_window_attributes(client_.xcb(), window, XCB_CW_EVENT_MASK, &mask);
+        client_.sync();
+    }
+
+    [[nodiscard]] const std::vector<QPoint>& places() {
+        while (const XReply<xcb_generic_event_t> event{xcb_poll_for_event(client_.xcb())}) {
+            const auto* button = reinterpret_cast<const xcb_button_press_event_t*>(event.get());
+            places_.emplace_back(button->event_x, button->event_y);
+        }
+        return places_;
+    }
+
+private:
+    XClient client_;
+    std::vector<QPoint> places_;
+};
+
+} // namespace
 
 class HeadlessDesktop : public ::testing::TestWithParam<WindowManagerKind> {};
 
@@ -51,6 +79,25 @@ TEST(HeadlessDesktopInput, DragsAWindowByItsTitleBar) {
     EXPECT_TRUE(waitUntil([&] {
         return desktop.inspector().outerFrame(client.window) == before.translated(120, 80);
     }));
+}
+
+TEST(HeadlessDesktopInput, ClicksInAQuickRowWhereItIsToldTo) {
+    DesktopSession desktop;
+    // It freezes the pointer with each press until it has looked at the window beneath.
+    ASSERT_TRUE(desktop.startWindowManager(WindowManagerKind::openbox));
+    const BareClient client(desktop.display(), QRect(300, 200, 500, 300));
+    const QPoint corner = desktop.inspector().clientFrame(client.window()).topLeft();
+    ButtonListener listener(desktop.display(), client.window());
+    std::vector<QPoint> places;
+    places.reserve(80);
+    for (int i = 0; i < 40; ++i) {
+        const QPoint place(20 + 10 * i, 20 + 5 * i);
+        desktop.input().click(corner + place);
+        // Pressed and released.
+        places.insert(places.end(), 2, place);
+    }
+    EXPECT_TRUE(waitUntil([&] { return listener.places().size() >= places.size(); }));
+    EXPECT_EQ(listener.places(), places);
 }
 
 TEST(HeadlessDesktopInput, SeesTwoOutputsOfADummyServer) {

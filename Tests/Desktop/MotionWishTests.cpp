@@ -3,42 +3,39 @@
 #include <DesktopSession.h>
 #include <Waiting.h>
 #include <X11TestPlatform.h>
+#include <XClient.h>
 
 #include <QSignalSpy>
 #include <QtEndian>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <vector>
-#include <xcb/xcb.h>
 
 namespace tilewright::testing {
 namespace {
 
-/// A settings manager that tells one thing: whether animations are wanted.
+/// A settings manager that tells one thing: whether animations are wanted. It ends as when it
+/// crashes.
 class SettingsManager {
 public:
     explicit SettingsManager(const QString& display)
-        : connection_(xcb_connect(display.toLatin1().constData(), nullptr))
-        , window_(xcb_generate_id(connection_)) {
-        const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data->root;
-        xcb_create_window(connection_, 0, window_, root, -1, -1, 1, 1, 0,
+        : client_(display)
+        , window_(xcb_generate_id(client_.xcb())) {
+        xcb_create_window(client_.xcb(), 0, window_, client_.root(), -1, -1, 1, 1, 0,
                           XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
-        xcb_set_selection_owner(connection_, window_, atom("_XSETTINGS_S0"), XCB_CURRENT_TIME);
-        sync();
+        xcb_set_selection_owner(client_.xcb(), window_, client_.atom("_XSETTINGS_S0"),
+                                XCB_CURRENT_TIME);
+        client_.sync();
     }
-    /// As when it crashes.
-    ~SettingsManager() { xcb_disconnect(connection_); }
-    SettingsManager(const SettingsManager&) = delete;
-    SettingsManager& operator=(const SettingsManager&) = delete;
 
     /// Keeps the server from answering anybody else.
     void holdServer() {
-        xcb_grab_server(connection_);
-        sync();
+        xcb_grab_server(client_.xcb());
+        client_.sync();
     }
     void letGoOfServer() {
-        xcb_ungrab_server(connection_);
-        sync();
+        xcb_ungrab_server(client_.xcb());
+        client_.sync();
     }
     void setAnimations(qint32 areEnabled) {
         ++serial_;
@@ -47,10 +44,10 @@ public:
                                     number<quint32>(1) + QByteArray(2, '\0') +
                                     number(static_cast<quint16>(name.size())) + name +
                                     number<quint32>(serial_) + number(areEnabled);
-        const xcb_atom_t settings = atom("_XSETTINGS_SETTINGS");
-        xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window_, settings, settings, 8,
+        const xcb_atom_t settings = client_.atom("_XSETTINGS_SETTINGS");
+        xcb_change_property(client_.xcb(), XCB_PROP_MODE_REPLACE, window_, settings, settings, 8,
                             static_cast<uint32_t>(property.size()), property.constData());
-        sync();
+        client_.sync();
     }
 
 private:
@@ -59,16 +56,8 @@ private:
         const Number ordered = qToLittleEndian(value);
         return {static_cast<const char*>(static_cast<const void*>(&ordered)), sizeof(ordered)};
     }
-    xcb_atom_t atom(const QByteArray& name) {
-        const auto cookie =
-            xcb_intern_atom(connection_, 0, static_cast<uint16_t>(name.size()), name.constData());
-        const X11Reply<xcb_intern_atom_reply_t> reply(
-            xcb_intern_atom_reply(connection_, cookie, nullptr));
-        return reply ? reply->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE);
-    }
-    void sync() { static_cast<void>(atom("WM_STATE")); }
 
-    xcb_connection_t* connection_;
+    XClient client_;
     xcb_window_t window_;
     quint32 serial_ = 0;
 };

@@ -3,7 +3,7 @@
 
 #include "SnapBench.h"
 
-#include <BareClient.h>
+#include <XClient.h>
 
 #include <xcb/shape.h>
 
@@ -24,78 +24,59 @@ struct LayerTraits {
     quint32 state = 0;
 };
 
-/// A connection that makes windows straight on the screen, each above those before.
+/// Makes windows straight on the screen, each above those before.
 class Maker {
 public:
     explicit Maker(const QString& display)
-        : connection_(xcb_connect(display.toLatin1().constData(), nullptr))
-        , root_(xcb_setup_roots_iterator(xcb_get_setup(connection_)).data->root) {}
-    Maker(const Maker&) = delete;
-    Maker& operator=(const Maker&) = delete;
-    ~Maker() { xcb_disconnect(connection_); }
+        : client_(display) {}
 
     xcb_window_t lay(const QRect& area, const LayerTraits& traits = {}) {
-        const xcb_window_t window = xcb_generate_id(connection_);
+        const xcb_window_t window = xcb_generate_id(client_.xcb());
         const std::array<quint32, 2> values{1, traits.events};
-        xcb_create_window(connection_, XCB_COPY_FROM_PARENT, window, root_,
+        xcb_create_window(client_.xcb(), XCB_COPY_FROM_PARENT, window, client_.root(),
                           static_cast<qint16>(area.x()), static_cast<qint16>(area.y()),
                           static_cast<quint16>(area.width()), static_cast<quint16>(area.height()),
                           0, static_cast<quint16>(traits.kind), XCB_COPY_FROM_PARENT,
                           XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK, values.data());
         if (traits.type)
-            set(window, "_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM, {atom(traits.type)});
+            set(window, "_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM, {client_.atom(traits.type)});
         if (traits.state != 0)
-            set(window, "WM_STATE", atom("WM_STATE"), {traits.state, 0});
-        xcb_map_window(connection_, window);
-        sync();
+            set(window, "WM_STATE", client_.atom("WM_STATE"), {traits.state, 0});
+        xcb_map_window(client_.xcb(), window);
+        client_.sync();
         return window;
     }
     void unmap(xcb_window_t window) {
-        xcb_unmap_window(connection_, window);
-        sync();
+        xcb_unmap_window(client_.xcb(), window);
+        client_.sync();
     }
     /// Lets the mouse through, but for a part of the window.
     void takeInputIn(xcb_window_t window, const QRect& part) {
         const xcb_rectangle_t rectangle{
             static_cast<qint16>(part.x()), static_cast<qint16>(part.y()),
             static_cast<quint16>(part.width()), static_cast<quint16>(part.height())};
-        xcb_shape_rectangles(connection_, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT,
+        xcb_shape_rectangles(client_.xcb(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT,
                              XCB_CLIP_ORDERING_UNSORTED, window, 0, 0, part.isEmpty() ? 0 : 1,
                              &rectangle);
-        sync();
+        client_.sync();
     }
     /// Becomes the screen's window manager, as far as the extended hints tell.
     void manage() {
         const xcb_window_t check = lay({-10, -10, 1, 1});
-        for (const xcb_window_t window : {check, root_})
+        for (const xcb_window_t window : {check, client_.root()})
             set(window, "_NET_SUPPORTING_WM_CHECK", XCB_ATOM_WINDOW, {check});
-        set(root_, "_NET_SUPPORTED", XCB_ATOM_ATOM,
-            {atom("_NET_MOVERESIZE_WINDOW"), atom("_NET_ACTIVE_WINDOW")});
-        sync();
+        set(client_.root(), "_NET_SUPPORTED", XCB_ATOM_ATOM,
+            {client_.atom("_NET_MOVERESIZE_WINDOW"), client_.atom("_NET_ACTIVE_WINDOW")});
+        client_.sync();
     }
 
 private:
-    quint32 atom(const char* name) {
-        auto* reply = xcb_intern_atom_reply(
-            connection_, xcb_intern_atom(connection_, 0, static_cast<quint16>(qstrlen(name)), name),
-            nullptr);
-        const quint32 value = reply ? reply->atom : 0;
-        std::free(reply); // NOLINT: xcb allocates with malloc
-        return value;
-    }
-    void set(xcb_window_t window, const char* property, quint32 type,
+    void set(xcb_window_t window, const char* property, xcb_atom_t type,
              const std::vector<quint32>& items) {
-        xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window, atom(property), type, 32,
-                            static_cast<quint32>(items.size()), items.data());
-    }
-    void sync() {
-        // NOLINTNEXTLINE: xcb allocates with malloc
-        std::free(
-            xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
+        client_.setProperty(window, client_.atom(property), type, items);
     }
 
-    xcb_connection_t* connection_;
-    xcb_window_t root_;
+    XClient client_;
 };
 
 /// A screen with a window manager that does nothing but lay windows about, and an application.

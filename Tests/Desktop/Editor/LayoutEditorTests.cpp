@@ -9,6 +9,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QRegularExpression>
+#include <csignal>
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
@@ -229,6 +230,27 @@ TEST_F(LayoutEditorOnScreen, BuildsSavesReopensRenamesAndUpdatesALayout) {
     expected[u"customLayouts"] = QJsonArray{renamed};
     EXPECT_EQ(QJsonDocument::fromJson(contents(layoutsFile())).object(), expected)
         << contents(layoutsFile()).toStdString();
+}
+
+TEST_F(LayoutEditorOnScreen, DoesWhatWasClickedWhileItWasBusyInTheOrderOfTheClicks) {
+    std::vector<QPoint> places;
+    for (const QString& name : {u"New"_s, u"Add Zone"_s, u"Snap to edges"_s, u"Snap to edges"_s})
+        places.push_back(place(name).center().toPoint());
+    // Not to be used yet, and so not reported, but to the right of "Add Zone".
+    const QRectF add = place(u"Add Zone"_s);
+    places.push_back(QPointF(add.right() + 30, add.center().y()).toPoint());
+    places.push_back(place(u"Save Layout"_s).center().toPoint());
+    editor->signal(SIGSTOP);
+    for (const QPoint& at : places)
+        desktop.input().click(at);
+    editor->signal(SIGCONT);
+    ASSERT_TRUE(waitUntil([&] { return hasShown({u"Layout saved"_s}); }))
+        << contents(reportFile()).toStdString();
+    const QJsonObject document = QJsonDocument::fromJson(contents(layoutsFile())).object();
+    ASSERT_EQ(document[u"customLayouts"].toArray().size(), 1);
+    const QJsonArray zones = document[u"customLayouts"][0].toObject()[u"zones"].toArray();
+    ASSERT_EQ(zones.size(), 1) << "the second zone was added and deleted";
+    expectZone(zones[0].toObject(), u"Zone 1"_s, 0, 0, 0.5, 1);
 }
 
 } // namespace

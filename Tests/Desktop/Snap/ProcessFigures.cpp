@@ -1,10 +1,10 @@
 #include "ProcessFigures.h"
 
+#include <XClient.h>
+
 #include <QDir>
 #include <QFile>
 #include <algorithm>
-#include <cstdlib>
-#include <memory>
 #include <ostream>
 #include <unistd.h>
 #include <xcb/res.h>
@@ -32,14 +32,8 @@ long sumOf(const QByteArray& text, const QByteArray& key) {
     return sum;
 }
 
-struct FreeReply {
-    void operator()(void* reply) const { std::free(reply); } // NOLINT: xcb allocates with malloc
-};
-template<class Reply>
-using ReplyPtr = std::unique_ptr<Reply, FreeReply>;
-
 std::string atomName(xcb_connection_t* connection, xcb_atom_t atom) {
-    const ReplyPtr<xcb_get_atom_name_reply_t> reply(
+    const XReply<xcb_get_atom_name_reply_t> reply(
         xcb_get_atom_name_reply(connection, xcb_get_atom_name(connection, atom), nullptr));
     if (!reply)
         return {};
@@ -50,7 +44,7 @@ std::string atomName(xcb_connection_t* connection, xcb_atom_t atom) {
 /// One resource of each connection of the process.
 std::vector<std::uint32_t> connectionsOf(xcb_connection_t* connection, pid_t process) {
     const xcb_res_client_id_spec_t all{XCB_NONE, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
-    const ReplyPtr<xcb_res_query_client_ids_reply_t> reply(xcb_res_query_client_ids_reply(
+    const XReply<xcb_res_query_client_ids_reply_t> reply(xcb_res_query_client_ids_reply(
         connection, xcb_res_query_client_ids(connection, 1, &all), nullptr));
     std::vector<std::uint32_t> found;
     if (!reply)
@@ -90,12 +84,13 @@ ProcessFigures processFigures(pid_t process) {
 
 XResources xResources(const QString& display, pid_t process) {
     XResources resources;
-    xcb_connection_t* connection = xcb_connect(display.toLatin1().constData(), nullptr);
-    if (xcb_connection_has_error(connection) == 0) {
-        const ReplyPtr<xcb_res_query_version_reply_t> version(xcb_res_query_version_reply(
+    const XClient asking(display);
+    if (asking.isConnected()) {
+        xcb_connection_t* connection = asking.xcb();
+        const XReply<xcb_res_query_version_reply_t> version(xcb_res_query_version_reply(
             connection, xcb_res_query_version(connection, 1, 2), nullptr));
         for (const std::uint32_t client : connectionsOf(connection, process)) {
-            const ReplyPtr<xcb_res_query_client_resources_reply_t> reply(
+            const XReply<xcb_res_query_client_resources_reply_t> reply(
                 xcb_res_query_client_resources_reply(
                     connection, xcb_res_query_client_resources(connection, client), nullptr));
             if (!reply)
@@ -105,7 +100,6 @@ XResources xResources(const QString& display, pid_t process) {
                 resources[atomName(connection, types.data->resource_type)] += types.data->count;
         }
     }
-    xcb_disconnect(connection);
     return resources;
 }
 

@@ -107,11 +107,10 @@ TEST_F(SnapBesideOthers, AClickThroughTheOverlayReachesTheWindowBeneathIt) {
     RunningProgram program(desktop);
     const TestClient client = openWindow();
     BareClient beneath(desktop.display(), QRect(1200, 500, 300, 200));
-    const std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)> listener(
-        xcb_connect(desktop.display().toLatin1(), nullptr), &xcb_disconnect);
+    const XClient listener(desktop.display());
     const quint32 mask = XCB_EVENT_MASK_BUTTON_PRESS;
-    xcb_change_window_attributes(listener.get(), beneath.window(), XCB_CW_EVENT_MASK, &mask);
-    xcb_flush(listener.get());
+    xcb_change_window_attributes(listener.xcb(), beneath.window(), XCB_CW_EVENT_MASK, &mask);
+    xcb_flush(listener.xcb());
     DragScript script(desktop, program);
     script.grab(client, KeyTiming::beforeThePress);
     // The overlay can only be clicked on when the drag that shows it is over: stop the program
@@ -124,10 +123,8 @@ TEST_F(SnapBesideOthers, AClickThroughTheOverlayReachesTheWindowBeneathIt) {
     ASSERT_TRUE(inspector.clientFrame(program.overlay()).contains(place));
     desktop.input().click(place, 3);
     EXPECT_TRUE(waitUntil([&] {
-        auto* event = xcb_poll_for_event(listener.get());
-        const bool isClick = event && (event->response_type & 0x7f) == XCB_BUTTON_PRESS;
-        std::free(event); // NOLINT: xcb allocates with malloc
-        return isClick;
+        const XReply<xcb_generic_event_t> event(xcb_poll_for_event(listener.xcb()));
+        return event && (event->response_type & 0x7f) == XCB_BUTTON_PRESS;
     })) << "the click does not arrive"
         << desktop.describe();
     EXPECT_TRUE(program.overlayShows());

@@ -2,11 +2,9 @@
 
 #include "DesktopSession.h"
 #include "Waiting.h"
+#include "XClient.h"
 
-#include <array>
-#include <cstdlib>
 #include <gtest/gtest.h>
-#include <xcb/xcb.h>
 
 namespace tilewright::testing {
 
@@ -29,98 +27,81 @@ public:
     BareClient(const QString& display, const QRect& area, const std::vector<quint32>& strut = {})
         : BareClient(display, area, BareClientTraits{strut, 0, false, 0}) {}
     BareClient(const QString& display, const QRect& area, const BareClientTraits& traits)
-        : connection_(xcb_connect(display.toLatin1().constData(), nullptr)) {
-        const xcb_screen_t* screen = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data;
-        window_ = xcb_generate_id(connection_);
-        const quint32 background = screen->white_pixel;
-        xcb_create_window(connection_, XCB_COPY_FROM_PARENT, window_, screen->root,
+        : client_(display)
+        , window_(xcb_generate_id(client_.xcb())) {
+        const quint32 background = client_.screen().white_pixel;
+        xcb_create_window(client_.xcb(), XCB_COPY_FROM_PARENT, window_, client_.root(),
                           static_cast<qint16>(area.x()), static_cast<qint16>(area.y()),
                           static_cast<quint16>(area.width()), static_cast<quint16>(area.height()),
                           0, XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_BACK_PIXEL,
                           &background);
         // User's place, user's size: the window manager puts it there.
-        const std::array<quint32, 18> hints{1U | 2U, quint32(area.x()), quint32(area.y()),
-                                            quint32(area.width()), quint32(area.height())};
-        set(XCB_ATOM_WM_NORMAL_HINTS, XCB_ATOM_WM_SIZE_HINTS, hints.data(), hints.size());
+        std::vector<quint32> hints{1U | 2U, quint32(area.x()), quint32(area.y()),
+                                   quint32(area.width()), quint32(area.height())};
+        hints.resize(18);
+        set(XCB_ATOM_WM_NORMAL_HINTS, XCB_ATOM_WM_SIZE_HINTS, hints);
         if (!traits.strut.empty())
             becomePanel(traits.strut);
         if (traits.processID != 0)
-            set(atom("_NET_WM_PID"), XCB_ATOM_CARDINAL, &traits.processID, 1);
-        if (traits.skipsTaskbar) {
-            const quint32 skip = atom("_NET_WM_STATE_SKIP_TASKBAR");
-            set(atom("_NET_WM_STATE"), XCB_ATOM_ATOM, &skip, 1);
-        }
+            set("_NET_WM_PID", XCB_ATOM_CARDINAL, {traits.processID});
+        if (traits.skipsTaskbar)
+            set("_NET_WM_STATE", XCB_ATOM_ATOM, {client_.atom("_NET_WM_STATE_SKIP_TASKBAR")});
         if (traits.dialogOf != 0) {
-            const quint32 dialog = atom("_NET_WM_WINDOW_TYPE_DIALOG");
-            set(atom("_NET_WM_WINDOW_TYPE"), XCB_ATOM_ATOM, &dialog, 1);
-            set(XCB_ATOM_WM_TRANSIENT_FOR, XCB_ATOM_WINDOW, &traits.dialogOf, 1);
+            set("_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM, {client_.atom("_NET_WM_WINDOW_TYPE_DIALOG")});
+            set(XCB_ATOM_WM_TRANSIENT_FOR, XCB_ATOM_WINDOW, {traits.dialogOf});
         }
         // A window manager that is just starting may lose the request: it is asked again then.
         const auto showsUp = [&] {
-            xcb_map_window(connection_, window_);
-            sync();
+            xcb_map_window(client_.xcb(), window_);
+            client_.sync();
             return waitUntil([&] { return isManaged(); }, std::chrono::seconds(1));
         };
         const bool isShown = waitUntil([&] {
             if (showsUp())
                 return true;
-            xcb_unmap_window(connection_, window_);
-            sync();
+            xcb_unmap_window(client_.xcb(), window_);
+            client_.sync();
             return false;
         });
         EXPECT_TRUE(isShown) << "the window manager does not manage the window";
     }
     BareClient(const BareClient&) = delete;
     BareClient& operator=(const BareClient&) = delete;
-    ~BareClient() { xcb_disconnect(connection_); }
 
     [[nodiscard]] XInspector::Window window() const { return window_; }
     /// Says, at any time, that it is a panel and what it reserves.
     void becomePanel(const std::vector<quint32>& strut) {
-        const quint32 dock = atom("_NET_WM_WINDOW_TYPE_DOCK");
-        set(atom("_NET_WM_WINDOW_TYPE"), XCB_ATOM_ATOM, &dock, 1);
+        set("_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM, {client_.atom("_NET_WM_WINDOW_TYPE_DOCK")});
         setStrut(strut);
     }
     void setStrut(const std::vector<quint32>& strut) {
-        set(atom("_NET_WM_STRUT_PARTIAL"), XCB_ATOM_CARDINAL, strut.data(), strut.size());
-        sync();
+        set("_NET_WM_STRUT_PARTIAL", XCB_ATOM_CARDINAL, strut);
+        client_.sync();
     }
     /// Ends the window; returns when the server has done it.
     void destroy() {
-        xcb_destroy_window(connection_, window_);
-        sync();
+        xcb_destroy_window(client_.xcb(), window_);
+        client_.sync();
     }
 
 private:
-    void set(quint32 property, quint32 type, const quint32* items, std::size_t count) {
-        xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window_, property, type, 32,
-                            static_cast<quint32>(count), items);
+    void set(xcb_atom_t property, xcb_atom_t type, const std::vector<quint32>& items) {
+        client_.setProperty(window_, property, type, items);
     }
-    quint32 atom(const char* name) {
-        auto* reply = xcb_intern_atom_reply(
-            connection_, xcb_intern_atom(connection_, 0, static_cast<quint16>(qstrlen(name)), name),
-            nullptr);
-        const quint32 value = reply ? reply->atom : 0;
-        std::free(reply); // NOLINT: xcb allocates with malloc
-        return value;
+    void set(const char* property, xcb_atom_t type, const std::vector<quint32>& items) {
+        set(client_.atom(property), type, items);
     }
-    [[nodiscard]] bool isManaged() {
-        auto* reply = xcb_get_property_reply(
-            connection_,
-            xcb_get_property(connection_, 0, window_, atom("WM_STATE"), XCB_ATOM_ANY, 0, 2),
-            nullptr);
-        const bool isSet = reply && reply->format == 32;
-        std::free(reply); // NOLINT: xcb allocates with malloc
-        return isSet;
-    }
-    void sync() {
-        // NOLINTNEXTLINE: xcb allocates with malloc
-        std::free(
-            xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
+    [[nodiscard]] bool isManaged() const {
+        const XReply<xcb_get_property_reply_t> reply(
+            xcb_get_property_reply(client_.xcb(),
+                                   xcb_get_property(client_.xcb(), 0, window_,
+                                                    client_.atom("WM_STATE"), XCB_ATOM_ANY, 0, 2),
+                                   nullptr));
+        return reply && reply->format == 32;
     }
 
-    xcb_connection_t* connection_;
-    quint32 window_ = 0;
+    XClient client_;
+    xcb_window_t window_;
 };
 
 } // namespace tilewright::testing

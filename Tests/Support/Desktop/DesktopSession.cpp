@@ -12,13 +12,6 @@ namespace tilewright::testing {
 
 namespace {
 
-void writeFile(const QString& path, const QByteArray& content) {
-    QDir().mkpath(QFileInfo(path).path());
-    QFile file(path);
-    if (file.open(QIODevice::WriteOnly))
-        file.write(content);
-}
-
 struct Command {
     QString program;
     QStringList arguments;
@@ -102,6 +95,13 @@ const char* name(WindowManagerKind kind) {
         return "i3";
     }
     return "";
+}
+
+void writeFile(const QString& path, const QByteArray& contents) {
+    EXPECT_TRUE(QDir().mkpath(QFileInfo(path).path()));
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly)) << path.toStdString();
+    EXPECT_EQ(file.write(contents), contents.size()) << path.toStdString();
 }
 
 DesktopSession::DesktopSession(std::unique_ptr<XServer> server)
@@ -228,8 +228,12 @@ bool DesktopSession::startWindowManager(WindowManagerKind kind, Compositing comp
         waitUntil([&] { return inspector_->hasWindowManager(); });
     EXPECT_TRUE(isUp) << name(kind) << " did not come up";
     // Some lose a window that shows between their first word and their first look around.
-    if (isUp)
-        const BareClient firstWindow(display(), QRect(0, 0, 60, 60));
+    if (isUp) {
+        // Its connection stays: the next one would get its numbers, and a window of the same number
+        // made before the window manager has looked after the end of this one would get its frame.
+        firstWindow_ = std::make_unique<BareClient>(display(), QRect(0, 0, 60, 60));
+        firstWindow_->destroy();
+    }
     if (isUp && kind == WindowManagerKind::icewm) {
         // Its task bar comes up after it, and pushes windows about when it does.
         EXPECT_TRUE(waitUntil([&] {

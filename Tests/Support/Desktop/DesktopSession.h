@@ -29,6 +29,12 @@ enum class WindowManagerKind {
 /// Whether the desktop blends windows.
 enum class Compositing { off, on };
 
+class BareClient;
+
+/// Writes a whole file, and the folders above it where there are none. Fails the running test where
+/// it cannot.
+void writeFile(const QString& path, const QByteArray& contents);
+
 /// A whole desktop of a test's own: X server, private home, private session bus, window manager,
 /// clients; gone, with everything that was started in it, when the object ends.
 class DesktopSession {
@@ -81,6 +87,8 @@ private:
     QString busAddress_;
     Subprocess bus_;
     Subprocess windowManager_;
+    /// The window that the window manager met first.
+    std::unique_ptr<BareClient> firstWindow_;
     Subprocess compositor_;
     std::vector<std::unique_ptr<Subprocess>> programs_;
     std::unique_ptr<XInspector> inspector_;

@@ -1,11 +1,7 @@
 #pragma once
 
 #include "Waiting.h"
-
-#include <QString>
-#include <cstdlib>
-#include <memory>
-#include <xcb/xcb.h>
+#include "XClient.h"
 
 namespace tilewright::testing {
 
@@ -14,15 +10,14 @@ namespace tilewright::testing {
 class InputGrab {
 public:
     explicit InputGrab(const QString& display)
-        : connection_(xcb_connect(display.toLatin1().constData(), nullptr))
-        , root_(xcb_setup_roots_iterator(xcb_get_setup(connection_.get())).data->root) {}
+        : client_(display) {}
 
     /// Waits until nobody else has it; false when somebody still does at the deadline.
     [[nodiscard]] bool takePointer() {
         return waitUntil([this] {
             return isGranted(xcb_grab_pointer_reply(
-                connection_.get(),
-                xcb_grab_pointer(connection_.get(), 0, root_, XCB_EVENT_MASK_BUTTON_PRESS,
+                client_.xcb(),
+                xcb_grab_pointer(client_.xcb(), 0, client_.root(), XCB_EVENT_MASK_BUTTON_PRESS,
                                  XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE,
                                  XCB_CURRENT_TIME),
                 nullptr));
@@ -32,32 +27,26 @@ public:
     [[nodiscard]] bool takeKeyboard() {
         return waitUntil([this] {
             return isGranted(xcb_grab_keyboard_reply(
-                connection_.get(),
-                xcb_grab_keyboard(connection_.get(), 0, root_, XCB_CURRENT_TIME,
+                client_.xcb(),
+                xcb_grab_keyboard(client_.xcb(), 0, client_.root(), XCB_CURRENT_TIME,
                                   XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
                 nullptr));
         });
     }
     void letGo() {
-        xcb_ungrab_pointer(connection_.get(), XCB_CURRENT_TIME);
-        xcb_ungrab_keyboard(connection_.get(), XCB_CURRENT_TIME);
-        xcb_flush(connection_.get());
+        xcb_ungrab_pointer(client_.xcb(), XCB_CURRENT_TIME);
+        xcb_ungrab_keyboard(client_.xcb(), XCB_CURRENT_TIME);
+        xcb_flush(client_.xcb());
     }
 
 private:
-    struct Disconnect {
-        void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
-    };
-
     template<class Reply>
     [[nodiscard]] static bool isGranted(Reply* reply) {
-        const bool isSuccess = reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
-        std::free(reply); // NOLINT: xcb allocates with malloc
-        return isSuccess;
+        const XReply<Reply> owned(reply);
+        return owned && owned->status == XCB_GRAB_STATUS_SUCCESS;
     }
 
-    std::unique_ptr<xcb_connection_t, Disconnect> connection_;
-    xcb_window_t root_;
+    XClient client_;
 };
 
 } // namespace tilewright::testing

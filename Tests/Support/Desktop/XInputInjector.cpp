@@ -1,26 +1,15 @@
 #include "XInputInjector.h"
 
+#include "Waiting.h"
+
 #include <algorithm>
-#include <cstdlib>
-#include <memory>
-#include <xcb/xcb.h>
+#include <bit>
 #include <xcb/xtest.h>
 
 namespace tilewright::testing {
 
-namespace {
-struct FreeReply {
-    void operator()(void* reply) const { std::free(reply); } // NOLINT: xcb allocates with malloc
-};
-template<class Reply>
-using ReplyPtr = std::unique_ptr<Reply, FreeReply>;
-} // namespace
-
 XInputInjector::XInputInjector(const QString& display)
-    : connection_(xcb_connect(display.toLatin1().constData(), nullptr)) {
-    if (xcb_connection_has_error(connection_) == 0)
-        root_ = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data->root;
-}
+    : client_(display) {}
 
 XInputInjector::~XInputInjector() {
     while (!heldButtons_.empty())
@@ -29,19 +18,13 @@ XInputInjector::~XInputInjector() {
         fake(XCB_KEY_RELEASE, heldKeys_.back());
         heldKeys_.pop_back();
     }
-    xcb_disconnect(connection_);
 }
 
 void XInputInjector::fake(quint8 type, quint8 detail, QPoint at) {
-    xcb_test_fake_input(connection_, type, detail, XCB_CURRENT_TIME,
-                        type == XCB_MOTION_NOTIFY ? root_ : XCB_NONE, static_cast<qint16>(at.x()),
-                        static_cast<qint16>(at.y()), 0);
-    sync();
-}
-
-void XInputInjector::sync() {
-    const ReplyPtr<xcb_get_input_focus_reply_t> reply(
-        xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
+    xcb_test_fake_input(connection(), type, detail, XCB_CURRENT_TIME,
+                        type == XCB_MOTION_NOTIFY ? client_.root() : XCB_NONE,
+                        static_cast<qint16>(at.x()), static_cast<qint16>(at.y()), 0);
+    client_.sync();
 }
 
 void XInputInjector::move(QPoint to) {
@@ -61,6 +44,20 @@ void XInputInjector::press(int button) {
 void XInputInjector::release(int button) {
     std::erase(heldButtons_, button);
     fake(XCB_BUTTON_RELEASE, static_cast<quint8>(button));
+    // Not by turning the event loop: some tests let what they do pile up.
+    QElapsedTimer timer;
+    timer.start();
+    while (buttonsDown() > heldButtons_.size() &&
+           timer.elapsed() < std::chrono::milliseconds(patience).count())
+        QThread::msleep(1);
+}
+
+std::size_t XInputInjector::buttonsDown() const {
+    const XReply<xcb_query_pointer_reply_t> reply(xcb_query_pointer_reply(
+        connection(), xcb_query_pointer(connection(), client_.root()), nullptr));
+    constexpr unsigned buttons = XCB_BUTTON_MASK_1 | XCB_BUTTON_MASK_2 | XCB_BUTTON_MASK_3 |
+                                 XCB_BUTTON_MASK_4 | XCB_BUTTON_MASK_5;
+    return reply ? static_cast<std::size_t>(std::popcount(reply->mask & buttons)) : 0;
 }
 
 void XInputInjector::click(QPoint at, int button) {
@@ -70,11 +67,11 @@ void XInputInjector::click(QPoint at, int button) {
 }
 
 XInputInjector::Key XInputInjector::keyFor(quint32 keysym) const {
-    const xcb_setup_t* setup = xcb_get_setup(connection_);
+    const xcb_setup_t* setup = xcb_get_setup(connection());
     const auto first = setup->min_keycode;
     const auto count = static_cast<quint8>(setup->max_keycode - first + 1);
-    const ReplyPtr<xcb_get_keyboard_mapping_reply_t> map(xcb_get_keyboard_mapping_reply(
-        connection_, xcb_get_keyboard_mapping(connection_, first, count), nullptr));
+    const XReply<xcb_get_keyboard_mapping_reply_t> map(xcb_get_keyboard_mapping_reply(
+        connection(), xcb_get_keyboard_mapping(connection(), first, count), nullptr));
     if (!map)
         return {};
     const xcb_keysym_t* symbols = xcb_get_keyboard_mapping_keysyms(map.get());
@@ -116,8 +113,8 @@ void XInputInjector::type(const QString& text) {
 }
 
 QPoint XInputInjector::position() const {
-    const ReplyPtr<xcb_query_pointer_reply_t> reply(
-        xcb_query_pointer_reply(connection_, xcb_query_pointer(connection_, root_), nullptr));
+    const XReply<xcb_query_pointer_reply_t> reply(xcb_query_pointer_reply(
+        connection(), xcb_query_pointer(connection(), client_.root()), nullptr));
     return reply ? QPoint(reply->root_x, reply->root_y) : QPoint();
 }
 

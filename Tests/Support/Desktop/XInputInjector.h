@@ -1,16 +1,21 @@
 #pragma once
 
+#include "XClient.h"
+
 #include <QPoint>
 #include <QString>
 #include <vector>
-
-struct xcb_connection_t;
 
 namespace tilewright::testing {
 
 /// A user's hands: moves the pointer and presses keys and buttons through the X server's test
 /// extension, so that everybody on the display sees them as real input. Each call returns once the
 /// server has processed it. What is still held when the object ends is released.
+///
+/// A window manager may freeze the pointer with a press, to decide what the press is for. What is
+/// done meanwhile waits in the server, which then mixes up the places of moves and buttons, or
+/// drops some; no real hand is that fast. So a release returns only when the server counts the
+/// button as up: at once where nobody has the pointer frozen, and after `patience` at the latest.
 class XInputInjector {
 public:
     explicit XInputInjector(const QString& display);
@@ -36,19 +41,19 @@ public:
 
     [[nodiscard]] QPoint position() const;
     /// Its connection, on which a server can be held without stopping it.
-    [[nodiscard]] xcb_connection_t* connection() const { return connection_; }
+    [[nodiscard]] xcb_connection_t* connection() const { return client_.xcb(); }
 
 private:
     void fake(quint8 type, quint8 detail, QPoint at = {});
-    void sync();
+    /// How many buttons the server counts as down.
+    [[nodiscard]] std::size_t buttonsDown() const;
     struct Key {
         quint8 code = 0;
         bool needsShift = false;
     };
     [[nodiscard]] Key keyFor(quint32 keysym) const;
 
-    xcb_connection_t* connection_ = nullptr;
-    quint32 root_ = 0;
+    XClient client_;
     std::vector<int> heldButtons_;
     std::vector<quint8> heldKeys_;
 };

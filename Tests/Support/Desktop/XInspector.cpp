@@ -1,64 +1,28 @@
 #include "XInspector.h"
 
 #include <QColor>
-#include <cstdlib>
-#include <cstring>
 #include <sstream>
-#include <xcb/xcb.h>
 
 namespace tilewright::testing {
 
 namespace {
 
-struct FreeReply {
-    void operator()(void* reply) const { std::free(reply); } // NOLINT: xcb allocates with malloc
-};
-template<class Reply>
-using ReplyPtr = std::unique_ptr<Reply, FreeReply>;
-
 constexpr quint32 maximumItems = 1'000'000;
 
 } // namespace
 
-XInspector::XInspector(const QString& display) {
-    int screenNumber = 0;
-    connection_ = xcb_connect(display.toLatin1().constData(), &screenNumber);
-    if (xcb_connection_has_error(connection_) != 0)
-        return;
-    auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection_));
-    for (; screenNumber > 0; --screenNumber)
-        xcb_screen_next(&screens);
-    screen_ = screens.data;
-}
-
-XInspector::~XInspector() {
-    xcb_disconnect(connection_);
-}
-
-bool XInspector::isConnected() const {
-    return screen_ && xcb_connection_has_error(connection_) == 0;
-}
-
-XInspector::Window XInspector::root() const {
-    return screen_->root;
-}
+XInspector::XInspector(const QString& display)
+    : client_(display) {}
 
 QSize XInspector::screenSize() const {
     const QRect area = clientFrame(root());
     return area.size();
 }
 
-quint32 XInspector::atom(const char* name) const {
-    const ReplyPtr<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
-        connection_, xcb_intern_atom(connection_, 0, static_cast<quint16>(std::strlen(name)), name),
-        nullptr));
-    return reply ? reply->atom : 0;
-}
-
 QByteArray XInspector::bytesProperty(Window window, const char* name) const {
-    const ReplyPtr<xcb_get_property_reply_t> reply(
-        xcb_get_property_reply(connection_,
-                               xcb_get_property(connection_, 0, window, atom(name),
+    const XReply<xcb_get_property_reply_t> reply(
+        xcb_get_property_reply(connection(),
+                               xcb_get_property(connection(), 0, window, atom(name),
                                                 XCB_GET_PROPERTY_TYPE_ANY, 0, maximumItems),
                                nullptr));
     if (!reply)
@@ -68,9 +32,9 @@ QByteArray XInspector::bytesProperty(Window window, const char* name) const {
 }
 
 std::vector<quint32> XInspector::property(Window window, const char* name) const {
-    const ReplyPtr<xcb_get_property_reply_t> reply(
-        xcb_get_property_reply(connection_,
-                               xcb_get_property(connection_, 0, window, atom(name),
+    const XReply<xcb_get_property_reply_t> reply(
+        xcb_get_property_reply(connection(),
+                               xcb_get_property(connection(), 0, window, atom(name),
                                                 XCB_GET_PROPERTY_TYPE_ANY, 0, maximumItems),
                                nullptr));
     if (!reply || reply->format != 32)
@@ -91,8 +55,8 @@ bool XInspector::hasAtom(Window window, const char* property, const char* atomNa
 std::vector<XInspector::Window> XInspector::allWindows() const {
     std::vector<Window> windows{root()};
     for (std::size_t next = 0; next < windows.size(); ++next) {
-        const ReplyPtr<xcb_query_tree_reply_t> reply(
-            xcb_query_tree_reply(connection_, xcb_query_tree(connection_, windows[next]), nullptr));
+        const XReply<xcb_query_tree_reply_t> reply(xcb_query_tree_reply(
+            connection(), xcb_query_tree(connection(), windows[next]), nullptr));
         if (!reply)
             continue;
         const xcb_window_t* children = xcb_query_tree_children(reply.get());
@@ -100,6 +64,13 @@ std::vector<XInspector::Window> XInspector::allWindows() const {
                        children + xcb_query_tree_children_length(reply.get()));
     }
     windows.erase(windows.begin());
+    return windows;
+}
+
+std::vector<XInspector::Window> XInspector::windowsOf(pid_t process) const {
+    std::vector<Window> windows = allWindows();
+    std::erase_if(
+        windows, [&](Window window) { return processID(window) != static_cast<quint32>(process); });
     return windows;
 }
 
@@ -129,27 +100,27 @@ quint32 XInspector::processID(Window window) const {
 }
 
 bool XInspector::exists(Window window) const {
-    return ReplyPtr<xcb_get_window_attributes_reply_t>(xcb_get_window_attributes_reply(
-               connection_, xcb_get_window_attributes(connection_, window), nullptr)) != nullptr;
+    return XReply<xcb_get_window_attributes_reply_t>(xcb_get_window_attributes_reply(
+               connection(), xcb_get_window_attributes(connection(), window), nullptr)) != nullptr;
 }
 
 bool XInspector::isMapped(Window window) const {
-    const ReplyPtr<xcb_get_window_attributes_reply_t> reply(xcb_get_window_attributes_reply(
-        connection_, xcb_get_window_attributes(connection_, window), nullptr));
+    const XReply<xcb_get_window_attributes_reply_t> reply(xcb_get_window_attributes_reply(
+        connection(), xcb_get_window_attributes(connection(), window), nullptr));
     return reply && reply->map_state == XCB_MAP_STATE_VIEWABLE;
 }
 
 bool XInspector::isOverrideRedirect(Window window) const {
-    const ReplyPtr<xcb_get_window_attributes_reply_t> reply(xcb_get_window_attributes_reply(
-        connection_, xcb_get_window_attributes(connection_, window), nullptr));
+    const XReply<xcb_get_window_attributes_reply_t> reply(xcb_get_window_attributes_reply(
+        connection(), xcb_get_window_attributes(connection(), window), nullptr));
     return reply && reply->override_redirect != 0;
 }
 
 QRect XInspector::clientFrame(Window window) const {
-    const ReplyPtr<xcb_get_geometry_reply_t> geometry(
-        xcb_get_geometry_reply(connection_, xcb_get_geometry(connection_, window), nullptr));
-    const ReplyPtr<xcb_translate_coordinates_reply_t> origin(xcb_translate_coordinates_reply(
-        connection_, xcb_translate_coordinates(connection_, window, root(), 0, 0), nullptr));
+    const XReply<xcb_get_geometry_reply_t> geometry(
+        xcb_get_geometry_reply(connection(), xcb_get_geometry(connection(), window), nullptr));
+    const XReply<xcb_translate_coordinates_reply_t> origin(xcb_translate_coordinates_reply(
+        connection(), xcb_translate_coordinates(connection(), window, root(), 0, 0), nullptr));
     if (!geometry || !origin)
         return {};
     return {origin->dst_x, origin->dst_y, geometry->width, geometry->height};
@@ -174,8 +145,8 @@ QRect XInspector::outerFrame(Window window) const {
 XInspector::Window XInspector::toplevelOf(Window window) const {
     Window current = window;
     for (;;) {
-        const ReplyPtr<xcb_query_tree_reply_t> tree(
-            xcb_query_tree_reply(connection_, xcb_query_tree(connection_, current), nullptr));
+        const XReply<xcb_query_tree_reply_t> tree(
+            xcb_query_tree_reply(connection(), xcb_query_tree(connection(), current), nullptr));
         if (!tree || tree->parent == root() || tree->parent == 0)
             break;
         current = tree->parent;
@@ -184,9 +155,9 @@ XInspector::Window XInspector::toplevelOf(Window window) const {
 }
 
 XInspector::Window XInspector::toplevelAt(QPoint place) const {
-    const ReplyPtr<xcb_translate_coordinates_reply_t> reply(xcb_translate_coordinates_reply(
-        connection_,
-        xcb_translate_coordinates(connection_, root(), root(), static_cast<qint16>(place.x()),
+    const XReply<xcb_translate_coordinates_reply_t> reply(xcb_translate_coordinates_reply(
+        connection(),
+        xcb_translate_coordinates(connection(), root(), root(), static_cast<qint16>(place.x()),
                                   static_cast<qint16>(place.y())),
         nullptr));
     return reply ? reply->child : 0;
@@ -198,14 +169,14 @@ XInspector::Window XInspector::activeWindow() const {
 }
 
 XInspector::Window XInspector::inputFocus() const {
-    const ReplyPtr<xcb_get_input_focus_reply_t> reply(
-        xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
+    const XReply<xcb_get_input_focus_reply_t> reply(
+        xcb_get_input_focus_reply(connection(), xcb_get_input_focus(connection()), nullptr));
     return reply ? reply->focus : 0;
 }
 
 bool XInspector::isModifierHeld() const {
-    const ReplyPtr<xcb_query_pointer_reply_t> reply(
-        xcb_query_pointer_reply(connection_, xcb_query_pointer(connection_, root()), nullptr));
+    const XReply<xcb_query_pointer_reply_t> reply(
+        xcb_query_pointer_reply(connection(), xcb_query_pointer(connection(), root()), nullptr));
     constexpr unsigned modifiers =
         XCB_MOD_MASK_SHIFT | XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1 | XCB_MOD_MASK_4;
     return reply && (reply->mask & modifiers) != 0;
@@ -218,14 +189,14 @@ bool XInspector::hasWindowManager() const {
 }
 
 bool XInspector::hasCompositor() const {
-    const ReplyPtr<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
-        connection_, xcb_get_selection_owner(connection_, atom("_NET_WM_CM_S0")), nullptr));
+    const XReply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
+        connection(), xcb_get_selection_owner(connection(), atom("_NET_WM_CM_S0")), nullptr));
     return reply && reply->owner != 0;
 }
 
 QByteArray XInspector::atomName(quint32 atom) const {
-    const ReplyPtr<xcb_get_atom_name_reply_t> reply(
-        xcb_get_atom_name_reply(connection_, xcb_get_atom_name(connection_, atom), nullptr));
+    const XReply<xcb_get_atom_name_reply_t> reply(
+        xcb_get_atom_name_reply(connection(), xcb_get_atom_name(connection(), atom), nullptr));
     return reply ? QByteArray(xcb_get_atom_name_name(reply.get()),
                               xcb_get_atom_name_name_length(reply.get()))
                  : QByteArray("?");
@@ -248,8 +219,8 @@ std::string XInspector::describe(Window window) const {
 
 std::string XInspector::describe() const {
     std::ostringstream text;
-    const ReplyPtr<xcb_query_pointer_reply_t> pointer(
-        xcb_query_pointer_reply(connection_, xcb_query_pointer(connection_, root()), nullptr));
+    const XReply<xcb_query_pointer_reply_t> pointer(
+        xcb_query_pointer_reply(connection(), xcb_query_pointer(connection(), root()), nullptr));
     if (!pointer)
         return "the X server does not answer\n";
     text << "pointer at " << pointer->root_x << "," << pointer->root_y << " above "
@@ -267,11 +238,11 @@ std::string XInspector::describe() const {
 QImage XInspector::screenshot(QRect area) const {
     if (area.isEmpty())
         area = clientFrame(root());
-    const ReplyPtr<xcb_get_image_reply_t> reply(xcb_get_image_reply(
-        connection_,
-        xcb_get_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, root(), static_cast<qint16>(area.x()),
-                      static_cast<qint16>(area.y()), static_cast<quint16>(area.width()),
-                      static_cast<quint16>(area.height()), ~0U),
+    const XReply<xcb_get_image_reply_t> reply(xcb_get_image_reply(
+        connection(),
+        xcb_get_image(connection(), XCB_IMAGE_FORMAT_Z_PIXMAP, root(),
+                      static_cast<qint16>(area.x()), static_cast<qint16>(area.y()),
+                      static_cast<quint16>(area.width()), static_cast<quint16>(area.height()), ~0U),
         nullptr));
     if (!reply)
         return {};

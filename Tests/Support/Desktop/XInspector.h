@@ -1,15 +1,14 @@
 #pragma once
 
+#include "XClient.h"
+
 #include <QImage>
 #include <QRect>
 #include <QString>
 #include <functional>
-#include <memory>
 #include <optional>
+#include <sys/types.h>
 #include <vector>
-
-struct xcb_connection_t;
-struct xcb_screen_t;
 
 namespace tilewright::testing {
 
@@ -23,12 +22,11 @@ public:
     explicit XInspector(const QString& display);
     XInspector(const XInspector&) = delete;
     XInspector& operator=(const XInspector&) = delete;
-    ~XInspector();
 
-    [[nodiscard]] bool isConnected() const;
-    [[nodiscard]] Window root() const;
+    [[nodiscard]] bool isConnected() const { return client_.isConnected(); }
+    [[nodiscard]] Window root() const { return client_.root(); }
     [[nodiscard]] QSize screenSize() const;
-    [[nodiscard]] xcb_connection_t* connection() const { return connection_; }
+    [[nodiscard]] xcb_connection_t* connection() const { return client_.xcb(); }
 
     /// Every client window under management (it bears WM_STATE) for which the predicate holds.
     [[nodiscard]] std::vector<Window>
@@ -37,6 +35,8 @@ public:
     [[nodiscard]] std::optional<Window> clientTitled(const QString& title) const;
     /// Every window of the tree, the root excluded.
     [[nodiscard]] std::vector<Window> allWindows() const;
+    /// Those of them that say they are this process's.
+    [[nodiscard]] std::vector<Window> windowsOf(pid_t process) const;
 
     [[nodiscard]] QString title(Window window) const;
     [[nodiscard]] quint32 processID(Window window) const;
@@ -61,7 +61,7 @@ public:
     [[nodiscard]] QByteArray bytesProperty(Window window, const char* name) const;
     /// Whether a property that holds atoms holds this one, such as _NET_WM_STATE.
     [[nodiscard]] bool hasAtom(Window window, const char* property, const char* atom) const;
-    [[nodiscard]] quint32 atom(const char* name) const;
+    [[nodiscard]] quint32 atom(const char* name) const { return client_.atom(name); }
 
     /// The window that the window manager calls active; 0 when none is.
     [[nodiscard]] Window activeWindow() const;
@@ -87,8 +87,7 @@ private:
     [[nodiscard]] std::string describe(Window window) const;
     [[nodiscard]] QByteArray atomName(quint32 atom) const;
 
-    xcb_connection_t* connection_ = nullptr;
-    const xcb_screen_t* screen_ = nullptr;
+    XClient client_;
 };
 
 } // namespace tilewright::testing

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "DesktopSession.h"
+
+namespace tilewright::testing {
+
+// Bars across the top of a monitor, with nothing on them but the items of running programs.
+
+/// How high they are, in pixels.
+inline constexpr int barHeight = 30;
+
+/// What Xfce's panel draws of an item that names an installed symbol.
+enum class XfceItems {
+    /// The item's own picture, or the symbol as the desktop is set up.
+    asGiven,
+    /// The symbol in the panel's colour, on light ground.
+    symbolsOnLight,
+    /// The symbol in the panel's colour, on dark ground.
+    symbolsOnDark,
+};
+
+/// Starts tint2, which takes in items of the X11 system tray, on a monitor counted from 0.
+Subprocess& startTint2(DesktopSession& desktop, int monitor = 0);
+/// Starts trayer, which takes them in as well.
+Subprocess& startTrayer(DesktopSession& desktop, int monitor = 0);
+/// Starts Xfce's panel, which shows status-notifier items.
+Subprocess& startXfcePanel(DesktopSession& desktop, XfceItems items = XfceItems::asGiven);
+
+} // namespace tilewright::testing
