@@ -167,18 +167,17 @@ TEST_P(UnderTrayHost, EndsTheSessionAndTheProcessOnQuit) {
     EXPECT_EQ(idle.releases(), 1) << "it gave back what it held before it went";
 }
 
-// The bar of the other kind draws the window of the item at its own leisure.
-TEST(ItemOnANotifierBar, FillsItsCupWhileASessionRunsAsSoonAsThePanelsSwitchIsUsed) {
-    ShellDesktop desktop;
-    desktop.startTray(TrayHost::statusNotifier);
+TEST_P(UnderTrayHost, FillsTheItemsCupWhileASessionRunsAsSoonAsThePanelsSwitchIsUsed) {
+    desktop.startTray(GetParam());
     desktop.startProgram();
     desktop.openPanel();
-    // A bar may light up what lies below the pointer.
+    // A bar may light up what lies below the pointer, and makes room for an item in steps.
     desktop.input().move({1500, 900});
     int outline = 0;
     ASSERT_TRUE(waitUntil([&] {
-        const int before = std::exchange(outline, desktop.itemCoverage());
-        return outline > 0 && outline == before;
+        outline = desktop.itemCoverage();
+        return outline > 0 && staysTrue([&] { return desktop.itemCoverage() == outline; },
+                                        std::chrono::milliseconds(150));
     }));
     desktop.input().tapKey(keysym::tab);
     desktop.input().tapKey(keysym::space);
