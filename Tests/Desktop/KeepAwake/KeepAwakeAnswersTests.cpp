@@ -2,7 +2,6 @@
 
 #include "KeepAwakeDesktop.h"
 
-#include <QDir>
 #include <QFile>
 #include <gtest/gtest.h>
 
@@ -212,14 +211,11 @@ TEST_F(KeepAwakeAnswers, AServiceThatComesAndGoesAfterTheSessionIsLeftAlone) {
 
 TEST(KeepAwakeActivation, NoServiceIsStartedForASession) {
     KeepAwakeDesktop desktop;
-    const QString folder = desktop.session().home() + u"/.local/share/dbus-1/services"_s;
-    ASSERT_TRUE(QDir().mkpath(folder));
-    QFile file(folder + u"/saver.service"_s);
-    ASSERT_TRUE(file.open(QFile::WriteOnly));
-    const QString marker = desktop.session().home() + u"/started"_s;
-    file.write("[D-BUS Service]\nName=org.freedesktop.ScreenSaver\nExec=/usr/bin/touch " +
-               marker.toUtf8() + "\n");
-    file.close();
+    const QString home = desktop.session().home();
+    const QString marker = home + u"/started"_s;
+    writeFile(home + u"/.local/share/dbus-1/services/saver.service"_s,
+              "[D-BUS Service]\nName=org.freedesktop.ScreenSaver\nExec=/usr/bin/touch " +
+                  marker.toUtf8() + "\n");
     const auto reload = [&] {
         return outputOf(u"dbus-send"_s,
                         {u"--session"_s, u"--print-reply"_s, u"--dest=org.freedesktop.DBus"_s,

@@ -4,7 +4,6 @@
 
 #include <Waiting.h>
 
-#include <QDir>
 #include <QFile>
 #include <gtest/gtest.h>
 
@@ -19,14 +18,11 @@ protected:
     /// asked to open, and on which platform the toolkit's programs are to run.
     QString pathWithHandler() {
         const QString folder = desktop.session().home() + u"/bin"_s;
-        QDir().mkpath(folder);
-        QFile handler(folder + u"/xdg-open"_s);
-        EXPECT_TRUE(handler.open(QIODevice::WriteOnly));
-        handler.write("#!/bin/sh\n(echo \"$1\"; echo \"$QT_QPA_PLATFORM\") > '" + notes().toUtf8() +
-                      ".new'\nmv '" + notes().toUtf8() + ".new' '" + notes().toUtf8() + "'\n");
-        handler.close();
-        QFile::setPermissions(handler.fileName(),
-                              QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        const QString handler = folder + u"/xdg-open"_s;
+        writeFile(handler, "#!/bin/sh\n(echo \"$1\"; echo \"$QT_QPA_PLATFORM\") > '" +
+                               notes().toUtf8() + ".new'\nmv '" + notes().toUtf8() + ".new' '" +
+                               notes().toUtf8() + "'\n");
+        QFile::setPermissions(handler, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         return folder + u':' + desktop.session().environment().value(u"PATH"_s);
     }
     [[nodiscard]] QString notes() { return desktop.session().home() + u"/opened"_s; }

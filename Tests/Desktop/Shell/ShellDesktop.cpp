@@ -1,9 +1,10 @@
 #include "ShellDesktop.h"
 
+#include <Bars.h>
+#include <ProgramWindows.h>
 #include <Waiting.h>
 
 #include <QDBusMessage>
-#include <QDir>
 #include <QFile>
 #include <gtest/gtest.h>
 
@@ -11,52 +12,59 @@ namespace tilewright::testing {
 
 namespace {
 
-constexpr int barHeight = 30;
 constexpr int padding = 16;
-constexpr int panelWidth = 300;
-/// The room for the panel's shadow, where the desktop blends windows.
-constexpr int shadow = 22;
 
 QString program() {
     return QStringLiteral(TILEWRIGHT_PROGRAM);
 }
 
-void write(const QString& path, const QByteArray& contents) {
-    QDir().mkpath(QFileInfo(path).path());
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(contents);
+/// Whether some client has the keyboard for itself, as the open panel does. Takes it for a moment
+/// where nobody has it.
+bool isKeyboardTaken(const XInspector& look) {
+    const XReply<xcb_grab_keyboard_reply_t> reply(xcb_grab_keyboard_reply(
+        look.connection(),
+        xcb_grab_keyboard(look.connection(), 0, look.root(), XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC,
+                          XCB_GRAB_MODE_ASYNC),
+        nullptr));
+    if (!reply || reply->status != XCB_GRAB_STATUS_SUCCESS)
+        return true;
+    xcb_ungrab_keyboard(look.connection(), XCB_CURRENT_TIME);
+    xcb_flush(look.connection());
+    return false;
 }
 
-/// A panel at the top, with nothing on it but the status area.
-QByteArray notifierPanel() {
-    return R"(<?xml version="1.0" encoding="UTF-8"?>
-<channel name="xfce4-panel" version="1.0">
-  <property name="configver" type="int" value="2"/>
-  <property name="panels" type="array">
-    <value type="int" value="1"/>
-    <property name="panel-1" type="empty">
-      <property name="position" type="string" value="p=6;x=0;y=0"/>
-      <property name="length" type="uint" value="100"/>
-      <property name="position-locked" type="bool" value="true"/>
-      <property name="size" type="uint" value="30"/>
-      <property name="plugin-ids" type="array"><value type="int" value="1"/></property>
-    </property>
-  </property>
-  <property name="plugins" type="empty">
-    <property name="plugin-1" type="string" value="systray">
-      <property name="square-icons" type="bool" value="true"/>
-    </property>
-  </property>
-</channel>
-)";
+/// Whether somebody takes items of the X11 system tray in.
+bool hasSystemTray(const XInspector& look) {
+    const XReply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
+        look.connection(),
+        xcb_get_selection_owner(look.connection(), look.atom("_NET_SYSTEM_TRAY_S0")), nullptr));
+    return reply && reply->owner != 0;
 }
 
-/// A bar at the top, with nothing on it but the system tray.
-QByteArray trayBar() {
-    return "panel_items = S\npanel_size = 100% 30\npanel_position = top center horizontal\n"
-           "panel_monitor = all\nstrut_policy = follow_size\nsystray_icon_size = 22\n"
-           "systray_padding = 4 4 4\npanel_background_id = 0\n";
+QString callOnBus(const DesktopSession& session, const QString& service, const QStringList& call) {
+    return outputOf(QStringLiteral("dbus-send"),
+                    QStringList{QStringLiteral("--session"), QStringLiteral("--print-reply"),
+                                QStringLiteral("--dest=") + service} +
+                        call,
+                    session.environment());
+}
+
+bool isOnBus(const DesktopSession& session, const QString& service) {
+    return callOnBus(session, QStringLiteral("org.freedesktop.DBus"),
+                     {QStringLiteral("/"), QStringLiteral("org.freedesktop.DBus.ListNames")})
+        .contains(service);
+}
+
+/// Whether somebody shows status-notifier items.
+bool hasNotifierHost(const DesktopSession& session) {
+    const QString watcher = QStringLiteral("org.kde.StatusNotifierWatcher");
+    return isOnBus(session, watcher) &&
+           callOnBus(session, watcher,
+                     {QStringLiteral("/StatusNotifierWatcher"),
+                      QStringLiteral("org.freedesktop.DBus.Properties.Get"),
+                      QStringLiteral("string:") + watcher,
+                      QStringLiteral("string:IsStatusNotifierHostRegistered")})
+               .contains(QStringLiteral("boolean true"));
 }
 
 bool isAmber(QColor color) {
@@ -106,17 +114,12 @@ void ShellDesktop::startTray(TrayHost host) {
         EXPECT_TRUE(waitUntil([&] { return !showsItem(); }));
     }
     host_ = host;
-    if (host == TrayHost::statusNotifier) {
-        write(session_.home() + QStringLiteral("/.config/xfce4/xfconf/xfce-perchannel-xml/"
-                                               "xfce4-panel.xml"),
-              notifierPanel());
-        tray_ =
-            &session_.start(QStringLiteral("xfce4-panel"), {QStringLiteral("--disable-wm-check")});
-    } else {
-        const QString file = session_.home() + QStringLiteral("/tint2rc");
-        write(file, trayBar());
-        tray_ = &session_.start(QStringLiteral("tint2"), {QStringLiteral("-c"), file});
-    }
+    tray_ = host == TrayHost::statusNotifier ? &startXfcePanel(session_) : &startTint2(session_);
+    EXPECT_TRUE(waitUntil([&] {
+        return host == TrayHost::statusNotifier ? hasNotifierHost(session_)
+                                                : hasSystemTray(inspector());
+    })) << "no tray host comes up"
+        << session_.describe();
 }
 
 Subprocess& ShellDesktop::startProgram(const QString& path,
@@ -124,14 +127,8 @@ Subprocess& ShellDesktop::startProgram(const QString& path,
                                        const QStringList& arguments) {
     program_ = &session_.start(path.isEmpty() ? program() : path, arguments, moreEnvironment);
     // From then on another start finds it.
-    EXPECT_TRUE(waitUntil([&] {
-        return outputOf(QStringLiteral("dbus-send"),
-                        {QStringLiteral("--session"), QStringLiteral("--print-reply"),
-                         QStringLiteral("--dest=org.freedesktop.DBus"), QStringLiteral("/"),
-                         QStringLiteral("org.freedesktop.DBus.ListNames")},
-                        session_.environment())
-            .contains(QStringLiteral("org.tilewright.Tilewright.Display"));
-    }));
+    EXPECT_TRUE(waitUntil(
+        [&] { return isOnBus(session_, QStringLiteral("org.tilewright.Tilewright.Display")); }));
     return *program_;
 }
 
@@ -180,23 +177,13 @@ QPoint ShellDesktop::item() {
     EXPECT_TRUE(waitUntil([&] {
         place = findItem();
         return place.has_value();
-    })) << "the item does not show";
+    })) << "the item does not show"
+        << session_.describe();
     return place.value_or(QPoint());
 }
 
 std::optional<QRect> ShellDesktop::panel() {
-    XInspector& look = inspector();
-    for (const XInspector::Window window : look.allWindows()) {
-        if (!look.isMapped(window) || !look.isOverrideRedirect(window) || program_ == nullptr ||
-            look.processID(window) != static_cast<quint32>(program_->pid()))
-            continue;
-        const QRect frame = look.clientFrame(window);
-        if (frame.width() == panelWidth)
-            return frame;
-        if (frame.width() == panelWidth + 2 * shadow)
-            return frame.adjusted(shadow, shadow, -shadow, -shadow);
-    }
-    return std::nullopt;
+    return program_ ? openPanelFrame(inspector(), program_->pid()) : std::nullopt;
 }
 
 bool ShellDesktop::waitForPanel(bool isOpen) {
@@ -208,8 +195,9 @@ QRect ShellDesktop::openPanel() {
     input().click(place);
     EXPECT_TRUE(waitForPanel()) << "after a click at " << place.x() << "," << place.y();
     const QRect frame = panel().value_or(QRect());
-    // Shown is not painted yet.
+    // Shown is not painted yet, and it asks for the keyboard until it is granted.
     EXPECT_TRUE(waitUntil([&] { return amberRows(frame).size() > 60; }));
+    EXPECT_TRUE(waitUntil([&] { return isKeyboardTaken(inspector()); }));
     return frame;
 }
 
@@ -289,7 +277,7 @@ QByteArray ShellDesktop::layouts() const {
 }
 
 void ShellDesktop::writeLayouts(const QByteArray& json) const {
-    write(layoutsFile(), json);
+    writeFile(layoutsFile(), json);
 }
 
 } // namespace tilewright::testing

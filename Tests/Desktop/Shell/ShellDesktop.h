@@ -48,7 +48,8 @@ class ShellDesktop {
 public:
     explicit ShellDesktop(WindowManagerKind windowManager = WindowManagerKind::openbox);
 
-    /// Starts a tray host, the only thing on its bar; an earlier one is ended.
+    /// Starts a tray host, the only thing on its bar, and waits until it takes items in; an earlier
+    /// one is ended.
     void startTray(TrayHost host);
     void killTray() { tray_->stop(); }
     /// Starts the program as it was built, or another copy of it.

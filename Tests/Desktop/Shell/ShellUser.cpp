@@ -94,9 +94,8 @@ void ShellUser::chooseBelow(int steps) {
 std::size_t ShellUser::popups() {
     const XInspector& look = desktop_.inspector();
     std::size_t count = 0;
-    for (const XInspector::Window window : look.allWindows()) {
-        if (look.isOverrideRedirect(window) && look.isMapped(window) &&
-            look.processID(window) == static_cast<quint32>(program_->pid()))
+    for (const XInspector::Window window : look.windowsOf(program_->pid())) {
+        if (look.isOverrideRedirect(window) && look.isMapped(window))
             ++count;
     }
     return count;

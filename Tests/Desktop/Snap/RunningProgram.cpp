@@ -1,9 +1,8 @@
 #include "RunningProgram.h"
 
+#include <ProgramWindows.h>
 #include <Waiting.h>
 
-#include <QDir>
-#include <QFile>
 #include <gtest/gtest.h>
 
 namespace tilewright::testing {
@@ -23,12 +22,8 @@ RunningProgram::RunningProgram(DesktopSession& desktop, const QString& modifier,
     : desktop_(desktop)
     , end_(End::withThisObject)
     , modifier_(modifier) {
-    const QString folder = desktop.home() + QStringLiteral("/.config/Tilewright");
-    QDir().mkpath(folder);
-    QFile settings(folder + QStringLiteral("/Tilewright.conf"));
-    if (settings.open(QIODevice::WriteOnly))
-        settings.write("[General]\nsnapActivationModifier=" + modifier.toLatin1() + "\n");
-    settings.close();
+    writeFile(desktop.home() + QStringLiteral("/.config/Tilewright/Tilewright.conf"),
+              "[General]\nsnapActivationModifier=" + modifier.toLatin1() + "\n");
     process_ = &desktop.start(QStringLiteral(TILEWRIGHT_PROGRAM), {}, environment);
     waitUntilReady();
 }
@@ -70,13 +65,7 @@ XInspector::Window RunningProgram::overlay() const {
     const XInspector& inspector = desktop_.inspector();
     if (overlay_ != 0 && inspector.exists(overlay_))
         return overlay_;
-    overlay_ = 0;
-    for (const XInspector::Window window : inspector.allWindows()) {
-        if (inspector.isOverrideRedirect(window) &&
-            inspector.processID(window) == static_cast<quint32>(pid()) &&
-            !inspector.property(window, "_NET_WM_BYPASS_COMPOSITOR").empty())
-            overlay_ = window;
-    }
+    overlay_ = overlayWindow(inspector, pid()).value_or(0);
     return overlay_;
 }
 

@@ -3,6 +3,7 @@
 #include <AccessibilityReader.h>
 #include <DragScript.h>
 #include <ProcessFigures.h>
+#include <ProgramWindows.h>
 #include <ShellDesktop.h>
 #include <Waiting.h>
 
@@ -146,15 +147,8 @@ private:
 
     [[nodiscard]] bool overlayShows() {
         const XInspector& look = desktop_.inspector();
-        if (overlay_ == 0 || !look.exists(overlay_)) {
-            overlay_ = 0;
-            for (const XInspector::Window window : look.allWindows()) {
-                if (look.isOverrideRedirect(window) &&
-                    look.processID(window) == static_cast<quint32>(program_->pid()) &&
-                    !look.property(window, "_NET_WM_BYPASS_COMPOSITOR").empty())
-                    overlay_ = window;
-            }
-        }
+        if (overlay_ == 0 || !look.exists(overlay_))
+            overlay_ = overlayWindow(look, program_->pid()).value_or(0);
         return overlay_ != 0 && look.isMapped(overlay_);
     }
 

@@ -2,14 +2,13 @@
 
 #include "TrayDesktop.h"
 
+#include <Bars.h>
 #include <Waiting.h>
 
 #include <gtest/gtest.h>
 
 namespace tilewright::testing {
 namespace {
-
-constexpr int barHeight = 30;
 
 class PanelAtScale : public ::testing::TestWithParam<int> {
 protected:
@@ -44,7 +43,7 @@ void expectBelow(const QRect& item, const QRect& panel, double scale) {
 
 TEST_P(PanelAtScale, OpensBelowItsItemWhollyOnTheScreen) {
     TrayDesktop desktop;
-    desktop.startBar(Bar::tint2);
+    startTint2(desktop.session());
     desktop.startProgram(scale());
     const QRect item = desktop.waitForItem();
     desktop.input().click(item.center());
@@ -63,7 +62,7 @@ TEST_P(PanelAtScale, OpensBelowItsItemWhollyOnTheScreen) {
 INSTANTIATE_TEST_SUITE_P(, PanelAtScale, ::testing::Values(125, 150, 200), scaleName);
 
 TEST_P(PanelOnTwoMonitors, OpensOnTheMonitorOfItsItem) {
-    desktop.startBar(Bar::tint2, 1);
+    startTint2(desktop.session(), 1);
     desktop.startProgram(scale());
     const QRect item = desktop.waitForItem();
     ASSERT_TRUE(secondMonitor().contains(item));
@@ -74,7 +73,7 @@ TEST_P(PanelOnTwoMonitors, OpensOnTheMonitorOfItsItem) {
 }
 
 TEST_P(PanelOnTwoMonitors, OpensByThePointerOnThePointersMonitor) {
-    desktop.startBar(Bar::tint2);
+    startTint2(desktop.session());
     desktop.startProgram(scale());
     static_cast<void>(desktop.waitForItem());
     // On either side of the border between the two.

@@ -7,18 +7,13 @@
 
 namespace tilewright::testing {
 
-/// Bars that take X11 tray items in.
-enum class Bar { tint2, trayer };
-
-/// A desktop with a bar at the top of one of its monitors, on which the program shows its item.
+/// A desktop for a bar of the tests' choice, on which the program shows its item.
 /// Coordinates are the X screen's pixels.
 class TrayDesktop {
 public:
     /// Under openbox, without a compositor, so that the panel's window is the panel.
     explicit TrayDesktop(std::unique_ptr<XServer> server = XServer::virtualScreen());
 
-    /// Starts a bar at the top of a monitor, counted from 0.
-    void startBar(Bar bar, int monitor = 0);
     /// Starts the program as on a desktop whose points are this many pixels.
     Subprocess& startProgram(double scale = 1);
     /// Starts the program once more, which opens the panel of the first by the pointer.

@@ -4,6 +4,7 @@
 #include "FakeNotifierWatcher.h"
 #include "TrayDesktop.h"
 
+#include <Bars.h>
 #include <Waiting.h>
 
 #include <QDir>
@@ -12,13 +13,6 @@
 
 namespace tilewright::testing {
 namespace {
-
-void write(const QString& path, const QByteArray& contents) {
-    ASSERT_TRUE(QDir().mkpath(QFileInfo(path).path()));
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(contents);
-}
 
 /// How light the bar's ground and what is drawn on it are, from 0 to 255.
 struct Tones {
@@ -55,7 +49,7 @@ class SymbolicItem : public ::testing::TestWithParam<bool> {};
 
 TEST(Trayer, ShowsTheItemThatOpensAndClosesThePanel) {
     TrayDesktop desktop;
-    desktop.startBar(Bar::trayer);
+    startTrayer(desktop.session());
     desktop.startProgram();
     const QRect item = desktop.waitForItem();
     for (int round = 0; round < 2; ++round) {
@@ -75,7 +69,7 @@ TEST(WatcherWithoutAHost, LeavesTheItemInTheSystemTrayUntilAHostComes) {
     {
         FakeNotifierWatcher watcher(
             QDBusConnection::connectToBus(desktop.session().busAddress(), name), false);
-        desktop.startBar(Bar::tint2);
+        startTint2(desktop.session());
         desktop.startProgram();
         const QRect item = desktop.waitForItem();
         EXPECT_TRUE(waitUntil([&] { return watcher.items.size() == 1; })) << "it has registered";
@@ -102,34 +96,8 @@ TEST_P(SymbolicItem, IsDrawnInTheHostsOwnColour) {
         ASSERT_TRUE(QDir().mkpath(folder));
         ASSERT_TRUE(QFile::copy(QStringLiteral(TILEWRIGHT_ICONS "/") + file, folder + file));
     }
-    write(home + QStringLiteral("/.config/gtk-3.0/settings.ini"),
-          QByteArray("[Settings]\ngtk-theme-name=Adwaita\ngtk-application-prefer-dark-theme=") +
-              (isDark ? "1\n" : "0\n"));
-    write(home + QStringLiteral("/.config/xfce4/xfconf/xfce-perchannel-xml/xfce4-panel.xml"),
-          QByteArray(R"(<?xml version="1.0" encoding="UTF-8"?>
-<channel name="xfce4-panel" version="1.0">
-  <property name="configver" type="int" value="2"/>
-  <property name="panels" type="array">
-    <value type="int" value="1"/>
-    <property name="dark-mode" type="bool" value=")") +
-              (isDark ? "true" : "false") + R"("/>
-    <property name="panel-1" type="empty">
-      <property name="position" type="string" value="p=6;x=0;y=0"/>
-      <property name="length" type="uint" value="100"/>
-      <property name="position-locked" type="bool" value="true"/>
-      <property name="size" type="uint" value="30"/>
-      <property name="plugin-ids" type="array"><value type="int" value="1"/></property>
-    </property>
-  </property>
-  <property name="plugins" type="empty">
-    <property name="plugin-1" type="string" value="systray">
-      <property name="square-icons" type="bool" value="true"/>
-      <property name="symbolic-icons" type="bool" value="true"/>
-    </property>
-  </property>
-</channel>
-)");
-    desktop.session().start(QStringLiteral("xfce4-panel"), {QStringLiteral("--disable-wm-check")});
+    startXfcePanel(desktop.session(),
+                   isDark ? XfceItems::symbolsOnDark : XfceItems::symbolsOnLight);
     const auto tones = [&] {
         // Nothing else is on the bar; its borders, and the line below it, are left out.
         return tonesOf(desktop.inspector().screenshot(QRect(3, 4, 150, 20)));
