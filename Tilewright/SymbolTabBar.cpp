@@ -8,6 +8,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QStyleOptionTab>
 #include <algorithm>
 #include <cmath>
 
@@ -80,7 +81,10 @@ void SymbolTabBar::mousePressEvent(QMouseEvent* event) {
 void SymbolTabBar::paintTab(QPainter& painter, int index) const {
     const QRectF shape = tabRect(index);
     const bool isCurrent = index == currentIndex();
-    const bool isHovered = underMouse() && shape.contains(mapFromGlobal(QCursor::pos()));
+    // Not by asking where the pointer is: that is a wait for the display server while painting.
+    QStyleOptionTab option;
+    initStyleOption(&option, index);
+    const bool isHovered = option.state.testFlag(QStyle::State_MouseOver);
     if (isCurrent || isHovered) {
         painter.setPen(Qt::NoPen);
         painter.setBrush(look::withOpacity(look::primary(palette()), isCurrent ? 0.07 : 0.035));

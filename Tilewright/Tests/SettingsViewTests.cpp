@@ -129,6 +129,22 @@ TEST_F(SettingsViewTest, ShowsTheFocusOfItsTabsToThoseWhoUseTheKeyboard) {
     EXPECT_EQ(bar->grab().toImage(), byKeyboard);
 }
 
+TEST_F(SettingsViewTest, ShowsTheTabUnderThePointerAsItWasToldAndDoesNotAskWhereThatIs) {
+    SettingsView view;
+    view.show();
+    auto* bar = view.findChild<SymbolTabBar*>();
+    // The events are all that tells of this pointer.
+    const auto tell = [bar](QEvent::Type type, QPointF place) {
+        QHoverEvent event(type, place, bar->mapToGlobal(place), QPointF(-1, -1));
+        QCoreApplication::sendEvent(bar, &event);
+    };
+    const QImage before = bar->grab().toImage();
+    tell(QEvent::HoverMove, bar->tabRect(2).center());
+    EXPECT_NE(bar->grab().toImage(), before);
+    tell(QEvent::HoverLeave, QPointF(-1, -1));
+    EXPECT_EQ(bar->grab().toImage(), before);
+}
+
 TEST_F(SettingsViewTest, TellsAssistiveToolsItsTabs) {
     const SettingsView view;
     QAccessibleInterface* bar =
