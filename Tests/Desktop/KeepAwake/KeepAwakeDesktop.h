@@ -21,6 +21,8 @@ public:
     bool startTimed(double seconds) { return tell("timed " + QByteArray::number(seconds)); }
     bool deactivate() { return tell("deactivate"); }
     bool isActive() { return tell("state"); }
+    /// Whether its window has the focus, as far as it has heard.
+    bool isFocused() { return tell("focused"); }
     [[nodiscard]] bool isRunning() const { return process_.state() == QProcess::Running; }
     /// How long the last call of the manager took.
     [[nodiscard]] std::chrono::microseconds lastDuration() const { return lastDuration_; }

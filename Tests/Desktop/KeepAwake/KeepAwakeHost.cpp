@@ -1,6 +1,6 @@
 // The keep-awake manager on the real services of a Linux desktop, told what to do line by line on
 // its standard input: a process of its own, so that a test can kill it. With --control it shows the
-// control too, with --dark in a dark palette.
+// control too, with --dark in a dark palette; with --window a window with nothing but a title.
 
 #include <KeepAwake/KeepAwakeManager.h>
 #include <TilewrightUI/KeepAwakeControl.h>
@@ -13,6 +13,7 @@
 #include <QPainter>
 #include <QSocketNotifier>
 #include <QTextStream>
+#include <QWindow>
 #include <array>
 #include <unistd.h>
 
@@ -20,7 +21,8 @@ using namespace tilewright;
 
 namespace {
 
-/// Does what a line says and answers "active" or "inactive", and the time that took in µs.
+/// Does what a line says, or looks whether its window has the focus, and answers "active" or
+/// "inactive", and the time that took in µs.
 void obey(const QString& line) {
     KeepAwakeManager& manager = KeepAwakeManager::shared();
     const QStringList words = line.split(QLatin1Char(' '));
@@ -32,9 +34,11 @@ void obey(const QString& line) {
         manager.activate(KeepAwakeSession::timed(words.value(1).toDouble()));
     else if (words[0] == QStringLiteral("deactivate"))
         manager.deactivate();
+    const bool isYes = words[0] == QStringLiteral("focused")
+                           ? QGuiApplication::focusWindow() != nullptr
+                           : manager.isActive();
     const qint64 microseconds = timer.nsecsElapsed() / 1000;
-    QTextStream(stdout) << (manager.isActive() ? "active " : "inactive ") << microseconds
-                        << Qt::endl;
+    QTextStream(stdout) << (isYes ? "active " : "inactive ") << microseconds << Qt::endl;
 }
 
 QPalette darkPalette() {
@@ -80,6 +84,15 @@ int main(int argc, char** argv) {
     if (arguments.contains(QStringLiteral("--control"))) {
         window = std::make_unique<ControlWindow>();
         window->show();
+    }
+
+    // It never paints, for which the toolkit would wait for the display server.
+    QWindow bare;
+    if (arguments.contains(QStringLiteral("--window"))) {
+        bare.setTitle(QStringLiteral("Keep Awake"));
+        bare.setFlag(Qt::BypassWindowManagerHint);
+        bare.setGeometry(100, 100, 200, 100);
+        bare.show();
     }
 
     QByteArray pending;

@@ -77,3 +77,23 @@ TEST_F(KeepAwakeOnALateServer, WhatItSuspendsTooLateIsKeptUntilTheSessionEnds) {
     assertions.release(session.id);
     EXPECT_TRUE(waitUntil([&] { return desktop.isBlanked(); }));
 }
+
+TEST_F(KeepAwakeOnALateServer, TheProgramGoesOnWhileTheServerIsHeldByTheClientThatGaveItTheFocus) {
+    KeepAwakeHost host(desktop.environment(), {u"--window"_s});
+    const XInspector& look = desktop.session().inspector();
+    XInspector::Window window = 0;
+    ASSERT_TRUE(waitUntil([&] {
+        for (const XInspector::Window other : look.allWindows()) {
+            if (look.processID(other) == host.pid() && look.isMapped(other))
+                window = other;
+        }
+        return window != 0;
+    }));
+    EXPECT_FALSE(host.isFocused());
+    holdServer();
+    xcb_set_input_focus(holder, XCB_INPUT_FOCUS_POINTER_ROOT, window, XCB_CURRENT_TIME);
+    EXPECT_EQ(look.inputFocus(), window);
+    EXPECT_TRUE(waitUntil([&] { return host.isFocused(); }));
+    EXPECT_TRUE(host.isFocused());
+    letGoOfServer();
+}

@@ -37,6 +37,9 @@ struct X11Platform::Parts {
     X11EventMonitors eventMonitors{
         *connection, desktop.pointer(), {x11toolkit::ownsWindow, x11toolkit::hasGrab}};
     std::optional<FreeDesktopStatusItem> statusItem;
+    X11AwaitedReply answerBeforeForgetting;
+
+    void forgetSentTitles();
 };
 
 std::unique_ptr<X11Platform> X11Platform::open() {
@@ -52,7 +55,19 @@ X11Platform::X11Platform(std::unique_ptr<Parts> parts)
     // Every window of ours has a title and the focus once it is open.
     if (qGuiApp)
         QObject::connect(qGuiApp, &QGuiApplication::focusWindowChanged, parts_->connection.get(),
-                         [] { x11toolkit::forgetSentTitles(); });
+                         [parts = parts_.get()] { parts->forgetSentTitles(); });
+}
+
+void X11Platform::Parts::forgetSentTitles() {
+    if (answerBeforeForgetting.isAwaited())
+        return;
+    // A window manager may hold the server while it moves the window that it has just given the
+    // focus: then the answer, and with it the wait, comes once it has let go.
+    answerBeforeForgetting = connection->whenAnswered<xcb_get_input_focus_reply_t>(
+        xcb_get_input_focus(connection->xcb()), [](const auto& answer) {
+            if (answer)
+                x11toolkit::forgetSentTitles();
+        });
 }
 
 X11Platform::~X11Platform() = default;

@@ -12,9 +12,12 @@ namespace tilewright::x11toolkit {
 [[nodiscard]] bool ownsWindow(xcb_window_t window);
 /// Whether a popup of the toolkit holds the pointer.
 [[nodiscard]] bool hasGrab();
-/// Waits once for the X server, so that the older client library through which the toolkit sets
-/// titles forgets the requests that it has sent: it keeps an entry for each until it is next told
-/// an answer, and the toolkit never asks it for one. Nothing where the toolkit does not run on X11.
+/// Has the older client library through which the toolkit sets titles forget the requests that it
+/// has sent: it keeps an entry for each until it is next told an answer, and the toolkit never asks
+/// it for one. Nothing where the toolkit does not run on X11.
+///
+/// Waits for a round trip, and that without a bound: to be called when the server has just given
+/// another answer, so that nobody else holds it.
 void forgetSentTitles();
 
 } // namespace tilewright::x11toolkit
