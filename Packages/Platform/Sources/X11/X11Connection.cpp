@@ -4,9 +4,8 @@
 
 #include <QAbstractEventDispatcher>
 #include <algorithm>
-#include <cerrno>
+#include <cstdlib>
 #include <cstring>
-#include <poll.h>
 #include <xcb/randr.h>
 #include <xcb/shape.h>
 #include <xcb/xcbext.h>
@@ -112,37 +111,6 @@ void X11Listener::reset() {
     entry_.reset();
 }
 
-struct X11AwaitedReply::Entry {
-    unsigned int sequence;
-    std::function<void(void*)> handler;
-    X11Reply<void> answer;
-    bool isAnswered = false;
-    bool isWanted = true;
-};
-
-X11AwaitedReply& X11AwaitedReply::operator=(X11AwaitedReply&& other) noexcept {
-    if (this != &other) {
-        reset();
-        entry_ = std::move(other.entry_);
-    }
-    return *this;
-}
-
-X11AwaitedReply::~X11AwaitedReply() {
-    reset();
-}
-
-bool X11AwaitedReply::isAwaited() const {
-    return entry_ && entry_->isWanted;
-}
-
-void X11AwaitedReply::reset() {
-    // The connection drops the entry, and the reply, when its turn comes.
-    if (entry_)
-        entry_->isWanted = false;
-    entry_.reset();
-}
-
 bool X11EventFilter::matches(const xcb_generic_event_t& event) const {
     switch (kind) {
     case Kind::type:
@@ -173,6 +141,7 @@ std::unique_ptr<X11Connection> X11Connection::open(const QString& displayName) {
 
 X11Connection::X11Connection(xcb_connection_t* connection, int screenNumber)
     : connection_(connection)
+    , replies_(connection)
     , screenNumber_(screenNumber)
     , screen_(screenAt(connection, screenNumber)) {
     queryServer();
@@ -285,7 +254,7 @@ void X11Connection::flush() {
     xcb_flush(connection_);
 }
 
-void* X11Connection::waitForReply(unsigned int sequence) {
+X11Reply<void> X11Connection::waitForReply(unsigned int sequence) {
     if (waitObserver_)
         waitObserver_();
     // Requests that were made together leave together, with the first that is waited for.
@@ -293,23 +262,12 @@ void* X11Connection::waitForReply(unsigned int sequence) {
     flush();
     if (xcb_total_written(connection_) != writtenBefore)
         ++roundTrips_;
-    const auto deadline = std::chrono::steady_clock::now() + patience();
-    void* answer = nullptr;
-    xcb_generic_error_t* error = nullptr;
-    bool isAnswered = true;
-    while (xcb_poll_for_reply(connection_, sequence, &answer, &error) == 0) {
-        if (!waitForSocket(deadline)) {
-            xcb_discard_reply(connection_, sequence);
-            isAnswered = false;
-            break;
-        }
-    }
-    std::free(error);
-    if (!isAnswered)
+    std::optional<X11Reply<void>> answer = replies_.wait(sequence, patience());
+    if (!answer)
         noticeStuck();
     // Reading the reply may have read events too; the descriptor does not tell of those.
     stashQueuedEvents();
-    return answer;
+    return answer ? std::move(*answer) : nullptr;
 }
 
 std::chrono::milliseconds X11Connection::patience() {
@@ -317,7 +275,7 @@ std::chrono::milliseconds X11Connection::patience() {
         return replyBound;
     // It may have caught up without the event loop having come round to saying so.
     takeAnswers();
-    return catchingUp_.entry_->isAnswered ? replyBound : stuckBound;
+    return catchingUp_.isAnswered() ? replyBound : stuckBound;
 }
 
 void X11Connection::noticeStuck() {
@@ -331,21 +289,6 @@ void X11Connection::noticeStuck() {
                                                             });
 }
 
-bool X11Connection::waitForSocket(std::chrono::steady_clock::time_point deadline) const {
-    for (;;) {
-        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
-            deadline - std::chrono::steady_clock::now());
-        if (left.count() <= 0)
-            return false;
-        pollfd descriptor{xcb_get_file_descriptor(connection_), POLLIN, 0};
-        const int ready = poll(&descriptor, 1, static_cast<int>(left.count()));
-        if (ready > 0)
-            return true;
-        if (ready < 0 && errno != EINTR)
-            return false;
-    }
-}
-
 X11Listener X11Connection::listen(const X11EventFilter& filter, EventHandler handler) {
     auto entry = std::make_shared<X11Listener::Entry>();
     entry->filter = filter;
@@ -354,48 +297,21 @@ X11Listener X11Connection::listen(const X11EventFilter& filter, EventHandler han
     return X11Listener(std::move(entry));
 }
 
-X11AwaitedReply X11Connection::await(unsigned int sequence, std::function<void(void*)> handler) {
-    auto entry = std::make_shared<X11AwaitedReply::Entry>();
-    entry->sequence = sequence;
-    entry->handler = std::move(handler);
-    awaited_.push_back(entry);
+X11AwaitedReply X11Connection::await(unsigned int sequence, X11Replies::Handler handler) {
+    X11AwaitedReply reply = replies_.await(sequence, std::move(handler));
     flush();
-    return X11AwaitedReply(std::move(entry));
+    return reply;
 }
 
 void X11Connection::takeAnswers() {
-    for (const auto& entry : awaited_) {
-        if (entry->isAnswered)
-            continue;
-        void* answer = nullptr;
-        xcb_generic_error_t* error = nullptr;
-        if (xcb_poll_for_reply(connection_, entry->sequence, &answer, &error) == 0)
-            break;
-        std::free(error);
-        entry->answer.reset(answer);
-        entry->isAnswered = true;
-    }
+    replies_.takeArrived();
     // Looking for a reply may read events too; the descriptor does not tell of those.
     while (xcb_generic_event_t* event = xcb_poll_for_queued_event(connection_))
         stash_.emplace_back(event);
 }
 
 bool X11Connection::isAnswerNext() const {
-    if (awaited_.empty() || !awaited_.front()->isAnswered)
-        return false;
-    if (stash_.empty())
-        return true;
-    // An event bears the number of the request that the server had done last.
-    const auto lead =
-        static_cast<std::int32_t>(stash_.front()->full_sequence - awaited_.front()->sequence);
-    return lead >= 0;
-}
-
-void X11Connection::handOverAnswer() {
-    const std::shared_ptr<X11AwaitedReply::Entry> entry = std::move(awaited_.front());
-    awaited_.pop_front();
-    if (std::exchange(entry->isWanted, false))
-        entry->handler(entry->answer.release());
+    return replies_.isNext(stash_.empty() ? nullptr : stash_.front().get());
 }
 
 void X11Connection::stashQueuedEvents() {
@@ -425,7 +341,7 @@ void X11Connection::dispatchEvents() {
     bool dispatchedAny = false;
     for (;;) {
         if (isAnswerNext()) {
-            handOverAnswer();
+            replies_.handOver();
         } else if (!stash_.empty()) {
             const X11Reply<xcb_generic_event_t> event = std::move(stash_.front());
             stash_.pop_front();

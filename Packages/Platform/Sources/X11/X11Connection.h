@@ -1,12 +1,12 @@
 #pragma once
 
 #include "X11Atoms.h"
+#include "X11Replies.h"
 
 #include <QObject>
 #include <QSocketNotifier>
 #include <QString>
 #include <chrono>
-#include <cstdlib>
 #include <deque>
 #include <functional>
 #include <memory>
@@ -15,16 +15,6 @@
 #include <xcb/xcb.h>
 
 namespace tilewright {
-
-/// Frees what xcb allocated.
-struct XcbFree {
-    void operator()(void* memory) const { std::free(memory); }
-};
-
-/// A reply of the server; null when the request failed, was not answered in time, or the connection
-/// is lost.
-template<class T>
-using X11Reply = std::unique_ptr<T, XcbFree>;
 
 /// What has come of a request that has no reply.
 enum class X11Outcome {
@@ -98,28 +88,6 @@ private:
     std::shared_ptr<Entry> entry_;
 };
 
-/// Stands for a reply that has been asked for and is not waited for. Once this is gone the reply's
-/// handler is not called any more. May be destroyed in any handler, and after the connection.
-class X11AwaitedReply {
-public:
-    X11AwaitedReply() = default;
-    X11AwaitedReply(X11AwaitedReply&&) noexcept = default;
-    X11AwaitedReply& operator=(X11AwaitedReply&& other) noexcept;
-    ~X11AwaitedReply();
-
-    /// Whether the reply has yet to come.
-    [[nodiscard]] bool isAwaited() const;
-    /// Does without the reply.
-    void reset();
-
-private:
-    friend class X11Connection;
-    struct Entry;
-    explicit X11AwaitedReply(std::shared_ptr<Entry> entry)
-        : entry_(std::move(entry)) {}
-    std::shared_ptr<Entry> entry_;
-};
-
 /// This program's own connection to an X server, apart from the toolkit's.
 ///
 /// Events are handed to listeners from the event loop, never from within a request. Requests fail
@@ -169,7 +137,7 @@ public:
     /// round trip.
     template<class Reply, class Cookie>
     [[nodiscard]] X11Reply<Reply> reply(Cookie cookie) {
-        return X11Reply<Reply>(static_cast<Reply*>(waitForReply(cookie.sequence)));
+        return as<Reply>(waitForReply(cookie.sequence));
     }
     /// Hands over a request's reply from the event loop, however long the server takes: after the
     /// events that the server sent before it, and before those that it sent after it. Null when the
@@ -177,8 +145,8 @@ public:
     template<class Reply, class Cookie>
     [[nodiscard]] X11AwaitedReply whenAnswered(Cookie cookie,
                                                std::function<void(X11Reply<Reply>)> handler) {
-        return await(cookie.sequence, [handler = std::move(handler)](void* answer) {
-            handler(X11Reply<Reply>(static_cast<Reply*>(answer)));
+        return await(cookie.sequence, [handler = std::move(handler)](X11Reply<void> answer) {
+            handler(as<Reply>(std::move(answer)));
         });
     }
     /// Waits for the outcome of a checked request without a reply, as long as for a reply.
@@ -212,23 +180,25 @@ private:
     X11Connection(xcb_connection_t* connection, int screenNumber);
 
     void queryServer();
-    [[nodiscard]] void* waitForReply(unsigned int sequence);
+    template<class Reply>
+    [[nodiscard]] static X11Reply<Reply> as(X11Reply<void> answer) {
+        return X11Reply<Reply>(static_cast<Reply*>(answer.release()));
+    }
+    [[nodiscard]] X11Reply<void> waitForReply(unsigned int sequence);
     [[nodiscard]] std::chrono::milliseconds patience();
-    /// The handler owns the reply that it is given.
-    [[nodiscard]] X11AwaitedReply await(unsigned int sequence, std::function<void(void*)> handler);
+    [[nodiscard]] X11AwaitedReply await(unsigned int sequence, X11Replies::Handler handler);
     void takeAnswers();
     [[nodiscard]] bool isAnswerNext() const;
-    void handOverAnswer();
     void noticeStuck();
     template<class Reply, class Cookie>
     [[nodiscard]] X11Reply<Reply> firstReply(Cookie cookie);
-    [[nodiscard]] bool waitForSocket(std::chrono::steady_clock::time_point deadline) const;
     void stashQueuedEvents();
     void scheduleDispatch();
     void dispatch(const xcb_generic_event_t& event);
     void noticeLoss();
 
     xcb_connection_t* connection_;
+    X11Replies replies_;
     int screenNumber_;
     const xcb_screen_t* screen_ = nullptr;
     X11AtomTable atoms_{};
@@ -241,8 +211,6 @@ private:
     std::unique_ptr<QSocketNotifier> notifier_;
     std::deque<X11Reply<xcb_generic_event_t>> stash_;
     std::vector<std::shared_ptr<X11Listener::Entry>> listeners_;
-    /// In the order of their requests, which is the order of their replies.
-    std::deque<std::shared_ptr<X11AwaitedReply::Entry>> awaited_;
     std::function<void()> waitObserver_;
     std::uint64_t roundTrips_ = 0;
     int dispatchDepth_ = 0;

@@ -6,6 +6,7 @@
 #include <QRect>
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <xcb/shape.h>
 
 namespace tilewright {
@@ -96,13 +97,10 @@ bool holds(const xcb_shape_get_rectangles_reply_t& shape, QPoint place) {
                        });
 }
 
-/// The children of the root window below one of them that the server would hand a press at the
-/// place to, were those above not there. Topmost first.
-std::vector<xcb_window_t> windowsBelow(X11Connection& connection, xcb_window_t window,
-                                       QPoint place) {
-    xcb_connection_t* xcb = connection.xcb();
-    const auto tree =
-        connection.reply<xcb_query_tree_reply_t>(xcb_query_tree(xcb, connection.root()));
+/// The children of the root window below one of them, topmost first.
+std::vector<xcb_window_t> siblingsBelow(X11Connection& connection, xcb_window_t window) {
+    const auto tree = connection.reply<xcb_query_tree_reply_t>(
+        xcb_query_tree(connection.xcb(), connection.root()));
     if (!tree)
         return {};
     const xcb_window_t* bottommost = xcb_query_tree_children(tree.get());
@@ -111,61 +109,79 @@ std::vector<xcb_window_t> windowsBelow(X11Connection& connection, xcb_window_t w
     // Restacked or gone since it was found.
     if (top == end)
         return {};
+    return {std::make_reverse_iterator(top), std::make_reverse_iterator(bottommost)};
+}
 
-    struct Sibling {
+/// A child of the root window, and a place in it as its shapes count.
+struct PlaceInWindow {
+    xcb_window_t window;
+    QPoint place;
+};
+
+/// Those children of the root window that show and have the place within their border.
+std::vector<PlaceInWindow> showingAt(X11Connection& connection,
+                                     const std::vector<xcb_window_t>& windows, QPoint place) {
+    struct Asked {
         xcb_window_t window;
         xcb_get_window_attributes_cookie_t attributes;
         xcb_get_geometry_cookie_t geometry;
     };
-    std::vector<Sibling> siblings;
-    siblings.reserve(static_cast<std::size_t>(top - bottommost));
-    while (top != bottommost) {
-        --top;
-        siblings.push_back(
-            {*top, xcb_get_window_attributes(xcb, *top), xcb_get_geometry(xcb, *top)});
-    }
-    struct Candidate {
-        xcb_window_t window;
-        QPoint place;
-        std::array<xcb_shape_get_rectangles_cookie_t, 2> shapes;
-    };
-    const bool hasShapes = connection.shape().isAtLeast(1, 1);
-    std::vector<Candidate> candidates;
-    candidates.reserve(siblings.size());
-    for (const Sibling& sibling : siblings) {
-        const auto attributes =
-            connection.reply<xcb_get_window_attributes_reply_t>(sibling.attributes);
-        const auto geometry = connection.reply<xcb_get_geometry_reply_t>(sibling.geometry);
+    xcb_connection_t* xcb = connection.xcb();
+    std::vector<Asked> asked;
+    asked.reserve(windows.size());
+    for (const xcb_window_t window : windows)
+        asked.push_back(
+            {window, xcb_get_window_attributes(xcb, window), xcb_get_geometry(xcb, window)});
+    std::vector<PlaceInWindow> found;
+    found.reserve(asked.size());
+    for (const Asked& one : asked) {
+        const auto attributes = connection.reply<xcb_get_window_attributes_reply_t>(one.attributes);
+        const auto geometry = connection.reply<xcb_get_geometry_reply_t>(one.geometry);
         if (!attributes || !geometry || attributes->map_state != XCB_MAP_STATE_VIEWABLE)
             continue;
         const int border = geometry->border_width;
         const QPoint corner(geometry->x, geometry->y);
         const QRect area(corner,
                          QSize(geometry->width + 2 * border, geometry->height + 2 * border));
-        if (!area.contains(place))
-            continue;
-        Candidate& candidate = candidates.emplace_back();
-        candidate.window = sibling.window;
         // A shape's origin lies within the border.
-        candidate.place = place - corner - QPoint(border, border);
-        if (hasShapes)
-            candidate.shapes = {
-                xcb_shape_get_rectangles(xcb, sibling.window, XCB_SHAPE_SK_BOUNDING),
-                xcb_shape_get_rectangles(xcb, sibling.window, XCB_SHAPE_SK_INPUT)};
+        if (area.contains(place))
+            found.push_back({one.window, place - corner - QPoint(border, border)});
+    }
+    return found;
+}
+
+/// Those windows whose shapes, of what is seen and of what takes presses, have the place in them.
+std::vector<xcb_window_t> shapedAround(X11Connection& connection,
+                                       const std::vector<PlaceInWindow>& candidates) {
+    constexpr std::array kinds{XCB_SHAPE_SK_BOUNDING, XCB_SHAPE_SK_INPUT};
+    const bool hasShapes = connection.shape().isAtLeast(1, 1);
+    std::vector<std::array<xcb_shape_get_rectangles_cookie_t, kinds.size()>> asked(
+        hasShapes ? candidates.size() : 0);
+    for (std::size_t i = 0; i < asked.size(); ++i) {
+        for (std::size_t kind = 0; kind < kinds.size(); ++kind)
+            asked[i][kind] =
+                xcb_shape_get_rectangles(connection.xcb(), candidates[i].window, kinds[kind]);
     }
     std::vector<xcb_window_t> found;
     found.reserve(candidates.size());
-    for (const Candidate& candidate : candidates) {
+    for (std::size_t i = 0; i < candidates.size(); ++i) {
         bool isHit = true;
-        for (std::size_t i = 0; hasShapes && i < candidate.shapes.size(); ++i) {
-            const auto shape =
-                connection.reply<xcb_shape_get_rectangles_reply_t>(candidate.shapes[i]);
-            isHit = isHit && shape && holds(*shape, candidate.place);
+        for (std::size_t kind = 0; hasShapes && kind < kinds.size(); ++kind) {
+            const auto shape = connection.reply<xcb_shape_get_rectangles_reply_t>(asked[i][kind]);
+            isHit = isHit && shape && holds(*shape, candidates[i].place);
         }
         if (isHit)
-            found.push_back(candidate.window);
+            found.push_back(candidates[i].window);
     }
     return found;
+}
+
+/// The children of the root window below one of them that the server would hand a press at the
+/// place to, were those above not there. Topmost first.
+std::vector<xcb_window_t> windowsBelow(X11Connection& connection, xcb_window_t window,
+                                       QPoint place) {
+    return shapedAround(connection,
+                        showingAt(connection, siblingsBelow(connection, window), place));
 }
 
 } // namespace
