@@ -4,6 +4,7 @@
 
 #include <ProcessFigures.h>
 #include <ShellDesktop.h>
+#include <TestClients.h>
 #include <Waiting.h>
 
 #include <QCoreApplication>
@@ -23,8 +24,10 @@ constexpr unsigned long idleSeconds = 60;
 
 void printMemory(const char* when, pid_t program) {
     const ProcessFigures figures = processFigures(program);
-    std::printf("memory %-40s resident %5.1f MiB, of it private %5.1f MiB\n", when,
-                double(figures.residentKiB) / 1024, double(figures.privateKiB) / 1024);
+    std::printf("memory %-40s resident %5.1f MiB, of it private %5.1f MiB, the program's own %.1f "
+                "MiB\n",
+                when, double(figures.residentKiB) / 1024, double(figures.privateKiB) / 1024,
+                double(figures.anonymousKiB) / 1024);
     std::fflush(stdout);
 }
 
@@ -57,6 +60,9 @@ void measure() {
     std::printf("wake-ups in %lu idle seconds: %ld, processor time %.1f ms\n", idleSeconds,
                 after.voluntarySwitches - before.voluntarySwitches,
                 double(after.cpuMicroseconds - before.cpuMicroseconds) / 1e3);
+    const TestClient other = startClient(desktop.session(), ClientKind::qt, {300, 200, 400, 300});
+    printMemory("beside another program of the toolkit's:", program.pid());
+    other.process->stop();
     const QRect panel = desktop.openPanel();
     printMemory("with the panel open:", program.pid());
     desktop.input().click(ShellDesktop::settingsButton(panel));
