@@ -25,21 +25,19 @@ QSize X11FramePlacement::agreedSize(const X11WindowFacts& facts) const {
 bool X11FramePlacement::learnHabit(const X11WindowFacts& facts) {
     const QRect outer = facts.outerFrame();
     const QPoint offset = goal_.topLeft() - outer.topLeft();
-    if (outer.size() != goal_.size() && outer.size() != agreedSize(facts))
+    if (offset.isNull() || (outer.size() != goal_.size() && outer.size() != agreedSize(facts)))
         return false;
-    if (habit_.decorations == facts.decorations && !habit_.offset.isNull()) {
+    if (!askedWithOffset_.isNull()) {
         // Whatever was learnt no longer leads to the goal: it may have been an accident, such as a
         // panel that came up at that moment.
-        const bool wasMistaken = !offset.isNull();
-        if (wasMistaken)
-            habit_ = {};
-        return wasMistaken;
+        *habit_ = {};
+        return true;
     }
     const bool isWithinDecorations = offset.x() >= 0 && offset.x() <= facts.decorations.left &&
                                      offset.y() >= 0 && offset.y() <= facts.decorations.top;
-    if (offset.isNull() || !isWithinDecorations)
+    if (!isWithinDecorations)
         return false;
-    habit_ = {facts.decorations, offset};
+    *habit_ = {facts.decorations, offset};
     return true;
 }
 
@@ -116,8 +114,8 @@ X11FramePlacement::Action X11FramePlacement::request(const X11WindowFacts& facts
     action.request = QRect(goal_.topLeft(), facts.clientSize(goal_.size()).expandedTo({1, 1}));
     // The corner is the frame's; a client that draws its own shadow reaches beyond it.
     action.request->translate(-facts.shadow.left, -facts.shadow.top);
-    if (habit_.decorations == facts.decorations)
-        action.request->translate(habit_.offset);
+    askedWithOffset_ = habit_->decorations == facts.decorations ? habit_->offset : QPoint();
+    action.request->translate(askedWithOffset_);
     action.startsWaiting = true;
     return action;
 }

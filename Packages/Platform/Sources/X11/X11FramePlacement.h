@@ -2,6 +2,7 @@
 
 #include "X11WindowFacts.h"
 
+#include <memory>
 #include <optional>
 
 namespace tilewright {
@@ -43,12 +44,14 @@ public:
     /// Whether the window manager may be tiling the window at this moment, unseen.
     enum class Tiling { unlikely, likely };
 
-    /// `goal` is the outer frame to reach, in pixels of the X screen. `habit` is what was found out
-    /// about the window manager before.
-    explicit X11FramePlacement(const QRect& goal, const Habit& habit = {},
+    /// `goal` is the outer frame to reach, in pixels of the X screen. `habit`, never null, is what
+    /// is known of the window manager; what is found out about it is noted there, for all
+    /// placements that share it.
+    explicit X11FramePlacement(const QRect& goal,
+                               std::shared_ptr<Habit> habit = std::make_shared<Habit>(),
                                Tiling tiling = Tiling::unlikely)
         : goal_(goal)
-        , habit_(habit)
+        , habit_(std::move(habit))
         , tiling_(tiling) {}
 
     /// The first thing to do for a window that looks like this.
@@ -59,8 +62,6 @@ public:
     [[nodiscard]] Action timePassed(const X11WindowFacts& facts);
 
     [[nodiscard]] const QRect& goal() const { return goal_; }
-    /// What is known about the window manager by now.
-    [[nodiscard]] const Habit& habit() const { return habit_; }
     /// Whether the window is where it belongs, as near as its own limits allow.
     [[nodiscard]] bool isReached(const X11WindowFacts& facts) const;
 
@@ -80,13 +81,15 @@ private:
     static constexpr int mostCorrections = 4;
 
     QRect goal_;
-    Habit habit_;
+    std::shared_ptr<Habit> habit_;
     Tiling tiling_;
     Phase phase_ = Phase::clearing;
     int attempts_ = 0;
     int corrections_ = 0;
     X11Extents askedWithDecorations_;
     X11Extents askedWithShadow_;
+    /// The habit's share in the corner that was asked for.
+    QPoint askedWithOffset_;
     /// The outer frame in which the window was when it was first asked to go elsewhere.
     std::optional<QRect> origin_;
     std::optional<QRect> lastMiss_;

@@ -88,10 +88,8 @@ void X11FrameSetter::commit(xcb_window_t window) {
     }
     const Pending pending = found->second;
     pending_.erase(found);
-    if (!pending.facts.exists || !pending.facts.isManaged) {
-        Q_EMIT finished(window);
+    if (!pending.facts.exists || !pending.facts.isManaged)
         return;
-    }
     const X11Coordinates coordinates = surroundings_.coordinates();
     const QRect outer = pending.facts.outerFrame();
     const AXPoint position = pending.position.value_or(coordinates.toAX(outer.topLeft()));
@@ -240,8 +238,8 @@ void X11FrameSetter::markerReached(xcb_window_t window) {
 }
 
 void X11FrameSetter::windowManagerChanged() {
-    // Another one has its own habits.
-    habit_ = {};
+    // Another one has its own habits. What runs keeps, and alone goes on learning, the old ones.
+    habit_ = std::make_shared<X11FramePlacement::Habit>();
     answersMarkers_ = false;
     trialMarker_.reset();
     if (!windowManager_.supports(X11Atom::netRequestFrameExtents))
@@ -261,12 +259,7 @@ void X11FrameSetter::changeState(xcb_window_t window, bool adds, X11Atom first,
 }
 
 void X11FrameSetter::end(xcb_window_t window) {
-    const auto found = running_.find(window);
-    if (found == running_.end())
-        return;
-    habit_ = found->second.placement.habit();
-    running_.erase(found);
-    Q_EMIT finished(window);
+    running_.erase(window);
 }
 
 } // namespace tilewright

@@ -45,10 +45,6 @@ public:
     /// Whether a frame is being set, of any window.
     [[nodiscard]] bool isBusy() const { return !pending_.empty() || !running_.empty(); }
 
-Q_SIGNALS:
-    /// Setting a window's frame is over, whatever came of it.
-    void finished(quint32 window);
-
 private:
     struct Pending {
         /// Unknown where the server does not answer: read when it does.
@@ -93,7 +89,8 @@ private:
     std::map<xcb_window_t, Running> running_;
     std::unique_ptr<X11Marker> trialMarker_;
     bool answersMarkers_ = false;
-    X11FramePlacement::Habit habit_;
+    /// Of the window manager now: what one placement finds out serves those that run beside it.
+    std::shared_ptr<X11FramePlacement::Habit> habit_ = std::make_shared<X11FramePlacement::Habit>();
     /// Outlived by no task in the loop.
     std::shared_ptr<bool> life_ = std::make_shared<bool>(true);
 };

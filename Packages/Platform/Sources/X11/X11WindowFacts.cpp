@@ -8,7 +8,6 @@ namespace tilewright {
 namespace {
 
 constexpr std::uint32_t withdrawnState = 0;
-constexpr std::uint32_t iconicState = 3;
 /// How deep a window manager may bury a client.
 constexpr int deepestClient = 4;
 
@@ -17,36 +16,6 @@ X11Extents extentsFrom(const std::vector<std::uint32_t>& items) {
         return static_cast<int>(std::min<std::uint32_t>(items[i], 32767));
     };
     return items.size() < 4 ? X11Extents{} : X11Extents{at(0), at(1), at(2), at(3)};
-}
-
-X11SizeLimits limitsFrom(const std::vector<std::uint32_t>& hints) {
-    constexpr std::uint32_t hasMinimum = 1U << 4U;
-    constexpr std::uint32_t hasMaximum = 1U << 5U;
-    constexpr std::uint32_t hasIncrement = 1U << 6U;
-    constexpr std::uint32_t hasBase = 1U << 8U;
-    X11SizeLimits limits;
-    const std::uint32_t flags = hints.empty() ? 0 : hints[0];
-    const auto size = [&](std::size_t at) {
-        const auto bounded = [](std::uint32_t value) {
-            return static_cast<int>(std::min<std::uint32_t>(value, 32767));
-        };
-        return QSize(bounded(hints[at]), bounded(hints[at + 1]));
-    };
-    if (hints.size() < 11)
-        return limits;
-    if ((flags & hasMinimum) != 0)
-        limits.minimum = size(5).expandedTo(QSize(1, 1));
-    if ((flags & hasMaximum) != 0)
-        limits.maximum = size(7).expandedTo(limits.minimum);
-    if ((flags & hasIncrement) != 0)
-        limits.increment = size(9).expandedTo(QSize(1, 1));
-    if ((flags & hasBase) != 0 && hints.size() >= 17)
-        limits.base = size(15);
-    else if ((flags & hasMinimum) != 0)
-        limits.base = limits.minimum;
-    if ((flags & hasMinimum) == 0 && (flags & hasBase) != 0)
-        limits.minimum = limits.base.expandedTo(QSize(1, 1));
-    return limits;
 }
 
 bool contains(const std::vector<std::uint32_t>& items, xcb_atom_t atom) {
@@ -87,7 +56,6 @@ void applyState(const X11Connection& connection, const std::vector<std::uint32_t
     facts.isFullscreen = has(X11Atom::netWmStateFullscreen);
     facts.isShaded = has(X11Atom::netWmStateShaded);
     facts.skipsTaskbar = has(X11Atom::netWmStateSkipTaskbar);
-    facts.isMinimized = facts.isMinimized || has(X11Atom::netWmStateHidden);
 }
 
 /// What the frame in the window tree adds to the client, for window managers that do not tell.
@@ -125,6 +93,40 @@ bool isApplicationType(const X11Connection& connection, const std::vector<std::u
     X11WindowFacts facts;
     applyType(connection, types, facts);
     return facts.isApplicationWindow;
+}
+
+X11SizeLimits X11SizeLimits::fromHints(const std::vector<std::uint32_t>& hints) {
+    constexpr std::uint32_t hasMinimum = 1U << 4U;
+    constexpr std::uint32_t hasMaximum = 1U << 5U;
+    constexpr std::uint32_t hasIncrement = 1U << 6U;
+    constexpr std::uint32_t hasBase = 1U << 8U;
+    constexpr std::size_t lengthWithoutBase = 11;
+    constexpr std::size_t lengthWithBase = 17;
+    X11SizeLimits limits;
+    if (hints.size() < lengthWithoutBase)
+        return limits;
+    const auto has = [&](std::uint32_t flag) { return (hints[0] & flag) != 0; };
+    const auto size = [&](std::size_t at) {
+        const auto bounded = [](std::uint32_t value) {
+            return static_cast<int>(std::min<std::uint32_t>(value, 32767));
+        };
+        return QSize(bounded(hints[at]), bounded(hints[at + 1]));
+    };
+    const bool tellsBase = has(hasBase) && hints.size() >= lengthWithBase;
+    // Either stands in for the other where it is missing.
+    if (has(hasMinimum))
+        limits.minimum = limits.base = size(5);
+    if (tellsBase)
+        limits.base = size(15);
+    if (tellsBase && !has(hasMinimum))
+        limits.minimum = limits.base;
+    limits.minimum = limits.minimum.expandedTo(QSize(1, 1));
+    if (has(hasIncrement))
+        limits.increment = size(9).expandedTo(QSize(1, 1));
+    // Clients contradict themselves: what they cannot do without counts.
+    if (has(hasMaximum))
+        limits.maximum = size(7).expandedTo(limits.minimum);
+    return limits;
 }
 
 QSize X11SizeLimits::constrained(QSize wish) const {
@@ -192,14 +194,13 @@ X11WindowFacts readWindowFacts(X11Connection& connection, xcb_window_t window) {
     const bool isElsewhere = !managed.empty() && !desktop.empty();
     facts.isManaged =
         (isManagedState(managed) || isElsewhere) && attributes->override_redirect == 0;
-    facts.isMinimized = !managed.empty() && managed[0] == iconicState;
     applyState(connection, states, facts);
     applyType(connection, types, facts);
     facts.isApplicationWindow = facts.isApplicationWindow && facts.isManaged;
     facts.processID = process.empty() ? 0 : static_cast<qint64>(process[0]);
     facts.client = QRect(origin->dst_x, origin->dst_y, geometry->width, geometry->height);
     facts.shadow = extentsFrom(shadow);
-    facts.limits = limitsFrom(hints);
+    facts.limits = X11SizeLimits::fromHints(hints);
     facts.decorations = decorations.size() >= 4 || !facts.isManaged
                             ? extentsFrom(decorations)
                             : extentsFromTree(connection, window, facts.client);

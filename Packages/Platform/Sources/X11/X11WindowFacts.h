@@ -25,6 +25,9 @@ struct X11SizeLimits {
     QSize base{0, 0};
     QSize increment{1, 1};
 
+    /// What a client's WM_NORMAL_HINTS say, however little they make sense.
+    [[nodiscard]] static X11SizeLimits fromHints(const std::vector<std::uint32_t>& hints);
+
     /// The size nearest to the wish that the client agrees to, increments rounded down.
     [[nodiscard]] QSize constrained(QSize wish) const;
 
@@ -42,7 +45,6 @@ struct X11WindowFacts {
     /// Whether it is a window that users work in; panels, wallpapers, menus and the like are none.
     bool isApplicationWindow = false;
     bool isDialog = false;
-    bool isMinimized = false;
     /// Maximised in either direction.
     bool isMaximized = false;
     bool isFullscreen = false;
@@ -51,7 +53,7 @@ struct X11WindowFacts {
     bool skipsTaskbar = false;
     /// The client's process; 0 where it does not tell.
     qint64 processID = 0;
-    /// The client window's own area, and its border.
+    /// The client window's own area, without its border.
     QRect client;
     /// Decorations that the window manager added.
     X11Extents decorations;
@@ -67,8 +69,8 @@ struct X11WindowFacts {
     [[nodiscard]] QSize outerSize(QSize client) const;
 };
 
-/// Looks at a window: one round trip; another one or two where the window manager tells of no
-/// decorations.
+/// Looks at a window: one round trip. Where the window manager tells of no decorations the window's
+/// frame is looked for: one more for a window that has none, three or more for one that has.
 [[nodiscard]] X11WindowFacts readWindowFacts(X11Connection& connection, xcb_window_t window);
 
 /// Whether users work in windows that bear these types: panels, wallpapers, menus and the like are

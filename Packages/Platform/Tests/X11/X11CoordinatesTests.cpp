@@ -67,6 +67,57 @@ TEST(X11SizeLimits, HoldASizeBetweenMinimumAndMaximum) {
     EXPECT_EQ(limits.constrained({10, 10}), QSize(420, 260));
 }
 
+namespace {
+
+/// A client's hints: flags, four words that nobody reads any more, the sizes.
+std::vector<std::uint32_t> hints(std::uint32_t flags, QSize minimum, QSize maximum, QSize base) {
+    const auto word = [](int value) { return static_cast<std::uint32_t>(value); };
+    std::vector<std::uint32_t> items(18);
+    items[0] = flags;
+    items[5] = word(minimum.width());
+    items[6] = word(minimum.height());
+    items[7] = word(maximum.width());
+    items[8] = word(maximum.height());
+    items[15] = word(base.width());
+    items[16] = word(base.height());
+    return items;
+}
+
+constexpr std::uint32_t minimumHint = 1U << 4U;
+constexpr std::uint32_t maximumHint = 1U << 5U;
+constexpr std::uint32_t baseHint = 1U << 8U;
+
+} // namespace
+
+TEST(X11SizeLimits, TakeTheBaseForAMissingMinimumAndTheOtherWayRound) {
+    const auto based = X11SizeLimits::fromHints(hints(baseHint, {}, {}, {200, 100}));
+    EXPECT_EQ(based.minimum, QSize(200, 100));
+    const auto least = X11SizeLimits::fromHints(hints(minimumHint, {30, 20}, {}, {}));
+    EXPECT_EQ(least.base, QSize(30, 20));
+    EXPECT_EQ(least.minimum, QSize(30, 20));
+}
+
+TEST(X11SizeLimits, NeverHaveAMaximumBelowTheMinimum) {
+    for (const std::uint32_t flags :
+         {maximumHint, maximumHint | baseHint, maximumHint | minimumHint,
+          maximumHint | minimumHint | baseHint}) {
+        const auto limits =
+            X11SizeLimits::fromHints(hints(flags, {300, 0}, {100, 0}, {200, 4'000'000}));
+        EXPECT_GE(limits.minimum.width(), 1);
+        EXPECT_GE(limits.minimum.height(), 1);
+        EXPECT_GE(limits.maximum.width(), limits.minimum.width()) << flags;
+        EXPECT_GE(limits.maximum.height(), limits.minimum.height()) << flags;
+        EXPECT_GE(limits.constrained({250, 250}).width(), 1);
+    }
+}
+
+TEST(X11SizeLimits, AreNoneWhereTheHintsAreCutShort) {
+    auto cut = hints(minimumHint | maximumHint | baseHint, {300, 300}, {400, 400}, {1, 1});
+    cut.resize(10);
+    EXPECT_EQ(X11SizeLimits::fromHints(cut), X11SizeLimits());
+    EXPECT_EQ(X11SizeLimits::fromHints({}), X11SizeLimits());
+}
+
 TEST(X11WindowFacts, CountDecorationsInAndShadowsOut) {
     X11WindowFacts facts;
     facts.client = QRect(100, 100, 500, 300);
