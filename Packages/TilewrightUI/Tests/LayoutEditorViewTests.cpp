@@ -593,6 +593,17 @@ TEST_F(LayoutEditorViewTest, DropsTheDragOfAZoneThatGoesAwayUnderThePointer) {
     EXPECT_TRUE(model().zones().empty());
 }
 
+TEST_F(LayoutEditorViewTest, EndsADragWhoseReleaseWentElsewhere) {
+    press(point(0.3, 0.3));
+    moveTo(point(0.4, 0.4));
+    ASSERT_TRUE(canvas().isDragging());
+    moveTo(point(0.6, 0.6), Qt::NoButton);
+    EXPECT_FALSE(canvas().isDragging());
+    const Zone left = zone(0);
+    moveTo(point(0.8, 0.8), Qt::NoButton);
+    EXPECT_EQ(zone(0), left) << "it follows the pointer no more";
+}
+
 TEST_F(LayoutEditorViewTest, PaintsTheSelectedTileStrongerThanTheOthers) {
     load({at(0, 0, 0.5, 1), at(0.5, 0, 0.5, 1)});
     model().select(zone(1).id);

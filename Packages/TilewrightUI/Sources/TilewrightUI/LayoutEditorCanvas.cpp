@@ -169,6 +169,9 @@ void LayoutEditorCanvas::mouseDoubleClickEvent(QMouseEvent* event) {
 
 void LayoutEditorCanvas::mouseMoveEvent(QMouseEvent* event) {
     pointer_ = event->position();
+    // The release went elsewhere, such as to the desktop that was switched to by a key.
+    if ((event->buttons() & Qt::LeftButton) == 0)
+        drag_.reset();
     if (drag_)
         drag_->changed(pointer_ - pressedAt_, canvasFrame().size());
     updateCursor();
