@@ -3,7 +3,9 @@
 #include <Platform/Accessibility.h>
 
 #include <QString>
+#include <limits>
 #include <optional>
+#include <vector>
 
 namespace tilewright::appkit {
 
@@ -18,8 +20,16 @@ void openURL(const QString& url);
 void activateThisApplication();
 /// Whether the user asked the system for reduced motion.
 [[nodiscard]] bool prefersReducedMotion();
-/// How many instances of this program run, this one included. One for a program outside a bundle,
-/// which has no identifier to look for.
-[[nodiscard]] int runningInstances();
+
+/// One run of this program that has not ended.
+struct RunningInstance {
+    ProcessID process = 0;
+    /// In seconds from a moment that all instances share; infinite where the system does not tell.
+    double launchedAt = std::numeric_limits<double>::infinity();
+};
+
+/// The instances of this program, this one included once the system knows of it. None for a program
+/// outside a bundle, which has no identifier to look for.
+[[nodiscard]] std::vector<RunningInstance> runningInstances();
 
 } // namespace tilewright::appkit

@@ -36,12 +36,24 @@ bool prefersReducedMotion() {
     return [[NSWorkspace sharedWorkspace] accessibilityDisplayShouldReduceMotion];
 }
 
-int runningInstances() {
+std::vector<RunningInstance> runningInstances() {
     NSString* identifier = [[NSBundle mainBundle] bundleIdentifier];
     if (!identifier)
-        return 1;
-    return static_cast<int>(
-        [[NSRunningApplication runningApplicationsWithBundleIdentifier:identifier] count]);
+        return {};
+    NSArray<NSRunningApplication*>* applications =
+        [NSRunningApplication runningApplicationsWithBundleIdentifier:identifier];
+    std::vector<RunningInstance> instances;
+    instances.reserve([applications count]);
+    for (NSUInteger i = 0; i < [applications count]; ++i) {
+        NSRunningApplication* application = [applications objectAtIndex:i];
+        if ([application isTerminated])
+            continue;
+        RunningInstance instance{[application processIdentifier]};
+        if (NSDate* launch = [application launchDate])
+            instance.launchedAt = [launch timeIntervalSinceReferenceDate];
+        instances.push_back(instance);
+    }
+    return instances;
 }
 
 } // namespace tilewright::appkit

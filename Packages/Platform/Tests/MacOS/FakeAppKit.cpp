@@ -171,7 +171,7 @@ bool prefersReducedMotion() {
     return FakeAppKit::current().reducesMotion;
 }
 
-int runningInstances() {
+std::vector<RunningInstance> runningInstances() {
     return FakeAppKit::current().instances;
 }
 

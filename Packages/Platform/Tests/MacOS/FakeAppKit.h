@@ -72,8 +72,8 @@ public:
     std::map<QString, QString> defaults;
     QTemporaryDir applicationSupport;
     std::vector<std::pair<QString, QString>> notificationsShown;
-    /// How many instances of the program run, this one included.
-    int instances = 1;
+    /// The instances of the program that run.
+    std::vector<appkit::RunningInstance> instances;
     struct Item {
         std::function<void()> clicked;
         std::vector<QByteArray> images;

@@ -12,6 +12,7 @@
 #include <QApplication>
 #include <QTest>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 using namespace tilewright;
 using namespace tilewright::testing;
@@ -50,7 +51,7 @@ TEST(MacPlatform, IsTheBackendOfAProgramBuiltForMacOS) {
 
 TEST(MacPlatform, AsksARunningInstanceForItsPanelInsteadOfStartingAnother) {
     OpenedBackend backend;
-    backend.appKit.instances = 2;
+    backend.appKit.instances = {{getpid(), 20}, {getpid() + 1, 10}};
     EXPECT_EQ(backend.platform->instanceActivation().claim(), InstanceActivation::Claim::another);
     EXPECT_EQ(backend.appKit.panelRequests, 1);
 }

@@ -1,6 +1,7 @@
 #include "MacTestPlatform.h"
 
 #include <gtest/gtest.h>
+#include <limits>
 #include <unistd.h>
 
 using namespace tilewright;
@@ -88,10 +89,36 @@ TEST_F(MacWorkspaceTest, ASecondInstanceAsksTheFirstForItsPanel) {
     ASSERT_EQ(first.claim(), InstanceActivation::Claim::first);
     int requested = 0;
     QObject::connect(&first, &InstanceActivation::activationRequested, [&] { ++requested; });
-    appKit.instances = 2;
+    appKit.instances = {{getpid(), 20}, {getpid() + 1, 10}};
     MacInstanceActivation second;
     EXPECT_EQ(second.claim(), InstanceActivation::Claim::another);
     EXPECT_EQ(appKit.panelRequests, 1);
     appKit.announce(appkit::Notification::panelRequested);
     EXPECT_EQ(requested, 1);
+}
+
+TEST_F(MacWorkspaceTest, OfInstancesThatStartTogetherExactlyOneStays) {
+    constexpr double unknown = std::numeric_limits<double>::infinity();
+    const ProcessID own = getpid();
+    const auto claimAmong = [&](std::vector<appkit::RunningInstance> instances) {
+        appKit.instances = std::move(instances);
+        return MacInstanceActivation().claim();
+    };
+    using enum InstanceActivation::Claim;
+    EXPECT_EQ(claimAmong({}), first);
+    EXPECT_EQ(claimAmong({{own, 10}}), first);
+    // The older one stays, whatever the order of the list.
+    EXPECT_EQ(claimAmong({{own, 10}, {own + 1, 11}}), first);
+    EXPECT_EQ(claimAmong({{own + 1, 11}, {own, 10}}), first);
+    EXPECT_EQ(claimAmong({{own, 11}, {own + 1, 10}}), another);
+    // Of two of the same age, the one with the lower number.
+    EXPECT_EQ(claimAmong({{own, 10}, {own + 1, 10}}), first);
+    EXPECT_EQ(claimAmong({{own, 10}, {own - 1, 10}}), another);
+    EXPECT_EQ(claimAmong({{own, unknown}, {own + 1, unknown}}), first);
+    EXPECT_EQ(claimAmong({{own, unknown}, {own - 1, unknown}}), another);
+    // One of unknown age is the newer one.
+    EXPECT_EQ(claimAmong({{own, 10}, {own - 1, unknown}}), first);
+    EXPECT_EQ(claimAmong({{own, unknown}, {own + 1, 10}}), another);
+    // The system does not know of this one yet.
+    EXPECT_EQ(claimAmong({{own + 1, 10}}), another);
 }

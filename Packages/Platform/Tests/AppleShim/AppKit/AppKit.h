@@ -62,6 +62,8 @@ typedef NS_OPTIONS(NSUInteger, NSEventModifierFlags) {
 @interface NSRunningApplication : NSObject
 @property(readonly) pid_t processIdentifier;
 @property(readonly, copy) NSString* localizedName;
+@property(readonly, copy) NSDate* launchDate;
+@property(readonly, getter=isTerminated) BOOL terminated;
 @property(class, readonly, strong) NSRunningApplication* currentApplication;
 + (instancetype)runningApplicationWithProcessIdentifier:(pid_t)process;
 + (NSArray<NSRunningApplication*>*)runningApplicationsWithBundleIdentifier:(NSString*)identifier;

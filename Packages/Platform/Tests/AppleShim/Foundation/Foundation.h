@@ -149,6 +149,10 @@ typedef NS_OPTIONS(NSUInteger, NSSearchPathDomainMask) {
                            inDomains:(NSSearchPathDomainMask)domains;
 @end
 
+@interface NSDate : NSObject
+@property(readonly) NSTimeInterval timeIntervalSinceReferenceDate;
+@end
+
 @interface NSData : NSObject
 + (instancetype)dataWithBytes:(const void*)bytes length:(NSUInteger)length;
 @end
