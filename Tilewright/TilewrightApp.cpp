@@ -39,6 +39,9 @@ TilewrightApp::TilewrightApp()
     };
     connect(&workspace, &Workspace::prefersReducedMotionChanged, this, honourMotionWish);
     honourMotionWish();
+    const auto honourDarkWish = [&workspace] { look::applyPalette(workspace.prefersDark()); };
+    connect(&workspace, &Workspace::prefersDarkChanged, this, honourDarkWish);
+    honourDarkWish();
     connect(qApp, &QGuiApplication::commitDataRequest, this, [](QSessionManager& manager) {
         // Starting at login is the user's choice, made by other means.
         manager.setRestartHint(QSessionManager::RestartNever);

@@ -36,7 +36,12 @@ public:
     void openAccessibilitySettings() override { ++settingsOpened; }
     void activateThisApplication() override { ++activations; }
     std::optional<bool> prefersReducedMotion() const override { return reducedMotion; }
+    bool prefersDark() const override { return isDark; }
     /// As a desktop whose setting changes does.
+    void changeDark(bool dark) {
+        isDark = dark;
+        Q_EMIT prefersDarkChanged();
+    }
     void changeReducedMotion(std::optional<bool> reduced) {
         reducedMotion = reduced;
         Q_EMIT prefersReducedMotionChanged();
@@ -47,6 +52,7 @@ public:
     int settingsOpened = 0;
     int activations = 0;
     std::optional<bool> reducedMotion;
+    bool isDark = false;
 
 private:
     FakeAccessibility& log_;

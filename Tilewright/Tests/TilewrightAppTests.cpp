@@ -132,6 +132,19 @@ TEST_F(TilewrightAppTest, GoesOnWhenItsLastWindowCloses) {
     });
 }
 
+TEST_F(TilewrightAppTest, FollowsTheDesktopsWishForDarkColours) {
+    platform.fakeWorkspace.isDark = true;
+    run([this](TilewrightApp&) {
+        EXPECT_TRUE(look::isDark(QApplication::palette()));
+        platform.fakeWorkspace.changeDark(false);
+        EXPECT_FALSE(look::isDark(QApplication::palette()));
+        platform.fakeWorkspace.changeDark(true);
+        EXPECT_TRUE(look::isDark(QApplication::palette()));
+        platform.fakeWorkspace.changeDark(false);
+        quit();
+    });
+}
+
 TEST_F(TilewrightAppTest, FollowsTheDesktopsWishForReducedMotion) {
     platform.fakeWorkspace.reducedMotion = true;
     run([this](TilewrightApp&) {

@@ -51,6 +51,37 @@ TEST(Look, TellsDarkPalettesFromLightOnes) {
     EXPECT_TRUE(look::isDark(dark()));
 }
 
+/// Gives the application the palette back that it had.
+class ApplicationPalette : public ::testing::Test {
+protected:
+    ~ApplicationPalette() override { QApplication::setPalette(QPalette()); }
+    static QColor color(QPalette::ColorRole role) { return QApplication::palette().color(role); }
+};
+
+TEST_F(ApplicationPalette, HasTheAccentAndIsTheToolkitsOtherwise) {
+    const QPalette before = QApplication::palette();
+    look::applyPalette(false);
+    EXPECT_EQ(color(QPalette::Highlight), look::tilewrightAmber());
+    EXPECT_GE(contrast(color(QPalette::HighlightedText), look::tilewrightAmber()), 4.5);
+    EXPECT_EQ(color(QPalette::Window), before.color(QPalette::Window));
+    EXPECT_EQ(color(QPalette::Text), before.color(QPalette::Text));
+}
+
+TEST_F(ApplicationPalette, IsDarkWhileThatIsWishedFor) {
+    const QPalette before = QApplication::palette();
+    ASSERT_FALSE(look::isDark(before));
+    for (int time = 0; time < 2; ++time) {
+        look::applyPalette(true);
+        EXPECT_TRUE(look::isDark(QApplication::palette()));
+        for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+            EXPECT_GE(contrast(color(role), color(QPalette::Window)), 7);
+        EXPECT_EQ(color(QPalette::Highlight), look::tilewrightAmber());
+    }
+    look::applyPalette(false);
+    EXPECT_EQ(color(QPalette::Window), before.color(QPalette::Window));
+    EXPECT_EQ(color(QPalette::Text), before.color(QPalette::Text));
+}
+
 TEST(Look, TextsCanBeReadOnLightAndDarkGround) {
     for (const QPalette& palette : {light(), dark()}) {
         const QColor ground = palette.color(QPalette::Window);

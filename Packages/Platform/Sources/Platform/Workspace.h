@@ -31,12 +31,18 @@ public:
     [[nodiscard]] virtual bool blendsWindows() const { return false; }
     /// Whether the user asked the desktop for reduced motion; none where the desktop does not tell.
     [[nodiscard]] virtual std::optional<bool> prefersReducedMotion() const { return std::nullopt; }
+    /// Whether the user asked the desktop for dark colours, and the toolkit may not have heard of
+    /// it.
+    [[nodiscard]] virtual bool prefersDark() const { return false; }
 
 Q_SIGNALS:
-    /// Another window than before became the active one, of whatever application.
+    /// The user works elsewhere than before: in another window where the desktop tells of windows
+    /// (X11), in another application where it tells of those only (macOS).
     void activeWindowChanged();
     /// `prefersReducedMotion()` has another answer than before.
     void prefersReducedMotionChanged();
+    /// `prefersDark()` has another answer than before.
+    void prefersDarkChanged();
 };
 
 } // namespace tilewright

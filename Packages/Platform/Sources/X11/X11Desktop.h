@@ -33,7 +33,7 @@ public:
         , guidance_(notifications, environment)
         , screenMotionWish_(connection, selection_)
         , workspace_(connection, activeWindow_, compositor_, trust_, guidance_, screenMotionWish_,
-                     sessionMotionWish_) {}
+                     sessionAppearance_) {}
 
     [[nodiscard]] X11EventSelection& selection() { return selection_; }
     [[nodiscard]] X11WindowManagerWatch& windowManager() { return windowManager_; }
@@ -64,7 +64,7 @@ private:
     X11Accessibility accessibility_;
     FreeDesktopGuidance guidance_;
     X11MotionWish screenMotionWish_;
-    FreeDesktopMotionWish sessionMotionWish_;
+    FreeDesktopAppearance sessionAppearance_;
     X11Workspace workspace_;
 };
 

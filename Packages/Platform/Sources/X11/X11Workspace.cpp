@@ -13,18 +13,20 @@ namespace tilewright {
 X11Workspace::X11Workspace(X11Connection& connection, X11ActiveWindow& activeWindow,
                            const X11Compositor& compositor, const X11Trust& trust,
                            FreeDesktopGuidance& guidance, const X11MotionWish& screenMotionWish,
-                           const FreeDesktopMotionWish& sessionMotionWish)
+                           const FreeDesktopAppearance& sessionAppearance)
     : connection_(connection)
     , activeWindow_(activeWindow)
     , compositor_(compositor)
     , trust_(trust)
     , guidance_(guidance)
     , screenMotionWish_(screenMotionWish)
-    , sessionMotionWish_(sessionMotionWish) {
+    , sessionAppearance_(sessionAppearance) {
     activeWindow_.onChange([this] { Q_EMIT activeWindowChanged(); });
     connect(&screenMotionWish_, &X11MotionWish::changed, this, &X11Workspace::updateReducedMotion);
-    connect(&sessionMotionWish_, &FreeDesktopMotionWish::changed, this,
+    connect(&sessionAppearance_, &FreeDesktopAppearance::reducedMotionChanged, this,
             &X11Workspace::updateReducedMotion);
+    connect(&sessionAppearance_, &FreeDesktopAppearance::darkChanged, this,
+            &X11Workspace::prefersDarkChanged);
     updateReducedMotion();
 }
 
@@ -58,7 +60,7 @@ void X11Workspace::openAccessibilitySettings() {
 
 void X11Workspace::updateReducedMotion() {
     const std::optional<bool> wish = combinedMotionWish(screenMotionWish_.prefersReducedMotion(),
-                                                        sessionMotionWish_.prefersReducedMotion());
+                                                        sessionAppearance_.prefersReducedMotion());
     if (wish == reducedMotion_)
         return;
     reducedMotion_ = wish;

@@ -5,8 +5,8 @@
 #include "X11MotionWish.h"
 #include "X11Trust.h"
 
+#include <FreeDesktop/FreeDesktopAppearance.h>
 #include <FreeDesktop/FreeDesktopGuidance.h>
-#include <FreeDesktop/FreeDesktopMotionWish.h>
 #include <Platform/Workspace.h>
 
 namespace tilewright {
@@ -17,7 +17,7 @@ public:
     X11Workspace(X11Connection& connection, X11ActiveWindow& activeWindow,
                  const X11Compositor& compositor, const X11Trust& trust,
                  FreeDesktopGuidance& guidance, const X11MotionWish& screenMotionWish,
-                 const FreeDesktopMotionWish& sessionMotionWish);
+                 const FreeDesktopAppearance& sessionAppearance);
 
     std::optional<ProcessID> frontmostApplication() const override;
     /// The name that the process's windows give their application; else the process's own.
@@ -28,6 +28,7 @@ public:
     void activateThisApplication() override;
     bool blendsWindows() const override { return compositor_.isRunning(); }
     std::optional<bool> prefersReducedMotion() const override { return reducedMotion_; }
+    bool prefersDark() const override { return sessionAppearance_.prefersDark(); }
 
 private:
     void showDesktopOf(xcb_window_t window);
@@ -39,7 +40,7 @@ private:
     const X11Trust& trust_;
     FreeDesktopGuidance& guidance_;
     const X11MotionWish& screenMotionWish_;
-    const FreeDesktopMotionWish& sessionMotionWish_;
+    const FreeDesktopAppearance& sessionAppearance_;
     std::optional<bool> reducedMotion_;
 };
 

@@ -50,6 +50,31 @@ std::optional<bool>& toldReducedMotion() {
     return told;
 }
 
+/// For desktops that are dark and have no palette for this toolkit.
+QPalette darkPalette() {
+    const QColor text(0xee, 0xee, 0xf0);
+    const QColor faintText(0x8a, 0x8b, 0x90);
+    const QColor ground(0x2a, 0x2b, 0x2f);
+    QPalette palette(QColor(0x3b, 0x3c, 0x41), ground);
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText,
+                            QPalette::ToolTipText, QPalette::BrightText}) {
+        palette.setColor(role, text);
+        palette.setColor(QPalette::Disabled, role, faintText);
+    }
+    palette.setColor(QPalette::PlaceholderText, faintText);
+    palette.setColor(QPalette::Base, QColor(0x1f, 0x20, 0x23));
+    palette.setColor(QPalette::AlternateBase, ground);
+    palette.setColor(QPalette::ToolTipBase, ground);
+    palette.setColor(QPalette::Link, QColor(0xe0, 0x9c, 0x45));
+    return palette;
+}
+
+QPalette accented(QPalette palette) {
+    palette.setColor(QPalette::Highlight, tilewrightAmber());
+    palette.setColor(QPalette::HighlightedText, Qt::black);
+    return palette;
+}
+
 /// The size of a text style as a share of the application's font size.
 double scale(TextStyle style) {
     switch (style) {
@@ -236,6 +261,12 @@ void paintFocusRingOnAmber(QPainter& painter, const QRectF& rect, double radius)
     strokeInside(painter, rect.adjusted(1.5, 1.5, -1.5, -1.5), std::max(radius - 1.5, 0.0),
                  Qt::white, 1.5);
     painter.restore();
+}
+
+void applyPalette(bool prefersDark) {
+    QApplication::setPalette(accented(QPalette()));
+    if (prefersDark && !isDark(QApplication::palette()))
+        QApplication::setPalette(accented(darkPalette()));
 }
 
 bool prefersReducedMotion() {

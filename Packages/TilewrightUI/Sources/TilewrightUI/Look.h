@@ -93,6 +93,11 @@ void paintFocusRing(QPainter& painter, const QRectF& rect, double radius, const 
 /// The same over an amber fill.
 void paintFocusRingOnAmber(QPainter& painter, const QRectF& rect, double radius);
 
+/// Puts the accent into the application's palette, and makes that dark where the user asked the
+/// desktop for it and what the toolkit chose by itself is light. Everything else stays the
+/// toolkit's choice, which may change, and comes back when that wish ends.
+void applyPalette(bool prefersDark);
+
 /// Whether the user asked the desktop for reduced motion; animations then take no time.
 [[nodiscard]] bool prefersReducedMotion();
 /// What the desktop says about reduced motion; none where it says nothing, and the toolkit's style

@@ -1,4 +1,4 @@
-#include "FreeDesktopMotionWish.h"
+#include "FreeDesktopAppearance.h"
 
 #include <QDBusArgument>
 #include <QDBusMessage>
@@ -33,6 +33,9 @@ QString kdeSettings() {
     return QStringLiteral("org.kde.kdeglobals.KDE");
 }
 
+/// Of the standard's colour schemes: 0 is no preference, 2 light.
+constexpr uint darkScheme = 1;
+
 /// The setting that all desktops are to have in the end; its 0 means no preference.
 std::optional<bool> standardWish(const QVariant& value) {
     return value.isValid() && value.toUInt() == 1 ? std::optional(true) : std::nullopt;
@@ -58,7 +61,7 @@ std::optional<bool> combinedMotionWish(std::optional<bool> first, std::optional<
     return first ? first : second;
 }
 
-FreeDesktopMotionWish::FreeDesktopMotionWish(QDBusConnection bus)
+FreeDesktopAppearance::FreeDesktopAppearance(QDBusConnection bus)
     : bus_(std::move(bus)) {
     if (!bus_.isConnected())
         return;
@@ -73,9 +76,9 @@ FreeDesktopMotionWish::FreeDesktopMotionWish(QDBusConnection bus)
     readAll();
 }
 
-FreeDesktopMotionWish::~FreeDesktopMotionWish() = default;
+FreeDesktopAppearance::~FreeDesktopAppearance() = default;
 
-std::optional<bool> FreeDesktopMotionWish::prefersReducedMotion() const {
+std::optional<bool> FreeDesktopAppearance::prefersReducedMotion() const {
     const auto value = [this](const QString& group, const char* key) {
         return groups_.value(group).value(QString::fromLatin1(key));
     };
@@ -85,7 +88,11 @@ std::optional<bool> FreeDesktopMotionWish::prefersReducedMotion() const {
                            wishFromDuration(value(kdeSettings(), "AnimationDurationFactor"))));
 }
 
-void FreeDesktopMotionWish::readAll() {
+bool FreeDesktopAppearance::prefersDark() const {
+    return groups_.value(appearance()).value(QStringLiteral("color-scheme")).toUInt() == darkScheme;
+}
+
+void FreeDesktopAppearance::readAll() {
     QDBusMessage call = QDBusMessage::createMethodCall(portal(), portalPath(), settingsInterface(),
                                                        QStringLiteral("ReadAll"));
     // Most desktops start it at login; where none did, nobody needs it for this.
@@ -109,7 +116,7 @@ void FreeDesktopMotionWish::readAll() {
             });
 }
 
-void FreeDesktopMotionWish::settingChanged(const QString& group, const QString& key,
+void FreeDesktopAppearance::settingChanged(const QString& group, const QString& key,
                                            const QDBusVariant& value) {
     if (group != appearance() && group != interfaceSettings() && group != kdeSettings())
         return;
@@ -119,11 +126,14 @@ void FreeDesktopMotionWish::settingChanged(const QString& group, const QString& 
     take(std::move(groups));
 }
 
-void FreeDesktopMotionWish::take(Groups groups) {
-    const std::optional<bool> before = prefersReducedMotion();
+void FreeDesktopAppearance::take(Groups groups) {
+    const std::optional<bool> reducedMotionBefore = prefersReducedMotion();
+    const bool darkBefore = prefersDark();
     groups_ = std::move(groups);
-    if (prefersReducedMotion() != before)
-        Q_EMIT changed();
+    if (prefersReducedMotion() != reducedMotionBefore)
+        Q_EMIT reducedMotionChanged();
+    if (prefersDark() != darkBefore)
+        Q_EMIT darkChanged();
 }
 
 } // namespace tilewright

@@ -14,22 +14,26 @@ namespace tilewright {
 [[nodiscard]] std::optional<bool> combinedMotionWish(std::optional<bool> first,
                                                      std::optional<bool> second);
 
-/// Whether the user wishes reduced motion, as the desktop portal's settings tell it, followed by
-/// their signal. The portal is not started for this; one that starts later is asked then. Without a
-/// session bus nothing is known. Main thread only.
-class FreeDesktopMotionWish final : public QObject {
+/// How the user wishes programs to look and to move, as the desktop portal's settings tell it,
+/// followed by their signal. The portal is not started for this; one that starts later is asked
+/// then. Without a session bus nothing is known. Main thread only.
+class FreeDesktopAppearance final : public QObject {
     Q_OBJECT
 
 public:
-    explicit FreeDesktopMotionWish(QDBusConnection bus = QDBusConnection::sessionBus());
-    ~FreeDesktopMotionWish() override;
+    explicit FreeDesktopAppearance(QDBusConnection bus = QDBusConnection::sessionBus());
+    ~FreeDesktopAppearance() override;
 
     /// None while the portal says nothing about it.
     [[nodiscard]] std::optional<bool> prefersReducedMotion() const;
+    /// Whether dark colours are wished for; false while the portal says nothing about it.
+    [[nodiscard]] bool prefersDark() const;
 
 Q_SIGNALS:
     /// `prefersReducedMotion()` has another answer than before.
-    void changed();
+    void reducedMotionChanged();
+    /// `prefersDark()` has another answer than before.
+    void darkChanged();
 
 private Q_SLOTS:
     void settingChanged(const QString& group, const QString& key, const QDBusVariant& value);

@@ -1,6 +1,6 @@
 #include "PrivateBus.h"
 
-#include <FreeDesktop/FreeDesktopMotionWish.h>
+#include <FreeDesktop/FreeDesktopAppearance.h>
 #include <Waiting.h>
 
 #include <QDBusMetaType>
@@ -68,7 +68,7 @@ class MotionWish : public ::testing::Test {
 protected:
     void start() {
         wish.emplace(bus.connect());
-        changes.emplace(&*wish, &FreeDesktopMotionWish::changed);
+        changes.emplace(&*wish, &FreeDesktopAppearance::reducedMotionChanged);
     }
     void expect(Wish expected) {
         EXPECT_TRUE(waitUntil([&] { return wish->prefersReducedMotion() == expected; }));
@@ -76,8 +76,19 @@ protected:
 
     PrivateBus bus;
     FakePortal portal{bus.connect()};
-    std::optional<FreeDesktopMotionWish> wish;
+    std::optional<FreeDesktopAppearance> wish;
     std::optional<QSignalSpy> changes;
+};
+
+class DarkWish : public MotionWish {
+protected:
+    void start() {
+        MotionWish::start();
+        changes.emplace(&*wish, &FreeDesktopAppearance::darkChanged);
+    }
+    void expect(bool expected) {
+        EXPECT_TRUE(waitUntil([&] { return wish->prefersDark() == expected; }));
+    }
 };
 
 } // namespace
@@ -144,8 +155,33 @@ TEST_F(MotionWish, WaitsForNoAnswerOfTheBusAtTheStart) {
 }
 
 TEST_F(MotionWish, IsUnknownWithoutABus) {
-    const FreeDesktopMotionWish without(PrivateBus::absent());
+    const FreeDesktopAppearance without(PrivateBus::absent());
     EXPECT_EQ(without.prefersReducedMotion(), std::nullopt);
+}
+
+TEST_F(DarkWish, IsTheStandardsDarkSchemeAndFollowsIt) {
+    portal.set(appearance, "color-scheme", 1U);
+    portal.appear();
+    start();
+    expect(true);
+    portal.change(appearance, "color-scheme", 2U);
+    expect(false);
+    portal.change(appearance, "color-scheme", 1U);
+    expect(true);
+    portal.change(appearance, "color-scheme", 0U);
+    expect(false);
+    portal.change(appearance, "color-scheme", QStringLiteral("no number"));
+    portal.change("org.example", "color-scheme", 1U);
+    portal.change(appearance, "reduced-motion", 1U);
+    EXPECT_TRUE(waitUntil([&] { return wish->prefersReducedMotion() == Wish(true); }));
+    EXPECT_FALSE(wish->prefersDark());
+    EXPECT_EQ(changes->size(), 4);
+}
+
+TEST_F(DarkWish, IsNoneWithoutAPortalOrABus) {
+    start();
+    EXPECT_FALSE(wish->prefersDark());
+    EXPECT_FALSE(FreeDesktopAppearance(PrivateBus::absent()).prefersDark());
 }
 
 TEST(CombinedMotionWish, HasMotionReducedWhereOneSourceAsksForIt) {
@@ -159,4 +195,4 @@ TEST(CombinedMotionWish, HasMotionReducedWhereOneSourceAsksForIt) {
 
 } // namespace tilewright::testing
 
-#include "MotionWishTests.moc"
+#include "AppearanceTests.moc"
