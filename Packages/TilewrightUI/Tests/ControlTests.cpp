@@ -1,3 +1,4 @@
+#include <TilewrightUI/FocusVisibility.h>
 #include <TilewrightUI/GlassButton.h>
 #include <TilewrightUI/Hairline.h>
 #include <TilewrightUI/PopUpButton.h>
@@ -52,6 +53,28 @@ TEST_F(Controls, ASwitchAnswersToSpaceAndEnter) {
     for (const auto key : {Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter})
         QTest::keyClick(&toggle, key);
     EXPECT_EQ(requests.count(), 3);
+}
+
+TEST_F(Controls, ShowTheFocusToThoseWhoUseTheKeyboard) {
+    QWidget window;
+    auto* first = new ToggleSwitch(QStringLiteral("Keep Awake"), &window);
+    auto* second = new GlassButton(QStringLiteral("Quit"), GlassButton::Kind::bordered, &window);
+    second->move(0, 60);
+    window.show();
+    QApplication::setActiveWindow(&window);
+    QTest::mouseClick(second, Qt::LeftButton);
+    second->setFocus(Qt::MouseFocusReason);
+    ASSERT_TRUE(second->hasFocus());
+    EXPECT_FALSE(look::showsFocus(*second));
+    const QImage clicked = second->grab().toImage();
+    QTest::keyClick(second, Qt::Key_Shift);
+    EXPECT_TRUE(look::showsFocus(*second));
+    EXPECT_FALSE(look::showsFocus(*first)) << "it has no focus";
+    EXPECT_NE(second->grab().toImage(), clicked);
+    QTest::mouseClick(second, Qt::LeftButton);
+    EXPECT_FALSE(look::showsFocus(*second));
+    first->setFocus(Qt::TabFocusReason);
+    EXPECT_TRUE(look::showsFocus(*first));
 }
 
 TEST_F(Controls, ASwitchSlidesOnScreenAndJumpsOffScreen) {
@@ -248,6 +271,15 @@ TEST_F(Controls, LabelsShowPlainText) {
     TextLabel label(QStringLiteral("<b>A</b> & B"), look::TextStyle::caption);
     EXPECT_EQ(label.shownText(), QStringLiteral("<b>A</b> & B"));
     EXPECT_EQ(accessible(label)->text(QAccessible::Name), QStringLiteral("<b>A</b> & B"));
+}
+
+TEST_F(Controls, ALabelTellsTheWholeOfATextThatIsCutAndNothingElse) {
+    TextLabel label(QStringLiteral("A & B <b>C</b>"), look::TextStyle::caption);
+    label.setOverflow(TextLabel::Overflow::elide);
+    label.resize(400, 20);
+    EXPECT_TRUE(label.toolTipText().isEmpty());
+    label.resize(30, 20);
+    EXPECT_EQ(label.toolTipText(), QStringLiteral("<qt>A &amp; B &lt;b&gt;C&lt;/b&gt;</qt>"));
 }
 
 TEST_F(Controls, LabelsShrinkToEightyPercentBeforeTheyEndInAnEllipsis) {

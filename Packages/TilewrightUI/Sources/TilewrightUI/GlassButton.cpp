@@ -1,5 +1,6 @@
 #include "GlassButton.h"
 
+#include "FocusVisibility.h"
 #include "Symbols.h"
 
 #include <QEvent>
@@ -215,7 +216,7 @@ void GlassButton::paintEvent(QPaintEvent*) {
     if (lengths.chevronSide > 0)
         symbols::paint(painter, place(x, lengths.chevronSide, lengths.chevronSide),
                        QStringLiteral("chevron.down"), color);
-    if (hasFocus())
+    if (look::showsFocus(*this))
         paintFocus(painter, bezel, radius);
 }
 

@@ -1,5 +1,6 @@
 #include "LayoutCard.h"
 
+#include "FocusVisibility.h"
 #include "Look.h"
 #include "MiniLayoutPreview.h"
 #include "SymbolView.h"
@@ -106,9 +107,9 @@ void LayoutCard::keyPressEvent(QKeyEvent* event) {
 bool LayoutCard::event(QEvent* event) {
     if (event->type() == QEvent::LayoutDirectionChange)
         placeBadge();
-    if (event->type() == QEvent::ToolTip && name_->shownText() != layout_.name) {
-        const auto* help = static_cast<QHelpEvent*>(event);
-        QToolTip::showText(help->globalPos(), layout_.name.toHtmlEscaped(), this);
+    if (event->type() == QEvent::ToolTip && !name_->toolTipText().isEmpty()) {
+        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), name_->toolTipText(),
+                           this);
         return true;
     }
     return ModelButton::event(event);
@@ -141,7 +142,7 @@ void LayoutCard::paintEvent(QPaintEvent*) {
     const QColor border =
         isOn() ? look::tilewrightAmber() : look::withOpacity(look::secondary(palette()), 0.3);
     look::strokeInside(painter, shape, cornerRadius, border, isOn() ? 2 : 1);
-    if (hasFocus()) {
+    if (look::showsFocus(*this)) {
         // Inside the border, which says something else.
         look::paintFocusRing(painter, shape.adjusted(2, 2, -2, -2), cornerRadius - 2, palette());
     }

@@ -1,5 +1,6 @@
 #include "LayoutThumbnail.h"
 
+#include "FocusVisibility.h"
 #include "Look.h"
 
 #include <QAbstractButton>
@@ -41,7 +42,7 @@ protected:
             painter.setBrush(look::tilewrightAmber(isDown() ? 0.34 : 0.16));
             painter.drawRoundedRect(QRectF(rect()), zoneCornerRadius, zoneCornerRadius);
         }
-        if (hasFocus())
+        if (look::showsFocus(*this))
             look::paintFocusRing(painter, QRectF(rect()), zoneCornerRadius, palette());
     }
 };

@@ -1,5 +1,6 @@
 #include "PopUpButton.h"
 
+#include "FocusVisibility.h"
 #include "Look.h"
 #include "Symbols.h"
 
@@ -103,7 +104,7 @@ void PopUpButton::paintEvent(QPaintEvent*) {
         QStyle::visualAlignment(layoutDirection(), Qt::AlignLeading | Qt::AlignVCenter);
     painter.drawText(QStyle::visualRect(layoutDirection(), rect(), textPlace),
                      static_cast<int>(alignment) | Qt::TextSingleLine, shown);
-    if (hasFocus())
+    if (look::showsFocus(*this))
         look::paintFocusRing(painter, bezel, cornerRadius, palette());
 }
 

@@ -2,8 +2,10 @@
 
 #include <QEvent>
 #include <QFontMetricsF>
+#include <QHelpEvent>
 #include <QPainter>
 #include <QStyle>
+#include <QToolTip>
 #include <algorithm>
 #include <cmath>
 
@@ -62,6 +64,24 @@ TextLabel::Fitted TextLabel::fitted() const {
     }
     result.text = QFontMetricsF(result.font).elidedText(result.text, Qt::ElideRight, room);
     return result;
+}
+
+QString TextLabel::toolTipText() const {
+    if (shownText() == text())
+        return {};
+    // Marked as rich text, so that nothing in the text itself can be taken for it.
+    return QStringLiteral("<qt>%1</qt>").arg(text().toHtmlEscaped());
+}
+
+bool TextLabel::event(QEvent* event) {
+    if (event->type() == QEvent::ToolTip) {
+        const QString whole = toolTipText();
+        if (!whole.isEmpty()) {
+            QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), whole, this);
+            return true;
+        }
+    }
+    return QLabel::event(event);
 }
 
 QSize TextLabel::sizeHint() const {

@@ -35,6 +35,8 @@ public:
 
     /// What is painted at the present width: the text, or its shortened form.
     [[nodiscard]] QString shownText() const { return fitted().text; }
+    /// The whole text as a tool tip where only a part of it is painted; none otherwise.
+    [[nodiscard]] QString toolTipText() const;
     /// The share of its style's size at which the text is painted at the present width: 0.8 to 1.
     [[nodiscard]] double shownScale() const { return fitted().scale; }
 
@@ -42,6 +44,7 @@ public:
     [[nodiscard]] QSize minimumSizeHint() const override;
 
 protected:
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:

@@ -1,5 +1,6 @@
 #include "ToggleSwitch.h"
 
+#include "FocusVisibility.h"
 #include "Look.h"
 
 #include <QPainter>
@@ -68,9 +69,9 @@ void ToggleSwitch::paintEvent(QPaintEvent*) {
     painter.drawEllipse(knob.adjusted(-0.5, 0.25, 0.5, 1.25));
     painter.setBrush(isDown() ? QColor(0xf2, 0xf2, 0xf2) : QColor(Qt::white));
     painter.drawEllipse(knob);
-    if (hasFocus() && isChecked())
+    if (look::showsFocus(*this) && isChecked())
         look::paintFocusRingOnAmber(painter, track, radius);
-    else if (hasFocus())
+    else if (look::showsFocus(*this))
         look::paintFocusRing(painter, track, radius, palette());
 }
 

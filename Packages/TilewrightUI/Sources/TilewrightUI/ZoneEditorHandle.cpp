@@ -1,5 +1,6 @@
 #include "ZoneEditorHandle.h"
 
+#include "FocusVisibility.h"
 #include "Look.h"
 #include "Symbols.h"
 #include "ZoneEditorTile.h"
@@ -130,7 +131,7 @@ void ZoneEditorHandle::paintEvent(QPaintEvent*) {
     QRectF symbol(0, 0, symbolSide, symbolSide);
     symbol.moveCenter(circle_.center());
     symbols::paint(painter, symbol, symbolOf(corner_), Qt::white);
-    if (hasFocus())
+    if (look::showsFocus(*this))
         look::paintFocusRingOnAmber(painter, circle_.adjusted(-0.5, -0.5, 0.5, 0.5), diameter / 2);
 }
 

@@ -1,6 +1,7 @@
 #include "ZoneEditorTile.h"
 
 #include "DigitText.h"
+#include "FocusVisibility.h"
 #include "Look.h"
 
 #include <QAccessible>
@@ -164,13 +165,11 @@ void ZoneEditorTile::keyPressEvent(QKeyEvent* event) {
     }
 }
 
-void ZoneEditorTile::focusInEvent(QFocusEvent* event) {
-    showsFocus_ = event->reason() != Qt::MouseFocusReason;
+void ZoneEditorTile::focusInEvent(QFocusEvent*) {
     update();
 }
 
 void ZoneEditorTile::focusOutEvent(QFocusEvent*) {
-    showsFocus_ = false;
     update();
 }
 
@@ -200,7 +199,7 @@ void ZoneEditorTile::paintEvent(QPaintEvent*) {
     painter.drawPath(look::continuousRoundedRect(zone, cornerRadius));
     look::strokeInside(painter, zone, cornerRadius, look::tilewrightAmber(isSelected_ ? 1.0 : 0.6),
                        isSelected_ ? 2 : 1);
-    if (showsFocus_ && hasFocus()) {
+    if (look::showsFocus(*this)) {
         look::paintFocusRing(painter, zone.adjusted(3, 3, -3, -3), cornerRadius - 1, palette());
     }
     paintReadout(painter);

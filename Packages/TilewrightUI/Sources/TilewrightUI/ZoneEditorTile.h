@@ -64,7 +64,6 @@ private:
     QRectF readoutFrame_;
     QFont readoutFont_;
     bool isSelected_ = false;
-    bool showsFocus_ = false;
 };
 
 } // namespace tilewright

@@ -1,0 +1,12 @@
+#pragma once
+
+class QWidget;
+
+namespace tilewright::look {
+
+/// Whether a widget that has the focus should show it now: to those who use the keyboard. A click
+/// gives the focus, too, but who clicks knows where. Widgets ask whenever they paint; the one that
+/// has the focus is repainted when the answer changes.
+[[nodiscard]] bool showsFocus(const QWidget& widget);
+
+} // namespace tilewright::look
