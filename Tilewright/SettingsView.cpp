@@ -9,6 +9,7 @@
 #include <TilewrightUI/LayoutManagerView.h>
 #include <TilewrightUI/Look.h>
 
+#include <QShortcut>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
@@ -30,6 +31,14 @@ SettingsView::SettingsView(QWidget* parent)
     add("accessibility", tr("Accessibility"), new AccessibilitySettingsView);
     pages_->setFixedSize(contentSize);
     connect(tabBar_, &QTabBar::currentChanged, pages_, &QStackedWidget::setCurrentIndex);
+    const auto turn = [this](QKeySequence::StandardKey key, int step) {
+        connect(new QShortcut(key, this), &QShortcut::activated, this, [this, step] {
+            const int count = pages_->count();
+            tabBar_->setCurrentIndex((tabBar_->currentIndex() + step + count) % count);
+        });
+    };
+    turn(QKeySequence::NextChild, 1);
+    turn(QKeySequence::PreviousChild, -1);
 
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 6, 0, 0);

@@ -22,7 +22,9 @@ public:
 
     explicit SettingsView(QWidget* parent = nullptr);
 
+    /// The tab that shows.
     [[nodiscard]] Tab selection() const;
+    /// Shows a tab, as a click on it does.
     void setSelection(Tab tab);
     /// The view of a tab.
     [[nodiscard]] QWidget* content(Tab tab) const;

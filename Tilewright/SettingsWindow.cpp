@@ -1,8 +1,10 @@
 #include "SettingsWindow.h"
 
 #include <Platform/Platform.h>
+#include <TilewrightUI/Symbols.h>
 
 #include <QCloseEvent>
+#include <QShortcut>
 #include <QVBoxLayout>
 
 namespace tilewright {
@@ -10,6 +12,8 @@ namespace tilewright {
 SettingsWindow::SettingsWindow(std::unique_ptr<QWidget> view) {
     setObjectName(QStringLiteral("settings"));
     setWindowTitle(tr("Tilewright Settings"));
+    setWindowIcon(symbols::applicationIcon());
+    connect(new QShortcut(QKeySequence::Close, this), &QShortcut::activated, this, &QWidget::close);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins({});
     layout->setSizeConstraint(QLayout::SetFixedSize);

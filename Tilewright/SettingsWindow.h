@@ -18,6 +18,7 @@ public:
     void bringForward();
 
 Q_SIGNALS:
+    /// The window has gone from the screen; a new one is made for the next opening.
     void closed();
 
 protected:

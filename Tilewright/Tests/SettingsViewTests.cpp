@@ -111,6 +111,18 @@ TEST_F(SettingsViewTest, ChangesTheTabByPointerAndKeyboard) {
     EXPECT_EQ(view.selection(), Tab::manage);
 }
 
+TEST_F(SettingsViewTest, TurnsItsTabsByTheUsualKeysFromWhereverTheFocusIs) {
+    SettingsView view;
+    view.show();
+    QApplication::setActiveWindow(&view);
+    for (const Tab tab : {Tab::manage, Tab::general, Tab::accessibility, Tab::layouts}) {
+        QTest::keyClick(&view, Qt::Key_Tab, Qt::ControlModifier);
+        EXPECT_EQ(view.selection(), tab);
+    }
+    QTest::keyClick(&view, Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(view.selection(), Tab::accessibility);
+}
+
 TEST_F(SettingsViewTest, ShowsTheFocusOfItsTabsToThoseWhoUseTheKeyboard) {
     SettingsView view;
     view.show();

@@ -19,13 +19,18 @@ namespace tilewright::symbols {
 
 namespace {
 
-QString path(const QString& name) {
+/// A file of the program's own.
+QString resource(const QString& name) {
     static const bool isReady = [] {
         initializeSymbolResources();
         return true;
     }();
     Q_UNUSED(isReady)
-    return QStringLiteral(":/tilewright/symbols/%1.svg").arg(name);
+    return QStringLiteral(":/tilewright/%1.svg").arg(name);
+}
+
+QString path(const QString& name) {
+    return resource(QStringLiteral("symbols/%1").arg(name));
 }
 
 /// Symbols of two tones hold their parts under these ids.
@@ -164,6 +169,19 @@ QPixmap pixmap(const QString& name, double size, const QColor& color, double dev
 
 QIcon icon(const QString& name, const QColor& color) {
     return QIcon(new SymbolIconEngine(name, color));
+}
+
+QIcon applicationIcon() {
+    QSvgRenderer renderer(resource(QStringLiteral("icon")));
+    QIcon icon;
+    for (const int side : {16, 24, 32, 48, 64, 128}) {
+        QImage image = blank({side, side});
+        QPainter painter(&image);
+        renderer.render(&painter);
+        painter.end();
+        icon.addPixmap(QPixmap::fromImage(image));
+    }
+    return icon;
 }
 
 } // namespace tilewright::symbols

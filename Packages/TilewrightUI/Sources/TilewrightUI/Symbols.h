@@ -22,5 +22,7 @@ void paint(QPainter& painter, const QRectF& rect, const QString& name, const QCo
                              double devicePixelRatio, const QColor& second = Qt::transparent);
 /// The symbol as an icon that renders itself at each size asked for.
 [[nodiscard]] QIcon icon(const QString& name, const QColor& color);
+/// The program's own icon, in its colours, in the sizes that window managers and bars show.
+[[nodiscard]] QIcon applicationIcon();
 
 } // namespace tilewright::symbols
