@@ -9,7 +9,7 @@ namespace tilewright {
 class PopUpButton;
 class TextLabel;
 
-/// The general tab: where keep-awake durations are chosen, and which key turns a drag into a snap.
+/// The general tab: which key turns a drag into a snap, and where keep-awake is to be found.
 /// It shows and changes the shared snap settings.
 class GeneralSettingsView final : public QWidget {
     Q_OBJECT

@@ -17,8 +17,10 @@ public:
 
     /// Opens the panel by the pointer, as when the program is started again.
     void openByPointer();
+    /// Closes the panel; nothing happens while it is closed.
     void closePanel();
 
+    /// The one window that serves every opening; lives as long as this.
     [[nodiscard]] PanelWindow& panel() { return panel_; }
 
 private:

@@ -45,9 +45,11 @@ public:
     [[nodiscard]] QWidget* view() const { return view_; }
 
 Q_SIGNALS:
+    /// It is on screen, with new content.
     void opened();
     /// Closed by a press of a mouse button outside the panel; sent before `closed`.
     void closedByPress();
+    /// It has left the screen, for whatever reason; its content is on its way out.
     void closed();
 
 protected:

@@ -156,10 +156,10 @@ TEST_P(PlatformConformance, FindsTheWindowAtAPointAndWhoseItIs) {
 TEST_P(PlatformConformance, AnswersAnErrorAndNoValueForWhatAnElementDoesNotHave) {
     const auto window = openKnownWindow();
     ASSERT_TRUE(window);
-    const auto text = window->string("AXNothingOfThisName");
+    const auto text = window->string(AXAttribute::focusedWindow);
     EXPECT_NE(text.error, AXError::success);
     EXPECT_EQ(text.value, std::nullopt);
-    const auto element = window->element("AXNothingOfThisName");
+    const auto element = window->element(AXAttribute::focusedWindow);
     EXPECT_NE(element.error, AXError::success);
     EXPECT_EQ(element.value, std::nullopt);
 }

@@ -86,15 +86,15 @@ TEST_F(RoundTrips, OfTheAccessibilityInterfacesOperations) {
 }
 
 TEST_F(RoundTrips, OfAnElementsReads) {
-    const auto reads = [&](const AccessibilityElement& from, const char* attribute) {
-        return of([&] { EXPECT_TRUE(from.element(attribute).value) << attribute; });
+    const auto reads = [&](const AccessibilityElement& from, AXAttribute attribute) {
+        return of([&] { EXPECT_TRUE(from.element(attribute).value) << nameOf(attribute); });
     };
     EXPECT_EQ(reads(systemWide(), AXAttribute::focusedUIElement), 1U);
     EXPECT_EQ(reads(application(), AXAttribute::focusedWindow), 1U);
     EXPECT_EQ(reads(*element, AXAttribute::window), 1U);
     EXPECT_EQ(reads(*element, AXAttribute::parent), 1U);
-    for (const char* text : {AXAttribute::role, AXAttribute::subrole})
-        EXPECT_EQ(of([&] { EXPECT_TRUE(element->string(text).value) << text; }), 1U);
+    for (const AXAttribute text : {AXAttribute::role, AXAttribute::subrole})
+        EXPECT_EQ(of([&] { EXPECT_TRUE(element->string(text).value) << nameOf(text); }), 1U);
     ProcessID process = 0;
     EXPECT_EQ(of([&] { EXPECT_EQ(element->processID(process), AXError::success); }), 1U);
     EXPECT_EQ(of([&] { EXPECT_EQ(application().processID(process), AXError::success); }), 0U);

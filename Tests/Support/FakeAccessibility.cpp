@@ -36,8 +36,8 @@ std::string text(AXSize size) {
 
 } // namespace
 
-AXResult<QString> FakeElement::string(const char* attribute) const {
-    owner_.log(name + ".string " + attribute);
+AXResult<QString> FakeElement::string(AXAttribute attribute) const {
+    owner_.log(name + ".string " + nameOf(attribute));
     if (isGone)
         return {AXError::invalidUIElement, {}};
     const auto found = strings.find(attribute);
@@ -46,8 +46,8 @@ AXResult<QString> FakeElement::string(const char* attribute) const {
     return {AXError::success, found->second};
 }
 
-AXResult<AccessibilityElement> FakeElement::element(const char* attribute) const {
-    owner_.log(name + ".element " + attribute);
+AXResult<AccessibilityElement> FakeElement::element(AXAttribute attribute) const {
+    owner_.log(name + ".element " + nameOf(attribute));
     if (isGone)
         return {AXError::invalidUIElement, {}};
     const auto found = elements.find(attribute);
@@ -56,9 +56,9 @@ AXResult<AccessibilityElement> FakeElement::element(const char* attribute) const
     return {AXError::success, found->second->handle()};
 }
 
-AXError FakeElement::setValue(const char* attribute, const AccessibilityValue& value) const {
+AXError FakeElement::setValue(AXAttribute attribute, const AccessibilityValue& value) const {
     const auto& content = dynamic_cast<const FakeValue&>(value).content;
-    owner_.log(name + ".set " + attribute + " " +
+    owner_.log(name + ".set " + nameOf(attribute) + " " +
                std::visit([](const auto& v) { return text(v); }, content));
     if (isGone)
         return AXError::invalidUIElement;

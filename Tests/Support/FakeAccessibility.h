@@ -19,19 +19,19 @@ public:
         : name(std::move(elementName))
         , owner_(owner) {}
 
-    AXResult<QString> string(const char* attribute) const override;
-    AXResult<AccessibilityElement> element(const char* attribute) const override;
-    AXError setValue(const char* attribute, const AccessibilityValue& value) const override;
+    AXResult<QString> string(AXAttribute attribute) const override;
+    AXResult<AccessibilityElement> element(AXAttribute attribute) const override;
+    AXError setValue(AXAttribute attribute, const AccessibilityValue& value) const override;
     AXError processID(ProcessID& id) const override;
     bool isSameElement(const Implementation& other) const override { return this == &other; }
 
     /// What the call log calls this element.
     const std::string name;
-    std::map<std::string, QString> strings;
-    std::map<std::string, std::shared_ptr<FakeElement>> elements;
+    std::map<AXAttribute, QString> strings;
+    std::map<AXAttribute, std::shared_ptr<FakeElement>> elements;
     std::optional<ProcessID> process;
     /// Errors that the next writes of an attribute answer, in order; success once used up.
-    mutable std::map<std::string, std::vector<AXError>> writeErrors;
+    mutable std::map<AXAttribute, std::vector<AXError>> writeErrors;
     /// The frame as the writes left it.
     mutable AXPoint position;
     mutable AXSize size;

@@ -29,8 +29,8 @@ AccessibilityElement MacAccessibilityElement::make(CFOwner<AXUIElementRef> eleme
     return AccessibilityElement(std::make_shared<MacAccessibilityElement>(std::move(element)));
 }
 
-AXResult<CFOwner<CFTypeRef>> MacAccessibilityElement::copyAttribute(const char* attribute) const {
-    const auto name = makeCFString(QString::fromLatin1(attribute));
+AXResult<CFOwner<CFTypeRef>> MacAccessibilityElement::copyAttribute(AXAttribute attribute) const {
+    const auto name = makeCFString(QString::fromLatin1(nameOf(attribute)));
     if (!element_ || !name)
         return {AXError::invalidUIElement, {}};
     CFTypeRef copied = nullptr;
@@ -44,7 +44,7 @@ AXResult<CFOwner<CFTypeRef>> MacAccessibilityElement::copyAttribute(const char* 
     return {AXError::success, std::move(value)};
 }
 
-AXResult<QString> MacAccessibilityElement::string(const char* attribute) const {
+AXResult<QString> MacAccessibilityElement::string(AXAttribute attribute) const {
     const auto copied = copyAttribute(attribute);
     if (!copied.value)
         return {copied.error, {}};
@@ -54,7 +54,7 @@ AXResult<QString> MacAccessibilityElement::string(const char* attribute) const {
     return {AXError::success, text};
 }
 
-AXResult<AccessibilityElement> MacAccessibilityElement::element(const char* attribute) const {
+AXResult<AccessibilityElement> MacAccessibilityElement::element(AXAttribute attribute) const {
     const auto copied = copyAttribute(attribute);
     if (!copied.value)
         return {copied.error, {}};
@@ -62,14 +62,14 @@ AXResult<AccessibilityElement> MacAccessibilityElement::element(const char* attr
         return {AXError::noValue, {}};
     const auto element = static_cast<AXUIElementRef>(copied.value->get());
     // While the panel has the focus, the user still means the window behind it.
-    if (qstrcmp(attribute, AXAttribute::focusedUIElement) == 0 && isOwn(element))
+    if (attribute == AXAttribute::focusedUIElement && isOwn(element))
         return {AXError::noValue, {}};
     return {AXError::success, make(CFOwner<AXUIElementRef>::retain(element))};
 }
 
-AXError MacAccessibilityElement::setValue(const char* attribute,
+AXError MacAccessibilityElement::setValue(AXAttribute attribute,
                                           const AccessibilityValue& value) const {
-    const auto name = makeCFString(QString::fromLatin1(attribute));
+    const auto name = makeCFString(QString::fromLatin1(nameOf(attribute)));
     const auto* ours = dynamic_cast<const MacAccessibilityValue*>(&value);
     if (!element_ || !name)
         return AXError::invalidUIElement;

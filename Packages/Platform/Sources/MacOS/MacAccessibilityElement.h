@@ -16,16 +16,16 @@ public:
     /// The handle that the rest of the program knows.
     [[nodiscard]] static AccessibilityElement make(CFOwner<AXUIElementRef> element);
 
-    [[nodiscard]] AXResult<QString> string(const char* attribute) const override;
-    [[nodiscard]] AXResult<AccessibilityElement> element(const char* attribute) const override;
-    AXError setValue(const char* attribute, const AccessibilityValue& value) const override;
+    [[nodiscard]] AXResult<QString> string(AXAttribute attribute) const override;
+    [[nodiscard]] AXResult<AccessibilityElement> element(AXAttribute attribute) const override;
+    AXError setValue(AXAttribute attribute, const AccessibilityValue& value) const override;
     AXError processID(ProcessID& id) const override;
     [[nodiscard]] bool isSameElement(const Implementation& other) const override;
 
     [[nodiscard]] AXUIElementRef get() const { return element_.get(); }
 
 private:
-    [[nodiscard]] AXResult<CFOwner<CFTypeRef>> copyAttribute(const char* attribute) const;
+    [[nodiscard]] AXResult<CFOwner<CFTypeRef>> copyAttribute(AXAttribute attribute) const;
 
     CFOwner<AXUIElementRef> element_;
 };

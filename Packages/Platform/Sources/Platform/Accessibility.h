@@ -30,17 +30,40 @@ enum class AXError : int {
     notEnoughPrecision = -25214,
 };
 
-/// The attributes that this program reads and writes, by the names elements know them under.
-namespace AXAttribute {
-inline constexpr const char* focusedUIElement = "AXFocusedUIElement";
-inline constexpr const char* focusedWindow = "AXFocusedWindow";
-inline constexpr const char* window = "AXWindow";
-inline constexpr const char* parent = "AXParent";
-inline constexpr const char* role = "AXRole";
-inline constexpr const char* subrole = "AXSubrole";
-inline constexpr const char* position = "AXPosition";
-inline constexpr const char* size = "AXSize";
-} // namespace AXAttribute
+/// The attributes that this program reads and writes.
+enum class AXAttribute {
+    focusedUIElement,
+    focusedWindow,
+    window,
+    parent,
+    role,
+    subrole,
+    position,
+    size
+};
+
+/// The name under which the platform's accessibility interface knows an attribute.
+[[nodiscard]] constexpr const char* nameOf(AXAttribute attribute) {
+    switch (attribute) {
+    case AXAttribute::focusedUIElement:
+        return "AXFocusedUIElement";
+    case AXAttribute::focusedWindow:
+        return "AXFocusedWindow";
+    case AXAttribute::window:
+        return "AXWindow";
+    case AXAttribute::parent:
+        return "AXParent";
+    case AXAttribute::role:
+        return "AXRole";
+    case AXAttribute::subrole:
+        return "AXSubrole";
+    case AXAttribute::position:
+        return "AXPosition";
+    case AXAttribute::size:
+        return "AXSize";
+    }
+    return "";
+}
 
 /// The role of an element that is a window.
 inline constexpr const char* axWindowRole = "AXWindow";
@@ -79,10 +102,10 @@ public:
         Implementation& operator=(const Implementation&) = delete;
         virtual ~Implementation();
 
-        [[nodiscard]] virtual AXResult<QString> string(const char* attribute) const = 0;
+        [[nodiscard]] virtual AXResult<QString> string(AXAttribute attribute) const = 0;
         [[nodiscard]] virtual AXResult<AccessibilityElement>
-        element(const char* attribute) const = 0;
-        virtual AXError setValue(const char* attribute, const AccessibilityValue& value) const = 0;
+        element(AXAttribute attribute) const = 0;
+        virtual AXError setValue(AXAttribute attribute, const AccessibilityValue& value) const = 0;
         virtual AXError processID(ProcessID& id) const = 0;
         [[nodiscard]] virtual bool isSameElement(const Implementation& other) const = 0;
     };
@@ -91,16 +114,16 @@ public:
         : implementation_(std::move(implementation)) {}
 
     /// Reads an attribute that holds a text.
-    [[nodiscard]] AXResult<QString> string(const char* attribute) const {
+    [[nodiscard]] AXResult<QString> string(AXAttribute attribute) const {
         return implementation_->string(attribute);
     }
     /// Reads an attribute that holds another element.
-    [[nodiscard]] AXResult<AccessibilityElement> element(const char* attribute) const {
+    [[nodiscard]] AXResult<AccessibilityElement> element(AXAttribute attribute) const {
         return implementation_->element(attribute);
     }
     /// Writes an attribute: `AXAttribute::position` or `AXAttribute::size`, in Accessibility screen
     /// space, in terms of what the user sees of the window, its decorations included.
-    AXError setValue(const char* attribute, const AccessibilityValue& value) const {
+    AXError setValue(AXAttribute attribute, const AccessibilityValue& value) const {
         return implementation_->setValue(attribute, value);
     }
     /// Reads the process that the element belongs to into `id`, which keeps its value on an error.

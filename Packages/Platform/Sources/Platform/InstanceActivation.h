@@ -4,7 +4,7 @@
 
 namespace tilewright {
 
-/// Keeps the program to one instance per desktop session. Main thread only.
+/// Keeps the program to one instance on a user's desktop. Main thread only.
 class InstanceActivation : public QObject {
     Q_OBJECT
 

@@ -17,6 +17,7 @@ public:
 
     /// Stops the timer: its task is not called again. May be called from within the task.
     virtual void invalidate() = 0;
+    /// Whether it may still fire.
     [[nodiscard]] virtual bool isValid() const = 0;
 };
 
@@ -58,11 +59,13 @@ public:
     }
     ~ScopedTimer() { reset(); }
 
+    /// Cancels the timer, if there is one.
     void reset() {
         if (timer_)
             timer_->invalidate();
         timer_.reset();
     }
+    /// Whether there is a timer that may still fire.
     [[nodiscard]] bool isActive() const { return timer_ && timer_->isValid(); }
 
 private:

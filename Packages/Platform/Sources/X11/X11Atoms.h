@@ -19,7 +19,6 @@ namespace tilewright {
     ATOM(kdeNetWmBlurBehindRegion, "_KDE_NET_WM_BLUR_BEHIND_REGION")                               \
     ATOM(netActiveWindow, "_NET_ACTIVE_WINDOW")                                                    \
     ATOM(netClientList, "_NET_CLIENT_LIST")                                                        \
-    ATOM(netClientListStacking, "_NET_CLIENT_LIST_STACKING")                                       \
     ATOM(netCurrentDesktop, "_NET_CURRENT_DESKTOP")                                                \
     ATOM(netFrameExtents, "_NET_FRAME_EXTENTS")                                                    \
     ATOM(netMoveresizeWindow, "_NET_MOVERESIZE_WINDOW")                                            \
@@ -28,14 +27,11 @@ namespace tilewright {
     ATOM(netSupportingWmCheck, "_NET_SUPPORTING_WM_CHECK")                                         \
     ATOM(netWmBypassCompositor, "_NET_WM_BYPASS_COMPOSITOR")                                       \
     ATOM(netWmDesktop, "_NET_WM_DESKTOP")                                                          \
-    ATOM(netWmName, "_NET_WM_NAME")                                                                \
     ATOM(netWmPid, "_NET_WM_PID")                                                                  \
     ATOM(netWmState, "_NET_WM_STATE")                                                              \
     ATOM(netWmStateFullscreen, "_NET_WM_STATE_FULLSCREEN")                                         \
-    ATOM(netWmStateHidden, "_NET_WM_STATE_HIDDEN")                                                 \
     ATOM(netWmStateMaximizedHorz, "_NET_WM_STATE_MAXIMIZED_HORZ")                                  \
     ATOM(netWmStateMaximizedVert, "_NET_WM_STATE_MAXIMIZED_VERT")                                  \
-    ATOM(netWmStateModal, "_NET_WM_STATE_MODAL")                                                   \
     ATOM(netWmStateShaded, "_NET_WM_STATE_SHADED")                                                 \
     ATOM(netWmStateSkipTaskbar, "_NET_WM_STATE_SKIP_TASKBAR")                                      \
     ATOM(netWmStrut, "_NET_WM_STRUT")                                                              \
@@ -56,7 +52,6 @@ namespace tilewright {
     ATOM(netWmWindowTypeTooltip, "_NET_WM_WINDOW_TYPE_TOOLTIP")                                    \
     ATOM(netWmWindowTypeUtility, "_NET_WM_WINDOW_TYPE_UTILITY")                                    \
     ATOM(netWorkarea, "_NET_WORKAREA")                                                             \
-    ATOM(utf8String, "UTF8_STRING")                                                                \
     ATOM(wmClass, "WM_CLASS")                                                                      \
     ATOM(wmState, "WM_STATE")                                                                      \
     ATOM(xsettingsSettings, "_XSETTINGS_SETTINGS")

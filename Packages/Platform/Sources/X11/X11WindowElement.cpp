@@ -2,14 +2,8 @@
 
 #include "X11WindowFacts.h"
 
-#include <cstring>
-
 namespace tilewright {
 namespace {
-
-bool is(const char* attribute, const char* name) {
-    return std::strcmp(attribute, name) == 0;
-}
 
 AXError errorOf(const X11WindowFacts& facts) {
     if (facts.exists)
@@ -24,9 +18,9 @@ AccessibilityElement windowElement(const std::weak_ptr<X11ElementContext>& conte
 
 } // namespace
 
-AXResult<QString> X11WindowElement::string(const char* attribute) const {
-    const bool isRole = is(attribute, AXAttribute::role);
-    if (!isRole && !is(attribute, AXAttribute::subrole))
+AXResult<QString> X11WindowElement::string(AXAttribute attribute) const {
+    const bool isRole = attribute == AXAttribute::role;
+    if (!isRole && attribute != AXAttribute::subrole)
         return {AXError::attributeUnsupported, {}};
     const auto context = context_.lock();
     if (!context)
@@ -43,11 +37,11 @@ AXResult<QString> X11WindowElement::string(const char* attribute) const {
             facts.isDialog ? QStringLiteral("AXDialog") : QStringLiteral("AXStandardWindow")};
 }
 
-AXResult<AccessibilityElement> X11WindowElement::element(const char* attribute) const {
+AXResult<AccessibilityElement> X11WindowElement::element(AXAttribute attribute) const {
     const auto context = context_.lock();
     if (!context)
         return {AXError::invalidUIElement, {}};
-    if (is(attribute, AXAttribute::window)) {
+    if (attribute == AXAttribute::window) {
         const X11WindowFacts facts = readWindowFacts(context->connection, window_);
         if (const AXError error = errorOf(facts); error != AXError::success)
             return {error, {}};
@@ -55,7 +49,7 @@ AXResult<AccessibilityElement> X11WindowElement::element(const char* attribute) 
             return {AXError::noValue, {}};
         return {AXError::success, windowElement(context_, window_)};
     }
-    if (is(attribute, AXAttribute::parent)) {
+    if (attribute == AXAttribute::parent) {
         X11Connection& connection = context->connection;
         const auto tree =
             connection.reply<xcb_query_tree_reply_t>(xcb_query_tree(connection.xcb(), window_));
@@ -68,17 +62,17 @@ AXResult<AccessibilityElement> X11WindowElement::element(const char* attribute) 
     return {AXError::attributeUnsupported, {}};
 }
 
-AXError X11WindowElement::setValue(const char* attribute, const AccessibilityValue& value) const {
+AXError X11WindowElement::setValue(AXAttribute attribute, const AccessibilityValue& value) const {
     const auto context = context_.lock();
     if (!context)
         return AXError::invalidUIElement;
     const auto* own = dynamic_cast<const X11Value*>(&value);
     if (!own)
         return AXError::illegalArgument;
-    if (is(attribute, AXAttribute::position))
+    if (attribute == AXAttribute::position)
         return own->position ? context->frameSetter.setPosition(window_, *own->position)
                              : AXError::illegalArgument;
-    if (is(attribute, AXAttribute::size))
+    if (attribute == AXAttribute::size)
         return own->size ? context->frameSetter.setSize(window_, *own->size)
                          : AXError::illegalArgument;
     return AXError::attributeUnsupported;
@@ -102,19 +96,19 @@ bool X11WindowElement::isSameElement(const Implementation& other) const {
     return window && window->window_ == window_;
 }
 
-AXResult<QString> X11ApplicationElement::string(const char* attribute) const {
-    if (!is(attribute, AXAttribute::role))
+AXResult<QString> X11ApplicationElement::string(AXAttribute attribute) const {
+    if (attribute != AXAttribute::role)
         return {AXError::attributeUnsupported, {}};
     return {AXError::success,
             process_ ? QStringLiteral("AXApplication") : QStringLiteral("AXSystemWide")};
 }
 
-AXResult<AccessibilityElement> X11ApplicationElement::element(const char* attribute) const {
+AXResult<AccessibilityElement> X11ApplicationElement::element(AXAttribute attribute) const {
     const auto context = context_.lock();
     if (!context)
         return {AXError::invalidUIElement, {}};
-    const bool isFocus = is(attribute, AXAttribute::focusedUIElement);
-    if (!isFocus && !(process_ && is(attribute, AXAttribute::focusedWindow)))
+    const bool isFocus = attribute == AXAttribute::focusedUIElement;
+    if (!isFocus && !(process_ && attribute == AXAttribute::focusedWindow))
         return {AXError::attributeUnsupported, {}};
     const auto window = process_ ? context->activeWindow.lastActiveOf(*process_)
                                  : context->activeWindow.lastActive();
@@ -123,7 +117,7 @@ AXResult<AccessibilityElement> X11ApplicationElement::element(const char* attrib
     return {AXError::success, windowElement(context_, *window)};
 }
 
-AXError X11ApplicationElement::setValue(const char* /*attribute*/,
+AXError X11ApplicationElement::setValue(AXAttribute /*attribute*/,
                                         const AccessibilityValue& /*value*/) const {
     return AXError::attributeUnsupported;
 }

@@ -35,9 +35,9 @@ public:
         : context_(std::move(context))
         , window_(window) {}
 
-    AXResult<QString> string(const char* attribute) const override;
-    AXResult<AccessibilityElement> element(const char* attribute) const override;
-    AXError setValue(const char* attribute, const AccessibilityValue& value) const override;
+    AXResult<QString> string(AXAttribute attribute) const override;
+    AXResult<AccessibilityElement> element(AXAttribute attribute) const override;
+    AXError setValue(AXAttribute attribute, const AccessibilityValue& value) const override;
     AXError processID(ProcessID& id) const override;
     bool isSameElement(const Implementation& other) const override;
 
@@ -57,9 +57,9 @@ public:
         : context_(std::move(context))
         , process_(process) {}
 
-    AXResult<QString> string(const char* attribute) const override;
-    AXResult<AccessibilityElement> element(const char* attribute) const override;
-    AXError setValue(const char* attribute, const AccessibilityValue& value) const override;
+    AXResult<QString> string(AXAttribute attribute) const override;
+    AXResult<AccessibilityElement> element(AXAttribute attribute) const override;
+    AXError setValue(AXAttribute attribute, const AccessibilityValue& value) const override;
     AXError processID(ProcessID& id) const override;
     bool isSameElement(const Implementation& other) const override;
 

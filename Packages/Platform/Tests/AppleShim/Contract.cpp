@@ -95,17 +95,17 @@ static_assert(isSame(kAXErrorParameterizedAttributeUnsupported, -25213,
                      Error::parameterizedAttributeUnsupported));
 static_assert(isSame(kAXErrorNotEnoughPrecision, -25214, Error::notEnoughPrecision));
 
-constexpr bool isNamed(const char* attribute, std::string_view name) {
-    return name == attribute;
+constexpr bool isNamed(const char* known, std::string_view name) {
+    return name == known;
 }
-static_assert(isNamed(tilewright::AXAttribute::focusedUIElement, "AXFocusedUIElement"));
-static_assert(isNamed(tilewright::AXAttribute::focusedWindow, "AXFocusedWindow"));
-static_assert(isNamed(tilewright::AXAttribute::window, "AXWindow"));
-static_assert(isNamed(tilewright::AXAttribute::parent, "AXParent"));
-static_assert(isNamed(tilewright::AXAttribute::role, "AXRole"));
-static_assert(isNamed(tilewright::AXAttribute::subrole, "AXSubrole"));
-static_assert(isNamed(tilewright::AXAttribute::position, "AXPosition"));
-static_assert(isNamed(tilewright::AXAttribute::size, "AXSize"));
+static_assert(isNamed(nameOf(tilewright::AXAttribute::focusedUIElement), "AXFocusedUIElement"));
+static_assert(isNamed(nameOf(tilewright::AXAttribute::focusedWindow), "AXFocusedWindow"));
+static_assert(isNamed(nameOf(tilewright::AXAttribute::window), "AXWindow"));
+static_assert(isNamed(nameOf(tilewright::AXAttribute::parent), "AXParent"));
+static_assert(isNamed(nameOf(tilewright::AXAttribute::role), "AXRole"));
+static_assert(isNamed(nameOf(tilewright::AXAttribute::subrole), "AXSubrole"));
+static_assert(isNamed(nameOf(tilewright::AXAttribute::position), "AXPosition"));
+static_assert(isNamed(nameOf(tilewright::AXAttribute::size), "AXSize"));
 static_assert(isNamed(tilewright::axWindowRole, "AXWindow"));
 
 // Power management

@@ -20,6 +20,7 @@ class LayoutCard final : public ModelButton {
 public:
     explicit LayoutCard(const ZoneLayout& layout, QWidget* parent = nullptr);
 
+    /// Shows another layout from now on.
     void setZoneLayout(const ZoneLayout& layout);
     [[nodiscard]] const ZoneLayout& zoneLayout() const { return layout_; }
 

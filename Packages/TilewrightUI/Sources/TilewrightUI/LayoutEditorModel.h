@@ -55,12 +55,16 @@ public:
         return editingLayoutID_.value();
     }
 
+    /// Takes a name as it is typed; it is trimmed and checked when the layout is saved.
     void setLayoutName(const QString& name) { layoutName_ = name; }
+    /// Turns snapping on or off for the drags that follow.
     void setSnapToEdges(bool snaps) { snapToEdges_ = snaps; }
+    /// Selects the zone of an id; none is selected where no zone has it.
     void select(const QUuid& id) { selectedID_ = id; }
     /// Replaces the zone at that place of the list; nothing happens past its end.
     void setZone(std::size_t index, const Zone& zone);
 
+    /// Whether the zone at that place of the list has the id that is selected.
     [[nodiscard]] bool isSelected(std::size_t index) const;
     /// The place of the selected zone in the list; of several with its id, the topmost.
     [[nodiscard]] std::optional<std::size_t> selectedIndex() const;

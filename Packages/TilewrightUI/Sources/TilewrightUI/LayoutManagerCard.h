@@ -20,6 +20,7 @@ public:
 
     LayoutManagerCard(const ZoneLayout& layout, Deletable deletable, QWidget* parent = nullptr);
 
+    /// Shows another layout from now on.
     void setZoneLayout(const ZoneLayout& layout);
     [[nodiscard]] const ZoneLayout& zoneLayout() const { return layout_; }
     [[nodiscard]] QString countText() const;

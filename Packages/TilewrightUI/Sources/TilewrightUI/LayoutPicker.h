@@ -41,6 +41,7 @@ public:
     [[nodiscard]] const std::optional<QString>& selectedDisplayKey() const {
         return selectedDisplayKey_;
     }
+    /// Picks the display of a key, whether it is connected or not.
     void setSelectedDisplayKey(const QString& key);
     /// The display picked while it is connected, else the first; none without displays.
     [[nodiscard]] std::optional<DisplayInfo> selectedDisplay() const;

@@ -26,6 +26,7 @@ public:
     explicit LayoutThumbnail(ZoneLayout layout, SelectZone onSelectZone = {},
                              QWidget* parent = nullptr);
 
+    /// Shows another layout from now on.
     void setZoneLayout(const ZoneLayout& layout);
     [[nodiscard]] const ZoneLayout& zoneLayout() const { return layout_; }
     /// The area drawn upon, in the widget's own coordinates.

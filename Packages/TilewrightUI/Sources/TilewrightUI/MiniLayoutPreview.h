@@ -14,6 +14,7 @@ class MiniLayoutPreview final : public QWidget {
 public:
     explicit MiniLayoutPreview(ZoneLayout layout, QWidget* parent = nullptr);
 
+    /// Shows another layout from now on.
     void setZoneLayout(const ZoneLayout& layout);
     [[nodiscard]] const ZoneLayout& zoneLayout() const { return layout_; }
     /// Draws the zone with that id highlighted.

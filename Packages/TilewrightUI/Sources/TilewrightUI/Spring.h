@@ -37,7 +37,6 @@ public:
     ~SpringAnimation();
 
     [[nodiscard]] double value() const { return state_.value; }
-    [[nodiscard]] double target() const { return target_; }
     [[nodiscard]] bool isRunning() const { return timer_.isActive(); }
 
     /// Starts towards a target from wherever the value is, keeping its speed. Nothing happens when

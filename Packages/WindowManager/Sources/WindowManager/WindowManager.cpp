@@ -13,7 +13,7 @@ bool isWindow(const AccessibilityElement& element) {
     return role.value && *role.value == QLatin1StringView(axWindowRole);
 }
 
-QString textOf(const AccessibilityElement& element, const char* attribute) {
+QString textOf(const AccessibilityElement& element, AXAttribute attribute) {
     return element.string(attribute).value.value_or(u"?"_s);
 }
 
