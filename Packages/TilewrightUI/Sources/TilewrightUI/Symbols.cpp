@@ -133,6 +133,28 @@ private:
     QColor color_;
 };
 
+/// Draws the icon whenever it is asked for: an icon of ready pictures would leave each of them in
+/// the toolkit's cache, anew for each window.
+class ApplicationIconEngine final : public QIconEngine {
+public:
+    void paint(QPainter* painter, const QRect& rect, QIcon::Mode, QIcon::State) override {
+        QSvgRenderer renderer(resource(QStringLiteral("icon")));
+        renderer.setAspectRatioMode(Qt::KeepAspectRatio);
+        renderer.render(painter, rect);
+    }
+    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
+        QImage image = blank(size);
+        QPainter painter(&image);
+        paint(&painter, image.rect(), mode, state);
+        painter.end();
+        return QPixmap::fromImage(std::move(image));
+    }
+    QList<QSize> availableSizes(QIcon::Mode, QIcon::State) override {
+        return {{16, 16}, {24, 24}, {32, 32}, {48, 48}, {64, 64}, {128, 128}};
+    }
+    [[nodiscard]] QIconEngine* clone() const override { return new ApplicationIconEngine(*this); }
+};
+
 } // namespace
 
 bool exists(const QString& name) {
@@ -172,16 +194,7 @@ QIcon icon(const QString& name, const QColor& color) {
 }
 
 QIcon applicationIcon() {
-    QSvgRenderer renderer(resource(QStringLiteral("icon")));
-    QIcon icon;
-    for (const int side : {16, 24, 32, 48, 64, 128}) {
-        QImage image = blank({side, side});
-        QPainter painter(&image);
-        renderer.render(&painter);
-        painter.end();
-        icon.addPixmap(QPixmap::fromImage(image));
-    }
-    return icon;
+    return QIcon(new ApplicationIconEngine);
 }
 
 } // namespace tilewright::symbols
