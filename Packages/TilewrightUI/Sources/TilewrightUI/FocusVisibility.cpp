@@ -16,7 +16,7 @@ public:
     static const InputWatch& shared() {
         static QPointer<InputWatch> watch;
         if (!watch)
-            watch = new InputWatch(qApp);
+            watch = new InputWatch(QCoreApplication::instance());
         return *watch;
     }
 
