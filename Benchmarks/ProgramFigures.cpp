@@ -18,7 +18,7 @@ namespace tilewright::testing {
 namespace {
 
 constexpr int starts = 9;
-/// The toolkit's picture cache empties itself once, half a minute after the item was drawn.
+/// Qt's picture cache empties itself once, half a minute after the item was drawn.
 constexpr unsigned long settlingSeconds = 35;
 constexpr unsigned long idleSeconds = 60;
 
@@ -61,7 +61,7 @@ void measure() {
                 after.voluntarySwitches - before.voluntarySwitches,
                 double(after.cpuMicroseconds - before.cpuMicroseconds) / 1e3);
     const TestClient other = startClient(desktop.session(), ClientKind::qt, {300, 200, 400, 300});
-    printMemory("beside another program of the toolkit's:", program.pid());
+    printMemory("beside another program of Qt's:", program.pid());
     other.process->stop();
     const QRect panel = desktop.openPanel();
     printMemory("with the panel open:", program.pid());

@@ -1,5 +1,5 @@
 // What a drag costs: a dragged event in the controller, and the overlay's repainting of a changed
-// highlight, up to and including the toolkit's own buffer. No desktop takes part.
+// highlight, up to and including Qt's own buffer. No desktop takes part.
 
 #include <FakePlatform.h>
 #include <Tilewright/SnapController.h>

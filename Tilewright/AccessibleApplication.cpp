@@ -13,7 +13,7 @@ namespace tilewright {
 
 namespace {
 
-/// The pop-ups that are on the screen, in the order in which the toolkit made their windows.
+/// The pop-ups that are on the screen, in the order in which Qt made their windows.
 std::vector<QAccessibleInterface*> shownPopUps() {
     std::vector<QAccessibleInterface*> found;
     const QWindowList windows = QGuiApplication::topLevelWindows();
@@ -51,7 +51,7 @@ public:
 };
 
 QAccessibleInterface* makeInterface(const QString&, QObject* object) {
-    // The toolkit owns what a factory answers.
+    // Qt owns what a factory answers.
     if (object == qApp)
         return new ApplicationInterface;
     if (auto* panel = qobject_cast<PanelWindow*>(object))

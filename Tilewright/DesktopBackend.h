@@ -14,12 +14,12 @@ class DesktopBackend {
 public:
     DesktopBackend() = delete;
 
-    /// The command line that the toolkit is given, after the program's name, in place of this
+    /// The command line that Qt is given, after the program's name, in place of this
     /// process's own: neither the user's arguments nor the environment choose what only this
     /// desktop can be. Nothing of it reaches the programs that this one starts.
-    [[nodiscard]] static std::vector<std::string> toolkitArguments();
-    /// Opens the desktop; null, after saying why on standard error, when there is none. Needs the
-    /// toolkit's application object, and has to end before it.
+    [[nodiscard]] static std::vector<std::string> qtArguments();
+    /// Opens the desktop; null, after saying why on standard error, when there is none. Needs Qt's
+    /// application object, and has to end before it.
     [[nodiscard]] static std::unique_ptr<Platform> open();
 };
 

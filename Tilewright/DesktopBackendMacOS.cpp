@@ -4,7 +4,7 @@
 
 namespace tilewright {
 
-std::vector<std::string> DesktopBackend::toolkitArguments() {
+std::vector<std::string> DesktopBackend::qtArguments() {
     return {};
 }
 

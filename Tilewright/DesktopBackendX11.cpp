@@ -6,7 +6,7 @@
 
 namespace tilewright {
 
-std::vector<std::string> DesktopBackend::toolkitArguments() {
+std::vector<std::string> DesktopBackend::qtArguments() {
     // The windows of an X server are what is moved, also where a Wayland compositor runs beside it.
     return {"-platform", "xcb"};
 }

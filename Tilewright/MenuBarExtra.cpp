@@ -113,7 +113,7 @@ void MenuBarExtra::released() {
 }
 
 void MenuBarExtra::pressClosedPanel() {
-    // The toolkit and the monitors hear of a press in either order.
+    // Qt and the monitors hear of a press in either order.
     if (press_ == Press::none && isPointerOnItem())
         press_ = Press::awaitedOnItem;
     if (!isPressOnItem())

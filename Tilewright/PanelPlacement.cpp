@@ -13,8 +13,8 @@ int clampSpan(int start, int length, int low, int high) {
 
 } // namespace
 
-ToolkitRect PanelPlacement::place(QSize panel) const {
-    const ToolkitPoint center = item.center();
+QtRect PanelPlacement::place(QSize panel) const {
+    const QtPoint center = item.center();
     int x = center.x - panel.width() / 2;
     int y = center.y - panel.height() / 2;
     switch (barEdge()) {
@@ -37,7 +37,7 @@ ToolkitRect PanelPlacement::place(QSize panel) const {
 }
 
 PanelPlacement::Edge PanelPlacement::barEdge() const {
-    const ToolkitPoint center = item.center();
+    const QtPoint center = item.center();
     if (center.y < visibleFrame.y)
         return Edge::top;
     if (center.y >= visibleFrame.maxY())

@@ -1,24 +1,24 @@
 #pragma once
 
-#include <Platform/ToolkitSpace.h>
+#include <Platform/QtSpace.h>
 
 #include <QSize>
 
 namespace tilewright {
 
-/// Where a panel opens: beside an item of a bar, on the inner side of the bar. Sizes are in the
-/// toolkit's points.
+/// Where a panel opens: beside an item of a bar, on the inner side of the bar. Sizes are in Qt's
+/// points.
 struct PanelPlacement {
     /// The item, or an empty rectangle at the point that is known of it.
-    ToolkitRect item;
+    QtRect item;
     /// The whole screen that the panel belongs to.
-    ToolkitRect frame;
+    QtRect frame;
     /// The screen less its bars.
-    ToolkitRect visibleFrame;
+    QtRect visibleFrame;
 
     /// The place of a panel of that size. It is wholly inside the visible frame if it fits there at
     /// all; else its top-left corner is.
-    [[nodiscard]] ToolkitRect place(QSize panel) const;
+    [[nodiscard]] QtRect place(QSize panel) const;
 
     /// How far the panel keeps from the item and from the visible frame's edges.
     static constexpr int gap = 4;

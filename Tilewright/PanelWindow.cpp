@@ -169,12 +169,12 @@ void PanelWindow::fitAndPlace() {
         return;
     isFitting_ = true;
     if (const ScreenPtr screen = screenAt(place_.center())) {
-        const ToolkitSpace space = Platform::current().screens().toolkitSpace(*screen);
+        const QtSpace space = Platform::current().screens().qtSpace(*screen);
         setScreen(space.screen());
         PanelPlacement placement;
-        placement.item = space.toToolkit(place_);
-        placement.frame = space.insideToolkit(screen->frame());
-        placement.visibleFrame = space.insideToolkit(screen->visibleFrame());
+        placement.item = space.toQt(place_);
+        placement.frame = space.insideQt(screen->frame());
+        placement.visibleFrame = space.insideQt(screen->visibleFrame());
         const QSize ground = contentSize(placement.visibleFrame.height - 2 * PanelPlacement::gap);
         setGeometry(placement.place(ground).toQRect().marginsAdded(chrome_.margins()));
     } else {
@@ -234,7 +234,7 @@ void PanelWindow::watchOutside() {
                             EventType::otherMouseDown};
     const auto others =
         monitors.addGlobalMonitor(presses, [this](const Event&) { closeForPress(); });
-    // The toolkit counts a press anywhere as its popup's, also before the grab that brings it here
+    // Qt counts a press anywhere as its popup's, also before the grab that brings it here
     // has been granted.
     const auto own = monitors.addLocalMonitor(presses, [this](const Event&) {
         const bool isOnTop = QApplication::activePopupWidget() == this;
@@ -252,8 +252,8 @@ bool PanelWindow::isUnderPointer() const {
     const ScreenPtr screen = screenAt(pointer);
     return screen && Platform::current()
                          .screens()
-                         .toolkitSpace(*screen)
-                         .toAppKit(ToolkitRect::of(groundGeometry()))
+                         .qtSpace(*screen)
+                         .toAppKit(QtRect::of(groundGeometry()))
                          .contains(pointer);
 }
 

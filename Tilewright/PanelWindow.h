@@ -37,7 +37,7 @@ public:
     /// known, none for "by the pointer". Does nothing while it is open.
     void open(const std::optional<AppKitRect>& place);
 
-    /// The panel itself, without the shadow around it, in the toolkit's coordinates.
+    /// The panel itself, without the shadow around it, in Qt's coordinates.
     [[nodiscard]] QRect groundGeometry() const;
     /// Whether the pointer is over the panel itself; costs a round trip to the display server.
     [[nodiscard]] bool isUnderPointer() const;

@@ -14,7 +14,7 @@ namespace tilewright {
 
 namespace {
 
-/// Set while the event loop runs. The toolkit ends the process from within it when the display
+/// Set while the event loop runs. Qt ends the process from within it when the display
 /// server is gone.
 bool isRunning = false;
 

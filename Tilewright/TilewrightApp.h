@@ -8,7 +8,7 @@
 namespace tilewright {
 
 /// The application: its delegate and its two scenes, the menu-bar item with its panel and the
-/// settings window. Needs the toolkit's application object and an installed platform, and has to
+/// settings window. Needs Qt's application object and an installed platform, and has to
 /// end before either. Main thread only.
 class TilewrightApp final : public QObject {
     Q_OBJECT

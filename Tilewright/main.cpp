@@ -10,7 +10,7 @@
 
 int main(int argc, char** argv) {
     using namespace tilewright;
-    std::vector<std::string> arguments = DesktopBackend::toolkitArguments();
+    std::vector<std::string> arguments = DesktopBackend::qtArguments();
     arguments.emplace(arguments.begin(), argc > 0 ? argv[0] : "tilewright");
     std::vector<char*> pointers;
     pointers.reserve(arguments.size() + 1);

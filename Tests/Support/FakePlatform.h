@@ -210,7 +210,7 @@ public:
         return std::make_unique<FakeOverlaySurface>(overlay, std::move(view));
     }
 
-    /// Stands in for the fake loop where a test needs the toolkit's own; not owned.
+    /// Stands in for the fake loop where a test needs Qt's own; not owned.
     MainLoop* replacementLoop = nullptr;
 
     FakeScreens fakeScreens;

@@ -34,14 +34,14 @@ class FakeScreens final : public Screens {
 public:
     const std::vector<ScreenPtr>& all() const override { return screens_; }
     ScreenPtr main() const override { return main_; }
-    /// As on X11: corners are where they are, and the toolkit scales about them.
-    ToolkitSpace toolkitSpace(const Screen& screen) const override {
+    /// As on X11: corners are where they are, and Qt scales about them.
+    QtSpace qtSpace(const Screen& screen) const override {
         const AppKitPoint corner{screen.frame().minX(), screen.frame().maxY()};
         const double top = screens_.front()->frame().maxY();
         return {nullptr,
                 corner,
                 {static_cast<int>(corner.x), static_cast<int>(top - corner.y)},
-                toolkitScale};
+                qtScale};
     }
 
     /// Replaces the list; the first is the primary display and, unless set apart, the main one.
@@ -56,7 +56,7 @@ public:
         Q_EMIT screensChanged();
     }
 
-    double toolkitScale = 1;
+    double qtScale = 1;
 
 private:
     std::vector<ScreenPtr> screens_;

@@ -12,7 +12,7 @@
 namespace tilewright::testing {
 namespace {
 
-/// The panel over a stand-in for its content, on the toolkit's offscreen screen.
+/// The panel over a stand-in for its content, on Qt's offscreen screen.
 struct MenuBarExtraTest : public ::testing::Test {
     MenuBarExtraTest() {
         const QRect screen = QGuiApplication::primaryScreen()->geometry();
@@ -48,8 +48,8 @@ struct MenuBarExtraTest : public ::testing::Test {
                        double(itemPlace.width()), double(itemPlace.height())});
         platform.fakeMainLoop.runPosted();
     }
-    /// Screens side by side and one above the other, each where the toolkit has it; the first is
-    /// the primary one, at the toolkit's origin.
+    /// Screens side by side and one above the other, each where Qt has it; the first is
+    /// the primary one, at Qt's origin.
     void setScreens(const std::vector<QRect>& places) {
         std::vector<ScreenPtr> screens;
         screens.reserve(places.size());
@@ -155,7 +155,7 @@ TEST_F(MenuBarExtraTest, ClosesOnAPressInAnotherApplication) {
     EXPECT_TRUE(platform.fakeEventMonitors.monitors.empty()) << "nothing is watched while closed";
 }
 
-TEST_F(MenuBarExtraTest, ClosesOnAPressElsewhereThatTheToolkitTakesForItsPopups) {
+TEST_F(MenuBarExtraTest, ClosesOnAPressElsewhereThatQtTakesForItsPopups) {
     clickItem();
     movePointer({900, 500});
     platform.fakeEventMonitors.send(FakeEventMonitors::Kind::local, {EventType::leftMouseDown, {}});
@@ -201,7 +201,7 @@ TEST_F(MenuBarExtraTest, OpensOnAClickThatFollowsOneWhoseReleaseWasHeardBeforeTh
     movePointer(itemPlace.center());
     platform.fakeEventMonitors.send(FakeEventMonitors::Kind::local, {EventType::leftMouseDown, {}});
     platform.fakeEventMonitors.send(FakeEventMonitors::Kind::local, {EventType::leftMouseUp, {}});
-    // What the toolkit does with the press, late.
+    // What Qt does with the press, late.
     QTest::mousePress(&extra->panel(), Qt::LeftButton, {}, QPoint(-200, -200));
     ASSERT_FALSE(isOpen());
     platform.fakeMainLoop.runPosted();
@@ -263,9 +263,9 @@ TEST_F(MenuBarExtraTest, OpensOnTheScreenThatHoldsThePointWhichIsAllThatIsKnown)
     EXPECT_TRUE(right.contains(groundFor({900, 200}))) << "the nearest";
 }
 
-TEST_F(MenuBarExtraTest, OpensUnderTheItemWhereTheToolkitScales) {
+TEST_F(MenuBarExtraTest, OpensUnderTheItemWhereQtScales) {
     for (const double scale : {1.0, 1.25, 1.5, 2.0}) {
-        platform.fakeScreens.toolkitScale = scale;
+        platform.fakeScreens.qtScale = scale;
         const double height = 800 * scale;
         FakeScreen::Values values;
         values.frame = {0, 0, 800 * scale, height};

@@ -3,12 +3,12 @@
 #include <gtest/gtest.h>
 
 using tilewright::PanelPlacement;
-using tilewright::ToolkitRect;
+using tilewright::QtRect;
 
 namespace {
 
 constexpr int gap = PanelPlacement::gap;
-const ToolkitRect frame{0, 0, 1920, 1080};
+const QtRect frame{0, 0, 1920, 1080};
 const QSize panel(300, 500);
 
 QRect place(const PanelPlacement& placement, QSize size = panel) {
@@ -63,7 +63,7 @@ TEST(PanelPlacement, IsWhollyInsideTheVisibleFrameFromEveryPointOfItsScreen) {
         for (int x = screen.left(); x <= screen.right(); x += 37) {
             for (int y = screen.top(); y <= screen.bottom(); y += 29) {
                 const PanelPlacement placement{
-                    {x, y, 0, 0}, ToolkitRect::of(screen), ToolkitRect::of(visible)};
+                    {x, y, 0, 0}, QtRect::of(screen), QtRect::of(visible)};
                 ASSERT_TRUE(visible.contains(place(placement))) << x << ", " << y;
             }
         }

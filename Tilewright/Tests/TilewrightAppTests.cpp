@@ -1,4 +1,4 @@
-// The application as a whole, on a fake desktop but the toolkit's own event loop.
+// The application as a whole, on a fake desktop but Qt's own event loop.
 
 #include <FakePlatform.h>
 #include <KeepAwake/KeepAwakeManager.h>

@@ -58,7 +58,7 @@ protected:
     static QColor color(QPalette::ColorRole role) { return QApplication::palette().color(role); }
 };
 
-TEST_F(ApplicationPalette, HasTheAccentAndIsTheToolkitsOtherwise) {
+TEST_F(ApplicationPalette, HasTheAccentAndIsQtsOtherwise) {
     const QPalette before = QApplication::palette();
     look::applyPalette(false);
     EXPECT_EQ(color(QPalette::Highlight), look::tilewrightAmber());

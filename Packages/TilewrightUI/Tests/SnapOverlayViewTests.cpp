@@ -22,7 +22,7 @@ protected:
     }
     void paint() {
         loop().runPosted();
-        // What the toolkit has posted includes the repainting that the view asked for.
+        // What Qt has posted includes the repainting that the view asked for.
         for (int turn = 0; turn < 3; ++turn)
             QCoreApplication::processEvents();
     }

@@ -72,7 +72,7 @@ protected:
                              std::chrono::seconds(2));
         }));
     }
-    /// Opens the settings at a tab, and waits until the toolkit knows where its window is.
+    /// Opens the settings at a tab, and waits until Qt knows where its window is.
     void openSettings(const QString& tab) {
         openPanel();
         click(button, u"Settings…"_s);
@@ -270,7 +270,7 @@ TEST_F(AccessibleViews, TheManagerAsksInADialogThatTheKeyboardReaches) {
 TEST_F(AccessibleViews, TheGeneralSettingsOfferTheModifierByKeyboard) {
     openSettings(u"General"_s);
     expectEveryControlNamed();
-    // The toolkit gives the choice shown as the name, and ours as the description.
+    // Qt gives the choice shown as the name, and ours as the description.
     EXPECT_EQ(control(u"combo box"_s, u"⌃ Control"_s).description, u"Snap modifier"_s);
     expectTabReachesEverything();
     ASSERT_TRUE(waitUntil([&] {

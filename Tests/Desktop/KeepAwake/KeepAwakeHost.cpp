@@ -86,7 +86,7 @@ int main(int argc, char** argv) {
         window->show();
     }
 
-    // It never paints, for which the toolkit would wait for the display server.
+    // It never paints, for which Qt would wait for the display server.
     QWindow bare;
     if (arguments.contains(QStringLiteral("--window"))) {
         bare.setTitle(QStringLiteral("Keep Awake"));

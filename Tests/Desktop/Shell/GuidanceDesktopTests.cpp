@@ -15,7 +15,7 @@ namespace {
 class GuidanceOnScreen : public ::testing::Test {
 protected:
     /// Puts a document handler of the test's own before those of the machine: it notes what it is
-    /// asked to open, and on which platform the toolkit's programs are to run.
+    /// asked to open, and on which platform Qt's programs are to run.
     QString pathWithHandler() {
         const QString folder = desktop.session().home() + u"/bin"_s;
         const QString handler = folder + u"/xdg-open"_s;

@@ -16,7 +16,7 @@ public:
     Subprocess& startProgram(std::map<QString, QString> moreEnvironment = {});
 
     /// What is shown in this role under this name (any, where that is null) now. The panel and
-    /// menus are not among what the toolkit tells of.
+    /// menus are not among what Qt tells of.
     [[nodiscard]] std::optional<AccessibleNode> find(const QString& role, const QString& name);
     /// Waits until it is shown and stands still. Fails the test when it does not come.
     AccessibleNode place(const QString& role, const QString& name);

@@ -68,7 +68,7 @@ FreeDesktopAppearance::FreeDesktopAppearance(QDBusConnection bus)
     auto* watch =
         new QDBusServiceWatcher(portal(), bus_, QDBusServiceWatcher::WatchForRegistration, this);
     connect(watch, &QDBusServiceWatcher::serviceRegistered, this, [this] { readAll(); });
-    // Slots that take it cannot be connected before the toolkit knows the type.
+    // Slots that take it cannot be connected before Qt knows the type.
     qRegisterMetaType<QDBusVariant>();
     // Any sender: naming one would look up its owner, blocking.
     bus_.connect(QString(), portalPath(), settingsInterface(), QStringLiteral("SettingChanged"),

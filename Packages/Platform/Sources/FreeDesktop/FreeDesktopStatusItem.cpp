@@ -62,7 +62,7 @@ void FreeDesktopStatusItem::setAccessibleName(const QString& name) {
 }
 
 void FreeDesktopStatusItem::chooseHost() {
-    // The toolkit settles on the X11 tray for good when its first tray icon finds no notifier host,
+    // Qt settles on the X11 tray for good when its first tray icon finds no notifier host,
     // which is the only moment at which one is made here.
     const bool wantsSystemTray =
         notifierItem_.isSettled() && !notifierItem_.isHosted() && !icon_.isNull();
@@ -95,9 +95,9 @@ std::optional<AppKitRect> FreeDesktopStatusItem::notifierPlace(NativePixel click
 }
 
 std::optional<AppKitRect> FreeDesktopStatusItem::systemTrayPlace() const {
-    const ToolkitRect told = ToolkitRect::of(systemTray_->geometry());
+    const QtRect told = QtRect::of(systemTray_->geometry());
     for (const ScreenPtr& screen : screens_.all()) {
-        const AppKitRect place = screens_.toolkitSpace(*screen).toAppKit(told);
+        const AppKitRect place = screens_.qtSpace(*screen).toAppKit(told);
         if (!place.isEmpty() && screen->frame().contains(place.center()))
             return place;
     }

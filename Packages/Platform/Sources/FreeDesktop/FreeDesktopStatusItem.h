@@ -48,7 +48,7 @@ private:
     QIcon icon_;
     QString symbolName_;
     QString name_;
-    /// One for each symbol: the toolkit keeps what it has drawn of an icon, and would keep as much
+    /// One for each symbol: Qt keeps what it has drawn of an icon, and would keep as much
     /// again of another one with the same look.
     std::map<QString, QIcon> systemTrayIcons_;
 };

@@ -16,7 +16,7 @@ std::optional<QString> FreeDesktopUserDefaults::string(const QString& key) const
 
 void FreeDesktopUserDefaults::setString(const QString& value, const QString& key) {
     settings_.setValue(key, value);
-    // The process may end in whatever way before the toolkit comes to it.
+    // The process may end in whatever way before Qt comes to it.
     settings_.sync();
 }
 

@@ -20,7 +20,7 @@ HandedOverProcess::HandedOverProcess(Clock clock, QObject* parent)
 }
 
 HandedOverProcess::~HandedOverProcess() {
-    // The toolkit would end a program that still runs.
+    // Qt would end a program that still runs.
     setProcessState(NotRunning);
 }
 

@@ -106,7 +106,7 @@ void IdleInhibition::expectPortalAnswer(QVariantList& arguments) {
 }
 
 void IdleInhibition::takeAnswers() {
-    // Not by delivering the watcher's events: the toolkit posts a reply that came in before the
+    // Not by delivering the watcher's events: Qt posts a reply that came in before the
     // watcher was made to an object of its own.
     if (call_ && call_->isFinished())
         takeReply();

@@ -37,7 +37,7 @@ bool isDesktopWithoutIdleService(const Inhibitions& inhibitions) {
 
 void waitForFirstGrant(const Inhibitions& inhibitions, std::chrono::milliseconds bound) {
     // A nested event loop would let the rest of the program run in the middle of the caller's work.
-    // The toolkit receives replies on a thread of its own and offers no bounded wait for several of
+    // Qt receives replies on a thread of its own and offers no bounded wait for several of
     // them, so this looks at short intervals, and takes in nothing but these answers.
     constexpr unsigned long intervalInMicroseconds = 500;
     const QDeadlineTimer deadline(bound);

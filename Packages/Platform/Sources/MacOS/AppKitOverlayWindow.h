@@ -31,7 +31,7 @@ public:
     OverlayWindow& operator=(const OverlayWindow&) = delete;
     virtual ~OverlayWindow() = default;
 
-    /// Puts the toolkit's native view into the window, which it fills from now on. The toolkit goes
+    /// Puts Qt's native view into the window, which it fills from now on. Qt goes
     /// on owning it.
     virtual void setContent(WId view) = 0;
     /// Takes the view out again: it has to leave the window before either ends.

@@ -6,7 +6,7 @@ namespace tilewright {
 
 /// The Edit menu, through which the platform's shortcuts for editing reach the text field with the
 /// focus. An application without a Dock icon never shows its menu bar, but its shortcuts work while
-/// one of its windows is the key window. Needs the toolkit's application object. Main thread only.
+/// one of its windows is the key window. Needs Qt's application object. Main thread only.
 class MacEditMenu final {
 public:
     MacEditMenu();

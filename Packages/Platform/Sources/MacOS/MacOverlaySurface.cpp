@@ -33,7 +33,7 @@ void MacOverlaySurface::orderFront() {
 
 void MacOverlaySurface::orderOut() {
     window_->orderOut();
-    // The window is not the toolkit's: without this the view would take itself for visible, and
+    // The window is not Qt's: without this the view would take itself for visible, and
     // fade what changes next where nobody sees it.
     view_->widget().hide();
     view_->finishAnimations();

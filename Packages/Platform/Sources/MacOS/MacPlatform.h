@@ -6,7 +6,7 @@
 
 namespace tilewright {
 
-/// The desktop of macOS. Needs the toolkit's application object and has to end before it.
+/// The desktop of macOS. Needs Qt's application object and has to end before it.
 class MacPlatform final : public Platform {
 public:
     MacPlatform();

@@ -80,15 +80,14 @@ ScreenPtr MacScreens::main() const {
     return found == screens.end() ? nullptr : *found;
 }
 
-ToolkitSpace MacScreens::toolkitSpace(const Screen& screen) const {
-    // The toolkit counts in the same points, from the top of the primary display.
+QtSpace MacScreens::qtSpace(const Screen& screen) const {
+    // Qt counts in the same points, from the top of the primary display.
     const AppKitPoint corner{screen.frame().minX(), screen.frame().maxY()};
     const std::vector<ScreenPtr>& screens = all();
     const double top = screens.empty() ? corner.y : screens.front()->frame().maxY();
-    const ToolkitPoint toolkitCorner{static_cast<int>(std::lround(corner.x)),
-                                     static_cast<int>(std::lround(top - corner.y))};
-    return {QGuiApplication::screenAt({toolkitCorner.x, toolkitCorner.y}), corner, toolkitCorner,
-            1};
+    const QtPoint qtCorner{static_cast<int>(std::lround(corner.x)),
+                           static_cast<int>(std::lround(top - corner.y))};
+    return {QGuiApplication::screenAt({qtCorner.x, qtCorner.y}), corner, qtCorner, 1};
 }
 
 } // namespace tilewright

@@ -24,7 +24,7 @@ public:
     /// also before they are announced.
     [[nodiscard]] const std::vector<ScreenPtr>& all() const override;
     [[nodiscard]] ScreenPtr main() const override;
-    [[nodiscard]] ToolkitSpace toolkitSpace(const Screen& screen) const override;
+    [[nodiscard]] QtSpace qtSpace(const Screen& screen) const override;
 
 private:
     class MacScreen;

@@ -5,7 +5,7 @@
 
 namespace tilewright {
 
-/// The same text for Objective-C and for the toolkit; null reads as empty.
+/// The same text for Objective-C and for Qt; null reads as empty.
 [[nodiscard]] NSString* toNSString(const QString& text);
 [[nodiscard]] QString toQString(NSString* text);
 

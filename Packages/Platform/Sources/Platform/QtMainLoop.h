@@ -6,7 +6,7 @@
 
 namespace tilewright {
 
-/// The toolkit's event loop as a `MainLoop`, the same on every desktop. Needs a QCoreApplication
+/// Qt's event loop as a `MainLoop`, the same on every desktop. Needs a QCoreApplication
 /// for anything to fire. Tasks still pending when it is destroyed are dropped.
 class QtMainLoop final : public MainLoop {
 public:

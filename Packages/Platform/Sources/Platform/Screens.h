@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Geometry.h"
-#include "ToolkitSpace.h"
+#include "QtSpace.h"
 
 #include <QObject>
 #include <QString>
@@ -51,8 +51,8 @@ public:
     [[nodiscard]] virtual const std::vector<ScreenPtr>& all() const = 0;
     /// The display that holds the user's attention (the active window's); null without displays.
     [[nodiscard]] virtual ScreenPtr main() const = 0;
-    /// How the toolkit counts on a display of the list, now.
-    [[nodiscard]] virtual ToolkitSpace toolkitSpace(const Screen& screen) const = 0;
+    /// How Qt counts on a display of the list, now.
+    [[nodiscard]] virtual QtSpace qtSpace(const Screen& screen) const = 0;
 
 Q_SIGNALS:
     /// Something about the displays changed: one came, went, moved, was resized, or its panels

@@ -31,7 +31,7 @@ public:
     [[nodiscard]] virtual bool blendsWindows() const { return false; }
     /// Whether the user asked the desktop for reduced motion; none where the desktop does not tell.
     [[nodiscard]] virtual std::optional<bool> prefersReducedMotion() const { return std::nullopt; }
-    /// Whether the user asked the desktop for dark colours, and the toolkit may not have heard of
+    /// Whether the user asked the desktop for dark colours, and Qt may not have heard of
     /// it.
     [[nodiscard]] virtual bool prefersDark() const { return false; }
 

@@ -88,7 +88,7 @@ private:
     std::shared_ptr<Entry> entry_;
 };
 
-/// This program's own connection to an X server, apart from the toolkit's.
+/// This program's own connection to an X server, apart from Qt's.
 ///
 /// Events are handed to listeners from the event loop, never from within a request. Requests fail
 /// by answering nothing: no error of the server ends the process. Waiting has a bound, so that a

@@ -1,6 +1,6 @@
 #include "X11OverlaySurface.h"
 
-#include "X11Toolkit.h"
+#include "X11Qt.h"
 
 #include <QBackingStore>
 #include <QResizeEvent>
@@ -56,13 +56,13 @@ X11OverlaySurface::X11OverlaySurface(X11Connection& connection, X11Compositor& c
     , view_(std::move(view))
     , container_(std::make_unique<Container>(view_->widget())) {
     container_->winId();
-    if (xcb_connection_t* toolkit = x11toolkit::connection()) {
+    if (xcb_connection_t* qtConnection = x11qt::connection()) {
         // Transparent from the moment it is mapped until the first painting arrives.
         const std::uint32_t transparent = 0;
-        xcb_change_window_attributes(toolkit, window(), XCB_CW_BACK_PIXEL, &transparent);
+        xcb_change_window_attributes(qtConnection, window(), XCB_CW_BACK_PIXEL, &transparent);
         // A fullscreen window beneath must not switch the blending off.
         const std::uint32_t never = 2;
-        xcb_change_property(toolkit, XCB_PROP_MODE_REPLACE, window(),
+        xcb_change_property(qtConnection, XCB_PROP_MODE_REPLACE, window(),
                             connection_.atom(X11Atom::netWmBypassCompositor), XCB_ATOM_CARDINAL, 32,
                             1, &never);
     }
@@ -93,18 +93,18 @@ void X11OverlaySurface::setScreen(const ScreenPtr& screen) {
 }
 
 void X11OverlaySurface::place() {
-    const ToolkitSpace space = screens_.toolkitSpace(*screen_);
+    const QtSpace space = screens_.qtSpace(*screen_);
     if (!space.screen())
         return;
     container_->setScreen(space.screen());
-    container_->setGeometry(space.toToolkit(screen_->frame()).toQRect());
-    // The toolkit's own lengths are whole points: the window's are the monitor's very pixels.
-    if (xcb_connection_t* toolkit = x11toolkit::connection()) {
+    container_->setGeometry(space.toQt(screen_->frame()).toQRect());
+    // Qt's own lengths are whole points: the window's are the monitor's very pixels.
+    if (xcb_connection_t* qtConnection = x11qt::connection()) {
         const QRect native = X11Screens::nativeFrame(*screen_);
         const std::array<std::uint32_t, 4> geometry{unsignedOf(native.x()), unsignedOf(native.y()),
                                                     unsignedOf(native.width()),
                                                     unsignedOf(native.height())};
-        xcb_configure_window(toolkit, window(),
+        xcb_configure_window(qtConnection, window(),
                              XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH |
                                  XCB_CONFIG_WINDOW_HEIGHT,
                              geometry.data());
@@ -114,7 +114,7 @@ void X11OverlaySurface::place() {
 void X11OverlaySurface::orderFront() {
     applyAreas();
     container_->show();
-    // Showing sets the toolkit's own, rounded geometry once more.
+    // Showing sets Qt's own, rounded geometry once more.
     if (screen_)
         place();
     container_->raise();
@@ -152,13 +152,13 @@ void X11OverlaySurface::applyAreas() {
 }
 
 void X11OverlaySurface::setBlur(const QRegion& region) {
-    xcb_connection_t* toolkit = x11toolkit::connection();
-    if (!toolkit)
+    xcb_connection_t* qtConnection = x11qt::connection();
+    if (!qtConnection)
         return;
     const xcb_atom_t property = connection_.atom(X11Atom::kdeNetWmBlurBehindRegion);
     if (!isBlurOffered_ || region.isEmpty()) {
         if (hasBlur_)
-            xcb_delete_property(toolkit, window(), property);
+            xcb_delete_property(qtConnection, window(), property);
         hasBlur_ = false;
         return;
     }
@@ -175,8 +175,8 @@ void X11OverlaySurface::setBlur(const QRegion& region) {
         for (const int value : {left, top, right - left, bottom - top})
             rectangles.push_back(unsignedOf(std::max(value, 0)));
     }
-    xcb_change_property(toolkit, XCB_PROP_MODE_REPLACE, window(), property, XCB_ATOM_CARDINAL, 32,
-                        static_cast<std::uint32_t>(rectangles.size()), rectangles.data());
+    xcb_change_property(qtConnection, XCB_PROP_MODE_REPLACE, window(), property, XCB_ATOM_CARDINAL,
+                        32, static_cast<std::uint32_t>(rectangles.size()), rectangles.data());
     hasBlur_ = true;
 }
 
@@ -203,7 +203,7 @@ void X11OverlaySurface::readBlurOffer() {
 }
 
 void X11OverlaySurface::releasePixels() {
-    // The next showing paints everything anew, so the toolkit makes the buffer the right size then.
+    // The next showing paints everything anew, so Qt makes the buffer the right size then.
     if (QBackingStore* pixels = container_->backingStore())
         pixels->resize(QSize(1, 1));
 }

@@ -3,8 +3,8 @@
 #include "X11Desktop.h"
 #include "X11EventMonitors.h"
 #include "X11OverlaySurface.h"
+#include "X11Qt.h"
 #include "X11ScreenSaver.h"
-#include "X11Toolkit.h"
 
 #include <FreeDesktop/FreeDesktopApplicationSupport.h>
 #include <FreeDesktop/FreeDesktopInstanceActivation.h>
@@ -35,7 +35,7 @@ struct X11Platform::Parts {
     InhibitingPowerAssertions powerAssertions{mainLoop, &screenSaver};
     X11Desktop desktop{*connection, mainLoop, userNotifications};
     X11EventMonitors eventMonitors{
-        *connection, desktop.pointer(), {x11toolkit::ownsWindow, x11toolkit::hasGrab}};
+        *connection, desktop.pointer(), {x11qt::ownsWindow, x11qt::hasGrab}};
     std::optional<FreeDesktopStatusItem> statusItem;
     X11AwaitedReply answerBeforeForgetting;
 
@@ -66,7 +66,7 @@ void X11Platform::Parts::forgetSentTitles() {
     answerBeforeForgetting = connection->whenAnswered<xcb_get_input_focus_reply_t>(
         xcb_get_input_focus(connection->xcb()), [](const auto& answer) {
             if (answer)
-                x11toolkit::forgetSentTitles();
+                x11qt::forgetSentTitles();
         });
 }
 

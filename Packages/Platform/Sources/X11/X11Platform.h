@@ -7,7 +7,7 @@
 namespace tilewright {
 
 /// The desktop of an X11 session: windows, input and displays from the X server, everything else
-/// from what Linux desktops share. Needs the toolkit's application object, running on X11, and has
+/// from what Linux desktops share. Needs Qt's application object, running on X11, and has
 /// to end before it.
 class X11Platform final : public Platform {
 public:

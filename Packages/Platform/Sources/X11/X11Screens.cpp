@@ -344,24 +344,24 @@ ScreenPtr X11Screens::main() const {
     return screens_.front();
 }
 
-ToolkitSpace X11Screens::toolkitSpace(const Screen& screen) const {
-    // The toolkit need not know every monitor: the screen counts that has the most of it.
-    std::optional<ToolkitSpace> best;
+QtSpace X11Screens::qtSpace(const Screen& screen) const {
+    // Qt need not know every monitor: the screen counts that has the most of it.
+    std::optional<QtSpace> best;
     double most = 0;
     const QList<QScreen*> candidates = QGuiApplication::screens();
     for (QScreen* candidate : candidates) {
         // Its corner is where it is on the X screen, whatever the scale.
         const QRect geometry = candidate->geometry();
         const AppKitRect corner = coordinates_.toAppKit(QRect(geometry.topLeft(), QSize(0, 0)));
-        const ToolkitSpace space(candidate, {corner.x, corner.y}, {geometry.x(), geometry.y()},
-                                 candidate->devicePixelRatio());
-        const double shared = sharedArea(space.toAppKit(ToolkitRect::of(geometry)), screen.frame());
+        const QtSpace space(candidate, {corner.x, corner.y}, {geometry.x(), geometry.y()},
+                            candidate->devicePixelRatio());
+        const double shared = sharedArea(space.toAppKit(QtRect::of(geometry)), screen.frame());
         if (best && shared <= most)
             continue;
         best = space;
         most = shared;
     }
-    return best.value_or(ToolkitSpace());
+    return best.value_or(QtSpace());
 }
 
 QRect X11Screens::nativeFrame(const Screen& screen) {

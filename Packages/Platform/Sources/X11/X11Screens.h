@@ -57,7 +57,7 @@ public:
 
     const std::vector<ScreenPtr>& all() const override { return screens_; }
     ScreenPtr main() const override;
-    ToolkitSpace toolkitSpace(const Screen& screen) const override;
+    QtSpace qtSpace(const Screen& screen) const override;
 
     /// A screen's area of the X screen, in pixels; empty for one of another platform, which would
     /// be a mistake of the program.

@@ -86,7 +86,7 @@ void X11Workspace::activateThisApplication() {
     for (auto it = windows.crbegin(); it != windows.crend(); ++it) {
         QWindow* window = *it;
         const bool isOrdinary = window->type() == Qt::Window || window->type() == Qt::Dialog;
-        // What the window manager does not manage, such as the toolkit's tray icon, is no window
+        // What the window manager does not manage, such as Qt's tray icon, is no window
         // that it could bring forward.
         if (!window->isVisible() || !isOrdinary ||
             (window->flags() & (Qt::WindowDoesNotAcceptFocus | Qt::BypassWindowManagerHint)))
@@ -94,7 +94,7 @@ void X11Workspace::activateThisApplication() {
         const auto native = static_cast<xcb_window_t>(window->winId());
         showDesktopOf(native);
         window->raise();
-        // As pagers ask: the toolkit's own request is refused where the user's last input went to
+        // As pagers ask: Qt's own request is refused where the user's last input went to
         // another application.
         constexpr std::uint32_t sourceIsUser = 2;
         sendToWindowManager(connection_, native, X11Atom::netActiveWindow,

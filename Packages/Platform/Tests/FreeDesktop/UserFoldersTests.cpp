@@ -23,7 +23,7 @@ protected:
     }
     ~FreeDesktopFoldersTest() override {
         qputenv("HOME", formerHome);
-        // The toolkit would go on with the folder of the first test.
+        // Qt would go on with the folder of the first test.
         QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope,
                            QString::fromUtf8(formerHome) + QStringLiteral("/.config"));
     }

@@ -45,15 +45,15 @@ protected:
 
 } // namespace
 
-TEST_F(MacDisplays, LieInToolkitSpaceFromTheTopOfThePrimaryDisplay) {
+TEST_F(MacDisplays, LieInQtSpaceFromTheTopOfThePrimaryDisplay) {
     // The second one's top is 20 points below the first one's.
     appKit.screens = {makeFacts({0, 0, 1440, 900}, 1, 25), makeFacts({1440, -200, 1920, 1080}, 2)};
     const MacScreens& screens = desktop.platform.screens();
-    const ToolkitSpace first = screens.toolkitSpace(*all().at(0));
-    const ToolkitSpace second = screens.toolkitSpace(*all().at(1));
+    const QtSpace first = screens.qtSpace(*all().at(0));
+    const QtSpace second = screens.qtSpace(*all().at(1));
     // An item in the menu bar of each.
-    EXPECT_EQ(first.toToolkit({1200, 875, 24, 25}), (ToolkitRect{1200, 0, 24, 25}));
-    EXPECT_EQ(second.toToolkit({3000, 855, 24, 25}), (ToolkitRect{3000, 20, 24, 25}));
+    EXPECT_EQ(first.toQt({1200, 875, 24, 25}), (QtRect{1200, 0, 24, 25}));
+    EXPECT_EQ(second.toQt({3000, 855, 24, 25}), (QtRect{3000, 20, 24, 25}));
     EXPECT_EQ(second.toAppKit({3000, 20, 24, 25}), (AppKitRect{3000, 855, 24, 25}));
 }
 

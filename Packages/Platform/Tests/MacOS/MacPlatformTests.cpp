@@ -34,7 +34,7 @@ struct OpenedBackend {
 } // namespace
 
 TEST(MacPlatform, IsTheBackendOfAProgramBuiltForMacOS) {
-    EXPECT_TRUE(DesktopBackend::toolkitArguments().empty()) << "the toolkit knows its desktop";
+    EXPECT_TRUE(DesktopBackend::qtArguments().empty()) << "Qt knows its desktop";
     OpenedBackend backend;
     ASSERT_NE(backend.platform, nullptr);
     Platform& platform = *backend.platform;

@@ -24,7 +24,7 @@ double symbolSide(const QFontMetricsF& text) {
 
 EditingBadge::EditingBadge(QWidget* parent)
     : QWidget(parent) {
-    // Before the name: naming it makes the toolkit decide what it is.
+    // Before the name: naming it makes Qt decide what it is.
     installZoneEditorAccessibility();
     setAccessibleName(tr("Editing"));
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);

@@ -67,7 +67,7 @@ void LayoutEditorCanvas::updateTiles() {
         handlesFollow_.reset();
     }
     for (std::size_t index = count; index < tiles_.size(); ++index) {
-        // The toolkit would pass the focus of a hidden widget on to wherever Tab leads.
+        // Qt would pass the focus of a hidden widget on to wherever Tab leads.
         if (tiles_[index]->hasFocus() && count > 0)
             tiles_[count - 1]->setFocus();
         tiles_[index]->hide();

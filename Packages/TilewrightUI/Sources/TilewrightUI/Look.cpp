@@ -50,7 +50,7 @@ std::optional<bool>& toldReducedMotion() {
     return told;
 }
 
-/// For desktops that are dark and have no palette for this toolkit.
+/// For desktops that are dark and have no palette for Qt.
 QPalette darkPalette() {
     const QColor text(0xee, 0xee, 0xf0);
     const QColor faintText(0x8a, 0x8b, 0x90);
@@ -169,7 +169,7 @@ QFont mediumFont(TextStyle style) {
 void loadFonts() {
     for (const TextStyle style : {TextStyle::headline, TextStyle::body, TextStyle::callout,
                                   TextStyle::caption, TextStyle::caption2}) {
-        // Measuring is what makes the toolkit load a font.
+        // Measuring is what makes Qt load a font.
         static_cast<void>(QFontMetricsF(font(style)).horizontalAdvance(u'x'));
     }
 }

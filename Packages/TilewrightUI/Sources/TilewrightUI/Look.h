@@ -12,7 +12,7 @@ class QObject;
 class QPainter;
 class QPainterPath;
 
-/// The shared look of the views, by name. Lengths are in points (the toolkit's device-independent
+/// The shared look of the views, by name. Lengths are in points (Qt's device-independent
 /// pixels). Light and dark follow the desktop through the widget's palette: a widget asks afresh
 /// whenever it paints, and so follows a change of the palette by itself.
 namespace tilewright::look {
@@ -65,8 +65,8 @@ enum class TextStyle { headline, body, callout, caption, caption2 };
 /// Loads the fonts of all text styles, which takes tens of milliseconds once in a process. A
 /// program calls it while nobody waits; otherwise the first view shown does it.
 void loadFonts();
-/// Calls back after each change of the application's font, for as long as the context lives. The
-/// toolkit tells its widgets nothing of it.
+/// Calls back after each change of the application's font, for as long as the context lives.
+/// Qt tells its widgets nothing of it.
 void whenFontChanges(QObject* context, const std::function<void()>& action);
 
 /// The text with each "&" doubled, for places that would take one as the mark of a mnemonic.
@@ -94,13 +94,13 @@ void paintFocusRing(QPainter& painter, const QRectF& rect, double radius, const 
 void paintFocusRingOnAmber(QPainter& painter, const QRectF& rect, double radius);
 
 /// Puts the accent into the application's palette, and makes that dark where the user asked the
-/// desktop for it and what the toolkit chose by itself is light. Everything else stays the
-/// toolkit's choice, which may change, and comes back when that wish ends.
+/// desktop for it and what Qt chose by itself is light. Everything else stays Qt's
+/// choice, which may change, and comes back when that wish ends.
 void applyPalette(bool prefersDark);
 
 /// Whether the user asked the desktop for reduced motion; animations then take no time.
 [[nodiscard]] bool prefersReducedMotion();
-/// What the desktop says about reduced motion; none where it says nothing, and the toolkit's style
+/// What the desktop says about reduced motion; none where it says nothing, and Qt's style
 /// decides. It holds until the next call.
 void setPrefersReducedMotion(std::optional<bool> reduced);
 

@@ -84,7 +84,7 @@ double borderWidth(double highlight) {
     return mix(plainBorderWidth, highlightedBorderWidth, highlight);
 }
 
-/// Like the toolkit's own rounding, save that halves below zero go the same way as those above:
+/// Like Qt's own rounding, save that halves below zero go the same way as those above:
 /// edges that lie a whole number apart stay so.
 double roundedEdge(double edge) {
     return std::floor(edge + 0.5);

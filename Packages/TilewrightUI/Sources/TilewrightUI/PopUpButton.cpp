@@ -26,7 +26,7 @@ constexpr double cornerRadius = 5;
 PopUpButton::PopUpButton(const QString& accessibleName, QWidget* parent)
     : QComboBox(parent) {
     setAccessibleName(accessibleName);
-    // On some desktops the toolkit gives assistive tools the choice shown as the name.
+    // On some desktops Qt gives assistive tools the choice shown as the name.
     setAccessibleDescription(accessibleName);
     setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
     setAttribute(Qt::WA_Hover);

@@ -134,7 +134,7 @@ private:
 };
 
 /// Draws the icon whenever it is asked for: an icon of ready pictures would leave each of them in
-/// the toolkit's cache, anew for each window.
+/// Qt's cache, anew for each window.
 class ApplicationIconEngine final : public QIconEngine {
 public:
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode, QIcon::State) override {

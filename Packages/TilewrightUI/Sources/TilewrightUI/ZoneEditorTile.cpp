@@ -26,7 +26,7 @@ constexpr double readoutVerticalPadding = 2;
 constexpr double smallestReadout = 10;
 /// Between the readout and its zone's sides where it shrinks to fit.
 constexpr double readoutDistance = 4;
-/// Beyond this many points a rectangle's edges are out of sight on any display, and the toolkit's
+/// Beyond this many points a rectangle's edges are out of sight on any display, and Qt's
 /// own coordinates end not far behind.
 constexpr double farAway = 30'000;
 

@@ -36,7 +36,7 @@ private:
 };
 
 QAccessibleInterface* makeInterface(const QString&, QObject* object) {
-    // The toolkit owns what a factory answers.
+    // Qt owns what a factory answers.
     if (auto* tile = qobject_cast<ZoneEditorTile*>(object))
         return new TileInterface(tile);
     if (auto* handle = qobject_cast<ZoneEditorHandle*>(object))

@@ -9,12 +9,12 @@ using namespace tilewright;
 
 void mix(AppKitPoint mouse, AppKitRect frame, AXPoint axPoint, ZoneRect rect,
          NormalizedPoint fraction, const Zone& zone, const ZoneLayout& layout, const Screen& screen,
-         WindowManager& manager, const ToolkitSpace& space, ToolkitRect toolkit, NativePixel pixel,
+         WindowManager& manager, const QtSpace& space, QtRect qt, NativePixel pixel,
          const QRect& unnamed);
 
 void mix(AppKitPoint mouse, AppKitRect frame, AXPoint axPoint, ZoneRect rect,
          NormalizedPoint fraction, const Zone& zone, const ZoneLayout& layout, const Screen& screen,
-         WindowManager& manager, const ToolkitSpace& space, ToolkitRect toolkit, NativePixel pixel,
+         WindowManager& manager, const QtSpace& space, QtRect qt, NativePixel pixel,
          const QRect& unnamed) {
     rect = CoordinateConverter::appKitToAX(frame, screen);
     frame = CoordinateConverter::axToAppKit(rect, screen);
@@ -24,10 +24,10 @@ void mix(AppKitPoint mouse, AppKitRect frame, AXPoint axPoint, ZoneRect rect,
     manager.moveFocusedWindow(rect);
     (void)frame.contains(mouse);
     (void)(mouse == AppKitPoint{} && axPoint == AXPoint{} && zone == layout.zones.front());
-    toolkit = space.toToolkit(frame);
-    frame = space.toAppKit(toolkit);
-    toolkit = ToolkitRect::of(unnamed);
-    (void)(pixel == NativePixel{} && toolkit == ToolkitRect{});
+    qt = space.toQt(frame);
+    frame = space.toAppKit(qt);
+    qt = QtRect::of(unnamed);
+    (void)(pixel == NativePixel{} && qt == QtRect{});
 #ifdef MIX_SPACES
     (void)CoordinateConverter::appKitToAX(rect, screen);                     // refused
     (void)CoordinateConverter::appKitToAX(zone, screen);                     // refused
@@ -51,18 +51,18 @@ void mix(AppKitPoint mouse, AppKitRect frame, AXPoint axPoint, ZoneRect rect,
     (void)(frame == rect);                                                   // refused
     (void)(rect == zone);                                                    // refused
     (void)(fraction == mouse);                                               // refused
-    (void)space.toToolkit(rect);                                             // refused
-    (void)space.toToolkit(toolkit);                                          // refused
-    (void)space.toToolkit(unnamed);                                          // refused
+    (void)space.toQt(rect);                                                  // refused
+    (void)space.toQt(qt);                                                    // refused
+    (void)space.toQt(unnamed);                                               // refused
     (void)space.toAppKit(frame);                                             // refused
     (void)space.toAppKit(unnamed);                                           // refused
     (void)frame.contains(pixel);                                             // refused
-    toolkit = frame;                                                         // refused
-    toolkit = unnamed;                                                       // refused
-    frame = toolkit;                                                         // refused
+    qt = frame;                                                              // refused
+    qt = unnamed;                                                            // refused
+    frame = qt;                                                              // refused
     mouse = pixel;                                                           // refused
-    (void)(frame == toolkit);                                                // refused
+    (void)(frame == qt);                                                     // refused
     (void)(mouse == pixel);                                                  // refused
-    (void)(toolkit == unnamed);                                              // refused
+    (void)(qt == unnamed);                                                   // refused
 #endif
 }

@@ -1,12 +1,12 @@
-#include "X11Toolkit.h"
+#include "X11Qt.h"
 
 #include <QApplication>
 #include <QWidget>
 
-// Last: its macros are in the way of the toolkit's names.
+// Last: its macros are in the way of Qt's names.
 #include <X11/Xlib.h>
 
-namespace tilewright::x11toolkit {
+namespace tilewright::x11qt {
 
 xcb_connection_t* connection() {
     auto* application = qGuiApp;
@@ -17,10 +17,10 @@ xcb_connection_t* connection() {
 }
 
 bool ownsWindow(xcb_window_t window) {
-    xcb_connection_t* toolkit = connection();
-    if (!toolkit || window == XCB_NONE)
+    xcb_connection_t* qtConnection = connection();
+    if (!qtConnection || window == XCB_NONE)
         return false;
-    const xcb_setup_t* setup = xcb_get_setup(toolkit);
+    const xcb_setup_t* setup = xcb_get_setup(qtConnection);
     return (window & ~setup->resource_id_mask) == setup->resource_id_base;
 }
 
@@ -36,4 +36,4 @@ void forgetSentTitles() {
         XSync(x11->display(), False);
 }
 
-} // namespace tilewright::x11toolkit
+} // namespace tilewright::x11qt

@@ -1,4 +1,4 @@
-#include <Platform/ToolkitSpace.h>
+#include <Platform/QtSpace.h>
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@ using namespace tilewright;
 namespace {
 
 /// A monitor of 1920 × 1080 whose top-left corner lies elsewhere than the desktop's.
-class ToolkitSpaceAtScale : public ::testing::TestWithParam<double> {
+class QtSpaceAtScale : public ::testing::TestWithParam<double> {
 protected:
     [[nodiscard]] AppKitRect frame() const { return {corner.x, corner.y - 1080, 1920, 1080}; }
     /// What lies so far to the right of the corner, and below it.
@@ -17,40 +17,40 @@ protected:
 
     const double scale = GetParam();
     const AppKitPoint corner{-1920, 1380};
-    const ToolkitPoint toolkitCorner{-1920, -300};
-    const ToolkitSpace space{nullptr, corner, toolkitCorner, scale};
+    const QtPoint qtCorner{-1920, -300};
+    const QtSpace space{nullptr, corner, qtCorner, scale};
 };
 
 } // namespace
 
-TEST_P(ToolkitSpaceAtScale, KeepsTheCornerAndScalesAboutIt) {
-    const ToolkitRect toolkit{toolkitCorner.x + 40, toolkitCorner.y + 20, 80, 60};
+TEST_P(QtSpaceAtScale, KeepsTheCornerAndScalesAboutIt) {
+    const QtRect qt{qtCorner.x + 40, qtCorner.y + 20, 80, 60};
     const AppKitRect appKit = part(40 * scale, 20 * scale, 80 * scale, 60 * scale);
-    EXPECT_EQ(space.toAppKit(toolkit), appKit);
-    EXPECT_EQ(space.toToolkit(appKit), toolkit);
-    EXPECT_EQ(space.insideToolkit(appKit), toolkit);
+    EXPECT_EQ(space.toAppKit(qt), appKit);
+    EXPECT_EQ(space.toQt(appKit), qt);
+    EXPECT_EQ(space.insideQt(appKit), qt);
 }
 
-TEST_P(ToolkitSpaceAtScale, TakesEveryRectangleBackToWhereItWas) {
+TEST_P(QtSpaceAtScale, TakesEveryRectangleBackToWhereItWas) {
     for (int at = 0; at < 500; ++at) {
-        const ToolkitRect rect{toolkitCorner.x + at, toolkitCorner.y + 2 * at, at + 1, 7};
-        ASSERT_EQ(space.toToolkit(space.toAppKit(rect)), rect);
+        const QtRect rect{qtCorner.x + at, qtCorner.y + 2 * at, at + 1, 7};
+        ASSERT_EQ(space.toQt(space.toAppKit(rect)), rect);
     }
 }
 
-TEST_P(ToolkitSpaceAtScale, KeepsNeighboursNeighbours) {
+TEST_P(QtSpaceAtScale, KeepsNeighboursNeighbours) {
     for (int border = 1; border < 1920; ++border) {
-        const ToolkitRect left = space.toToolkit(part(0, 0, border, 1080));
-        const ToolkitRect right = space.toToolkit(part(border, 0, 1920 - border, 1080));
+        const QtRect left = space.toQt(part(0, 0, border, 1080));
+        const QtRect right = space.toQt(part(border, 0, 1920 - border, 1080));
         ASSERT_EQ(left.maxX(), right.x) << border;
-        ASSERT_NEAR((right.x - toolkitCorner.x) * scale, border, scale / 2);
+        ASSERT_NEAR((right.x - qtCorner.x) * scale, border, scale / 2);
     }
 }
 
-TEST_P(ToolkitSpaceAtScale, FindsTheLargestRectangleInside) {
+TEST_P(QtSpaceAtScale, FindsTheLargestRectangleInside) {
     for (int edge = 1; edge < 200; ++edge) {
         const AppKitRect outer = part(edge, edge, 1003 - edge, 701);
-        const ToolkitRect inner = space.insideToolkit(outer);
+        const QtRect inner = space.insideQt(outer);
         const AppKitRect back = space.toAppKit(inner);
         ASSERT_GE(back.minX(), outer.minX());
         ASSERT_LE(back.maxX(), outer.maxX());
@@ -63,36 +63,36 @@ TEST_P(ToolkitSpaceAtScale, FindsTheLargestRectangleInside) {
     }
 }
 
-TEST_P(ToolkitSpaceAtScale, HasThePlaceOfEveryPixelOnTheScreen) {
-    const QRect screen = space.toToolkit(frame()).toQRect();
+TEST_P(QtSpaceAtScale, HasThePlaceOfEveryPixelOnTheScreen) {
+    const QRect screen = space.toQt(frame()).toQRect();
     for (int pixel = 0; pixel < 1920; ++pixel) {
         // A place that is only a point is a pixel's centre.
-        const ToolkitRect place = space.toToolkit(part(pixel + 0.5, 1079.5, 0, 0));
+        const QtRect place = space.toQt(part(pixel + 0.5, 1079.5, 0, 0));
         EXPECT_EQ(place.toQRect().size(), QSize(0, 0));
         ASSERT_TRUE(screen.contains(place.toQRect().topLeft())) << pixel;
-        ASSERT_LE((place.x - toolkitCorner.x) * scale, pixel + 0.5);
-        ASSERT_GT((place.x + 1 - toolkitCorner.x) * scale, pixel + 0.5);
+        ASSERT_LE((place.x - qtCorner.x) * scale, pixel + 0.5);
+        ASSERT_GT((place.x + 1 - qtCorner.x) * scale, pixel + 0.5);
     }
 }
 
-TEST_P(ToolkitSpaceAtScale, LaysMonitorsOfDifferentOriginWhereTheToolkitHasThem) {
+TEST_P(QtSpaceAtScale, LaysMonitorsOfDifferentOriginWhereQtHasThem) {
     // Right of the one at (-1920, -300), and lower.
-    const ToolkitSpace other(nullptr, {0, 1080}, {0, 0}, scale);
+    const QtSpace other(nullptr, {0, 1080}, {0, 0}, scale);
     const AppKitRect item{100 * scale, 1080 - 30 * scale, 20 * scale, 30 * scale};
-    EXPECT_EQ(other.toToolkit(item), (ToolkitRect{100, 0, 20, 30}));
-    EXPECT_EQ(space.toToolkit(part(100 * scale, 0, 20 * scale, 30 * scale)),
-              (ToolkitRect{-1820, -300, 20, 30}));
+    EXPECT_EQ(other.toQt(item), (QtRect{100, 0, 20, 30}));
+    EXPECT_EQ(space.toQt(part(100 * scale, 0, 20 * scale, 30 * scale)),
+              (QtRect{-1820, -300, 20, 30}));
 }
 
-INSTANTIATE_TEST_SUITE_P(, ToolkitSpaceAtScale, ::testing::Values(1, 1.25, 1.5, 2),
+INSTANTIATE_TEST_SUITE_P(, QtSpaceAtScale, ::testing::Values(1, 1.25, 1.5, 2),
                          [](const auto& parameter) {
                              return std::to_string(static_cast<int>(parameter.param * 100)) +
                                     "Percent";
                          });
 
-TEST(ToolkitSpace, CountsAlikeWithoutAScreenOfTheToolkits) {
-    EXPECT_EQ(ToolkitSpace().toAppKit({3, -10, 4, 10}), (AppKitRect{3, 0, 4, 10}));
-    EXPECT_EQ(ToolkitSpace().toToolkit({3, 0, 4, 10}), (ToolkitRect{3, -10, 4, 10}));
+TEST(QtSpace, CountsAlikeWithoutAScreenOfQts) {
+    EXPECT_EQ(QtSpace().toAppKit({3, -10, 4, 10}), (AppKitRect{3, 0, 4, 10}));
+    EXPECT_EQ(QtSpace().toQt({3, 0, 4, 10}), (QtRect{3, -10, 4, 10}));
 }
 
 TEST(AppKitRect, HasItsCentreWhereItLiesWhenItIsEmpty) {
