@@ -52,12 +52,12 @@ bool compare(const char* what, const std::array<Zone, 2>& zones, const DesktopSe
              X11TestPlatform& platform, const BareClient& client) {
     const QRect area = readWindowFacts(platform.connection(), client.window()).client;
     const AccessibilityElement element =
-        platform.accessibility()
+        platform.accessibility
             .elementAtPosition({double(area.center().x()), double(area.center().y())})
             .value.value();
     BareFrameRequest bare(desktop.display().toLatin1().constData(), client.window());
     FinalNotice notice(desktop.display(), client.window());
-    const Screen& screen = *platform.screens().all().front();
+    const Screen& screen = *platform.screens.all().front();
     const X11WindowFacts facts = readWindowFacts(platform.connection(), client.window());
     WindowManager::shared().snap(element, zones[1], screen);
     rest(platform);

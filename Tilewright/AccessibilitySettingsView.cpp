@@ -28,7 +28,7 @@ AccessibilitySettingsView::AccessibilitySettingsView(QWidget* parent)
     message_->setOverflow(TextLabel::Overflow::wrap);
     message_->setAlignment(Qt::AlignCenter);
     connect(button_, &QAbstractButton::clicked, this,
-            [] { Platform::current().workspace().openAccessibilitySettings(); });
+            [] { Platform::current().workspace.openAccessibilitySettings(); });
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(look::defaultPadding, look::defaultPadding, look::defaultPadding,
                                look::defaultPadding);
@@ -38,7 +38,10 @@ AccessibilitySettingsView::AccessibilitySettingsView(QWidget* parent)
     column->addWidget(message_);
     column->addWidget(button_, 0, Qt::AlignHCenter);
     column->addStretch();
-    setTrusted(Platform::current().accessibility().isTrusted());
+    const Accessibility& accessibility = Platform::current().accessibility;
+    const auto readTrust = [this, &accessibility] { setTrusted(accessibility.isTrusted()); };
+    connect(&accessibility, &Accessibility::trustChanged, this, readTrust);
+    readTrust();
 }
 
 AccessibilitySettingsView::~AccessibilitySettingsView() = default;
@@ -70,8 +73,8 @@ void AccessibilitySettingsView::startOrStopPolling() {
     if (!isVisible() || window()->isMinimized()) {
         poll_.reset();
     } else if (!poll_.isActive()) {
-        poll_ = ScopedTimer(Platform::current().mainLoop().scheduleRepeating(
-            pollInterval, [this] { setTrusted(Platform::current().accessibility().isTrusted()); }));
+        poll_ = ScopedTimer(Platform::current().mainLoop.scheduleRepeating(
+            pollInterval, [this] { setTrusted(Platform::current().accessibility.isTrusted()); }));
     }
 }
 

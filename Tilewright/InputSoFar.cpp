@@ -10,8 +10,8 @@ namespace {
 
 /// What the server sent before it answers is handed out before what is posted after the answer.
 void afterOneAnswer(QObject* context, std::function<void()> then) {
-    static_cast<void>(Platform::current().pointer().location());
-    Platform::current().mainLoop().post(
+    static_cast<void>(Platform::current().pointer.location());
+    Platform::current().mainLoop.post(
         [context = QPointer<QObject>(context), then = std::move(then)] {
             if (context)
                 then();

@@ -22,7 +22,7 @@ MenuBarExtra::MenuBarExtra(PanelWindow::ViewFactory makeView)
     : panel_(std::move(makeView)) {
     Platform& platform = Platform::current();
     connect(&platform.statusItem(), &StatusItem::activated, this, &MenuBarExtra::clicked);
-    connect(&platform.instanceActivation(), &InstanceActivation::activationRequested, this,
+    connect(&platform.instanceActivation, &InstanceActivation::activationRequested, this,
             &MenuBarExtra::openByPointer);
     connect(&panel_, &PanelWindow::opened, this, [this] {
         forgetPress();
@@ -72,7 +72,7 @@ void MenuBarExtra::clicked(const std::optional<AppKitRect>& place) {
 
 void MenuBarExtra::open(const std::optional<AppKitRect>& place) {
     itemPlace_ = place.value_or(AppKitRect());
-    itemPointer_ = Platform::current().pointer().location();
+    itemPointer_ = Platform::current().pointer.location();
     panel_.open(place);
 }
 
@@ -85,7 +85,7 @@ void MenuBarExtra::watchPresses() {
         else
             released();
     };
-    EventMonitors& monitors = Platform::current().eventMonitors();
+    EventMonitors& monitors = Platform::current().eventMonitors;
     const EventMask mask{EventType::leftMouseDown, EventType::leftMouseUp};
     for (const auto& token :
          {monitors.addGlobalMonitor(mask, watch), monitors.addLocalMonitor(mask, watch)}) {
@@ -119,7 +119,7 @@ void MenuBarExtra::pressClosedPanel() {
     if (!isPressOnItem())
         return;
     watchPresses();
-    MainLoop& loop = Platform::current().mainLoop();
+    MainLoop& loop = Platform::current().mainLoop;
     pressTimer_ = ScopedTimer(loop.scheduleOnce(clickPassingTime, [this] { forgetPress(); }));
 }
 
@@ -127,7 +127,7 @@ void MenuBarExtra::forgetPress() {
     press_ = Press::none;
     pressTimer_.reset();
     for (const MonitorToken token : std::exchange(monitors_, {}))
-        Platform::current().eventMonitors().removeMonitor(token);
+        Platform::current().eventMonitors.removeMonitor(token);
 }
 
 bool MenuBarExtra::isPressOnItem() const {
@@ -136,7 +136,7 @@ bool MenuBarExtra::isPressOnItem() const {
 }
 
 bool MenuBarExtra::isPointerOnItem() const {
-    const AppKitPoint at = Platform::current().pointer().location();
+    const AppKitPoint at = Platform::current().pointer.location();
     if (!itemPlace_.isEmpty())
         return itemPlace_.contains(at);
     return std::abs(at.x - itemPointer_.x) + std::abs(at.y - itemPointer_.y) <= itemReach;

@@ -49,7 +49,7 @@ QWidget* MenuBarView::makeFooter() {
         const OpenSettings open = openSettings_;
         if (open)
             open();
-        Platform::current().workspace().activateThisApplication();
+        Platform::current().workspace.activateThisApplication();
     });
     connect(quit, &QAbstractButton::clicked, qApp, &QCoreApplication::quit);
     return footer;

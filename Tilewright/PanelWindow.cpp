@@ -25,23 +25,6 @@ namespace {
 constexpr std::chrono::milliseconds shortestGrabWait{30};
 constexpr std::chrono::milliseconds longestGrabWait{480};
 
-double distance(const AppKitRect& rect, AppKitPoint point) {
-    return std::max({rect.minX() - point.x, 0.0, point.x - rect.maxX()}) +
-           std::max({rect.minY() - point.y, 0.0, point.y - rect.maxY()});
-}
-
-/// The display that holds the point, else the nearest; null without displays.
-ScreenPtr screenAt(AppKitPoint point) {
-    ScreenPtr nearest;
-    for (const ScreenPtr& screen : Platform::current().screens().all()) {
-        if (screen->frame().contains(point))
-            return screen;
-        if (!nearest || distance(screen->frame(), point) < distance(nearest->frame(), point))
-            nearest = screen;
-    }
-    return nearest;
-}
-
 } // namespace
 
 PanelWindow::PanelWindow(ViewFactory makeView)
@@ -67,8 +50,8 @@ PanelWindow::PanelWindow(ViewFactory makeView)
     layout->addWidget(scrollArea_);
 
     Platform& platform = Platform::current();
-    connect(&platform.workspace(), &Workspace::activeWindowChanged, this, &QWidget::close);
-    connect(&platform.screens(), &Screens::screensChanged, this, [this] {
+    connect(&platform.workspace, &Workspace::activeWindowChanged, this, &QWidget::close);
+    connect(&platform.screens, &Screens::screensChanged, this, [this] {
         if (isVisible())
             fitAndPlace();
     });
@@ -84,10 +67,10 @@ void PanelWindow::open(const std::optional<AppKitRect>& place) {
     if (place) {
         place_ = *place;
     } else {
-        const AppKitPoint pointer = Platform::current().pointer().location();
+        const AppKitPoint pointer = Platform::current().pointer.location();
         place_ = {pointer.x, pointer.y, 0, 0};
     }
-    chrome_.setBlending(Platform::current().workspace().blendsWindows());
+    chrome_.setBlending(Platform::current().appearance.blendsWindows());
     layout()->setContentsMargins(chrome_.margins());
     makeContent();
     fitAndPlace();
@@ -168,8 +151,8 @@ void PanelWindow::fitAndPlace() {
     if (isFitting_ || !view_)
         return;
     isFitting_ = true;
-    if (const ScreenPtr screen = screenAt(place_.center())) {
-        const QtSpace space = Platform::current().screens().qtSpace(*screen);
+    if (const ScreenPtr screen = Platform::current().screens.nearest(place_.center())) {
+        const QtSpace space = Platform::current().screens.qtSpace(*screen);
         setScreen(space.screen());
         PanelPlacement placement;
         placement.item = space.toQt(place_);
@@ -202,8 +185,8 @@ void PanelWindow::holdInput() {
     holdsInput_ = keyboard && mouse;
     if (holdsInput_)
         return;
-    grabTimer_ = ScopedTimer(
-        Platform::current().mainLoop().scheduleOnce(grabWait_, [this] { holdInput(); }));
+    grabTimer_ =
+        ScopedTimer(Platform::current().mainLoop.scheduleOnce(grabWait_, [this] { holdInput(); }));
     grabWait_ = std::min(grabWait_ * 3 / 2, longestGrabWait);
 }
 
@@ -215,7 +198,7 @@ void PanelWindow::releaseInput() {
     }
     holdsInput_ = false;
     for (const MonitorToken token : std::exchange(pressMonitors_, {}))
-        Platform::current().eventMonitors().removeMonitor(token);
+        Platform::current().eventMonitors.removeMonitor(token);
 }
 
 void PanelWindow::dropStaleFocusConnections() {
@@ -229,7 +212,7 @@ void PanelWindow::dropStaleFocusConnections() {
 void PanelWindow::watchOutside() {
     if (!pressMonitors_.empty())
         return;
-    EventMonitors& monitors = Platform::current().eventMonitors();
+    EventMonitors& monitors = Platform::current().eventMonitors;
     const EventMask presses{EventType::leftMouseDown, EventType::rightMouseDown,
                             EventType::otherMouseDown};
     const auto others =
@@ -248,11 +231,10 @@ void PanelWindow::watchOutside() {
 }
 
 bool PanelWindow::isUnderPointer() const {
-    const AppKitPoint pointer = Platform::current().pointer().location();
-    const ScreenPtr screen = screenAt(pointer);
+    const AppKitPoint pointer = Platform::current().pointer.location();
+    const ScreenPtr screen = Platform::current().screens.nearest(pointer);
     return screen && Platform::current()
-                         .screens()
-                         .qtSpace(*screen)
+                         .screens.qtSpace(*screen)
                          .toAppKit(QtRect::of(groundGeometry()))
                          .contains(pointer);
 }

@@ -30,7 +30,7 @@ void SettingsWindow::bringForward() {
     raise();
     activateWindow();
     if (isShown)
-        Platform::current().workspace().activateThisApplication();
+        Platform::current().workspace.activateThisApplication();
 }
 
 bool SettingsWindow::event(QEvent* event) {
@@ -38,7 +38,7 @@ bool SettingsWindow::event(QEvent* event) {
     // Window managers know the window, and heed requests for it, once it is on the screen.
     if (event->type() == QEvent::Paint && wantsActivation_) {
         wantsActivation_ = false;
-        Platform::current().workspace().activateThisApplication();
+        Platform::current().workspace.activateThisApplication();
     }
     return isHandled;
 }

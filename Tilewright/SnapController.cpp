@@ -19,16 +19,6 @@ namespace {
 constexpr EventMask monitoredEvents{EventType::leftMouseUp, EventType::leftMouseDragged,
                                     EventType::flagsChanged};
 
-/// The first display whose frame holds the point; null in a gap between displays.
-ScreenPtr screenAt(AppKitPoint point) {
-    assertMainThread(__FILE__, __LINE__);
-    const std::vector<ScreenPtr>& screens = Platform::current().screens().all();
-    const auto found = std::find_if(screens.begin(), screens.end(), [point](const auto& screen) {
-        return screen->frame().contains(point);
-    });
-    return found == screens.end() ? nullptr : *found;
-}
-
 /// The first zone with that id; null where there is none.
 const Zone* zoneWithID(const ZoneLayout& layout, const QUuid& id) {
     assertMainThread(__FILE__, __LINE__);
@@ -52,7 +42,7 @@ SnapController::~SnapController() {
 
 void SnapController::start() {
     stop();
-    EventMonitors& monitors = Platform::current().eventMonitors();
+    EventMonitors& monitors = Platform::current().eventMonitors;
     const EventMonitors::Handler handler = [](const Event& event) {
         assertMainThread(__FILE__, __LINE__);
         shared().handle(event);
@@ -64,7 +54,7 @@ void SnapController::start() {
 }
 
 void SnapController::stop() {
-    EventMonitors& monitors = Platform::current().eventMonitors();
+    EventMonitors& monitors = Platform::current().eventMonitors;
     for (const MonitorToken token : globalMonitors_)
         monitors.removeMonitor(token);
     for (const MonitorToken token : localMonitors_)
@@ -100,7 +90,7 @@ void SnapController::flagsChanged(ModifierFlags flags) {
 }
 
 void SnapController::leftMouseDragged() {
-    const Pointer& pointer = Platform::current().pointer();
+    const Pointer& pointer = Platform::current().pointer;
     if (!isDragging_) {
         isDragging_ = true;
         draggedWindow_ = WindowManager::shared().windowElementAtScreenPoint(pointer.location());
@@ -116,7 +106,7 @@ void SnapController::leftMouseUp() {
 }
 
 void SnapController::updateOverlay(AppKitPoint mouse) {
-    const ScreenPtr screen = screenAt(mouse);
+    const ScreenPtr screen = Platform::current().screens.at(mouse);
     if (!screen)
         return;
     if (currentScreen_ != screen)

@@ -5,7 +5,7 @@ namespace tilewright {
 namespace {
 
 SnapModifier storedModifier(const QString& key) {
-    const std::optional<QString> stored = Platform::current().userDefaults().string(key);
+    const std::optional<QString> stored = Platform::current().userDefaults.string(key);
     if (!stored)
         return SnapModifier::control;
     return snapModifierFromRawValue(*stored).value_or(SnapModifier::control);
@@ -25,7 +25,7 @@ SnapSettings::~SnapSettings() = default;
 
 void SnapSettings::setModifier(SnapModifier modifier) {
     modifier_ = modifier;
-    Platform::current().userDefaults().setString(rawValue(modifier), key_);
+    Platform::current().userDefaults.setString(rawValue(modifier), key_);
 }
 
 } // namespace tilewright

@@ -33,14 +33,14 @@ TilewrightApp::TilewrightApp()
     QApplication::setQuitOnLastWindowClosed(false);
     connect(&signals_, &TerminationSignals::terminationRequested, this,
             [] { QCoreApplication::exit(EXIT_SUCCESS); });
-    const Workspace& workspace = Platform::current().workspace();
-    const auto honourMotionWish = [&workspace] {
-        look::setPrefersReducedMotion(workspace.prefersReducedMotion());
+    const Appearance& appearance = Platform::current().appearance;
+    const auto honourMotionWish = [&appearance] {
+        look::setPrefersReducedMotion(appearance.prefersReducedMotion());
     };
-    connect(&workspace, &Workspace::prefersReducedMotionChanged, this, honourMotionWish);
+    connect(&appearance, &Appearance::prefersReducedMotionChanged, this, honourMotionWish);
     honourMotionWish();
-    const auto honourDarkWish = [&workspace] { look::applyPalette(workspace.prefersDark()); };
-    connect(&workspace, &Workspace::prefersDarkChanged, this, honourDarkWish);
+    const auto honourDarkWish = [&appearance] { look::applyPalette(appearance.prefersDark()); };
+    connect(&appearance, &Appearance::prefersDarkChanged, this, honourDarkWish);
     honourDarkWish();
     connect(qApp, &QGuiApplication::commitDataRequest, this, [](QSessionManager& manager) {
         // Starting at login is the user's choice, made by other means.
@@ -57,9 +57,9 @@ TilewrightApp::~TilewrightApp() = default;
 int TilewrightApp::run() {
     static const bool isRegistered = std::atexit(endWithoutDisplay) == 0;
     static_cast<void>(isRegistered);
-    Platform::current().mainLoop().post([this] { delegate_.applicationDidFinishLaunching(); });
+    Platform::current().mainLoop.post([this] { delegate_.applicationDidFinishLaunching(); });
     // The first opening of the panel should not wait for them.
-    Platform::current().mainLoop().post(look::loadFonts);
+    Platform::current().mainLoop.post(look::loadFonts);
     isRunning = true;
     const int exitCode = QApplication::exec();
     isRunning = false;

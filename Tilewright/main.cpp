@@ -26,7 +26,7 @@ int main(int argc, char** argv) {
     const std::unique_ptr<Platform> platform = DesktopBackend::open();
     if (!platform)
         return EXIT_FAILURE;
-    if (platform->instanceActivation().claim() == InstanceActivation::Claim::another)
+    if (platform->instanceActivation.claim() == InstanceActivation::Claim::another)
         return EXIT_SUCCESS;
     const Platform::Installation installation(*platform);
     TilewrightApp app;

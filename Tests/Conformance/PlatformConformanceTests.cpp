@@ -11,7 +11,7 @@ namespace tilewright::testing {
 using namespace Qt::StringLiterals;
 
 std::optional<AccessibilityElement> PlatformConformance::windowAt(AXPoint point) {
-    auto element = platform().accessibility().elementAtPosition(point).value;
+    auto element = platform().accessibility.elementAtPosition(point).value;
     for (int steps = 0; element && steps < 25; ++steps) {
         if (element->string(AXAttribute::role).value == QLatin1StringView(axWindowRole))
             return element;
@@ -25,7 +25,7 @@ std::optional<AccessibilityElement> PlatformConformance::openKnownWindow() {
     std::optional<AccessibilityElement> window;
     EXPECT_TRUE(world->waitUntil([&] {
         window = windowAt(inside);
-        return window && platform().workspace().frontmostApplication() == process;
+        return window && platform().workspace.frontmostApplication() == process;
     }));
     return window;
 }
@@ -36,7 +36,7 @@ TEST_P(PlatformConformance, ListsTheDisplaysWithTheMainOneAmongThem) {
     // The primary display's corner is the origin.
     EXPECT_EQ(all.front()->frame().x, 0);
     EXPECT_EQ(all.front()->frame().y, 0);
-    EXPECT_NE(std::find(all.begin(), all.end(), platform().screens().main()), all.end());
+    EXPECT_NE(std::find(all.begin(), all.end(), platform().screens.main()), all.end());
     static const QRegularExpression uuid(u"^[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}$"_s);
     for (const ScreenPtr& screen : all) {
         const AppKitRect frame = screen->frame();
@@ -60,7 +60,7 @@ TEST_P(PlatformConformance, KeepsADisplaysObjectUntilTheDisplayChanges) {
     EXPECT_EQ(screens().front(), before);
     // What the list holds when a change of it is announced.
     ScreenPtr seen;
-    QObject::connect(&platform().screens(), &Screens::screensChanged, &platform().screens(),
+    QObject::connect(&platform().screens, &Screens::screensChanged, &platform().screens,
                      [&] { seen = screens().front(); });
     world->addPanel();
     ASSERT_TRUE(world->waitUntil(
@@ -74,7 +74,7 @@ TEST_P(PlatformConformance, KeepsADisplaysObjectUntilTheDisplayChanges) {
 TEST_P(PlatformConformance, TellsWhereThePointerIs) {
     for (const AppKitPoint point : {AppKitPoint{100.5, 200.5}, AppKitPoint{0.5, 0.5}}) {
         world->movePointer(point);
-        EXPECT_TRUE(world->waitUntil([&] { return platform().pointer().location() == point; }));
+        EXPECT_TRUE(world->waitUntil([&] { return platform().pointer.location() == point; }));
     }
 }
 
@@ -83,7 +83,7 @@ TEST_P(PlatformConformance, ShowsEventsOfOtherApplicationsToGlobalMonitorsOnly) 
     world->movePointer(middleOf(opened));
     std::vector<Event> global;
     int local = 0;
-    EventMonitors& monitors = platform().eventMonitors();
+    EventMonitors& monitors = platform().eventMonitors;
     const EventMask mask{EventType::flagsChanged, EventType::leftMouseDragged,
                          EventType::leftMouseUp};
     const auto first =
@@ -113,7 +113,7 @@ TEST_P(PlatformConformance, ShowsEventsOfOtherApplicationsToGlobalMonitorsOnly) 
 TEST_P(PlatformConformance, CallsNoHandlerOfAMonitorThatWasRemoved) {
     ASSERT_TRUE(openKnownWindow());
     world->movePointer(middleOf(opened));
-    EventMonitors& monitors = platform().eventMonitors();
+    EventMonitors& monitors = platform().eventMonitors;
     const EventMask mask{EventType::flagsChanged};
     int removed = 0;
     int once = 0;
@@ -140,13 +140,13 @@ TEST_P(PlatformConformance, CallsNoHandlerOfAMonitorThatWasRemoved) {
 TEST_P(PlatformConformance, FindsTheWindowAtAPointAndWhoseItIs) {
     const auto window = openKnownWindow();
     ASSERT_TRUE(window);
-    EXPECT_TRUE(platform().accessibility().isTrusted());
+    EXPECT_TRUE(platform().accessibility.isTrusted());
     ProcessID owner = 0;
     EXPECT_EQ(window->processID(owner), AXError::success);
     EXPECT_EQ(owner, process);
     EXPECT_EQ(*window, *windowAt(inside));
     const auto focused =
-        platform().accessibility().applicationElement(process).element(AXAttribute::focusedWindow);
+        platform().accessibility.applicationElement(process).element(AXAttribute::focusedWindow);
     ASSERT_TRUE(focused.value);
     EXPECT_EQ(focused.error, AXError::success);
     EXPECT_EQ(*focused.value, *window);
@@ -167,7 +167,7 @@ TEST_P(PlatformConformance, AnswersAnErrorAndNoValueForWhatAnElementDoesNotHave)
 TEST_P(PlatformConformance, MovesAndResizesAWindow) {
     const auto window = openKnownWindow();
     ASSERT_TRUE(window);
-    Accessibility& accessibility = platform().accessibility();
+    Accessibility& accessibility = platform().accessibility;
     const WindowFrame wanted{{200, 150}, {500, 350}};
     const auto position = accessibility.makeValue(wanted.position);
     const auto size = accessibility.makeValue(wanted.size);
@@ -181,7 +181,7 @@ TEST_P(PlatformConformance, MovesAndResizesAWindow) {
 TEST_P(PlatformConformance, AnswersErrorsOnceAWindowHasVanished) {
     const auto window = openKnownWindow();
     ASSERT_TRUE(window);
-    const auto size = platform().accessibility().makeValue(AXSize{500, 350});
+    const auto size = platform().accessibility.makeValue(AXSize{500, 350});
     world->closeWindow();
     ASSERT_TRUE(world->waitUntil([&] { return !windowAt(inside); }));
     EXPECT_NE(window->setValue(AXAttribute::size, *size), AXError::success);
@@ -195,15 +195,15 @@ TEST_P(PlatformConformance, AnswersErrorsOnceAWindowHasVanished) {
 
 TEST_P(PlatformConformance, NamesTheApplicationThatTheUserWorksIn) {
     ASSERT_TRUE(openKnownWindow());
-    const auto name = platform().workspace().localizedName(process);
+    const auto name = platform().workspace.localizedName(process);
     ASSERT_TRUE(name);
     EXPECT_FALSE(name->isEmpty());
     // No process has this number.
-    EXPECT_EQ(platform().workspace().localizedName(0x7FFFFFFF), std::nullopt);
+    EXPECT_EQ(platform().workspace.localizedName(0x7FFFFFFF), std::nullopt);
 }
 
 TEST_P(PlatformConformance, HoldsPowerAssertionsUntilTheyAreReleased) {
-    PowerAssertions& assertions = platform().powerAssertions();
+    PowerAssertions& assertions = platform().powerAssertions;
     const auto first = assertions.create(u"PreventUserIdleDisplaySleep"_s, 255, u"first"_s);
     EXPECT_EQ(first.status, 0);
     EXPECT_NE(first.id, 0U);
@@ -217,7 +217,7 @@ TEST_P(PlatformConformance, HoldsPowerAssertionsUntilTheyAreReleased) {
 }
 
 TEST_P(PlatformConformance, KeepsSettings) {
-    UserDefaults& defaults = platform().userDefaults();
+    UserDefaults& defaults = platform().userDefaults;
     EXPECT_EQ(defaults.string(u"conformance"_s), std::nullopt);
     for (const QString& value : {u"shift"_s, u"⌃ Control"_s, u""_s}) {
         defaults.setString(value, u"conformance"_s);
@@ -227,13 +227,13 @@ TEST_P(PlatformConformance, KeepsSettings) {
 }
 
 TEST_P(PlatformConformance, HasAnAbsoluteFolderForApplicationData) {
-    const auto folder = platform().applicationSupport().folder();
+    const auto folder = platform().applicationSupport.folder();
     ASSERT_TRUE(folder);
     EXPECT_TRUE(QDir::isAbsolutePath(*folder));
 }
 
 TEST_P(PlatformConformance, RunsPostedTasksInOrderAndTimersUntilTheyAreInvalid) {
-    MainLoop& loop = platform().mainLoop();
+    MainLoop& loop = platform().mainLoop;
     const auto start = loop.now();
     std::vector<int> order;
     loop.post([&] { order.push_back(1); });

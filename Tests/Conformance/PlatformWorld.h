@@ -60,7 +60,7 @@ protected:
     }
 
     [[nodiscard]] Platform& platform() { return world->platform(); }
-    [[nodiscard]] const std::vector<ScreenPtr>& screens() { return platform().screens().all(); }
+    [[nodiscard]] const std::vector<ScreenPtr>& screens() { return platform().screens.all(); }
     /// The middle of a window as a point of AppKit screen space.
     [[nodiscard]] AppKitPoint middleOf(const WindowFrame& frame) {
         return {frame.position.x + frame.size.width / 2,

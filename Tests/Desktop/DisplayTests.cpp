@@ -25,12 +25,12 @@ struct DisplayBench {
         changes.reset();
         platform.reset();
         platform = std::make_unique<X11TestPlatform>(desktop.display());
-        changes = std::make_unique<QSignalSpy>(&platform->screens(), &Screens::screensChanged);
+        changes = std::make_unique<QSignalSpy>(&platform->screens, &Screens::screensChanged);
     }
     void xrandr(const QStringList& arguments) {
         static_cast<void>(outputOf(QStringLiteral("xrandr"), arguments, desktop.environment()));
     }
-    [[nodiscard]] const std::vector<ScreenPtr>& screens() { return platform->screens().all(); }
+    [[nodiscard]] const std::vector<ScreenPtr>& screens() { return platform->screens.all(); }
     /// What each output measures, by the word of another client: they are alike.
     [[nodiscard]] QSize outputSize() const {
         const QString listed = outputOf(QStringLiteral("xrandr"),
@@ -266,8 +266,7 @@ TEST(Displays, GiveUpWhatAWindowReservesThatBecomesAPanelLater) {
     const int height = bench.outputSize().height();
     BareClient window(bench.desktop.display(), QRect(width, 0, width, 40));
     ASSERT_TRUE(waitUntil([&] {
-        return bench.platform->accessibility()
-            .elementAtPosition({width + 500.0, 20})
+        return bench.platform->accessibility.elementAtPosition({width + 500.0, 20})
             .value.has_value();
     }));
     window.becomePanel({0, 0, 40, 0, 0, 0, 0, 0, quint32(width), quint32(2 * width - 1), 0, 0});
@@ -279,7 +278,7 @@ TEST(Displays, GiveUpWhatAWindowReservesThatBecomesAPanelLater) {
     };
     EXPECT_TRUE(hasStripOf(40));
     EXPECT_FALSE(
-        bench.platform->accessibility().elementAtPosition({width + 500.0, 20}).value.has_value());
+        bench.platform->accessibility.elementAtPosition({width + 500.0, 20}).value.has_value());
     window.setStrut({0, 0, 64, 0, 0, 0, 0, 0, quint32(width), quint32(2 * width - 1), 0, 0});
     EXPECT_TRUE(hasStripOf(64));
 }
@@ -294,7 +293,7 @@ TEST(Displays, GiveNoElementForAPanelAndTheWallpaper) {
         return bench.screens()[0]->visibleFrame() ==
                AppKitRect{0, 0, double(width), double(height - 40)};
     }));
-    auto& accessibility = bench.platform->accessibility();
+    auto& accessibility = bench.platform->accessibility;
     EXPECT_FALSE(accessibility.elementAtPosition({500, 20}).value.has_value());
     EXPECT_FALSE(accessibility.elementAtPosition({500, 300}).value.has_value());
     EXPECT_FALSE(accessibility.elementAtPosition({-9e9, 300}).value.has_value());
@@ -308,11 +307,11 @@ TEST(Displays, KnowTheOneWithTheActiveWindowAndThePointersPlace) {
     EXPECT_TRUE(waitUntil(
         [&] { return !bench.desktop.inspector().property(client.window(), "WM_STATE").empty(); }));
     EXPECT_TRUE(activate(bench.desktop, client.window()));
-    EXPECT_TRUE(waitUntil([&] { return bench.platform->screens().main() == bench.screens()[1]; }));
+    EXPECT_TRUE(waitUntil([&] { return bench.platform->screens.main() == bench.screens()[1]; }));
     bench.desktop.input().move({width - 1, 0});
-    EXPECT_EQ(bench.platform->pointer().location(), (AppKitPoint{width - 0.5, height - 0.5}));
+    EXPECT_EQ(bench.platform->pointer.location(), (AppKitPoint{width - 0.5, height - 0.5}));
     EXPECT_EQ(WindowManager::screenWithMouse(), bench.screens()[0]);
     bench.desktop.input().move({width, height - 1});
-    EXPECT_EQ(bench.platform->pointer().location(), (AppKitPoint{width + 0.5, 0.5}));
+    EXPECT_EQ(bench.platform->pointer.location(), (AppKitPoint{width + 0.5, 0.5}));
     EXPECT_EQ(WindowManager::screenWithMouse(), bench.screens()[1]);
 }

@@ -36,7 +36,7 @@ struct EventMonitorsAlone : ::testing::Test {
                               [this](const Event& event) {
                                   types.push_back(event.type);
                                   flags = event.modifierFlags;
-                                  place = platform.pointer().location();
+                                  place = platform.pointer.location();
                               })
             .value();
     }
@@ -142,7 +142,7 @@ TEST_F(EventMonitorsAlone, ManyMovesThatWaitTogetherAreOneAndThePlaceIsTheLast) 
     input.release();
     ASSERT_TRUE(waitUntil([&] { return hasHeard(EventType::leftMouseUp); }));
     EXPECT_THAT(types, ElementsAre(EventType::leftMouseDragged, EventType::leftMouseUp));
-    const double height = platform.screens().all().front()->frame().height;
+    const double height = platform.screens.all().front()->frame().height;
     EXPECT_EQ(place.x, 700.5);
     EXPECT_EQ(place.y, height - 500.5);
 }

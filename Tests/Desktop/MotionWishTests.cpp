@@ -66,7 +66,7 @@ class MotionWishOnScreen : public ::testing::Test {
 protected:
     void expect(std::optional<bool> expected) {
         EXPECT_TRUE(
-            waitUntil([&] { return platform->workspace().prefersReducedMotion() == expected; }));
+            waitUntil([&] { return platform->appearance.prefersReducedMotion() == expected; }));
     }
 
     DesktopSession desktop;
@@ -77,8 +77,8 @@ protected:
 
 TEST_F(MotionWishOnScreen, FollowsTheSettingsManagerAsItChangesAndComesAndGoes) {
     platform.emplace(desktop.display());
-    EXPECT_EQ(platform->workspace().prefersReducedMotion(), std::nullopt);
-    QSignalSpy changes(&platform->workspace(), &Workspace::prefersReducedMotionChanged);
+    EXPECT_EQ(platform->appearance.prefersReducedMotion(), std::nullopt);
+    QSignalSpy changes(&platform->appearance, &Appearance::prefersReducedMotionChanged);
     {
         SettingsManager manager(desktop.display());
         manager.setAnimations(0);
@@ -99,22 +99,22 @@ TEST_F(MotionWishOnScreen, IsKnownFromTheStartWhereAManagerRuns) {
     SettingsManager manager(desktop.display());
     manager.setAnimations(0);
     platform.emplace(desktop.display());
-    EXPECT_EQ(platform->workspace().prefersReducedMotion(), true);
+    EXPECT_EQ(platform->appearance.prefersReducedMotion(), true);
 }
 
 TEST_F(MotionWishOnScreen, IsKeptWhileTheServerDoesNotAnswerAndReadOnceItDoes) {
     SettingsManager manager(desktop.display());
     manager.setAnimations(0);
     platform.emplace(desktop.display());
-    Workspace& workspace = platform->workspace();
-    ASSERT_EQ(workspace.prefersReducedMotion(), true);
+    Appearance& appearance = platform->appearance;
+    ASSERT_EQ(appearance.prefersReducedMotion(), true);
     std::vector<std::optional<bool>> told;
-    QObject::connect(&workspace, &Workspace::prefersReducedMotionChanged, &workspace,
-                     [&] { told.push_back(workspace.prefersReducedMotion()); });
+    QObject::connect(&appearance, &Appearance::prefersReducedMotionChanged, &appearance,
+                     [&] { told.push_back(appearance.prefersReducedMotion()); });
     manager.holdServer();
     manager.setAnimations(1);
     EXPECT_TRUE(waitUntil([&] { return platform->connection().isStuck(); }));
-    EXPECT_EQ(workspace.prefersReducedMotion(), true);
+    EXPECT_EQ(appearance.prefersReducedMotion(), true);
     manager.letGoOfServer();
     expect(false);
     EXPECT_THAT(told, ::testing::ElementsAre(std::optional(false)));
@@ -126,7 +126,7 @@ TEST_F(MotionWishOnScreen, IsReadOfAManagerThatCameWhileTheServerDidNotAnswer) {
     manager.holdServer();
     manager.setAnimations(0);
     EXPECT_TRUE(waitUntil([&] { return platform->connection().isStuck(); }));
-    EXPECT_EQ(platform->workspace().prefersReducedMotion(), std::nullopt);
+    EXPECT_EQ(platform->appearance.prefersReducedMotion(), std::nullopt);
     manager.letGoOfServer();
     expect(true);
 }

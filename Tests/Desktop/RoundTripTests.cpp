@@ -16,7 +16,7 @@ protected:
     void SetUp() override {
         ASSERT_TRUE(desktop.startWindowManager(WindowManagerKind::openbox));
         platform = std::make_unique<X11TestPlatform>(desktop.display());
-        ASSERT_TRUE(waitUntil([&] { return platform->accessibility().isTrusted(); }));
+        ASSERT_TRUE(waitUntil([&] { return platform->accessibility.isTrusted(); }));
         client = std::make_unique<BareClient>(
             desktop.display(), QRect(300, 200, 500, 300),
             BareClientTraits{{}, static_cast<quint32>(getpid()), false, 0});
@@ -33,10 +33,10 @@ protected:
         desktop.input().move(frame.center());
     }
     [[nodiscard]] AccessibilityElement systemWide() {
-        return platform->accessibility().systemWideElement();
+        return platform->accessibility.systemWideElement();
     }
     [[nodiscard]] AccessibilityElement application() {
-        return platform->accessibility().applicationElement(getpid());
+        return platform->accessibility.applicationElement(getpid());
     }
     /// How many round trips a call makes before it returns. What it starts, and what happened
     /// before, is over first.
@@ -63,7 +63,7 @@ protected:
 
 TEST_F(RoundTrips, OfTheWindowManagersOperations) {
     WindowManager& manager = WindowManager::shared();
-    const ScreenPtr screen = platform->screens().all().front();
+    const ScreenPtr screen = platform->screens.all().front();
     EXPECT_EQ(of([&] { EXPECT_TRUE(manager.isAccessibilityGranted()); }), 0U);
     EXPECT_EQ(of([&] { EXPECT_TRUE(manager.requestAccessibilityPermission()); }), 0U);
     EXPECT_EQ(of([&] { EXPECT_TRUE(WindowManager::screenWithMouse()); }), 1U);
@@ -75,7 +75,7 @@ TEST_F(RoundTrips, OfTheWindowManagersOperations) {
 }
 
 TEST_F(RoundTrips, OfTheAccessibilityInterfacesOperations) {
-    auto& accessibility = platform->accessibility();
+    auto& accessibility = platform->accessibility;
     EXPECT_EQ(of([&] { EXPECT_TRUE(accessibility.isTrusted()); }), 0U);
     EXPECT_EQ(of([&] { EXPECT_TRUE(accessibility.requestTrust()); }), 0U);
     EXPECT_EQ(of([&] { static_cast<void>(systemWide()); }), 0U);
@@ -102,7 +102,7 @@ TEST_F(RoundTrips, OfAnElementsReads) {
 }
 
 TEST_F(RoundTrips, OfTheWritesOfOneTurnAreOne) {
-    auto& accessibility = platform->accessibility();
+    auto& accessibility = platform->accessibility;
     const auto position = accessibility.makeValue(AXPoint{40, 50});
     const auto size = accessibility.makeValue(AXSize{400, 300});
     const auto writes = [&] {
@@ -124,7 +124,7 @@ TEST_F(RoundTrips, OfTheWritesOfOneTurnAreOne) {
 
 TEST_F(RoundTrips, OfAFailedSnapAreItsWritesAndItsDescription) {
     client->destroy();
-    const Screen& screen = *platform->screens().all().front();
+    const Screen& screen = *platform->screens.all().front();
     // Three writes; the process, the role and the subrole.
     EXPECT_EQ(of([&] {
                   EXPECT_THROW(WindowManager::shared().snap(*element, zone, screen),
@@ -134,9 +134,9 @@ TEST_F(RoundTrips, OfAFailedSnapAreItsWritesAndItsDescription) {
 }
 
 TEST_F(RoundTrips, OfTheDisplaysAndTheApplications) {
-    EXPECT_EQ(of([&] { EXPECT_FALSE(platform->screens().all().empty()); }), 0U);
-    EXPECT_EQ(of([&] { EXPECT_TRUE(platform->screens().main()); }), 2U);
-    EXPECT_EQ(of([&] { static_cast<void>(platform->pointer().location()); }), 1U);
-    EXPECT_EQ(of([&] { EXPECT_TRUE(platform->workspace().frontmostApplication()); }), 2U);
-    EXPECT_EQ(of([&] { EXPECT_TRUE(platform->workspace().localizedName(getpid())); }), 2U);
+    EXPECT_EQ(of([&] { EXPECT_FALSE(platform->screens.all().empty()); }), 0U);
+    EXPECT_EQ(of([&] { EXPECT_TRUE(platform->screens.main()); }), 2U);
+    EXPECT_EQ(of([&] { static_cast<void>(platform->pointer.location()); }), 1U);
+    EXPECT_EQ(of([&] { EXPECT_TRUE(platform->workspace.frontmostApplication()); }), 2U);
+    EXPECT_EQ(of([&] { EXPECT_TRUE(platform->workspace.localizedName(getpid())); }), 2U);
 }

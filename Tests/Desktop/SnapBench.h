@@ -25,7 +25,7 @@ inline std::string text(const QRect& rect) {
 /// primary monitor's top-left corner is the X screen's in these tests unless `origin` says else.
 inline QRect pixelsOf(const Zone& zone, const Screen& screen, QPoint origin = {}) {
     const AppKitRect visible = screen.visibleFrame();
-    const ScreenPtr primary = Platform::current().screens().all().front();
+    const ScreenPtr primary = Platform::current().screens.all().front();
     const double top = primary->frame().height - (visible.y + visible.height);
     const auto edge = [](double value) { return static_cast<int>(std::round(value)); };
     const int left = edge(visible.x + zone.x * visible.width);
@@ -57,7 +57,7 @@ inline bool settle(X11TestPlatform& platform) {
 
 /// The middle of a rectangle as a point of AppKit screen space.
 inline AppKitPoint appKitCentre(const X11TestPlatform& /*platform*/, const QRect& rect) {
-    const double height = Platform::current().screens().all().front()->frame().height;
+    const double height = Platform::current().screens.all().front()->frame().height;
     return {rect.center().x() + 0.5, height - rect.center().y() - 0.5};
 }
 

@@ -18,7 +18,7 @@ struct FaultBench {
     explicit FaultBench(WindowManagerKind kind = WindowManagerKind::openbox) {
         EXPECT_TRUE(desktop.startWindowManager(kind));
         platform = std::make_unique<X11TestPlatform>(desktop.display());
-        EXPECT_TRUE(waitUntil([&] { return platform->accessibility().isTrusted(); }));
+        EXPECT_TRUE(waitUntil([&] { return platform->accessibility.isTrusted(); }));
     }
 
     /// A managed window of the test's own.
@@ -30,7 +30,7 @@ struct FaultBench {
         EXPECT_TRUE(activate(desktop, client->window()));
         return client;
     }
-    [[nodiscard]] const Screen& screen() const { return *platform->screens().all().front(); }
+    [[nodiscard]] const Screen& screen() const { return *platform->screens.all().front(); }
     /// Does everything that is ever done to a window. What it comes to is the caller's business;
     /// no other exception than the window manager's own error may come out.
     void useWindow(QPoint place, const Zone& zone) {
@@ -49,7 +49,7 @@ struct FaultBench {
     void expectNextSnapWorks() {
         const auto client = makeClient();
         const Zone zone = ZoneLayout::halves().zones[1];
-        WindowManager::shared().snapFocusedWindow(zone, platform->screens().all().front());
+        WindowManager::shared().snapFocusedWindow(zone, platform->screens.all().front());
         EXPECT_TRUE(waitUntil([&] {
             return desktop.inspector().outerFrame(client->window()) == pixelsOf(zone, screen());
         })) << "is "
@@ -113,7 +113,7 @@ TEST_P(StoppedClients, StopNobodyAndFillTheirZoneWhenTheyGoOn) {
     ASSERT_TRUE(activate(bench.desktop, client.window));
     client.process->signal(SIGSTOP);
     const Zone zone = ZoneLayout::halves().zones[0];
-    WindowManager::shared().snapFocusedWindow(zone, bench.platform->screens().all().front());
+    WindowManager::shared().snapFocusedWindow(zone, bench.platform->screens.all().front());
     EXPECT_TRUE(settle(*bench.platform));
     bench.expectNextSnapWorks();
     client.process->signal(SIGCONT);
@@ -137,14 +137,14 @@ TEST(WindowFaults, FollowsAWindowManagerThatDiesAndAnotherThatTakesItsPlace) {
     ASSERT_TRUE(element.has_value());
     bench.desktop.killWindowManager();
     // Nobody has told us yet, perhaps: the write itself finds out.
-    const auto size = bench.platform->accessibility().makeValue(AXSize{300, 300});
+    const auto size = bench.platform->accessibility.makeValue(AXSize{300, 300});
     EXPECT_NE(element->setValue(AXAttribute::size, *size), AXError::success);
-    EXPECT_TRUE(waitUntil([&] { return !bench.platform->accessibility().isTrusted(); }));
+    EXPECT_TRUE(waitUntil([&] { return !bench.platform->accessibility.isTrusted(); }));
     EXPECT_THROW(
         WindowManager::shared().snap(*element, ZoneLayout::halves().zones[0], bench.screen()),
         WindowManagerError);
     ASSERT_TRUE(bench.desktop.startWindowManager(WindowManagerKind::xfwm4));
-    EXPECT_TRUE(waitUntil([&] { return bench.platform->accessibility().isTrusted(); }));
+    EXPECT_TRUE(waitUntil([&] { return bench.platform->accessibility.isTrusted(); }));
     bench.expectNextSnapWorks();
 }
 
@@ -177,8 +177,8 @@ TEST(WindowFaults, AFrameAskedForWhileTheServerIsHeldIsSetWhenItIsFreeAgain) {
     EXPECT_NO_THROW(WindowManager::shared().snap(*element, zone, bench.screen()));
     EXPECT_TRUE(bench.platform->connection().isStuck());
     // Nothing that could not be read has been taken for gone.
-    EXPECT_TRUE(bench.platform->accessibility().isTrusted());
-    EXPECT_EQ(bench.platform->screens().all().size(), 1U);
+    EXPECT_TRUE(bench.platform->accessibility.isTrusted());
+    EXPECT_EQ(bench.platform->screens.all().size(), 1U);
     EXPECT_EQ(answersAgain.count(), 0);
     xcb_ungrab_server(holder);
     xcb_flush(holder);
@@ -195,12 +195,12 @@ TEST(WindowFaults, ALostServerIsToldOnceAndEveryCallFails) {
     FaultBench bench;
     const auto client = bench.makeClient();
     QSignalSpy lost(&bench.platform->connection(), &X11Connection::connectionLost);
-    const auto element = bench.platform->accessibility().systemWideElement();
+    const auto element = bench.platform->accessibility.systemWideElement();
     bench.desktop.server().kill();
     EXPECT_TRUE(waitUntil([&] { return lost.count() == 1; }));
     EXPECT_FALSE(bench.platform->connection().isAlive());
-    EXPECT_FALSE(bench.platform->accessibility().isTrusted());
+    EXPECT_FALSE(bench.platform->accessibility.isTrusted());
     EXPECT_FALSE(element.element(AXAttribute::focusedUIElement).value.has_value());
-    EXPECT_FALSE(bench.platform->accessibility().elementAtPosition({10, 10}).value.has_value());
+    EXPECT_FALSE(bench.platform->accessibility.elementAtPosition({10, 10}).value.has_value());
     EXPECT_EQ(lost.count(), 1);
 }

@@ -85,13 +85,13 @@ protected:
     void SetUp() override {
         manager.manage();
         platform = std::make_unique<X11TestPlatform>(desktop.display());
-        ASSERT_TRUE(waitUntil([&] { return platform->accessibility().isTrusted(); }));
+        ASSERT_TRUE(waitUntil([&] { return platform->accessibility.isTrusted(); }));
     }
     /// The window found in the middle of the area; 0 where there is none.
     [[nodiscard]] XInspector::Window found() {
         const QPoint middle = area.center();
         const auto element =
-            platform->accessibility().elementAtPosition({double(middle.x()), double(middle.y())});
+            platform->accessibility.elementAtPosition({double(middle.x()), double(middle.y())});
         return element.value ? windowOf(*element.value) : 0;
     }
     xcb_window_t layWindow() {

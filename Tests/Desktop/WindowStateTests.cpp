@@ -18,7 +18,7 @@ protected:
     void SetUp() override {
         ASSERT_TRUE(desktop.startWindowManager(GetParam()));
         platform = std::make_unique<X11TestPlatform>(desktop.display());
-        ASSERT_TRUE(waitUntil([&] { return platform->accessibility().isTrusted(); }));
+        ASSERT_TRUE(waitUntil([&] { return platform->accessibility.isTrusted(); }));
         client = startClient(desktop, ClientKind::qt, QRect(300, 200, 500, 300));
         ASSERT_NE(client.window, 0U);
         ASSERT_TRUE(activate(desktop, client.window));
@@ -53,7 +53,7 @@ protected:
         return desktop.inspector().hasAtom(client.window, "_NET_WM_STATE", state);
     }
 
-    [[nodiscard]] const Screen& screen() const { return *platform->screens().all().front(); }
+    [[nodiscard]] const Screen& screen() const { return *platform->screens.all().front(); }
     /// Expects a window that has gone out of sight to be found nowhere. Some window managers keep
     /// it on the server, beneath a window of their own.
     void expectNotFoundAt(const QRect& frame) {
@@ -76,7 +76,7 @@ protected:
         expectIn(client.window, zone);
     }
     void snapFocused(const Zone& zone) {
-        WindowManager::shared().snapFocusedWindow(zone, platform->screens().all().front());
+        WindowManager::shared().snapFocusedWindow(zone, platform->screens.all().front());
     }
 
     DesktopSession desktop;
@@ -136,7 +136,7 @@ TEST_P(MinimisedWindows, AreFoundNowhereAndHaveTheFrameThatTheyWereGivenOnceThey
     ASSERT_TRUE(waitUntil(isIconic));
     expectNotFoundAt(before);
     const Zone zone = ZoneLayout::thirds().zones[1];
-    const Screen& screen = *platform->screens().all().front();
+    const Screen& screen = *platform->screens.all().front();
     WindowManager::shared().snap(*element, zone, screen);
     EXPECT_TRUE(settle(*platform));
     EXPECT_TRUE(activate(desktop, client.window));

@@ -17,9 +17,9 @@ protected:
     void SetUp() override {
         ASSERT_TRUE(desktop.startWindowManager(WindowManagerKind::openbox));
         platform = std::make_unique<X11TestPlatform>(desktop.display());
-        ASSERT_TRUE(waitUntil([&] { return platform->accessibility().isTrusted(); }));
+        ASSERT_TRUE(waitUntil([&] { return platform->accessibility.isTrusted(); }));
     }
-    [[nodiscard]] X11Workspace& workspace() { return platform->workspace(); }
+    [[nodiscard]] Workspace& workspace() { return platform->workspace; }
     [[nodiscard]] bool isFrontmost(ProcessID process) {
         return waitUntil([&] { return workspace().frontmostApplication() == process; });
     }
@@ -32,7 +32,7 @@ protected:
     }
     /// What the user was told last.
     [[nodiscard]] QString told() const {
-        const auto& shown = platform->userNotifications().shown;
+        const auto& shown = platform->notifications().shown;
         return shown.empty() ? QString() : shown.back().second;
     }
 
@@ -131,18 +131,18 @@ TEST_F(ApplicationsOfADesktop, AreToldWhatTheDesktopLacksInsteadOfASettingsPane)
     workspace().openAccessibilitySettings();
     EXPECT_TRUE(told().contains(QStringLiteral("all that is needed"))) << told().toStdString();
     desktop.killWindowManager();
-    ASSERT_TRUE(waitUntil([&] { return !platform->accessibility().isTrusted(); }));
+    ASSERT_TRUE(waitUntil([&] { return !platform->accessibility.isTrusted(); }));
     workspace().openAccessibilitySettings();
     EXPECT_EQ(told(), X11Trust::explanation(X11Trust::Lack::windowManager));
-    EXPECT_EQ(platform->userNotifications().shown.size(), 2U) << "each time that it is asked for";
+    EXPECT_EQ(platform->notifications().shown.size(), 2U) << "each time that it is asked for";
 }
 
 TEST_F(ApplicationsOfADesktop, AreBlendedWhileACompositorRuns) {
-    EXPECT_FALSE(workspace().blendsWindows());
+    EXPECT_FALSE(platform->appearance.blendsWindows());
     ASSERT_TRUE(desktop.startCompositor());
-    EXPECT_TRUE(waitUntil([&] { return workspace().blendsWindows(); }));
+    EXPECT_TRUE(waitUntil([&] { return platform->appearance.blendsWindows(); }));
     desktop.stopCompositor();
-    EXPECT_TRUE(waitUntil([&] { return !workspace().blendsWindows(); }));
+    EXPECT_TRUE(waitUntil([&] { return !platform->appearance.blendsWindows(); }));
 }
 
 TEST_F(ApplicationsOfADesktop, StayWhereTheyAreWhenThisOneHasNoWindowToBringForward) {

@@ -57,12 +57,12 @@ Tally snapEverywhere(DesktopSession& desktop, X11TestPlatform& platform, const T
     EXPECT_TRUE(tally.isFoundUnderPoint) << (under ? windowOf(*under) : 0);
     EXPECT_TRUE(waitUntil([&] {
         const auto focused =
-            platform.accessibility().systemWideElement().element(AXAttribute::focusedUIElement);
+            platform.accessibility.systemWideElement().element(AXAttribute::focusedUIElement);
         return focused.value && windowOf(*focused.value) == client.window;
     }));
     tally.isResolvedAsFocused = true;
     const SizeRules rules = SizeRules::of(inspector, client.window);
-    for (const ScreenPtr& screen : platform.screens().all()) {
+    for (const ScreenPtr& screen : platform.screens.all()) {
         const QRect area = pixelsOf(Zone{{}, {}, 0, 0, 1, 1}, *screen);
         for (const ZoneLayout& layout : ZoneLayout::builtIns()) {
             for (const Zone& zone : layout.zones) {
@@ -107,7 +107,7 @@ TEST_P(ZoneMatrix, FillsEveryPresetZoneOfAnOddlyWideMonitorWithEveryClient) {
     DesktopSession desktop(XServer::virtualScreen({1366, 768}));
     ASSERT_TRUE(desktop.startWindowManager(GetParam()));
     X11TestPlatform platform(desktop.display());
-    ASSERT_TRUE(waitUntil([&] { return platform.accessibility().isTrusted(); }));
+    ASSERT_TRUE(waitUntil([&] { return platform.accessibility.isTrusted(); }));
     for (const ClientKind kind : clientKinds) {
         SCOPED_TRACE(name(kind));
         const TestClient client = startClient(desktop, kind, QRect(160, 120, 500, 320));
@@ -132,7 +132,7 @@ TEST_P(ZoneMatrixComposited, FillsEveryPresetZoneWithClientsOfEitherDecoration) 
     DesktopSession desktop(XServer::virtualScreen({1366, 768}));
     ASSERT_TRUE(desktop.startWindowManager(GetParam(), Compositing::on));
     X11TestPlatform platform(desktop.display());
-    ASSERT_TRUE(waitUntil([&] { return platform.accessibility().isTrusted(); }));
+    ASSERT_TRUE(waitUntil([&] { return platform.accessibility.isTrusted(); }));
     for (const ClientKind kind : {ClientKind::qt, ClientKind::gtkClientDecorated}) {
         SCOPED_TRACE(name(kind));
         const TestClient client = startClient(desktop, kind, QRect(160, 120, 500, 320));
@@ -161,17 +161,17 @@ TEST_P(ZoneMatrixOnTwoOutputs, FillsEveryPresetZoneOfBothBesideAPanelWithEveryCl
     DesktopSession desktop(XServer::twoOutputs());
     ASSERT_TRUE(desktop.startWindowManager(GetParam()));
     X11TestPlatform platform(desktop.display());
-    ASSERT_TRUE(waitUntil([&] { return platform.accessibility().isTrusted(); }));
-    ASSERT_EQ(platform.screens().all().size(), 2U);
-    const AppKitRect right = platform.screens().all()[1]->frame();
+    ASSERT_TRUE(waitUntil([&] { return platform.accessibility.isTrusted(); }));
+    ASSERT_EQ(platform.screens.all().size(), 2U);
+    const AppKitRect right = platform.screens.all()[1]->frame();
     const auto from = static_cast<int>(right.x);
     const auto to = static_cast<int>(right.maxX());
     // Along the top of the right monitor.
     const BareClient panel(desktop.display(), QRect(from, 0, to - from, 40),
                            {0, 0, 40, 0, 0, 0, 0, 0, quint32(from), quint32(to - 1), 0, 0});
     ASSERT_TRUE(waitUntil(
-        [&] { return platform.screens().all()[1]->visibleFrame().height == right.height - 40; }));
-    EXPECT_EQ(platform.screens().all()[0]->visibleFrame(), platform.screens().all()[0]->frame());
+        [&] { return platform.screens.all()[1]->visibleFrame().height == right.height - 40; }));
+    EXPECT_EQ(platform.screens.all()[0]->visibleFrame(), platform.screens.all()[0]->frame());
     for (const ClientKind kind : clientKinds) {
         SCOPED_TRACE(name(kind));
         const TestClient client = startClient(desktop, kind, QRect(160, 120, 500, 320));

@@ -47,6 +47,8 @@ private:
 
 /// An accessibility interface over elements that a test builds; records every call in order.
 class FakeAccessibility final : public Accessibility {
+    Q_OBJECT
+
 public:
     FakeAccessibility();
 
@@ -76,6 +78,12 @@ public:
     }
     /// A new element with the role of a window.
     std::shared_ptr<FakeElement> makeWindow(const std::string& name);
+
+    /// As a desktop that grants the permission, or takes it away.
+    void changeTrust(bool isTrustedNow) {
+        trusted = isTrustedNow;
+        Q_EMIT trustChanged();
+    }
 
     void log(const std::string& call) const {
         if (recordsCalls)

@@ -35,6 +35,21 @@ public:
     }
     void openAccessibilitySettings() override { ++settingsOpened; }
     void activateThisApplication() override { ++activations; }
+
+    std::optional<ProcessID> frontmost;
+    std::map<ProcessID, QString> names;
+    int settingsOpened = 0;
+    int activations = 0;
+
+private:
+    FakeAccessibility& log_;
+};
+
+class FakeAppearance final : public Appearance {
+    Q_OBJECT
+
+public:
+    bool blendsWindows() const override { return blends; }
     std::optional<bool> prefersReducedMotion() const override { return reducedMotion; }
     bool prefersDark() const override { return isDark; }
     /// As a desktop whose setting changes does.
@@ -47,15 +62,9 @@ public:
         Q_EMIT prefersReducedMotionChanged();
     }
 
-    std::optional<ProcessID> frontmost;
-    std::map<ProcessID, QString> names;
-    int settingsOpened = 0;
-    int activations = 0;
+    bool blends = false;
     std::optional<bool> reducedMotion;
     bool isDark = false;
-
-private:
-    FakeAccessibility& log_;
 };
 
 /// Power assertions that are counted, and refused on demand.
@@ -118,14 +127,6 @@ public:
 
 private:
     QTemporaryDir directory_;
-};
-
-class FakeUserNotifications final : public UserNotifications {
-public:
-    void show(const QString& title, const QString& text) override {
-        shown.emplace_back(title, text);
-    }
-    std::vector<std::pair<QString, QString>> shown;
 };
 
 class FakeInstanceActivation final : public InstanceActivation {
@@ -191,45 +192,60 @@ private:
     Record& record_;
 };
 
-/// A whole desktop that tests control. Install it with `FakeDesktop`.
-class FakePlatform final : public Platform {
-public:
-    FakeScreens& screens() override { return fakeScreens; }
-    FakePointer& pointer() override { return fakePointer; }
-    FakeEventMonitors& eventMonitors() override { return fakeEventMonitors; }
-    FakeAccessibility& accessibility() override { return fakeAccessibility; }
-    FakeWorkspace& workspace() override { return fakeWorkspace; }
-    FakePowerAssertions& powerAssertions() override { return fakePowerAssertions; }
-    FakeUserDefaults& userDefaults() override { return fakeUserDefaults; }
-    MainLoop& mainLoop() override { return replacementLoop ? *replacementLoop : fakeMainLoop; }
-    FakeApplicationSupport& applicationSupport() override { return fakeApplicationSupport; }
-    FakeUserNotifications& userNotifications() override { return fakeUserNotifications; }
-    FakeInstanceActivation& instanceActivation() override { return fakeInstanceActivation; }
-    FakeStatusItem& statusItem() override { return fakeStatusItem; }
-    std::unique_ptr<OverlaySurface> makeOverlaySurface(std::shared_ptr<OverlayView> view) override {
-        return std::make_unique<FakeOverlaySurface>(overlay, std::move(view));
-    }
-
-    /// Stands in for the fake loop where a test needs Qt's own; not owned.
-    MainLoop* replacementLoop = nullptr;
-
+/// Everything of a desktop that tests control.
+struct Fakes {
     FakeScreens fakeScreens;
     FakePointer fakePointer;
     FakeEventMonitors fakeEventMonitors;
     FakeAccessibility fakeAccessibility;
     FakeWorkspace fakeWorkspace{fakeAccessibility};
+    FakeAppearance fakeAppearance;
     FakePowerAssertions fakePowerAssertions;
     FakeUserDefaults fakeUserDefaults;
     FakeMainLoop fakeMainLoop;
     FakeApplicationSupport fakeApplicationSupport;
-    FakeUserNotifications fakeUserNotifications;
     FakeInstanceActivation fakeInstanceActivation;
     FakeStatusItem fakeStatusItem;
     FakeOverlaySurface::Record overlay;
+
+    /// The fakes as a platform's services, with another loop than the fake one if there is one.
+    [[nodiscard]] PlatformServices services(MainLoop* loop = nullptr) {
+        return {.screens = fakeScreens,
+                .pointer = fakePointer,
+                .eventMonitors = fakeEventMonitors,
+                .accessibility = fakeAccessibility,
+                .workspace = fakeWorkspace,
+                .appearance = fakeAppearance,
+                .powerAssertions = fakePowerAssertions,
+                .userDefaults = fakeUserDefaults,
+                .mainLoop = loop ? *loop : fakeMainLoop,
+                .applicationSupport = fakeApplicationSupport,
+                .instanceActivation = fakeInstanceActivation};
+    }
+};
+
+/// A whole desktop that tests control. Install it with `FakeDesktop`.
+class FakePlatform : public Fakes, public Platform {
+public:
+    FakePlatform()
+        : Platform(services()) {}
+    /// With another loop, which is not owned, where a test needs Qt's own.
+    explicit FakePlatform(MainLoop& loop)
+        : Platform(services(&loop)) {}
+
+    FakeStatusItem& statusItem() override { return fakeStatusItem; }
+    std::unique_ptr<OverlaySurface> makeOverlaySurface(std::shared_ptr<OverlayView> view) override {
+        return std::make_unique<FakeOverlaySurface>(overlay, std::move(view));
+    }
 };
 
 /// A fake platform, installed for as long as it lives: one for each test.
 struct FakeDesktop {
+    FakeDesktop() = default;
+    /// With Qt's own loop, or another.
+    explicit FakeDesktop(MainLoop& loop)
+        : platform(loop) {}
+
     FakePlatform platform;
     Platform::Installation installation{platform};
 };

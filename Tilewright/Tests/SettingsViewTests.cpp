@@ -326,6 +326,15 @@ TEST_F(SettingsViewTest, AccessibilityShowsWhatIsMissingAndTheWayToIt) {
     EXPECT_EQ(desktop.platform.fakeAccessibility.trustRequests, 0);
 }
 
+TEST_F(SettingsViewTest, AccessibilityReadsAfreshWhenTheDesktopTellsOfAChange) {
+    AccessibilitySettingsView view;
+    desktop.platform.fakeAccessibility.changeTrust(false);
+    EXPECT_EQ(view.message()->text(),
+              QStringLiteral("Accessibility access is required for window snapping."));
+    desktop.platform.fakeAccessibility.changeTrust(true);
+    EXPECT_EQ(view.message()->text(), QStringLiteral("Accessibility access granted."));
+}
+
 TEST_F(SettingsViewTest, AccessibilityLooksEveryTwoSecondsWhileOnScreen) {
     desktop.platform.fakeAccessibility.trusted = false;
     AccessibilitySettingsView view;

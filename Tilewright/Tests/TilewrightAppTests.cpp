@@ -20,7 +20,6 @@ namespace {
 class TilewrightAppTest : public ::testing::Test {
 protected:
     TilewrightAppTest() {
-        platform.replacementLoop = &loop;
         FakeScreen::Values values;
         values.frame = {0, 0, 800, 800};
         values.displayID = 1;
@@ -52,7 +51,7 @@ protected:
 
     // Outlives what the platform's end destroys.
     QtMainLoop loop;
-    FakeDesktop desktop;
+    FakeDesktop desktop{loop};
     FakePlatform& platform = desktop.platform;
     bool sessionEndedWhileWatching = false;
 };
@@ -133,25 +132,25 @@ TEST_F(TilewrightAppTest, GoesOnWhenItsLastWindowCloses) {
 }
 
 TEST_F(TilewrightAppTest, FollowsTheDesktopsWishForDarkColours) {
-    platform.fakeWorkspace.isDark = true;
+    platform.fakeAppearance.isDark = true;
     run([this](TilewrightApp&) {
         EXPECT_TRUE(look::isDark(QApplication::palette()));
-        platform.fakeWorkspace.changeDark(false);
+        platform.fakeAppearance.changeDark(false);
         EXPECT_FALSE(look::isDark(QApplication::palette()));
-        platform.fakeWorkspace.changeDark(true);
+        platform.fakeAppearance.changeDark(true);
         EXPECT_TRUE(look::isDark(QApplication::palette()));
-        platform.fakeWorkspace.changeDark(false);
+        platform.fakeAppearance.changeDark(false);
         quit();
     });
 }
 
 TEST_F(TilewrightAppTest, FollowsTheDesktopsWishForReducedMotion) {
-    platform.fakeWorkspace.reducedMotion = true;
+    platform.fakeAppearance.reducedMotion = true;
     run([this](TilewrightApp&) {
         EXPECT_TRUE(look::prefersReducedMotion());
-        platform.fakeWorkspace.changeReducedMotion(false);
+        platform.fakeAppearance.changeReducedMotion(false);
         EXPECT_FALSE(look::prefersReducedMotion());
-        platform.fakeWorkspace.changeReducedMotion(true);
+        platform.fakeAppearance.changeReducedMotion(true);
         EXPECT_TRUE(look::prefersReducedMotion());
         quit();
     });

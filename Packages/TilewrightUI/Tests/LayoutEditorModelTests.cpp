@@ -26,7 +26,7 @@ protected:
     Toast nameTaken(const QString& name) { return {u"“"_s + name + u"” already exists"_s, true}; }
 
     testing::FakeDesktop desktop;
-    LayoutEditorModel model{LayoutStore::shared(), desktop.platform.mainLoop()};
+    LayoutEditorModel model{LayoutStore::shared(), desktop.platform.mainLoop};
 };
 
 TEST_F(LayoutEditorModelTest, StartsWithTheBentoBoxAndNothingEdited) {

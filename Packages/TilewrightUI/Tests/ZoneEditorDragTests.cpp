@@ -18,7 +18,7 @@ protected:
     const Zone& zone() { return model.zones()[0]; }
 
     testing::FakeDesktop desktop;
-    LayoutEditorModel model{LayoutStore::shared(), desktop.platform.mainLoop()};
+    LayoutEditorModel model{LayoutStore::shared(), desktop.platform.mainLoop};
 };
 
 TEST_F(ZoneEditorDragTest, BeginsTenPointsAwayFromThePress) {

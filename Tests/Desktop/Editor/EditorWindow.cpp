@@ -124,9 +124,8 @@ int main(int argc, char** argv) {
     const QStringList arguments = QApplication::arguments();
     if (arguments.size() < 3)
         return 2;
-    testing::FakeDesktop desktop;
     QtMainLoop loop;
-    desktop.platform.replacementLoop = &loop;
+    testing::FakeDesktop desktop(loop);
     desktop.platform.fakeApplicationSupport.replacement = arguments[1];
     LayoutEditorView view;
     view.setWindowTitle(u"Layouts"_s);

@@ -6,40 +6,63 @@
 
 namespace tilewright::testing {
 
-/// The program's real view of an X server's displays and windows, installed for as long as it
-/// lives; whatever else a desktop has is faked.
+/// Messages to the user, kept.
+class FakeUserNotifications final : public UserNotifications {
+public:
+    void show(const QString& title, const QString& text) override {
+        shown.emplace_back(title, text);
+    }
+    std::vector<std::pair<QString, QString>> shown;
+};
+
+/// The program's real view of an X server's displays and windows; whatever else a desktop has is
+/// faked.
+struct X11TestParts {
+    explicit X11TestParts(const QString& display)
+        : connection(X11Connection::open(display))
+        , desktop(*connection, loop, notifications, false, {}) {}
+
+    QtMainLoop loop;
+    FakePlatform fakes;
+    FakeUserNotifications notifications;
+    std::unique_ptr<X11Connection> connection;
+    X11Desktop desktop;
+};
+
+/// The same as a platform, installed for as long as it lives.
 class X11TestPlatform final : public Platform {
 public:
     explicit X11TestPlatform(const QString& display)
-        : connection_(X11Connection::open(display))
-        , desktop_(*connection_, loop_, fakes_.fakeUserNotifications, false, {})
-        , installation_(*this) {}
+        : X11TestPlatform(std::make_unique<X11TestParts>(display)) {}
 
-    X11Screens& screens() override { return desktop_.screens(); }
-    X11Pointer& pointer() override { return desktop_.pointer(); }
-    EventMonitors& eventMonitors() override { return fakes_.eventMonitors(); }
-    X11Accessibility& accessibility() override { return desktop_.accessibility(); }
-    X11Workspace& workspace() override { return desktop_.workspace(); }
-    PowerAssertions& powerAssertions() override { return fakes_.powerAssertions(); }
-    UserDefaults& userDefaults() override { return fakes_.userDefaults(); }
-    MainLoop& mainLoop() override { return loop_; }
-    ApplicationSupport& applicationSupport() override { return fakes_.applicationSupport(); }
-    FakeUserNotifications& userNotifications() override { return fakes_.userNotifications(); }
-    InstanceActivation& instanceActivation() override { return fakes_.instanceActivation(); }
-    StatusItem& statusItem() override { return fakes_.statusItem(); }
+    StatusItem& statusItem() override { return parts_->fakes.statusItem(); }
     std::unique_ptr<OverlaySurface> makeOverlaySurface(std::shared_ptr<OverlayView> view) override {
-        return fakes_.makeOverlaySurface(std::move(view));
+        return parts_->fakes.makeOverlaySurface(std::move(view));
     }
 
-    [[nodiscard]] X11Connection& connection() { return *connection_; }
-    [[nodiscard]] X11Desktop& desktop() { return desktop_; }
+    [[nodiscard]] X11Connection& connection() { return *parts_->connection; }
+    [[nodiscard]] X11Desktop& desktop() { return parts_->desktop; }
+    [[nodiscard]] const FakeUserNotifications& notifications() const {
+        return parts_->notifications;
+    }
 
 private:
-    QtMainLoop loop_;
-    FakePlatform fakes_;
-    std::unique_ptr<X11Connection> connection_;
-    X11Desktop desktop_;
-    Installation installation_;
+    explicit X11TestPlatform(std::unique_ptr<X11TestParts> parts)
+        : Platform({.screens = parts->desktop.screens(),
+                    .pointer = parts->desktop.pointer(),
+                    .eventMonitors = parts->fakes.eventMonitors,
+                    .accessibility = parts->desktop.accessibility(),
+                    .workspace = parts->desktop.workspace(),
+                    .appearance = parts->desktop.appearance(),
+                    .powerAssertions = parts->fakes.powerAssertions,
+                    .userDefaults = parts->fakes.userDefaults,
+                    .mainLoop = parts->loop,
+                    .applicationSupport = parts->fakes.applicationSupport,
+                    .instanceActivation = parts->fakes.instanceActivation})
+        , parts_(std::move(parts)) {}
+
+    std::unique_ptr<X11TestParts> parts_;
+    Installation installation_{*this};
 };
 
 } // namespace tilewright::testing

@@ -21,7 +21,7 @@ void KeepAwakeManager::activate(const KeepAwakeSession& session) {
     // The caller may pass our own session, which ending it would clear.
     const KeepAwakeSession next = session;
     deactivate();
-    const PowerAssertionResult assertion = Platform::current().powerAssertions().create(
+    const PowerAssertionResult assertion = Platform::current().powerAssertions.create(
         QStringLiteral("PreventUserIdleDisplaySleep"), levelOn,
         QStringLiteral("Tilewright keep-awake"));
     if (assertion.status != 0)
@@ -40,7 +40,7 @@ void KeepAwakeManager::deactivate() {
         timer_->invalidate();
     timer_.reset();
     if (assertionID_ != 0) {
-        Platform::current().powerAssertions().release(assertionID_);
+        Platform::current().powerAssertions.release(assertionID_);
         assertionID_ = 0;
     }
     isActive_ = false;
@@ -50,7 +50,7 @@ void KeepAwakeManager::deactivate() {
 
 void KeepAwakeManager::scheduleCountdown() {
     // The timer may outlive both this object and the platform's installation, but never its loop.
-    MainLoop& loop = Platform::current().mainLoop();
+    MainLoop& loop = Platform::current().mainLoop;
     timer_ = loop.scheduleRepeating(1s, [&loop, self = QPointer<KeepAwakeManager>(this)] {
         loop.post([self] {
             if (self)

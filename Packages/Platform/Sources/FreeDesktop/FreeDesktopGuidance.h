@@ -1,8 +1,7 @@
 #pragma once
 
 #include "HandedOverProcess.h"
-
-#include <Platform/UserNotifications.h>
+#include "UserNotifications.h"
 
 #include <QObject>
 #include <QProcessEnvironment>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Platform/UserNotifications.h>
+#include "UserNotifications.h"
 
 #include <QDBusConnection>
 

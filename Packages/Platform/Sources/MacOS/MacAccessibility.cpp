@@ -1,13 +1,40 @@
 #include "MacAccessibility.h"
 
+#include "AppKitNotifications.h"
 #include "CFText.h"
 #include "MacAccessibilityElement.h"
 
+#include <array>
 #include <iterator>
+#include <utility>
 
 namespace tilewright {
 
-MacAccessibility::MacAccessibility() = default;
+namespace {
+
+/// The system announces a change of the permission a moment before it answers by it.
+constexpr std::array looks{std::chrono::milliseconds{250}, std::chrono::milliseconds{1000},
+                           std::chrono::milliseconds{4000}};
+
+} // namespace
+
+MacAccessibility::MacAccessibility(MainLoop& loop)
+    : loop_(loop)
+    , wasTrusted_(AXIsProcessTrusted() != 0)
+    , observation_(appkit::observe(appkit::Notification::accessibilityPermissionChanged,
+                                   [this] { lookForPermission(0); })) {}
+
+MacAccessibility::~MacAccessibility() = default;
+
+void MacAccessibility::lookForPermission(std::size_t look) {
+    nextLook_ = ScopedTimer(loop_.scheduleOnce(looks.at(look), [this, look] {
+        const bool trusted = isTrusted();
+        if (std::exchange(wasTrusted_, trusted) != trusted)
+            Q_EMIT trustChanged();
+        else if (look + 1 < looks.size())
+            lookForPermission(look + 1);
+    }));
+}
 
 bool MacAccessibility::isTrusted() const {
     return AXIsProcessTrusted() != 0;

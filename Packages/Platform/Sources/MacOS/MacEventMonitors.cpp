@@ -1,25 +1,14 @@
 #include "MacEventMonitors.h"
 
-#include "AppKitNotifications.h"
-
-#include <array>
-
 namespace tilewright {
 
-namespace {
-
-/// The system announces a change of the permission a moment before it answers by it.
-constexpr std::array looks{std::chrono::milliseconds{250}, std::chrono::milliseconds{1000},
-                           std::chrono::milliseconds{4000}};
-
-} // namespace
-
-MacEventMonitors::MacEventMonitors(const Accessibility& accessibility, MainLoop& loop)
-    : accessibility_(accessibility)
-    , loop_(loop)
-    , wasTrusted_(accessibility.isTrusted())
-    , observation_(appkit::observe(appkit::Notification::accessibilityPermissionChanged,
-                                   [this] { lookForPermission(0); })) {}
+MacEventMonitors::MacEventMonitors(const Accessibility& accessibility) {
+    QObject::connect(&accessibility, &Accessibility::trustChanged, &context_,
+                     [this, &accessibility] {
+                         if (accessibility.isTrusted())
+                             installGlobalMonitorsAfresh();
+                     });
+}
 
 MacEventMonitors::~MacEventMonitors() = default;
 
@@ -44,17 +33,6 @@ std::optional<MonitorToken> MacEventMonitors::add(appkit::MonitorKind kind, Even
 void MacEventMonitors::removeMonitor(MonitorToken token) {
     // Out of the map before it ends: what ends with it may remove monitors too.
     const auto ended = monitors_.extract(token);
-}
-
-void MacEventMonitors::lookForPermission(std::size_t look) {
-    nextLook_ = ScopedTimer(loop_.scheduleOnce(looks.at(look), [this, look] {
-        const bool isTrusted = accessibility_.isTrusted();
-        if (isTrusted && !wasTrusted_)
-            installGlobalMonitorsAfresh();
-        else if (isTrusted == wasTrusted_ && look + 1 < looks.size())
-            lookForPermission(look + 1);
-        wasTrusted_ = isTrusted;
-    }));
 }
 
 void MacEventMonitors::installGlobalMonitorsAfresh() {

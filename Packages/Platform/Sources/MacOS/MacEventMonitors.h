@@ -4,23 +4,19 @@
 
 #include <Platform/Accessibility.h>
 #include <Platform/EventMonitors.h>
-#include <Platform/MainLoop.h>
 
+#include <QObject>
 #include <map>
 #include <memory>
 
 namespace tilewright {
 
-namespace appkit {
-class Observation;
-}
-
 /// AppKit's event monitors. A global monitor installed before the user granted the permission stays
 /// deaf to the keyboard, so global monitors are installed afresh, under the tokens they have, when
-/// the permission arrives. Main thread only; the arguments have to outlive it.
+/// the permission arrives. Main thread only.
 class MacEventMonitors final : public EventMonitors {
 public:
-    MacEventMonitors(const Accessibility& accessibility, MainLoop& loop);
+    explicit MacEventMonitors(const Accessibility& accessibility);
     ~MacEventMonitors() override;
 
     [[nodiscard]] std::optional<MonitorToken> addGlobalMonitor(EventMask mask,
@@ -39,17 +35,12 @@ private:
 
     [[nodiscard]] std::optional<MonitorToken> add(appkit::MonitorKind kind, EventMask mask,
                                                   Handler handler);
-    /// Looks, soon and a few times more, whether the permission has arrived.
-    void lookForPermission(std::size_t look);
     void installGlobalMonitorsAfresh();
 
-    const Accessibility& accessibility_;
-    MainLoop& loop_;
-    bool wasTrusted_;
     quint64 lastToken_ = 0;
     std::map<MonitorToken, Monitor> monitors_;
-    ScopedTimer nextLook_;
-    std::unique_ptr<appkit::Observation> observation_;
+    /// Its end disconnects.
+    QObject context_;
 };
 
 } // namespace tilewright

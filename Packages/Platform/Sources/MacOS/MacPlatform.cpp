@@ -2,6 +2,7 @@
 
 #include "IOKitPowerAssertions.h"
 #include "MacAccessibility.h"
+#include "MacAppearance.h"
 #include "MacApplicationSupport.h"
 #include "MacEditMenu.h"
 #include "MacEventMonitors.h"
@@ -11,7 +12,6 @@
 #include "MacScreens.h"
 #include "MacStatusItem.h"
 #include "MacUserDefaults.h"
-#include "MacUserNotifications.h"
 #include "MacWorkspace.h"
 
 #include <Platform/QtMainLoop.h>
@@ -22,55 +22,39 @@ struct MacPlatform::Parts {
     QtMainLoop mainLoop;
     MacScreens screens{mainLoop};
     MacPointer pointer;
-    MacAccessibility accessibility;
-    MacEventMonitors eventMonitors{accessibility, mainLoop};
+    MacAccessibility accessibility{mainLoop};
+    MacEventMonitors eventMonitors{accessibility};
     MacWorkspace workspace;
+    MacAppearance appearance;
     IOKitPowerAssertions powerAssertions;
     MacUserDefaults userDefaults;
     MacApplicationSupport applicationSupport;
-    MacUserNotifications userNotifications;
     MacInstanceActivation instanceActivation;
     std::unique_ptr<MacStatusItem> statusItem;
     MacEditMenu editMenu;
+
+    [[nodiscard]] PlatformServices services() {
+        return {.screens = screens,
+                .pointer = pointer,
+                .eventMonitors = eventMonitors,
+                .accessibility = accessibility,
+                .workspace = workspace,
+                .appearance = appearance,
+                .powerAssertions = powerAssertions,
+                .userDefaults = userDefaults,
+                .mainLoop = mainLoop,
+                .applicationSupport = applicationSupport,
+                .instanceActivation = instanceActivation};
+    }
 };
 
 MacPlatform::MacPlatform()
-    : parts_(std::make_unique<Parts>()) {}
+    : MacPlatform(std::make_unique<Parts>()) {}
+MacPlatform::MacPlatform(std::unique_ptr<Parts> parts)
+    : Platform(parts->services())
+    , parts_(std::move(parts)) {}
 MacPlatform::~MacPlatform() = default;
 
-Screens& MacPlatform::screens() {
-    return parts_->screens;
-}
-Pointer& MacPlatform::pointer() {
-    return parts_->pointer;
-}
-EventMonitors& MacPlatform::eventMonitors() {
-    return parts_->eventMonitors;
-}
-Accessibility& MacPlatform::accessibility() {
-    return parts_->accessibility;
-}
-Workspace& MacPlatform::workspace() {
-    return parts_->workspace;
-}
-PowerAssertions& MacPlatform::powerAssertions() {
-    return parts_->powerAssertions;
-}
-UserDefaults& MacPlatform::userDefaults() {
-    return parts_->userDefaults;
-}
-MainLoop& MacPlatform::mainLoop() {
-    return parts_->mainLoop;
-}
-ApplicationSupport& MacPlatform::applicationSupport() {
-    return parts_->applicationSupport;
-}
-UserNotifications& MacPlatform::userNotifications() {
-    return parts_->userNotifications;
-}
-InstanceActivation& MacPlatform::instanceActivation() {
-    return parts_->instanceActivation;
-}
 StatusItem& MacPlatform::statusItem() {
     if (!parts_->statusItem)
         parts_->statusItem = std::make_unique<MacStatusItem>();

@@ -12,22 +12,12 @@ public:
     MacPlatform();
     ~MacPlatform() override;
 
-    Screens& screens() override;
-    Pointer& pointer() override;
-    EventMonitors& eventMonitors() override;
-    Accessibility& accessibility() override;
-    Workspace& workspace() override;
-    PowerAssertions& powerAssertions() override;
-    UserDefaults& userDefaults() override;
-    MainLoop& mainLoop() override;
-    ApplicationSupport& applicationSupport() override;
-    UserNotifications& userNotifications() override;
-    InstanceActivation& instanceActivation() override;
     StatusItem& statusItem() override;
     std::unique_ptr<OverlaySurface> makeOverlaySurface(std::shared_ptr<OverlayView> view) override;
 
 private:
     struct Parts;
+    explicit MacPlatform(std::unique_ptr<Parts> parts);
     std::unique_ptr<Parts> parts_;
 };
 

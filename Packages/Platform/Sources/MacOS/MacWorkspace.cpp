@@ -8,15 +8,12 @@
 namespace tilewright {
 
 MacWorkspace::MacWorkspace()
-    : observation_(appkit::observe(appkit::Notification::applicationActivated,
-                                   [this] {
-                                       // The panel may bring this application forward: that is no
-                                       // reason to close it.
-                                       if (noteFrontmost())
-                                           Q_EMIT activeWindowChanged();
-                                   }))
-    , displayOptions_(appkit::observe(appkit::Notification::displayOptionsChanged,
-                                      [this] { Q_EMIT prefersReducedMotionChanged(); })) {
+    : observation_(appkit::observe(appkit::Notification::applicationActivated, [this] {
+        // The panel may bring this application forward: that is no
+        // reason to close it.
+        if (noteFrontmost())
+            Q_EMIT activeWindowChanged();
+    })) {
     noteFrontmost();
 }
 
@@ -37,10 +34,6 @@ std::optional<ProcessID> MacWorkspace::frontmostApplication() const {
 
 std::optional<QString> MacWorkspace::localizedName(ProcessID process) const {
     return appkit::localizedNameOf(process);
-}
-
-std::optional<bool> MacWorkspace::prefersReducedMotion() const {
-    return appkit::prefersReducedMotion();
 }
 
 void MacWorkspace::openAccessibilitySettings() {

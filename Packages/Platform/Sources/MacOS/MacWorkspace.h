@@ -24,8 +24,6 @@ public:
     [[nodiscard]] std::optional<QString> localizedName(ProcessID process) const override;
     void openAccessibilitySettings() override;
     void activateThisApplication() override;
-    [[nodiscard]] bool blendsWindows() const override { return true; }
-    [[nodiscard]] std::optional<bool> prefersReducedMotion() const override;
 
 private:
     /// Remembers the application in front; false when that is this program.
@@ -33,7 +31,6 @@ private:
 
     mutable std::optional<ProcessID> lastOther_;
     std::unique_ptr<appkit::Observation> observation_;
-    std::unique_ptr<appkit::Observation> displayOptions_;
 };
 
 } // namespace tilewright

@@ -4,5 +4,6 @@ namespace tilewright {
 
 AccessibilityValue::~AccessibilityValue() = default;
 AccessibilityElement::Implementation::~Implementation() = default;
+Accessibility::~Accessibility() = default;
 
 } // namespace tilewright

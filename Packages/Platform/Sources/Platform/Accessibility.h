@@ -2,6 +2,7 @@
 
 #include "Geometry.h"
 
+#include <QObject>
 #include <QString>
 #include <memory>
 #include <optional>
@@ -142,9 +143,12 @@ private:
 };
 
 /// The way to other applications' windows. Main thread only.
-class Accessibility {
+class Accessibility : public QObject {
+    Q_OBJECT
+
 public:
-    virtual ~Accessibility() = default;
+    using QObject::QObject;
+    ~Accessibility() override;
 
     /// Whether this process may move other applications' windows and watch their input now. Never
     /// prompts.
@@ -164,6 +168,10 @@ public:
     [[nodiscard]] virtual std::unique_ptr<AccessibilityValue> makeValue(AXPoint position) const = 0;
     /// A size for `AccessibilityElement::setValue`; null when it cannot be made.
     [[nodiscard]] virtual std::unique_ptr<AccessibilityValue> makeValue(AXSize size) const = 0;
+
+Q_SIGNALS:
+    /// `isTrusted()` has another answer than before, as far as the desktop tells of it.
+    void trustChanged();
 };
 
 } // namespace tilewright

@@ -22,7 +22,7 @@ void Refresh::schedule() {
     if (isScheduled_)
         return;
     isScheduled_ = true;
-    Platform::current().mainLoop().post([self = QPointer<Refresh>(this)] {
+    Platform::current().mainLoop.post([self = QPointer<Refresh>(this)] {
         if (!self)
             return;
         self->isScheduled_ = false;

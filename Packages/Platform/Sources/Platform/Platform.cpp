@@ -26,6 +26,7 @@ std::vector<std::function<void()>>& uninstallActions() {
 StatusItem::~StatusItem() = default;
 InstanceActivation::~InstanceActivation() = default;
 Workspace::~Workspace() = default;
+Appearance::~Appearance() = default;
 Platform::~Platform() = default;
 
 Platform& Platform::current() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Accessibility.h"
+#include "Appearance.h"
 #include "ApplicationSupport.h"
 #include "EventMonitors.h"
 #include "InstanceActivation.h"
@@ -11,7 +12,6 @@
 #include "Screens.h"
 #include "StatusItem.h"
 #include "UserDefaults.h"
-#include "UserNotifications.h"
 #include "Workspace.h"
 
 #include <functional>
@@ -20,30 +20,35 @@
 
 namespace tilewright {
 
-/// One desktop: everything that differs between macOS, Linux and a test, behind small interfaces.
+/// What every desktop offers from the moment it is opened, each behind a small interface. The one
+/// list of it: a new service is a line here and a line where each backend fills it in.
+struct PlatformServices {
+    Screens& screens;
+    Pointer& pointer;
+    EventMonitors& eventMonitors;
+    Accessibility& accessibility;
+    Workspace& workspace;
+    Appearance& appearance;
+    PowerAssertions& powerAssertions;
+    UserDefaults& userDefaults;
+    MainLoop& mainLoop;
+    ApplicationSupport& applicationSupport;
+    InstanceActivation& instanceActivation;
+};
+
+/// One desktop: everything that differs between macOS, Linux and a test. What is shown to the user
+/// is made on demand, so that a second instance that gives way has shown nothing.
 ///
 /// One platform is installed at a time, by the application at start-up or by a test. The shared
 /// instances of the program (see `SharedInstance`) are created on first use from the installed
 /// platform, live as long as it is installed, and are destroyed in the reverse order of their
 /// creation when it is uninstalled. Main thread only.
-class Platform {
+class Platform : public PlatformServices {
 public:
-    Platform() = default;
     Platform(const Platform&) = delete;
     Platform& operator=(const Platform&) = delete;
     virtual ~Platform();
 
-    [[nodiscard]] virtual Screens& screens() = 0;
-    [[nodiscard]] virtual Pointer& pointer() = 0;
-    [[nodiscard]] virtual EventMonitors& eventMonitors() = 0;
-    [[nodiscard]] virtual Accessibility& accessibility() = 0;
-    [[nodiscard]] virtual Workspace& workspace() = 0;
-    [[nodiscard]] virtual PowerAssertions& powerAssertions() = 0;
-    [[nodiscard]] virtual UserDefaults& userDefaults() = 0;
-    [[nodiscard]] virtual MainLoop& mainLoop() = 0;
-    [[nodiscard]] virtual ApplicationSupport& applicationSupport() = 0;
-    [[nodiscard]] virtual UserNotifications& userNotifications() = 0;
-    [[nodiscard]] virtual InstanceActivation& instanceActivation() = 0;
     /// The program's one status item; created, and shown, on the first call.
     [[nodiscard]] virtual StatusItem& statusItem() = 0;
     /// A new hidden surface that shows the view, which it keeps for as long as it lives.
@@ -62,6 +67,11 @@ public:
         Installation& operator=(const Installation&) = delete;
         ~Installation();
     };
+
+protected:
+    /// The services have to live as long as the platform.
+    explicit Platform(const PlatformServices& services)
+        : PlatformServices(services) {}
 };
 
 namespace detail {

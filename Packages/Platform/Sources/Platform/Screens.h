@@ -51,6 +51,10 @@ public:
     [[nodiscard]] virtual const std::vector<ScreenPtr>& all() const = 0;
     /// The display that holds the user's attention (the active window's); null without displays.
     [[nodiscard]] virtual ScreenPtr main() const = 0;
+    /// The first display of the list whose frame holds the point; null where none does.
+    [[nodiscard]] ScreenPtr at(AppKitPoint point) const;
+    /// The display at the point, else the one whose frame is nearest; null without displays.
+    [[nodiscard]] ScreenPtr nearest(AppKitPoint point) const;
     /// How Qt counts on a display of the list, now.
     [[nodiscard]] virtual QtSpace qtSpace(const Screen& screen) const = 0;
 

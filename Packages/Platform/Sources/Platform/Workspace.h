@@ -27,22 +27,11 @@ public:
     virtual void openAccessibilitySettings() = 0;
     /// Brings this application in front of the one the user is in.
     virtual void activateThisApplication() = 0;
-    /// Whether the desktop blends translucent windows with what lies beneath them now.
-    [[nodiscard]] virtual bool blendsWindows() const { return false; }
-    /// Whether the user asked the desktop for reduced motion; none where the desktop does not tell.
-    [[nodiscard]] virtual std::optional<bool> prefersReducedMotion() const { return std::nullopt; }
-    /// Whether the user asked the desktop for dark colours, and Qt may not have heard of
-    /// it.
-    [[nodiscard]] virtual bool prefersDark() const { return false; }
 
 Q_SIGNALS:
     /// The user works elsewhere than before: in another window where the desktop tells of windows
     /// (X11), in another application where it tells of those only (macOS).
     void activeWindowChanged();
-    /// `prefersReducedMotion()` has another answer than before.
-    void prefersReducedMotionChanged();
-    /// `prefersDark()` has another answer than before.
-    void prefersDarkChanged();
 };
 
 } // namespace tilewright

@@ -11,6 +11,8 @@ namespace tilewright {
 /// Other applications' windows by way of the window manager. What a call needs of other programs it
 /// asks of the X server alone: a client that has stopped cannot stop it.
 class X11Accessibility final : public Accessibility {
+    Q_OBJECT
+
 public:
     X11Accessibility(X11Connection& connection, const X11WindowManagerWatch& windowManager,
                      const X11Screens& screens, X11Trust& trust, X11ActiveWindow& activeWindow,

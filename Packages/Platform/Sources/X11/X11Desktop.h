@@ -2,6 +2,7 @@
 
 #include "X11Accessibility.h"
 #include "X11ActiveWindow.h"
+#include "X11Appearance.h"
 #include "X11Compositor.h"
 #include "X11FrameSetter.h"
 #include "X11Pointer.h"
@@ -32,8 +33,8 @@ public:
         , accessibility_(connection, windowManager_, screens_, trust_, activeWindow_, frameSetter_)
         , guidance_(notifications, environment)
         , screenMotionWish_(connection, selection_)
-        , workspace_(connection, activeWindow_, compositor_, trust_, guidance_, screenMotionWish_,
-                     sessionAppearance_) {}
+        , appearance_(compositor_, screenMotionWish_, sessionAppearance_)
+        , workspace_(connection, activeWindow_, trust_, guidance_) {}
 
     [[nodiscard]] X11EventSelection& selection() { return selection_; }
     [[nodiscard]] X11WindowManagerWatch& windowManager() { return windowManager_; }
@@ -43,6 +44,7 @@ public:
     [[nodiscard]] X11FrameSetter& frameSetter() { return frameSetter_; }
     [[nodiscard]] X11Trust& trust() { return trust_; }
     [[nodiscard]] X11Accessibility& accessibility() { return accessibility_; }
+    [[nodiscard]] X11Appearance& appearance() { return appearance_; }
     [[nodiscard]] X11Workspace& workspace() { return workspace_; }
 
 private:
@@ -65,6 +67,7 @@ private:
     FreeDesktopGuidance guidance_;
     X11MotionWish screenMotionWish_;
     FreeDesktopAppearance sessionAppearance_;
+    X11Appearance appearance_;
     X11Workspace workspace_;
 };
 

@@ -39,8 +39,23 @@ struct X11Platform::Parts {
     std::optional<FreeDesktopStatusItem> statusItem;
     X11AwaitedReply answerBeforeForgetting;
 
+    [[nodiscard]] PlatformServices services();
     void forgetSentTitles();
 };
+
+PlatformServices X11Platform::Parts::services() {
+    return {.screens = desktop.screens(),
+            .pointer = desktop.pointer(),
+            .eventMonitors = eventMonitors,
+            .accessibility = desktop.accessibility(),
+            .workspace = desktop.workspace(),
+            .appearance = desktop.appearance(),
+            .powerAssertions = powerAssertions,
+            .userDefaults = userDefaults,
+            .mainLoop = mainLoop,
+            .applicationSupport = applicationSupport,
+            .instanceActivation = instanceActivation};
+}
 
 std::unique_ptr<X11Platform> X11Platform::open() {
     auto connection = X11Connection::open();
@@ -51,7 +66,8 @@ std::unique_ptr<X11Platform> X11Platform::open() {
 }
 
 X11Platform::X11Platform(std::unique_ptr<Parts> parts)
-    : parts_(std::move(parts)) {
+    : Platform(parts->services())
+    , parts_(std::move(parts)) {
     // Every window of ours has a title and the focus once it is open.
     if (qGuiApp)
         QObject::connect(qGuiApp, &QGuiApplication::focusWindowChanged, parts_->connection.get(),
@@ -72,55 +88,11 @@ void X11Platform::Parts::forgetSentTitles() {
 
 X11Platform::~X11Platform() = default;
 
-Screens& X11Platform::screens() {
-    return parts_->desktop.screens();
-}
-
-Pointer& X11Platform::pointer() {
-    return parts_->desktop.pointer();
-}
-
-EventMonitors& X11Platform::eventMonitors() {
-    return parts_->eventMonitors;
-}
-
-Accessibility& X11Platform::accessibility() {
-    return parts_->desktop.accessibility();
-}
-
-Workspace& X11Platform::workspace() {
-    return parts_->desktop.workspace();
-}
-
-PowerAssertions& X11Platform::powerAssertions() {
-    return parts_->powerAssertions;
-}
-
-UserDefaults& X11Platform::userDefaults() {
-    return parts_->userDefaults;
-}
-
-MainLoop& X11Platform::mainLoop() {
-    return parts_->mainLoop;
-}
-
-ApplicationSupport& X11Platform::applicationSupport() {
-    return parts_->applicationSupport;
-}
-
-UserNotifications& X11Platform::userNotifications() {
-    return parts_->userNotifications;
-}
-
-InstanceActivation& X11Platform::instanceActivation() {
-    return parts_->instanceActivation;
-}
-
 StatusItem& X11Platform::statusItem() {
     if (!parts_->statusItem) {
-        const X11Screens& screens = parts_->desktop.screens();
-        parts_->statusItem.emplace(screens, [&screens](NativePixel pixel) {
-            return screens.coordinates().toAppKit(pixel);
+        const X11Screens& monitors = parts_->desktop.screens();
+        parts_->statusItem.emplace(monitors, [&monitors](NativePixel pixel) {
+            return monitors.coordinates().toAppKit(pixel);
         });
     }
     return *parts_->statusItem;

@@ -15,17 +15,6 @@ public:
     [[nodiscard]] static std::unique_ptr<X11Platform> open();
     ~X11Platform() override;
 
-    Screens& screens() override;
-    Pointer& pointer() override;
-    EventMonitors& eventMonitors() override;
-    Accessibility& accessibility() override;
-    Workspace& workspace() override;
-    PowerAssertions& powerAssertions() override;
-    UserDefaults& userDefaults() override;
-    MainLoop& mainLoop() override;
-    ApplicationSupport& applicationSupport() override;
-    UserNotifications& userNotifications() override;
-    InstanceActivation& instanceActivation() override;
     StatusItem& statusItem() override;
     std::unique_ptr<OverlaySurface> makeOverlaySurface(std::shared_ptr<OverlayView> view) override;
 

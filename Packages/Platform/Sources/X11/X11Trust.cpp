@@ -21,7 +21,8 @@ X11Trust::X11Trust(X11Connection& connection, X11WindowManagerWatch& windowManag
     , windowManager_(windowManager)
     , loop_(loop)
     , notifications_(notifications)
-    , isWaylandSession_(isWaylandSession) {
+    , isWaylandSession_(isWaylandSession)
+    , wasTrusted_(isTrusted()) {
     connect(&windowManager_, &X11WindowManagerWatch::changed, this,
             &X11Trust::windowManagerChanged);
 }
@@ -77,11 +78,12 @@ bool X11Trust::request() {
 }
 
 void X11Trust::windowManagerChanged() {
-    if (!wait_.isActive() || !windowManager_.isRunning())
-        return;
+    const bool trusted = isTrusted();
     // It may still be telling what it supports: what is missing then is judged at the deadline.
-    if (isTrusted())
+    if (trusted)
         wait_.reset();
+    if (std::exchange(wasTrusted_, trusted) != trusted)
+        Q_EMIT changed();
 }
 
 void X11Trust::tell() {

@@ -2,8 +2,8 @@
 
 #include "X11WindowManagerWatch.h"
 
+#include <FreeDesktop/UserNotifications.h>
 #include <Platform/MainLoop.h>
-#include <Platform/UserNotifications.h>
 
 #include <QString>
 
@@ -44,6 +44,10 @@ public:
     /// run; what is asked meanwhile waits with it.
     bool request();
 
+Q_SIGNALS:
+    /// `isTrusted()` has another answer than before.
+    void changed();
+
 private:
     void tell();
     void windowManagerChanged();
@@ -53,6 +57,7 @@ private:
     MainLoop& loop_;
     UserNotifications& notifications_;
     const bool isWaylandSession_;
+    bool wasTrusted_;
     /// Whether the one wait of this run has begun, however it ended.
     bool hasWaited_ = false;
     ScopedTimer wait_;

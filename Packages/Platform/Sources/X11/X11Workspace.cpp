@@ -11,23 +11,12 @@
 namespace tilewright {
 
 X11Workspace::X11Workspace(X11Connection& connection, X11ActiveWindow& activeWindow,
-                           const X11Compositor& compositor, const X11Trust& trust,
-                           FreeDesktopGuidance& guidance, const X11MotionWish& screenMotionWish,
-                           const FreeDesktopAppearance& sessionAppearance)
+                           const X11Trust& trust, FreeDesktopGuidance& guidance)
     : connection_(connection)
     , activeWindow_(activeWindow)
-    , compositor_(compositor)
     , trust_(trust)
-    , guidance_(guidance)
-    , screenMotionWish_(screenMotionWish)
-    , sessionAppearance_(sessionAppearance) {
+    , guidance_(guidance) {
     activeWindow_.onChange([this] { Q_EMIT activeWindowChanged(); });
-    connect(&screenMotionWish_, &X11MotionWish::changed, this, &X11Workspace::updateReducedMotion);
-    connect(&sessionAppearance_, &FreeDesktopAppearance::reducedMotionChanged, this,
-            &X11Workspace::updateReducedMotion);
-    connect(&sessionAppearance_, &FreeDesktopAppearance::darkChanged, this,
-            &X11Workspace::prefersDarkChanged);
-    updateReducedMotion();
 }
 
 std::optional<ProcessID> X11Workspace::frontmostApplication() const {
@@ -56,15 +45,6 @@ std::optional<QString> X11Workspace::localizedName(ProcessID process) const {
 
 void X11Workspace::openAccessibilitySettings() {
     guidance_.show(guidanceFor(trust_.lack()));
-}
-
-void X11Workspace::updateReducedMotion() {
-    const std::optional<bool> wish = combinedMotionWish(screenMotionWish_.prefersReducedMotion(),
-                                                        sessionAppearance_.prefersReducedMotion());
-    if (wish == reducedMotion_)
-        return;
-    reducedMotion_ = wish;
-    Q_EMIT prefersReducedMotionChanged();
 }
 
 void X11Workspace::showDesktopOf(xcb_window_t window) {

@@ -1,11 +1,8 @@
 #pragma once
 
 #include "X11ActiveWindow.h"
-#include "X11Compositor.h"
-#include "X11MotionWish.h"
 #include "X11Trust.h"
 
-#include <FreeDesktop/FreeDesktopAppearance.h>
 #include <FreeDesktop/FreeDesktopGuidance.h>
 #include <Platform/Workspace.h>
 
@@ -14,10 +11,8 @@ namespace tilewright {
 /// The applications as their windows tell of them.
 class X11Workspace final : public Workspace {
 public:
-    X11Workspace(X11Connection& connection, X11ActiveWindow& activeWindow,
-                 const X11Compositor& compositor, const X11Trust& trust,
-                 FreeDesktopGuidance& guidance, const X11MotionWish& screenMotionWish,
-                 const FreeDesktopAppearance& sessionAppearance);
+    X11Workspace(X11Connection& connection, X11ActiveWindow& activeWindow, const X11Trust& trust,
+                 FreeDesktopGuidance& guidance);
 
     std::optional<ProcessID> frontmostApplication() const override;
     /// The name that the process's windows give their application; else the process's own.
@@ -26,22 +21,14 @@ public:
     void openAccessibilitySettings() override;
     /// Brings the program's topmost window before the others.
     void activateThisApplication() override;
-    bool blendsWindows() const override { return compositor_.isRunning(); }
-    std::optional<bool> prefersReducedMotion() const override { return reducedMotion_; }
-    bool prefersDark() const override { return sessionAppearance_.prefersDark(); }
 
 private:
     void showDesktopOf(xcb_window_t window);
-    void updateReducedMotion();
 
     X11Connection& connection_;
     X11ActiveWindow& activeWindow_;
-    const X11Compositor& compositor_;
     const X11Trust& trust_;
     FreeDesktopGuidance& guidance_;
-    const X11MotionWish& screenMotionWish_;
-    const FreeDesktopAppearance& sessionAppearance_;
-    std::optional<bool> reducedMotion_;
 };
 
 } // namespace tilewright

@@ -1,7 +1,6 @@
 // The same for AppKit: the values and sizes that the backend relies on.
 
 #include <AppKit/AppKit.h>
-#include <UserNotifications/UserNotifications.h>
 
 #include <type_traits>
 
@@ -28,7 +27,6 @@ static_assert(std::is_same_v<NSWindowLevel, NSInteger>);
 
 static_assert(NSApplicationSupportDirectory == 14);
 static_assert(NSUserDomainMask == 1);
-static_assert(UNAuthorizationOptionAlert == 4);
 
 static_assert(std::is_same_v<NSPoint, CGPoint> && std::is_same_v<NSRect, CGRect>);
 static_assert(std::is_same_v<NSInteger, long> && std::is_same_v<NSUInteger, unsigned long>);

@@ -5,7 +5,6 @@
 #include <MacOS/MacApplicationSupport.h>
 #include <MacOS/MacPointer.h>
 #include <MacOS/MacUserDefaults.h>
-#include <MacOS/MacUserNotifications.h>
 
 #include <gtest/gtest.h>
 
@@ -226,10 +225,6 @@ void MacUserDefaults::setString(const QString& value, const QString& key) {
 
 std::optional<QString> MacApplicationSupport::folder() const {
     return FakeAppKit::current().applicationSupport.path();
-}
-
-void MacUserNotifications::show(const QString& title, const QString& text) {
-    FakeAppKit::current().notificationsShown.emplace_back(title, text);
 }
 
 } // namespace tilewright

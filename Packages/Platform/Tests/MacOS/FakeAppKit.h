@@ -71,7 +71,6 @@ public:
 
     std::map<QString, QString> defaults;
     QTemporaryDir applicationSupport;
-    std::vector<std::pair<QString, QString>> notificationsShown;
     /// The instances of the program that run.
     std::vector<appkit::RunningInstance> instances;
     struct Item {

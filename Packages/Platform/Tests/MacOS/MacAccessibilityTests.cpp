@@ -30,7 +30,8 @@ protected:
     }
 
     FakeMacSystem system;
-    MacAccessibility accessibility;
+    FakeMainLoop loop;
+    MacAccessibility accessibility{loop};
     const std::shared_ptr<MacNode> application = FakeMacSystem::makeElement("application");
     const std::shared_ptr<MacNode> window = FakeMacSystem::makeWindow("window");
 };

@@ -20,7 +20,7 @@ const QString otherUUID = u"5B1D3C5E-0A4B-4D8F-9C55-0D2B7C1E9A11"_s;
 
 class MacDisplays : public ::testing::Test {
 protected:
-    [[nodiscard]] const std::vector<ScreenPtr>& all() { return desktop.platform.screens().all(); }
+    [[nodiscard]] const std::vector<ScreenPtr>& all() { return desktop.platform.screens.all(); }
     [[nodiscard]] std::optional<DisplayIdentity> identity() {
         return displayIdentity(*all().front());
     }
@@ -48,7 +48,7 @@ protected:
 TEST_F(MacDisplays, LieInQtSpaceFromTheTopOfThePrimaryDisplay) {
     // The second one's top is 20 points below the first one's.
     appKit.screens = {makeFacts({0, 0, 1440, 900}, 1, 25), makeFacts({1440, -200, 1920, 1080}, 2)};
-    const MacScreens& screens = desktop.platform.screens();
+    const Screens& screens = desktop.platform.screens;
     const QtSpace first = screens.qtSpace(*all().at(0));
     const QtSpace second = screens.qtSpace(*all().at(1));
     // An item in the menu bar of each.
@@ -158,8 +158,8 @@ TEST_F(MacDisplays, AnnounceAChangeWithTheNewListInPlace) {
     appKit.screens = {makeFacts({0, 0, 1440, 900}, 1)};
     const ScreenPtr before = all().front();
     std::vector<ScreenPtr> seen;
-    QObject::connect(&desktop.platform.screens(), &Screens::screensChanged,
-                     &desktop.platform.screens(), [&] { seen = all(); });
+    QObject::connect(&desktop.platform.screens, &Screens::screensChanged, &desktop.platform.screens,
+                     [&] { seen = all(); });
     appKit.screens[0].frame.width = 1280;
     appKit.announce(appkit::Notification::screenParametersChanged);
     ASSERT_EQ(seen.size(), 1U);
@@ -175,13 +175,13 @@ TEST_F(MacDisplays, LeaveAListInUseAloneUntilTheLoopTurns) {
     EXPECT_EQ(all().size(), 1U);
     ASSERT_EQ(held.size(), 2U);
     EXPECT_EQ(held[1], second);
-    desktop.platform.mainLoop().runPosted();
+    desktop.platform.loop().runPosted();
     EXPECT_EQ(all().size(), 1U);
 }
 
 TEST_F(MacDisplays, HaveAMainOneWhichIsOneOfTheList) {
-    EXPECT_EQ(desktop.platform.screens().main(), nullptr);
+    EXPECT_EQ(desktop.platform.screens.main(), nullptr);
     appKit.screens = {makeFacts({0, 0, 1440, 900}, 1), makeFacts({1440, 0, 1440, 900}, 2)};
     appKit.mainScreen = 1;
-    EXPECT_EQ(desktop.platform.screens().main(), all()[1]);
+    EXPECT_EQ(desktop.platform.screens.main(), all()[1]);
 }

@@ -22,7 +22,6 @@ protected:
     FakeMacSystem system;
     FakeAppKit appKit;
     FakeMainLoop loop;
-    MacAccessibility accessibility;
     int handled = 0;
     EventMonitors::Handler count = [this](const Event&) { ++handled; };
 };
@@ -30,7 +29,8 @@ protected:
 } // namespace
 
 TEST_F(MacEventMonitorsTest, InstallOneMonitorOfTheKindAndMask) {
-    MacEventMonitors monitors(accessibility, loop);
+    const MacAccessibility accessibility(loop);
+    MacEventMonitors monitors(accessibility);
     ASSERT_TRUE(monitors.addGlobalMonitor(dragMask, count));
     ASSERT_EQ(appKit.monitors.size(), 1U);
     EXPECT_EQ(appKit.monitors.begin()->second.kind, MonitorKind::global);
@@ -44,14 +44,16 @@ TEST_F(MacEventMonitorsTest, InstallOneMonitorOfTheKindAndMask) {
 }
 
 TEST_F(MacEventMonitorsTest, AnswerNoneForAMonitorThatIsRefused) {
-    MacEventMonitors monitors(accessibility, loop);
+    const MacAccessibility accessibility(loop);
+    MacEventMonitors monitors(accessibility);
     appKit.refusesGlobalMonitors = true;
     EXPECT_EQ(monitors.addGlobalMonitor(dragMask, count), std::nullopt);
     EXPECT_TRUE(monitors.addLocalMonitor(dragMask, count));
 }
 
 TEST_F(MacEventMonitorsTest, RemoveAMonitorOnceAndIgnoreUnknownTokens) {
-    MacEventMonitors monitors(accessibility, loop);
+    const MacAccessibility accessibility(loop);
+    MacEventMonitors monitors(accessibility);
     const auto first = monitors.addGlobalMonitor(dragMask, count);
     const auto second = monitors.addGlobalMonitor(dragMask, count);
     EXPECT_NE(first, second);
@@ -63,7 +65,8 @@ TEST_F(MacEventMonitorsTest, RemoveAMonitorOnceAndIgnoreUnknownTokens) {
 }
 
 TEST_F(MacEventMonitorsTest, MayBeRemovedAndAddedFromWithinAHandler) {
-    MacEventMonitors monitors(accessibility, loop);
+    const MacAccessibility accessibility(loop);
+    MacEventMonitors monitors(accessibility);
     std::optional<MonitorToken> self;
     self = monitors.addGlobalMonitor(dragMask, [&](const Event&) {
         monitors.removeMonitor(*self);
@@ -77,7 +80,8 @@ TEST_F(MacEventMonitorsTest, MayBeRemovedAndAddedFromWithinAHandler) {
 
 TEST_F(MacEventMonitorsTest, InstallGlobalMonitorsAfreshOnceThePermissionIsGranted) {
     system.isTrusted = false;
-    MacEventMonitors monitors(accessibility, loop);
+    const MacAccessibility accessibility(loop);
+    MacEventMonitors monitors(accessibility);
     const auto global = monitors.addGlobalMonitor(dragMask, count);
     ASSERT_TRUE(monitors.addLocalMonitor(dragMask, count));
     announcePermission();
@@ -96,7 +100,8 @@ TEST_F(MacEventMonitorsTest, InstallGlobalMonitorsAfreshOnceThePermissionIsGrant
 
 TEST_F(MacEventMonitorsTest, LookAgainWhereThePermissionTakesItsTime) {
     system.isTrusted = false;
-    MacEventMonitors monitors(accessibility, loop);
+    const MacAccessibility accessibility(loop);
+    MacEventMonitors monitors(accessibility);
     ASSERT_TRUE(monitors.addGlobalMonitor(dragMask, count));
     announcePermission();
     loop.advance(250ms);
@@ -109,7 +114,8 @@ TEST_F(MacEventMonitorsTest, LookAgainWhereThePermissionTakesItsTime) {
 
 TEST_F(MacEventMonitorsTest, StopLookingWhenNothingComesOfTheAnnouncement) {
     system.isTrusted = false;
-    MacEventMonitors monitors(accessibility, loop);
+    const MacAccessibility accessibility(loop);
+    MacEventMonitors monitors(accessibility);
     ASSERT_TRUE(monitors.addGlobalMonitor(dragMask, count));
     announcePermission();
     announcePermission();
@@ -120,7 +126,8 @@ TEST_F(MacEventMonitorsTest, StopLookingWhenNothingComesOfTheAnnouncement) {
 }
 
 TEST_F(MacEventMonitorsTest, AreLeftAloneWhereThePermissionWasThereOrIsTakenAway) {
-    MacEventMonitors monitors(accessibility, loop);
+    const MacAccessibility accessibility(loop);
+    MacEventMonitors monitors(accessibility);
     ASSERT_TRUE(monitors.addGlobalMonitor(dragMask, count));
     announcePermission();
     loop.advance(10s);
@@ -138,7 +145,8 @@ TEST_F(MacEventMonitorsTest, AreLeftAloneWhereThePermissionWasThereOrIsTakenAway
 
 TEST_F(MacEventMonitorsTest, InstallAMonitorThatWasRefusedOnTheSecondTryAtTheNextGrant) {
     system.isTrusted = false;
-    MacEventMonitors monitors(accessibility, loop);
+    const MacAccessibility accessibility(loop);
+    MacEventMonitors monitors(accessibility);
     ASSERT_TRUE(monitors.addGlobalMonitor(dragMask, count));
     appKit.refusesGlobalMonitors = true;
     system.isTrusted = true;
@@ -158,7 +166,8 @@ TEST_F(MacEventMonitorsTest, InstallAMonitorThatWasRefusedOnTheSecondTryAtTheNex
 
 TEST_F(MacEventMonitorsTest, AreAllGoneAtTheEnd) {
     {
-        MacEventMonitors monitors(accessibility, loop);
+        const MacAccessibility accessibility(loop);
+        MacEventMonitors monitors(accessibility);
         ASSERT_TRUE(monitors.addGlobalMonitor(dragMask, count));
         announcePermission();
     }

@@ -39,11 +39,11 @@ TEST(MacPlatform, IsTheBackendOfAProgramBuiltForMacOS) {
     ASSERT_NE(backend.platform, nullptr);
     Platform& platform = *backend.platform;
     backend.appKit.mouse = {3, 4};
-    EXPECT_EQ(platform.pointer().location(), (AppKitPoint{3, 4}));
-    EXPECT_EQ(platform.screens().all().size(), 1U);
-    EXPECT_TRUE(platform.accessibility().isTrusted());
-    EXPECT_EQ(platform.applicationSupport().folder(), backend.appKit.applicationSupport.path());
-    EXPECT_TRUE(platform.workspace().blendsWindows());
+    EXPECT_EQ(platform.pointer.location(), (AppKitPoint{3, 4}));
+    EXPECT_EQ(platform.screens.all().size(), 1U);
+    EXPECT_TRUE(platform.accessibility.isTrusted());
+    EXPECT_EQ(platform.applicationSupport.folder(), backend.appKit.applicationSupport.path());
+    EXPECT_TRUE(platform.appearance.blendsWindows());
     EXPECT_FALSE(backend.appKit.statusItem);
     EXPECT_EQ(&platform.statusItem(), &platform.statusItem());
     EXPECT_TRUE(backend.appKit.statusItem);
@@ -52,14 +52,14 @@ TEST(MacPlatform, IsTheBackendOfAProgramBuiltForMacOS) {
 TEST(MacPlatform, AsksARunningInstanceForItsPanelInsteadOfStartingAnother) {
     OpenedBackend backend;
     backend.appKit.instances = {{getpid(), 20}, {getpid() + 1, 10}};
-    EXPECT_EQ(backend.platform->instanceActivation().claim(), InstanceActivation::Claim::another);
+    EXPECT_EQ(backend.platform->instanceActivation.claim(), InstanceActivation::Claim::another);
     EXPECT_EQ(backend.appKit.panelRequests, 1);
 }
 
 TEST(MacPlatform, CarriesTheWholeProgramFromItsStartToItsEnd) {
     OpenedBackend backend;
     backend.system.isTrusted = false;
-    ASSERT_EQ(backend.platform->instanceActivation().claim(), InstanceActivation::Claim::first);
+    ASSERT_EQ(backend.platform->instanceActivation.claim(), InstanceActivation::Claim::first);
     const Platform::Installation installation(*backend.platform);
     {
         TilewrightApp app;
@@ -80,10 +80,10 @@ TEST(MacPlatform, CarriesTheWholeProgramFromItsStartToItsEnd) {
             app.menuBarExtra().closePanel();
             app.settings().open();
             sawSettings = app.settings().window() && app.settings().window()->isVisible();
-            backend.platform->mainLoop().post([] { QApplication::exit(0); });
+            backend.platform->mainLoop.post([] { QApplication::exit(0); });
         };
         // After what the program itself posts when it starts to run.
-        backend.platform->mainLoop().post([&] { backend.platform->mainLoop().post(useIt); });
+        backend.platform->mainLoop.post([&] { backend.platform->mainLoop.post(useIt); });
         EXPECT_EQ(app.run(), 0);
         EXPECT_TRUE(sawMonitors);
         EXPECT_TRUE(sawPanel);

@@ -56,10 +56,10 @@ TEST_F(MacPowerAssertions, AreNeverHeldTwice) {
 
 TEST_F(MacPowerAssertions, AreHeldUntilATimedSessionHasCountedDown) {
     manager.activate(KeepAwakeSession::timed(900));
-    desktop.platform.mainLoop().advance(899s);
+    desktop.platform.loop().advance(899s);
     EXPECT_EQ(manager.remainingSeconds(), 1);
     EXPECT_EQ(system.assertions.size(), 1U);
-    desktop.platform.mainLoop().advance(1s);
+    desktop.platform.loop().advance(1s);
     EXPECT_FALSE(manager.isActive());
     EXPECT_TRUE(system.assertions.empty());
 }
@@ -70,7 +70,7 @@ TEST_F(MacPowerAssertions, LeaveTheManagerInactiveWhenTheyAreRefused) {
     EXPECT_FALSE(manager.isActive());
     EXPECT_EQ(manager.remainingSeconds(), 0);
     EXPECT_TRUE(system.releasedAssertions.empty());
-    EXPECT_EQ(desktop.platform.mainLoop().activeTimerCount(), 0U);
+    EXPECT_EQ(desktop.platform.loop().activeTimerCount(), 0U);
     EXPECT_TRUE(fakecf::live().empty());
 }
 
@@ -84,12 +84,12 @@ TEST_F(MacPowerAssertions, AreRefusedWhenTheirTextCannotBeMade) {
 TEST_F(MacPowerAssertions, AnswerTheSystemsStatusAndNoIdWhenRefused) {
     system.assertionStatus = -5;
     const auto result =
-        desktop.platform.powerAssertions().create(u"PreventUserIdleDisplaySleep"_s, 255, u"x"_s);
+        desktop.platform.powerAssertions.create(u"PreventUserIdleDisplaySleep"_s, 255, u"x"_s);
     EXPECT_EQ(result.status, -5);
     EXPECT_EQ(result.id, 0U);
 }
 
 TEST_F(MacPowerAssertions, OfAnUnknownIdAreReleasedWithoutHarm) {
-    desktop.platform.powerAssertions().release(99);
+    desktop.platform.powerAssertions.release(99);
     EXPECT_FALSE(manager.isActive());
 }

@@ -32,7 +32,7 @@ protected:
         const auto field = FakeMacSystem::makeElement("field");
         field->attributes["AXWindow"] = focused;
         system.systemWide->attributes["AXFocusedUIElement"] = field;
-        LayoutStore::shared().assign(ZoneLayout::halves(), *desktop.platform.screens().all()[1]);
+        LayoutStore::shared().assign(ZoneLayout::halves(), *desktop.platform.screens.all()[1]);
         SnapController::shared().start();
     }
 
@@ -138,8 +138,8 @@ TEST_F(MacSnap, LeavesNoAnimationBehindWhereNobodySeesIt) {
         EXPECT_TRUE(model().highlightedZoneID().has_value());
         release();
         EXPECT_FALSE(content->isVisible());
-        desktop.platform.mainLoop().runPosted();
-        EXPECT_EQ(desktop.platform.mainLoop().activeTimerCount(), 0U);
+        desktop.platform.loop().runPosted();
+        EXPECT_EQ(desktop.platform.loop().activeTimerCount(), 0U);
     }
 }
 
@@ -243,7 +243,7 @@ TEST_F(MacSnap, FollowsToTheDisplayThatIsLeftWhenOneIsUnpluggedDuringTheDrag) {
     dragTo(inLeftHalfOfSecond);
     appKit.screens.pop_back();
     appKit.announce(appkit::Notification::screenParametersChanged);
-    desktop.platform.mainLoop().runPosted();
+    desktop.platform.loop().runPosted();
     // AppKit moves the pointer too.
     dragTo(inFirst);
     EXPECT_EQ(overlay()->frame, (AppKitRect{0, 0, 1440, 900}));

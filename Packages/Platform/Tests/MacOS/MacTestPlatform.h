@@ -6,6 +6,7 @@
 #include <FakeMainLoop.h>
 #include <MacOS/IOKitPowerAssertions.h>
 #include <MacOS/MacAccessibility.h>
+#include <MacOS/MacAppearance.h>
 #include <MacOS/MacApplicationSupport.h>
 #include <MacOS/MacEventMonitors.h>
 #include <MacOS/MacInstanceActivation.h>
@@ -14,47 +15,58 @@
 #include <MacOS/MacScreens.h>
 #include <MacOS/MacStatusItem.h>
 #include <MacOS/MacUserDefaults.h>
-#include <MacOS/MacUserNotifications.h>
 #include <MacOS/MacWorkspace.h>
 
 namespace tilewright::testing {
 
 /// The macOS backend's adapters over the fakes of the system, in a loop whose time tests advance.
+struct MacTestParts {
+    FakeMainLoop loop;
+    MacScreens screens{loop};
+    MacPointer pointer;
+    MacAccessibility accessibility{loop};
+    MacEventMonitors eventMonitors{accessibility};
+    MacWorkspace workspace;
+    MacAppearance appearance;
+    IOKitPowerAssertions powerAssertions;
+    MacUserDefaults userDefaults;
+    MacApplicationSupport applicationSupport;
+    MacInstanceActivation instanceActivation;
+    std::unique_ptr<MacStatusItem> statusItem;
+};
+
+/// The same as a platform.
 class MacTestPlatform final : public Platform {
 public:
-    MacScreens& screens() override { return screens_; }
-    MacPointer& pointer() override { return pointer_; }
-    MacEventMonitors& eventMonitors() override { return eventMonitors_; }
-    MacAccessibility& accessibility() override { return accessibility_; }
-    MacWorkspace& workspace() override { return workspace_; }
-    IOKitPowerAssertions& powerAssertions() override { return powerAssertions_; }
-    MacUserDefaults& userDefaults() override { return userDefaults_; }
-    FakeMainLoop& mainLoop() override { return loop_; }
-    MacApplicationSupport& applicationSupport() override { return applicationSupport_; }
-    MacUserNotifications& userNotifications() override { return userNotifications_; }
-    MacInstanceActivation& instanceActivation() override { return instanceActivation_; }
+    MacTestPlatform()
+        : MacTestPlatform(std::make_unique<MacTestParts>()) {}
+
     MacStatusItem& statusItem() override {
-        if (!statusItem_)
-            statusItem_ = std::make_unique<MacStatusItem>();
-        return *statusItem_;
+        if (!parts_->statusItem)
+            parts_->statusItem = std::make_unique<MacStatusItem>();
+        return *parts_->statusItem;
     }
     std::unique_ptr<OverlaySurface> makeOverlaySurface(std::shared_ptr<OverlayView> view) override {
         return std::make_unique<MacOverlaySurface>(std::move(view));
     }
+    [[nodiscard]] FakeMainLoop& loop() { return parts_->loop; }
 
 private:
-    FakeMainLoop loop_;
-    MacScreens screens_{loop_};
-    MacPointer pointer_;
-    MacAccessibility accessibility_;
-    MacEventMonitors eventMonitors_{accessibility_, loop_};
-    MacWorkspace workspace_;
-    IOKitPowerAssertions powerAssertions_;
-    MacUserDefaults userDefaults_;
-    MacApplicationSupport applicationSupport_;
-    MacUserNotifications userNotifications_;
-    MacInstanceActivation instanceActivation_;
-    std::unique_ptr<MacStatusItem> statusItem_;
+    explicit MacTestPlatform(std::unique_ptr<MacTestParts> parts)
+        : Platform({.screens = parts->screens,
+                    .pointer = parts->pointer,
+                    .eventMonitors = parts->eventMonitors,
+                    .accessibility = parts->accessibility,
+                    .workspace = parts->workspace,
+                    .appearance = parts->appearance,
+                    .powerAssertions = parts->powerAssertions,
+                    .userDefaults = parts->userDefaults,
+                    .mainLoop = parts->loop,
+                    .applicationSupport = parts->applicationSupport,
+                    .instanceActivation = parts->instanceActivation})
+        , parts_(std::move(parts)) {}
+
+    std::unique_ptr<MacTestParts> parts_;
 };
 
 /// A display of AppKit's list; its visible frame is its frame less a bar at the top.

@@ -54,10 +54,10 @@ protected:
         return errorOf([&] { manager.snap(handle, rightHalf, *screen()); });
     }
 
-    [[nodiscard]] ScreenPtr screen() { return desktop.platform.screens().all().front(); }
+    [[nodiscard]] ScreenPtr screen() { return desktop.platform.screens.all().front(); }
     [[nodiscard]] AccessibilityElement handleOf(const std::shared_ptr<MacNode>& node) const {
         system.elementAt = [node](AXPoint) { return node; };
-        const auto element = desktop.platform.accessibility().elementAtPosition({});
+        const auto element = desktop.platform.accessibility.elementAtPosition({});
         system.elementAt = nullptr;
         system.calls.clear();
         return *element.value;
@@ -393,7 +393,7 @@ TEST_F(MacWindowManager, FindsTheScreenThatHoldsThePointer) {
         appKit.mouse = {x, y};
         return WindowManager::screenWithMouse();
     };
-    const auto all = desktop.platform.screens().all();
+    const auto all = desktop.platform.screens.all();
     EXPECT_EQ(at(0, 0), all[0]);
     EXPECT_EQ(at(1439.5, 899.5), all[0]);
     EXPECT_EQ(at(1440, 799), all[1]);

@@ -66,15 +66,15 @@ TEST_F(MacWorkspaceTest, OpensTheAccessibilityPaneOfTheSystemSettings) {
                                    u"?Privacy_Accessibility"_s});
 }
 
-TEST_F(MacWorkspaceTest, TellsOfTheWishForReducedMotionAndOfItsChange) {
-    const MacWorkspace workspace;
+TEST_F(MacWorkspaceTest, LeavesItToTheAppearanceToTellOfTheWishForReducedMotion) {
+    const MacAppearance appearance;
     int announced = 0;
-    QObject::connect(&workspace, &Workspace::prefersReducedMotionChanged, [&] { ++announced; });
-    EXPECT_EQ(workspace.prefersReducedMotion(), false);
+    QObject::connect(&appearance, &Appearance::prefersReducedMotionChanged, [&] { ++announced; });
+    EXPECT_EQ(appearance.prefersReducedMotion(), false);
     appKit.reducesMotion = true;
     appKit.announce(appkit::Notification::displayOptionsChanged);
     EXPECT_EQ(announced, 1);
-    EXPECT_EQ(workspace.prefersReducedMotion(), true);
+    EXPECT_EQ(appearance.prefersReducedMotion(), true);
 }
 
 TEST_F(MacWorkspaceTest, BringsThisApplicationForwardWhenAsked) {

@@ -32,7 +32,7 @@ constexpr int longestMenuName = 48;
 
 LayoutEditorView::LayoutEditorView(QWidget* parent)
     : QWidget(parent)
-    , model_(LayoutStore::shared(), Platform::current().mainLoop()) {
+    , model_(LayoutStore::shared(), Platform::current().mainLoop) {
     // In the order in which Tab is to reach them.
     makeHeader();
     canvas_ = new LayoutEditorCanvas(model_, this);

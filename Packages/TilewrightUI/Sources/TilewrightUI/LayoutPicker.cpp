@@ -56,7 +56,7 @@ LayoutPicker::LayoutPicker(QWidget* parent)
     column->addLayout(grid_);
 
     refresh_.observe(LayoutStore::shared());
-    connect(&Platform::current().screens(), &Screens::screensChanged, this,
+    connect(&Platform::current().screens, &Screens::screensChanged, this,
             &LayoutPicker::refreshDisplays);
     refreshDisplays();
 }
@@ -92,7 +92,7 @@ ZoneLayout LayoutPicker::currentLayout() const {
 
 void LayoutPicker::refreshDisplays() {
     displays_.clear();
-    for (const ScreenPtr& screen : Platform::current().screens().all()) {
+    for (const ScreenPtr& screen : Platform::current().screens.all()) {
         if (const auto identity = displayIdentity(*screen))
             displays_.push_back({identity->key, identity->localizedName, screen});
     }

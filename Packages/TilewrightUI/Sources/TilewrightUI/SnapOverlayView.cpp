@@ -108,7 +108,7 @@ SnapOverlayView::Change SnapOverlayView::synchronize(Transition transition) {
     Change change;
     if (replaceTiles())
         change = {rect(), true};
-    const MainLoop::Interval now = Platform::current().mainLoop().now();
+    const MainLoop::Interval now = Platform::current().mainLoop.now();
     for (OverlayTile& tile : tiles_) {
         const bool highlighted = tile.zoneID() == model_.highlightedZoneID();
         changeFade(tile, change, [&](HighlightFade& fade) {
@@ -160,12 +160,12 @@ void SnapOverlayView::runFramesWhileFading() {
     if (!fades)
         frames_.reset();
     else if (!frames_.isActive())
-        frames_ = ScopedTimer(Platform::current().mainLoop().scheduleRepeating(
+        frames_ = ScopedTimer(Platform::current().mainLoop.scheduleRepeating(
             HighlightFade::frame, [this] { advanceFades(); }));
 }
 
 void SnapOverlayView::advanceFades() {
-    const MainLoop::Interval now = Platform::current().mainLoop().now();
+    const MainLoop::Interval now = Platform::current().mainLoop.now();
     Change change;
     for (OverlayTile& tile : tiles_)
         changeFade(tile, change, [now](HighlightFade& fade) { fade.advance(now); });

@@ -51,7 +51,7 @@ void SpringAnimation::animateTo(double target) {
     target_ = target;
     if (isRunning())
         return;
-    MainLoop& loop = Platform::current().mainLoop();
+    MainLoop& loop = Platform::current().mainLoop;
     lastStep_ = loop.now();
     timer_ = ScopedTimer(loop.scheduleRepeating(frame, [this] { step(); }));
 }
@@ -64,7 +64,7 @@ void SpringAnimation::jumpTo(double value) {
 }
 
 void SpringAnimation::step() {
-    const MainLoop::Interval now = Platform::current().mainLoop().now();
+    const MainLoop::Interval now = Platform::current().mainLoop.now();
     const std::chrono::duration<double> elapsed = now - lastStep_;
     lastStep_ = now;
     state_ = spring_.advanced(state_, target_, elapsed.count());

@@ -9,7 +9,7 @@ namespace tilewright {
 namespace {
 
 double referenceHeight(const Screen& screen) {
-    const auto& screens = Platform::current().screens().all();
+    const auto& screens = Platform::current().screens.all();
     return screens.empty() ? screen.frame().height : screens.front()->frame().height;
 }
 

@@ -20,7 +20,7 @@ namespace {
 constexpr const char* thisFile = "LayoutStore";
 
 QString defaultFile() {
-    const std::optional<QString> support = Platform::current().applicationSupport().folder();
+    const std::optional<QString> support = Platform::current().applicationSupport.folder();
     if (!support)
         qFatal("%s: the platform reports no application support folder", thisFile);
     const QDir folder(*support + u"/Tilewright"_s);

@@ -24,11 +24,11 @@ WindowManager& WindowManager::shared() {
 }
 
 bool WindowManager::isAccessibilityGranted() const {
-    return Platform::current().accessibility().isTrusted();
+    return Platform::current().accessibility.isTrusted();
 }
 
 bool WindowManager::requestAccessibilityPermission() {
-    return Platform::current().accessibility().requestTrust();
+    return Platform::current().accessibility.requestTrust();
 }
 
 void WindowManager::moveFocusedWindow(const ZoneRect& rect) {
@@ -40,7 +40,7 @@ void WindowManager::moveFocusedWindow(const ZoneRect& rect) {
 void WindowManager::snapFocusedWindow(const Zone& zone, const ScreenPtr& screen) {
     ScreenPtr target = screen ? screen : screenWithMouse();
     if (!target)
-        target = Platform::current().screens().main();
+        target = Platform::current().screens.main();
     if (!target)
         throw WindowManagerError::noScreen();
     const ZoneRect rect = zone.axRect(*target);
@@ -51,10 +51,10 @@ void WindowManager::snapFocusedWindow(const Zone& zone, const ScreenPtr& screen)
 
 std::optional<AccessibilityElement>
 WindowManager::windowElementAtScreenPoint(AppKitPoint point) const {
-    const auto& screens = Platform::current().screens().all();
+    const auto& screens = Platform::current().screens.all();
     const double height = screens.empty() ? 0 : screens.front()->frame().height;
     const auto element =
-        Platform::current().accessibility().elementAtPosition({point.x, height - point.y});
+        Platform::current().accessibility.elementAtPosition({point.x, height - point.y});
     return element.value ? enclosingWindow(*element.value) : std::nullopt;
 }
 
@@ -66,16 +66,11 @@ void WindowManager::snap(const AccessibilityElement& window, const Zone& zone,
 }
 
 ScreenPtr WindowManager::screenWithMouse() {
-    const AppKitPoint mouse = Platform::current().pointer().location();
-    for (const ScreenPtr& screen : Platform::current().screens().all()) {
-        if (screen->frame().contains(mouse))
-            return screen;
-    }
-    return nullptr;
+    return Platform::current().screens.at(Platform::current().pointer.location());
 }
 
 AccessibilityElement WindowManager::resolveFocusedWindow() const {
-    auto& accessibility = Platform::current().accessibility();
+    auto& accessibility = Platform::current().accessibility;
     const auto focused = accessibility.systemWideElement().element(AXAttribute::focusedUIElement);
     if (focused.value) {
         // The window attribute before the role: the other way round than in enclosingWindow.
@@ -84,7 +79,7 @@ AccessibilityElement WindowManager::resolveFocusedWindow() const {
         if (isWindow(*focused.value))
             return *focused.value;
     }
-    const auto frontmost = Platform::current().workspace().frontmostApplication();
+    const auto frontmost = Platform::current().workspace.frontmostApplication();
     if (!frontmost)
         throw WindowManagerError::noFrontmostApp();
     const auto window =
@@ -95,7 +90,7 @@ AccessibilityElement WindowManager::resolveFocusedWindow() const {
 }
 
 void WindowManager::setFrame(const AccessibilityElement& window, const ZoneRect& rect) {
-    auto& accessibility = Platform::current().accessibility();
+    auto& accessibility = Platform::current().accessibility;
     const auto position = accessibility.makeValue(AXPoint{rect.x, rect.y});
     if (!position)
         throw WindowManagerError::axValueCreationFailed();
@@ -132,7 +127,7 @@ WindowManager::enclosingWindow(const AccessibilityElement& element) const {
 QString WindowManager::describe(const AccessibilityElement& window) const {
     ProcessID process = 0;
     window.processID(process);
-    const QString name = Platform::current().workspace().localizedName(process).value_or(
+    const QString name = Platform::current().workspace.localizedName(process).value_or(
         u"pid "_s + QString::number(process));
     const QString role = textOf(window, AXAttribute::role);
     const QString subrole = textOf(window, AXAttribute::subrole);
