@@ -21,7 +21,7 @@ public:
     MacTestPlatform& platform() override { return desktop_.platform; }
     bool waitUntil(const std::function<bool()>& condition) override {
         for (int turns = 0; turns < 1000 && !condition(); ++turns)
-            desktop_.platform.mainLoop.advance(std::chrono::milliseconds(1));
+            desktop_.platform.loop().advance(std::chrono::milliseconds(1));
         return condition();
     }
 

@@ -1,7 +1,8 @@
 // Whether windows can be moved here, and how the user is told where they cannot: on a server whose
 // window manager is the test itself.
 
-#include <FakePlatform.h>
+#include <FakeMainLoop.h>
+#include <FakeUserNotifications.h>
 #include <Waiting.h>
 #include <X11/X11EventMonitors.h>
 #include <X11/X11Properties.h>

@@ -1,6 +1,7 @@
 #include "Displays.h"
 
 #include <FakePlatform.h>
+#include <FakeUserNotifications.h>
 #include <Waiting.h>
 
 #include <Platform/QtMainLoop.h>

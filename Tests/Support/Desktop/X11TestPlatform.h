@@ -1,19 +1,12 @@
 #pragma once
 
+#include "FakeUserNotifications.h"
+
 #include <FakePlatform.h>
 #include <Platform/QtMainLoop.h>
 #include <X11/X11Desktop.h>
 
 namespace tilewright::testing {
-
-/// Messages to the user, kept.
-class FakeUserNotifications final : public UserNotifications {
-public:
-    void show(const QString& title, const QString& text) override {
-        shown.emplace_back(title, text);
-    }
-    std::vector<std::pair<QString, QString>> shown;
-};
 
 /// The program's real view of an X server's displays and windows; whatever else a desktop has is
 /// faked.

@@ -30,6 +30,7 @@ protected:
     }
 
     FakeMacSystem system;
+    FakeAppKit appKit;
     FakeMainLoop loop;
     MacAccessibility accessibility{loop};
     const std::shared_ptr<MacNode> application = FakeMacSystem::makeElement("application");
