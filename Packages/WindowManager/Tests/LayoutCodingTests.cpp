@@ -301,8 +301,9 @@ TEST(LayoutCoding, ReadsEveryEscapeThatJSONHas) {
 TEST(LayoutCoding, RefusesStringsThatAreNone) {
     for (const QByteArray& text :
          {QByteArray("\"a\nb\""), QByteArray("\"a\tb\""), QByteArray("\"a\0b\"", 5),
-          QByteArray("\"\\q\""), QByteArray("\"\\u12\""), QByteArray("\"\\u12G4\""),
-          QByteArray("\"\\"), QByteArray("\"a"), QByteArray("'a'"), QByteArray("a")})
+          QByteArray("\"\\q\""), QByteArray("\"\\v\""), QByteArray("\"\x1F\""),
+          QByteArray("\"\\u12\""), QByteArray("\"\\u12G4\""), QByteArray("\"\\"), QByteArray("\"a"),
+          QByteArray("'a'"), QByteArray("a")})
         EXPECT_EQ(decodedZone(text), std::nullopt) << text.constData();
 }
 
