@@ -1,3 +1,4 @@
+#include "ActiveWindow.h"
 #include "SnapFixture.h"
 
 #include <Tilewright/AccessibilitySettingsView.h>
@@ -99,7 +100,7 @@ TEST_F(SettingsViewTest, KeepsItsContentWhenTheTabChanges) {
 TEST_F(SettingsViewTest, ChangesTheTabByPointerAndKeyboard) {
     SettingsView view;
     view.show();
-    QApplication::setActiveWindow(&view);
+    makeActive(view);
     auto* bar = view.findChild<SymbolTabBar*>();
     QTest::mouseClick(bar, Qt::LeftButton, {}, bar->tabRect(2).center());
     EXPECT_EQ(view.selection(), Tab::general);
@@ -114,7 +115,7 @@ TEST_F(SettingsViewTest, ChangesTheTabByPointerAndKeyboard) {
 TEST_F(SettingsViewTest, TurnsItsTabsByTheUsualKeysFromWhereverTheFocusIs) {
     SettingsView view;
     view.show();
-    QApplication::setActiveWindow(&view);
+    makeActive(view);
     for (const Tab tab : {Tab::manage, Tab::general, Tab::accessibility, Tab::layouts}) {
         QTest::keyClick(&view, Qt::Key_Tab, Qt::ControlModifier);
         EXPECT_EQ(view.selection(), tab);
@@ -126,7 +127,7 @@ TEST_F(SettingsViewTest, TurnsItsTabsByTheUsualKeysFromWhereverTheFocusIs) {
 TEST_F(SettingsViewTest, ShowsTheFocusOfItsTabsToThoseWhoUseTheKeyboard) {
     SettingsView view;
     view.show();
-    QApplication::setActiveWindow(&view);
+    makeActive(view);
     auto* bar = view.findChild<SymbolTabBar*>();
     bar->setFocus(Qt::ActiveWindowFocusReason);
     ASSERT_TRUE(bar->hasFocus());

@@ -3,6 +3,7 @@
 
 #include <QCoreApplication>
 #include <QSignalSpy>
+#include <cerrno>
 #include <csignal>
 #include <gtest/gtest.h>
 
@@ -31,6 +32,17 @@ TEST(TerminationSignals, TurnsEachSignalIntoACallFromTheEventLoop) {
         EXPECT_EQ(requested.size(), expected) << "within the signal's handler";
         ++expected;
         EXPECT_TRUE(waitUntil([&] { return requested.size() == expected; }));
+    }
+}
+
+TEST(TerminationSignals, LeaveTheErrorOfTheCallThatTheyInterruptAsItWas) {
+    const TerminationSignals termination;
+    // Before so many are raised, nothing more can be written down for the event loop.
+    for (int i = 0; i < 100'000; ++i) {
+        errno = EDOM;
+        const int result = std::raise(SIGHUP);
+        ASSERT_EQ(errno, EDOM) << "after " << i << " signals";
+        ASSERT_EQ(result, 0);
     }
 }
 

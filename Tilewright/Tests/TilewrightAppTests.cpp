@@ -110,25 +110,31 @@ TEST_F(TilewrightAppTest, EndsInTheSameOrderOnEachTerminationSignal) {
     }
 }
 
-TEST_F(TilewrightAppTest, ClosesItsPanelWhenItEnds) {
+TEST_F(TilewrightAppTest, ClosesItsPanelWhenASignalEndsIt) {
     run([this](TilewrightApp& app) {
         platform.fakeStatusItem.click(AppKitRect{400, 876, 24, 24});
         EXPECT_TRUE(waitUntil([&] { return app.menuBarExtra().panel().isVisible(); }));
         QObject::connect(qApp, &QCoreApplication::aboutToQuit, &app,
                          [&app] { EXPECT_FALSE(app.menuBarExtra().panel().isVisible()); });
-        quit();
+        // Quitting closes every window by itself; a signal's way out does not.
+        EXPECT_EQ(std::raise(SIGTERM), 0);
     });
 }
 
 TEST_F(TilewrightAppTest, GoesOnWhenItsLastWindowCloses) {
-    run([this](TilewrightApp& app) {
-        app.settings().open();
-        const QPointer<SettingsWindow> window = app.settings().window();
-        window->close();
-        EXPECT_TRUE(waitUntil([&] { return window.isNull(); }));
-        EXPECT_FALSE(platform.fakeEventMonitors.monitors.empty());
-        quit();
-    });
+    constexpr int endedLater = 7;
+    // As every application starts out; the test program says otherwise for all its tests.
+    QApplication::setQuitOnLastWindowClosed(true);
+    EXPECT_EQ(run([this](TilewrightApp& app) {
+                  app.settings().open();
+                  const QPointer<SettingsWindow> window = app.settings().window();
+                  window->close();
+                  EXPECT_TRUE(waitUntil([&] { return window.isNull(); }));
+                  EXPECT_FALSE(platform.fakeEventMonitors.monitors.empty());
+                  loop.post([] { QCoreApplication::exit(endedLater); });
+              }),
+              endedLater);
+    QApplication::setQuitOnLastWindowClosed(false);
 }
 
 TEST_F(TilewrightAppTest, FollowsTheDesktopsWishForDarkColours) {

@@ -260,6 +260,17 @@ TEST_F(KeepAwakeManagerTest, ATickPostedBeforeTheSessionEndedLeavesItInactive) {
     EXPECT_THAT(power.releases, ElementsAre(1U));
 }
 
+TEST_F(KeepAwakeManagerTest, ATickPostedBeforeTheSessionEndedCountsAllTheSame) {
+    manager.activate(quarter);
+    loop.fireRepeatingTimersOnce();
+    manager.deactivate();
+    observe();
+    loop.runPosted();
+    // The count itself, then the three of ending what no longer runs.
+    EXPECT_THAT(seen, ElementsAre(Seen{false, false, 0}, Seen{false, false, -1},
+                                  Seen{false, false, -1}, Seen{false, false, -1}));
+}
+
 TEST(KeepAwakeManagerTeardown, NeitherInvalidatesTheTimerNorReleasesTheAssertion) {
     FakePlatform platform;
     {

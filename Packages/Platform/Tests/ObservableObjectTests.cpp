@@ -66,3 +66,20 @@ TEST(Refresh, OutlivesTheObservedObject) {
     desktop.platform.fakeMainLoop.runPosted();
     EXPECT_EQ(calls, 1);
 }
+
+TEST(Refresh, ComesAgainForAChangeThatItsOwnCallMakes) {
+    FakeDesktop desktop;
+    Model model;
+    std::vector<int> seen;
+    Refresh refresh([&] {
+        seen.push_back(model.value.value());
+        if (model.value.value() == 2)
+            model.value = 3;
+    });
+    refresh.observe(model);
+    model.value = 2;
+    desktop.platform.fakeMainLoop.runPosted();
+    desktop.platform.fakeMainLoop.runPosted();
+    EXPECT_EQ(seen, (std::vector{2, 3}));
+    EXPECT_EQ(desktop.platform.fakeMainLoop.postedCount(), 0U);
+}

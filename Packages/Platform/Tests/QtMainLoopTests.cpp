@@ -1,7 +1,9 @@
 #include <Platform/QtMainLoop.h>
 
+#include <QAbstractEventDispatcher>
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QThread>
 #include <gtest/gtest.h>
 #include <optional>
 
@@ -18,6 +20,31 @@ bool waitFor(Condition condition) {
         QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 50);
     return condition();
 }
+
+/// Notes the timers that a thread asks the system for, and lets none of them fire.
+class TimerList final : public QAbstractEventDispatcher {
+public:
+    using Entry = std::pair<qint64, Qt::TimerType>;
+    explicit TimerList(std::vector<Entry>& entries)
+        : entries_(entries) {}
+
+    void registerTimer(int /*id*/, qint64 interval, Qt::TimerType type,
+                       QObject* /*object*/) override {
+        entries_.emplace_back(interval, type);
+    }
+    bool unregisterTimer(int /*id*/) override { return true; }
+    bool unregisterTimers(QObject* /*object*/) override { return true; }
+    QList<TimerInfo> registeredTimers(QObject* /*object*/) const override { return {}; }
+    int remainingTime(int /*id*/) override { return -1; }
+    bool processEvents(QEventLoop::ProcessEventsFlags /*flags*/) override { return false; }
+    void registerSocketNotifier(QSocketNotifier* /*notifier*/) override {}
+    void unregisterSocketNotifier(QSocketNotifier* /*notifier*/) override {}
+    void wakeUp() override {}
+    void interrupt() override {}
+
+private:
+    std::vector<Entry>& entries_;
+};
 } // namespace
 
 TEST(QtMainLoop, RunsPostedTasksLaterAndInOrder) {
@@ -101,4 +128,49 @@ TEST(QtMainLoop, KnowsHowMuchTimeHasPassedAtATimersFiring) {
     EXPECT_TRUE(waitFor([&] { return fired.has_value(); }));
     // A timer and the clock may round the same moment to neighbouring milliseconds.
     EXPECT_GE(*fired - start, 29ms);
+}
+
+TEST(QtMainLoop, FiresOnceAlsoWhereItsTaskTurnsTheLoop) {
+    QtMainLoop loop;
+    int fired = 0;
+    bool passed = false;
+    const auto timer = loop.scheduleOnce(1ms, [&] {
+        ++fired;
+        loop.scheduleOnce(20ms, [&] { passed = true; });
+        EXPECT_TRUE(waitFor([&] { return passed; }));
+    });
+    EXPECT_TRUE(waitFor([&] { return passed; }));
+    EXPECT_EQ(fired, 1);
+    EXPECT_FALSE(timer->isValid());
+}
+
+TEST(QtMainLoop, AsksForTimersThatNeverFireEarlyToSaveWakeUps) {
+    std::vector<TimerList::Entry> entries;
+    QThread thread;
+    thread.setEventDispatcher(new TimerList(entries));
+    QObject::connect(
+        &thread, &QThread::started, &thread,
+        [] {
+            QtMainLoop loop;
+            loop.scheduleOnce(1800ms, [] {});
+            loop.scheduleRepeating(1s, [] {});
+            QThread::currentThread()->quit();
+        },
+        Qt::DirectConnection);
+    thread.start();
+    ASSERT_TRUE(thread.wait(10'000));
+    EXPECT_EQ(entries,
+              (std::vector<TimerList::Entry>{{1800, Qt::PreciseTimer}, {1000, Qt::PreciseTimer}}));
+}
+
+TEST(QtMainLoop, TellsTheTimeByAClockThatNobodySets) {
+    const QtMainLoop loop;
+    const auto steady = [] {
+        return std::chrono::duration_cast<MainLoop::Interval>(
+            std::chrono::steady_clock::now().time_since_epoch());
+    };
+    const MainLoop::Interval before = steady();
+    const MainLoop::Interval now = loop.now();
+    EXPECT_GE(now, before);
+    EXPECT_LE(now, steady());
 }

@@ -56,3 +56,8 @@ TEST(PlatformDeathTest, UsingNoPlatformIsFatal) {
     EXPECT_DEATH((void)Platform::current(), "no platform is installed");
     EXPECT_DEATH((void)SharedInstance<First>::get(), "no platform is installed");
 }
+
+TEST(PlatformDeathTest, InstallingASecondPlatformIsFatal) {
+    FakeDesktop desktop;
+    EXPECT_DEATH(FakeDesktop(), "a platform is installed already");
+}

@@ -5,6 +5,7 @@
 #include <TilewrightUI/TextLabel.h>
 #include <TilewrightUI/ToggleSwitch.h>
 
+#include "ActiveWindow.h"
 #include "FakePlatform.h"
 
 #include <QAbstractItemView>
@@ -61,7 +62,7 @@ TEST_F(Controls, ShowTheFocusToThoseWhoUseTheKeyboard) {
     auto* second = new GlassButton(QStringLiteral("Quit"), GlassButton::Kind::bordered, &window);
     second->move(0, 60);
     window.show();
-    QApplication::setActiveWindow(&window);
+    makeActive(window);
     QTest::mouseClick(second, Qt::LeftButton);
     second->setFocus(Qt::MouseFocusReason);
     ASSERT_TRUE(second->hasFocus());
@@ -166,7 +167,7 @@ TEST_F(Controls, AButtonsFocusCanBeSeen) {
         button.resize(button.sizeHint());
         GlassButton other(QStringLiteral("Other"), kind, &window);
         window.show();
-        QApplication::setActiveWindow(&window);
+        makeActive(window);
         other.setFocus();
         const QImage without = button.grab().toImage();
         button.setFocus();

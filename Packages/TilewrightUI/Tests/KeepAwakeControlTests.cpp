@@ -211,6 +211,24 @@ TEST_F(KeepAwakeControlTest, TheSwitchEndsATimedSessionAndThenStartsAnIndefinite
     EXPECT_EQ(manager.session(), indefinite);
 }
 
+TEST_F(KeepAwakeControlTest, TheSwitchStartsAnIndefiniteSessionOverATimedOneThatItDoesNotShowYet) {
+    Shown shown;
+    QTest::mouseClick(buttons(shown.control)[1], Qt::LeftButton);
+    ASSERT_FALSE(toggle(shown.control).isOn());
+    QTest::mouseClick(&toggle(shown.control), Qt::LeftButton);
+    EXPECT_EQ(manager.session(), indefinite);
+}
+
+TEST_F(KeepAwakeControlTest, WritesItsTitleAsAHeadlineAndItsStatusAsASecondaryCaption) {
+    const Shown shown;
+    const auto labels = shown.control.findChildren<TextLabel*>();
+    ASSERT_EQ(labels.size(), 2);
+    EXPECT_EQ(labels[0]->style(), look::TextStyle::headline);
+    EXPECT_EQ(labels[0]->importance(), TextLabel::Importance::primary);
+    EXPECT_EQ(labels[1]->style(), look::TextStyle::caption);
+    EXPECT_EQ(labels[1]->importance(), TextLabel::Importance::secondary);
+}
+
 TEST_F(KeepAwakeControlTest, AFailureLeavesTheControlAsItWas) {
     power.failure = 5;
     Shown shown;

@@ -1,3 +1,4 @@
+#include "ActiveWindow.h"
 #include "ViewFixture.h"
 
 #include <TilewrightUI/LayoutThumbnail.h>
@@ -116,7 +117,7 @@ TEST_F(LayoutDrawing, AThumbnailsZonesAreReachedAndUsedByKeyboard) {
                               [&](const Zone& zone) { chosen.push_back(zone.name); });
     thumbnail.resize(144, 90);
     thumbnail.show();
-    QApplication::setActiveWindow(&thumbnail);
+    makeActive(thumbnail);
     thumbnail.zoneButtons().front()->setFocus();
     const QImage first = picture(thumbnail, 1);
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);

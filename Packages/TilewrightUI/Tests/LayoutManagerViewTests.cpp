@@ -1,3 +1,4 @@
+#include "ActiveWindow.h"
 #include "ViewFixture.h"
 
 #include <TilewrightUI/AdaptiveGridLayout.h>
@@ -352,7 +353,7 @@ TEST_F(LayoutManager, ShowsADeleteButtonThatHasTheFocus) {
         add(QStringLiteral("Layout %1").arg(i));
     LayoutManagerView view;
     layOut(view);
-    QApplication::setActiveWindow(&view);
+    makeActive(view);
     view.customCards()[0]->deleteButton()->setFocus();
     for (int i = 1; i < 12; ++i)
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);

@@ -1,3 +1,4 @@
+#include "ActiveWindow.h"
 #include "ViewFixture.h"
 
 #include <TilewrightUI/LayoutCard.h>
@@ -264,7 +265,7 @@ TEST_F(LayoutPickerView, TheContextMenuOpensByKeyboardToo) {
 TEST_F(LayoutPickerView, CardsAreReachedByArrowsAndUsedByEnterAndSpace) {
     LayoutPicker picker;
     picker.show();
-    QApplication::setActiveWindow(&picker);
+    makeActive(picker);
     const auto press = [](Qt::Key key) { QTest::keyClick(QApplication::focusWidget(), key); };
     picker.cards()[0]->setFocus();
     press(Qt::Key_Right);
@@ -288,7 +289,7 @@ TEST_F(LayoutPickerView, CardsAreReachedByArrowsAndUsedByEnterAndSpace) {
 TEST_F(LayoutPickerView, EveryControlIsReachedByTab) {
     LayoutPicker picker;
     picker.show();
-    QApplication::setActiveWindow(&picker);
+    makeActive(picker);
     popUp(picker)->setFocus();
     std::set<const QWidget*> reached;
     for (int i = 0; i < 20; ++i) {

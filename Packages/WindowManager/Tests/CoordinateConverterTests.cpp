@@ -69,3 +69,12 @@ TEST(CoordinateConverter, DoesNotRound) {
     EXPECT_EQ(CoordinateConverter::appKitToAX({0.125, 0.25, 0.5, 0.375}, *screen),
               (ZoneRect{0.125, 899.375, 0.5, 0.375}));
 }
+
+TEST(CoordinateConverter, AddsPlaceAndHeightBeforeItSubtractsThem) {
+    FakeDesktop desktop;
+    const auto screen = makeScreen({.frame = {0, 0, 1920, 1080}});
+    desktop.platform.fakeScreens.setScreens({screen});
+    // 632.0999999999999 in any other order.
+    EXPECT_EQ(CoordinateConverter::appKitToAX({0, 41.7, 0, 406.2}, *screen).y, 632.1);
+    EXPECT_EQ(CoordinateConverter::axToAppKit({0, 41.7, 0, 406.2}, *screen).y, 632.1);
+}

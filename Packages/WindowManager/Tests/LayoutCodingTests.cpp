@@ -2,6 +2,7 @@
 
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QJsonObject>
 #include <cmath>
 #include <gtest/gtest.h>
 #include <limits>
@@ -33,6 +34,15 @@ Zone sampleZone() {
 
 ZoneLayout sampleZoneLayout() {
     return {QUuid::fromString(otherID), u"Mine"_s, u"square"_s, false, {sampleZone()}};
+}
+
+QByteArray bytesOf(const QJsonObject& object) {
+    return QJsonDocument(object).toJson();
+}
+
+/// What another reader makes of what was written.
+QJsonObject objectOf(const std::optional<QByteArray>& written) {
+    return QJsonDocument::fromJson(written.value_or(QByteArray())).object();
 }
 
 /// A document with one layout, whose text may be given in part.
@@ -67,17 +77,17 @@ const double infinity = std::numeric_limits<double>::infinity();
 } // namespace
 
 TEST(LayoutCoding, WritesTheObjectsKeyByKey) {
-    EXPECT_EQ(LayoutCoding::encode(sampleZone()), zoneObject());
-    EXPECT_EQ(LayoutCoding::encode(sampleZoneLayout()), layoutObject());
-    EXPECT_EQ(LayoutCoding::encode(ZoneRect{1, 2.5, 3, -4}),
+    EXPECT_EQ(objectOf(LayoutCoding::encode(sampleZone())), zoneObject());
+    EXPECT_EQ(objectOf(LayoutCoding::encode(sampleZoneLayout())), layoutObject());
+    EXPECT_EQ(objectOf(LayoutCoding::encode(ZoneRect{1, 2.5, 3, -4})),
               (QJsonObject{{u"x"_s, 1}, {u"y"_s, 2.5}, {u"width"_s, 3}, {u"height"_s, -4}}));
 }
 
 TEST(LayoutCoding, ReadsTheObjectsKeyByKey) {
-    EXPECT_EQ(LayoutCoding::decodeZone(zoneObject()), sampleZone());
-    EXPECT_EQ(LayoutCoding::decodeZoneLayout(layoutObject()), sampleZoneLayout());
+    EXPECT_EQ(LayoutCoding::decodeZone(bytesOf(zoneObject())), sampleZone());
+    EXPECT_EQ(LayoutCoding::decodeZoneLayout(bytesOf(layoutObject())), sampleZoneLayout());
     EXPECT_EQ(LayoutCoding::decodeZoneRect(
-                  QJsonObject{{u"x"_s, 1}, {u"y"_s, 2.5}, {u"width"_s, 3}, {u"height"_s, -4}}),
+                  bytesOf({{u"x"_s, 1}, {u"y"_s, 2.5}, {u"width"_s, 3}, {u"height"_s, -4}})),
               (ZoneRect{1, 2.5, 3, -4}));
 }
 
@@ -97,20 +107,20 @@ TEST(LayoutCoding, WritesCompactUTF8) {
 
 TEST(LayoutCoding, WritesUUIDsInUpperCaseAndReadsLowerCaseToo) {
     const Zone zone{QUuid::fromString(id.toLower()), u"z"_s, 0, 0, 1, 1};
-    EXPECT_EQ((*LayoutCoding::encode(zone))[u"id"].toString(), id);
+    EXPECT_EQ(objectOf(LayoutCoding::encode(zone))[u"id"].toString(), id);
     QJsonObject object = zoneObject();
     object[u"id"] = id.toLower();
-    EXPECT_EQ(LayoutCoding::decodeZone(object), sampleZone());
+    EXPECT_EQ(LayoutCoding::decodeZone(bytesOf(object)), sampleZone());
     EXPECT_TRUE(decodes(document("[]", "{\"display-1\":\"" + id.toLower().toLatin1() + "\"}")));
 }
 
 TEST(LayoutCoding, ReadsAndWritesTheNilUUID) {
     QJsonObject object = zoneObject();
     object[u"id"] = u"00000000-0000-0000-0000-000000000000"_s;
-    const auto zone = LayoutCoding::decodeZone(object);
+    const auto zone = LayoutCoding::decodeZone(bytesOf(object));
     ASSERT_TRUE(zone);
     EXPECT_EQ(zone->id, QUuid());
-    EXPECT_EQ(LayoutCoding::encode(*zone), object);
+    EXPECT_EQ(objectOf(LayoutCoding::encode(*zone)), object);
 }
 
 TEST(LayoutCoding, RefusesUUIDsInAnyOtherForm) {
@@ -130,10 +140,11 @@ TEST(LayoutCoding, RefusesUUIDsInAnyOtherForm) {
     for (const QString& text : wrong) {
         QJsonObject zone = zoneObject();
         zone[u"id"] = text;
-        EXPECT_EQ(LayoutCoding::decodeZone(zone), std::nullopt) << text.toStdString();
+        EXPECT_EQ(LayoutCoding::decodeZone(bytesOf(zone)), std::nullopt) << text.toStdString();
         QJsonObject layout = layoutObject();
         layout[u"id"] = text;
-        EXPECT_EQ(LayoutCoding::decodeZoneLayout(layout), std::nullopt) << text.toStdString();
+        EXPECT_EQ(LayoutCoding::decodeZoneLayout(bytesOf(layout)), std::nullopt)
+            << text.toStdString();
         const QJsonObject whole{{u"customLayouts"_s, QJsonArray{}},
                                 {u"assignments"_s, QJsonObject{{u"display-1"_s, text}}}};
         EXPECT_FALSE(decodes(QJsonDocument(whole).toJson())) << text.toStdString();
@@ -144,17 +155,18 @@ TEST(LayoutCoding, RequiresEveryKey) {
     for (const QString& key : zoneObject().keys()) {
         QJsonObject object = zoneObject();
         object.remove(key);
-        EXPECT_EQ(LayoutCoding::decodeZone(object), std::nullopt) << key.toStdString();
+        EXPECT_EQ(LayoutCoding::decodeZone(bytesOf(object)), std::nullopt) << key.toStdString();
     }
     for (const QString& key : layoutObject().keys()) {
         QJsonObject object = layoutObject();
         object.remove(key);
-        EXPECT_EQ(LayoutCoding::decodeZoneLayout(object), std::nullopt) << key.toStdString();
+        EXPECT_EQ(LayoutCoding::decodeZoneLayout(bytesOf(object)), std::nullopt)
+            << key.toStdString();
     }
     for (const QString& key : {u"x"_s, u"y"_s, u"width"_s, u"height"_s}) {
         QJsonObject object{{u"x"_s, 1}, {u"y"_s, 2}, {u"width"_s, 3}, {u"height"_s, 4}};
         object.remove(key);
-        EXPECT_EQ(LayoutCoding::decodeZoneRect(object), std::nullopt) << key.toStdString();
+        EXPECT_EQ(LayoutCoding::decodeZoneRect(bytesOf(object)), std::nullopt) << key.toStdString();
     }
     EXPECT_TRUE(decodes(document("[]")));
     EXPECT_FALSE(decodes("{\"customLayouts\":[]}"));
@@ -181,13 +193,14 @@ TEST(LayoutCoding, RefusesValuesOfTheWrongTypeUnderEveryKey) {
         for (const QString& key : zoneObject().keys()) {
             QJsonObject object = zoneObject();
             object[key] = value;
-            EXPECT_EQ(LayoutCoding::decodeZone(object).has_value(), isRight(key, value))
+            EXPECT_EQ(LayoutCoding::decodeZone(bytesOf(object)).has_value(), isRight(key, value))
                 << key.toStdString();
         }
         for (const QString& key : layoutObject().keys()) {
             QJsonObject object = layoutObject();
             object[key] = value;
-            EXPECT_EQ(LayoutCoding::decodeZoneLayout(object).has_value(), isRight(key, value))
+            EXPECT_EQ(LayoutCoding::decodeZoneLayout(bytesOf(object)).has_value(),
+                      isRight(key, value))
                 << key.toStdString();
         }
     }
@@ -196,9 +209,9 @@ TEST(LayoutCoding, RefusesValuesOfTheWrongTypeUnderEveryKey) {
 TEST(LayoutCoding, TakesANumericOneForNoBoolean) {
     QJsonObject object = layoutObject();
     object[u"isBuiltIn"] = 1;
-    EXPECT_EQ(LayoutCoding::decodeZoneLayout(object), std::nullopt);
+    EXPECT_EQ(LayoutCoding::decodeZoneLayout(bytesOf(object)), std::nullopt);
     object[u"isBuiltIn"] = 0;
-    EXPECT_EQ(LayoutCoding::decodeZoneLayout(object), std::nullopt);
+    EXPECT_EQ(LayoutCoding::decodeZoneLayout(bytesOf(object)), std::nullopt);
 }
 
 TEST(LayoutCoding, RefusesAWholeDocumentForOneWrongValueAnywhere) {
@@ -220,10 +233,10 @@ TEST(LayoutCoding, RefusesAWholeDocumentForOneWrongValueAnywhere) {
 TEST(LayoutCoding, IgnoresUnknownKeys) {
     QJsonObject zone = zoneObject();
     zone[u"colour"] = QJsonArray{1, QJsonValue::Null};
-    EXPECT_EQ(LayoutCoding::decodeZone(zone), sampleZone());
+    EXPECT_EQ(LayoutCoding::decodeZone(bytesOf(zone)), sampleZone());
     QJsonObject layout = layoutObject();
     layout[u"version"] = 2;
-    EXPECT_EQ(LayoutCoding::decodeZoneLayout(layout), sampleZoneLayout());
+    EXPECT_EQ(LayoutCoding::decodeZoneLayout(bytesOf(layout)), sampleZoneLayout());
     EXPECT_TRUE(decodes("{\"customLayouts\":[],\"assignments\":{},\"version\":{\"a\":[1]}}"));
     // Keys are told apart by case.
     EXPECT_FALSE(decodes("{\"customlayouts\":[],\"assignments\":{}}"));
@@ -235,7 +248,7 @@ TEST(LayoutCoding, DecodesAnyFiniteNumbersAsTheyAre) {
     object[u"x"] = -0.5;
     object[u"height"] = 0;
     object[u"y"] = 1e300;
-    const auto zone = LayoutCoding::decodeZone(object);
+    const auto zone = LayoutCoding::decodeZone(bytesOf(object));
     ASSERT_TRUE(zone);
     EXPECT_EQ(zone->width, 1.7);
     EXPECT_EQ(zone->x, -0.5);
@@ -246,10 +259,10 @@ TEST(LayoutCoding, DecodesAnyFiniteNumbersAsTheyAre) {
 TEST(LayoutCoding, DoesNotCompareTheBuiltInMarkWithThePresets) {
     QJsonObject object = layoutObject();
     object[u"isBuiltIn"] = true;
-    EXPECT_TRUE(LayoutCoding::decodeZoneLayout(object)->isBuiltIn);
+    EXPECT_TRUE(LayoutCoding::decodeZoneLayout(bytesOf(object))->isBuiltIn);
     object[u"isBuiltIn"] = false;
     object[u"id"] = u"00000000-0000-0000-0000-000000000001"_s;
-    EXPECT_FALSE(LayoutCoding::decodeZoneLayout(object)->isBuiltIn);
+    EXPECT_FALSE(LayoutCoding::decodeZoneLayout(bytesOf(object))->isBuiltIn);
 }
 
 TEST(LayoutCoding, RefusesNumbersThatNoFiniteDoubleHolds) {
@@ -259,7 +272,7 @@ TEST(LayoutCoding, RefusesNumbersThatNoFiniteDoubleHolds) {
     QJsonObject object = zoneObject();
     for (const double number : {infinity, -infinity, notANumber}) {
         object[u"x"] = number;
-        EXPECT_EQ(LayoutCoding::decodeZone(object), std::nullopt);
+        EXPECT_EQ(LayoutCoding::decodeZone(bytesOf(object)), std::nullopt);
     }
 }
 
@@ -277,12 +290,22 @@ TEST(LayoutCoding, ReadsEveryFormOfNumberThatJSONHas) {
         {"123456789012345678901234567890", 123456789012345678901234567890.0},
         {"1.7976931348623157e308", std::numeric_limits<double>::max()},
         {"4.9406564584124654e-324", std::numeric_limits<double>::denorm_min()},
+        {"1e-400", 0.0},
+        {"-1e-400", -0.0},
+        {"0e999", 0.0},
         {"0.1000000000000000055511151231257827021181583404541015625", 0.1}};
     for (const auto& [text, number] : forms) {
         const auto zone = decodedZone("\"z\"", text);
         ASSERT_TRUE(zone) << text.constData();
         EXPECT_EQ(zone->x, number) << text.constData();
+        EXPECT_EQ(std::signbit(zone->x), std::signbit(number)) << text.constData();
     }
+}
+
+TEST(LayoutCoding, KeepsTheSignOfAZero) {
+    Zone zone = sampleZone();
+    zone.x = -0.0;
+    EXPECT_TRUE(std::signbit(LayoutCoding::decodeZone(*LayoutCoding::encode(zone))->x));
 }
 
 TEST(LayoutCoding, RefusesNumbersThatJSONHasNoFormFor) {
@@ -301,8 +324,9 @@ TEST(LayoutCoding, ReadsEveryEscapeThatJSONHas) {
 TEST(LayoutCoding, RefusesStringsThatAreNone) {
     for (const QByteArray& text :
          {QByteArray("\"a\nb\""), QByteArray("\"a\tb\""), QByteArray("\"a\0b\"", 5),
-          QByteArray("\"\\q\""), QByteArray("\"\\u12\""), QByteArray("\"\\u12G4\""),
-          QByteArray("\"\\"), QByteArray("\"a"), QByteArray("'a'"), QByteArray("a")})
+          QByteArray("\"\\q\""), QByteArray("\"\\v\""), QByteArray("\"\x1F\""),
+          QByteArray("\"\\u12\""), QByteArray("\"\\u12G4\""), QByteArray("\"\\"), QByteArray("\"a"),
+          QByteArray("'a'"), QByteArray("a")})
         EXPECT_EQ(decodedZone(text), std::nullopt) << text.constData();
 }
 
@@ -321,6 +345,29 @@ TEST(LayoutCoding, KeepsHalfAPairOfSurrogatesInAName) {
     EXPECT_EQ(LayoutCoding::decodePersisted(*LayoutCoding::encode(persisted)), persisted);
 }
 
+TEST(LayoutCoding, KeepsAByteOrderMarkAnywhereInAText) {
+    const QString mark(QChar(QChar::ByteOrderMark));
+    for (const QString& text :
+         {mark, mark + mark, mark + u"a"_s, u"a"_s + mark, mark + u"\n"_s + mark + u"\n"_s}) {
+        Zone zone = sampleZone();
+        zone.name = text;
+        const LayoutCoding::Persisted persisted{
+            {{QUuid::fromString(otherID), text, text, false, {zone}}},
+            {{text, QUuid::fromString(id)}}};
+        const QByteArray written = *LayoutCoding::encode(persisted);
+        EXPECT_EQ(LayoutCoding::decodePersisted(written), persisted);
+        EXPECT_FALSE(written.contains("\xEF\xBB\xBF")) << "other readers would drop it";
+    }
+    // However others write it.
+    const QByteArray bytes = mark.toUtf8();
+    EXPECT_EQ(decodedZone("\"" + bytes + "a\"")->name, mark + u"a"_s);
+    EXPECT_EQ(decodedZone("\"" + bytes + bytes + "a\"")->name, mark + mark + u"a"_s);
+    EXPECT_EQ(decodedZone("\"\\ufeffa\"")->name, mark + u"a"_s);
+    EXPECT_EQ(decodedZone("\"\\uFEFFa\"")->name, mark + u"a"_s);
+    EXPECT_FALSE(decodes("{\"\xEF\xBB\xBF"
+                         "customLayouts\":[],\"assignments\":{}}"));
+}
+
 TEST(LayoutCoding, ReadsADocumentWithAByteOrderMark) {
     EXPECT_TRUE(decodes("\xEF\xBB\xBF" + document("[]")));
 }
@@ -328,13 +375,30 @@ TEST(LayoutCoding, ReadsADocumentWithAByteOrderMark) {
 TEST(LayoutCoding, RefusesDocumentsThatAreNoJSON) {
     const QByteArray good = document("[]");
     for (const QByteArray& bytes :
-         {QByteArray(), QByteArray(" "), QByteArray("null"), QByteArray("true"), QByteArray("1"),
-          QByteArray("\"\""), QByteArray("[]"), good + "x", good + good, good.chopped(1),
-          good.mid(1), good + QByteArray(1, '\0'),
+         {QByteArray(),
+          QByteArray(" "),
+          QByteArray("null"),
+          QByteArray("true"),
+          QByteArray("1"),
+          QByteArray("\"\""),
+          QByteArray("[]"),
+          good + "x",
+          good + good,
+          good.chopped(1),
+          good.mid(1),
+          good + QByteArray(1, '\0'),
           QByteArray("{\"customLayouts\":[],\"assignments\":{},}"),
           QByteArray("{\"customLayouts\":[,],\"assignments\":{}}"),
           QByteArray("{\"customLayouts\":[]/**/,\"assignments\":{}}"),
-          QByteArray("{customLayouts:[],assignments:{}}")})
+          QByteArray("{customLayouts:[],assignments:{}}"),
+          QByteArray("{\"customLayouts\":[],\"assignments\":{},1:2}"),
+          QByteArray("{\"customLayouts\":[],\"assignments\":{},\"a\"}"),
+          QByteArray("{\"customLayouts\":[],\"assignments\":{},\"a\":}"),
+          QByteArray("{\"customLayouts\":[],\"assignments\":{},\"a\":tru}"),
+          QByteArray("{\"customLayouts\":[],\"assignments\":{},\"a\":[1 2]}"),
+          QByteArray("{\"customLayouts\":[],\"assignments\":{},\"a\":[1}}"),
+          QByteArray("{\"customLayouts\":[],\"assignments\":{},\"a\":\"\\u12\"}"),
+          QByteArray("{\"customLayouts\":[],\"assignments\":{}\v}")})
         EXPECT_FALSE(decodes(bytes)) << bytes.constData();
 }
 
@@ -370,6 +434,10 @@ TEST(LayoutCoding, TakesTheLastOfTwoEqualKeys) {
         document("[]", "{\"a\":\"" + id.toLatin1() + "\",\"a\":\"" + otherID.toLatin1() + "\"}"));
     ASSERT_TRUE(persisted);
     EXPECT_EQ(persisted->assignments.at(u"a"_s), QUuid::fromString(otherID));
+    EXPECT_FALSE(decodes("{\"customLayouts\":[],\"assignments\":{},\"assignments\":1}"));
+    EXPECT_TRUE(decodes("{\"customLayouts\":1,\"assignments\":{},\"customLayouts\":[]}"));
+    EXPECT_EQ(decodedZone("\"a\",\"name\":\"b\"")->name, u"b"_s);
+    EXPECT_EQ(decodedZone("\"a\",\"name\":1"), std::nullopt);
 }
 
 TEST(LayoutCoding, CannotWriteNumbersThatAreNotFinite) {

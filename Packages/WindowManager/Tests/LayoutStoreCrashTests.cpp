@@ -48,13 +48,18 @@ protected:
         return runTestHelper({fault, path(), QString::number(newNumber), QString::number(call)});
     }
 
-    /// How many calls change files when one document is saved.
-    [[nodiscard]] int callCount() const {
+    /// Which calls change files when one document is saved, in order.
+    [[nodiscard]] QStringList calls() const {
         const TestHelperRun run = save(u"none"_s, 0);
         EXPECT_EQ(run.exitCode, 0);
         EXPECT_EQ(documentFound(), newNumber);
         writeOld();
-        return run.lines.value(0).toInt();
+        return run.lines;
+    }
+    [[nodiscard]] int callCount() const { return static_cast<int>(calls().size()); }
+    /// The number of the call that puts the new document in the place of the old one.
+    [[nodiscard]] int placingCall() const {
+        return static_cast<int>(calls().lastIndexOf(u"rename"_s)) + 1;
     }
 
     [[nodiscard]] QStringList files() const {
@@ -89,6 +94,7 @@ TEST(LayoutStoreCrash, LeavesAWholeDocumentWhenKilledAtRandomMoments) {
     EXPECT_EQ(result.kills, 100);
     EXPECT_GT(result.saves, 100);
     EXPECT_EQ(result.foundOld + result.foundNew, 100);
+    EXPECT_EQ(result.strayFiles, 0);
 }
 
 TEST_F(LayoutStoreFault, LeavesAWholeDocumentWhenAnyOneCallFails) {
@@ -96,9 +102,24 @@ TEST_F(LayoutStoreFault, LeavesAWholeDocumentWhenAnyOneCallFails) {
     EXPECT_EQ(files(), QStringList{u"layouts.json"_s}) << "nothing is left behind";
 }
 
+TEST_F(LayoutStoreFault, IsSafeOnTheDiskBeforeItTakesItsPlaceAndItsPlaceIsSafeInTheEnd) {
+    const QStringList made = calls();
+    const auto placed = made.indexOf(u"rename"_s);
+    EXPECT_GT(made.indexOf(u"sync"_s), made.lastIndexOf(u"write"_s));
+    EXPECT_LT(made.indexOf(u"sync"_s), placed);
+    EXPECT_EQ(made.mid(placed), (QStringList{u"rename"_s, u"sync folder"_s}));
+}
+
+TEST_F(LayoutStoreFault, LeavesTheOldDocumentWhereItMayMakeNoFile) {
+    EXPECT_EQ(save(u"refuse-new-files"_s, 0).exitCode, 0);
+    EXPECT_EQ(documentFound(), oldNumber);
+    EXPECT_EQ(files(), QStringList{u"layouts.json"_s});
+}
+
 TEST_F(LayoutStoreFault, LeavesTheOldDocumentWhenTheDiskIsFullFromAnyCallOn) {
-    const int calls = callCount();
-    for (int call = 1; call <= calls; ++call) {
+    const int last = placingCall();
+    ASSERT_GE(last, 4);
+    for (int call = 1; call <= last; ++call) {
         writeOld();
         EXPECT_EQ(save(u"fail-from-there-on"_s, call).exitCode, 0);
         EXPECT_EQ(documentFound(), oldNumber) << "call " << call;
@@ -107,8 +128,8 @@ TEST_F(LayoutStoreFault, LeavesTheOldDocumentWhenTheDiskIsFullFromAnyCallOn) {
 }
 
 TEST_F(LayoutStoreFault, LeavesTheOldDocumentWhenTheDiskFillsUpWithinAWrite) {
-    const int calls = callCount();
-    for (int call = 1; call <= calls; ++call) {
+    const int last = placingCall();
+    for (int call = 1; call <= last; ++call) {
         writeOld();
         EXPECT_EQ(save(u"fail-half-way"_s, call).exitCode, 0);
         EXPECT_EQ(documentFound(), oldNumber) << "call " << call;
@@ -131,4 +152,73 @@ TEST_F(LayoutStoreFault, LeavesTheOldDocumentWhenTheSystemAllowsNoFileOfItsSize)
         EXPECT_EQ(documentFound(), oldNumber) << bytes << " bytes";
         EXPECT_EQ(files(), QStringList{u"layouts.json"_s}) << bytes << " bytes";
     }
+}
+
+namespace {
+
+/// A folder whose file nobody can make sense of, until it is saved over.
+class LayoutStoreUnreadable : public LayoutStoreFault {
+protected:
+    const QByteArray old = "{\"customLayouts\":[],, \"made\":\"by hand\"}";
+    const QString unreadable = path() + u".unreadable"_s;
+
+    void writeOld() const {
+        QFile::remove(unreadable);
+        QFile file(path());
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(old);
+    }
+    [[nodiscard]] static QByteArray contents(const QString& path) {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+    /// Has each call of the save in turn meet a fault.
+    void faultEachCall(const QString& fault, int expectedExitCode) const {
+        writeOld();
+        const auto calls = save(u"none"_s, 0).lines.size();
+        EXPECT_GE(calls, 5) << "what a save takes, and what leaving the old contents takes";
+        for (int call = 1; call <= calls; ++call) {
+            writeOld();
+            EXPECT_EQ(save(fault, call).exitCode, expectedExitCode) << "call " << call;
+            if (contents(path()) == old)
+                continue;
+            EXPECT_EQ(documentFound(), newNumber) << "call " << call;
+            EXPECT_EQ(contents(unreadable), old) << "call " << call;
+        }
+    }
+};
+
+} // namespace
+
+TEST_F(LayoutStoreUnreadable, IsLeftWhicheverCallFails) {
+    faultEachCall(u"fail"_s, 0);
+}
+
+TEST_F(LayoutStoreUnreadable, IsLeftWhereverTheProcessIsKilled) {
+    faultEachCall(u"kill-before"_s, -1);
+    faultEachCall(u"kill-after"_s, -1);
+}
+
+TEST_F(LayoutStoreUnreadable, IsLeftAsACopyWhereAFileCanHaveNoSecondName) {
+    writeOld();
+    EXPECT_EQ(save(u"none"_s, 0).lines.value(0), u"link"_s);
+    writeOld();
+    EXPECT_EQ(save(u"fail"_s, 1).exitCode, 0);
+    EXPECT_EQ(documentFound(), newNumber);
+    EXPECT_EQ(contents(unreadable), old);
+}
+
+TEST_F(LayoutStoreUnreadable, IsAFileOfWhichOnlyAPartCanBeReadAlthoughThatWouldMakeSense) {
+    QByteArray document = contents(path());
+    document += QByteArray(document.size() + 1, ' ');
+    {
+        QFile file(path());
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(document);
+    }
+    ASSERT_EQ(documentFound(), oldNumber);
+    const TestHelperRun run = runTestHelper({u"load-half"_s, path(), QString::number(newNumber)});
+    EXPECT_EQ(run.lines, QStringList{u"0"_s});
+    EXPECT_EQ(documentFound(), newNumber);
+    EXPECT_EQ(contents(unreadable), document);
 }

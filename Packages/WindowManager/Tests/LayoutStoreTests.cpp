@@ -346,6 +346,32 @@ TEST_F(LayoutStoreTest, KnowsNoLayoutUnderAnUnknownId) {
     EXPECT_EQ(LayoutStore().layoutWithID(QUuid()), std::nullopt);
 }
 
+TEST_F(LayoutStoreTest, KnowsALayoutOfTheNilIdLikeAnyOther) {
+    LayoutStore store;
+    auto nil = customLayout(u"Nil"_s);
+    nil.id = QUuid();
+    store.addCustomLayout(nil);
+    EXPECT_EQ(store.layoutWithID(QUuid()), nil);
+    store.assign(nil, *first);
+    EXPECT_EQ(LayoutStore().layoutFor(*first), nil);
+    nil.name = u"Renamed"_s;
+    store.updateCustomLayout(nil);
+    EXPECT_EQ(store.customLayouts(), std::vector{nil});
+    store.removeCustomLayout(QUuid());
+    EXPECT_EQ(onDisk(), LayoutCoding::Persisted{});
+}
+
+TEST_F(LayoutStoreTest, UpdatesACustomLayoutThatIsMarkedAsBuiltIn) {
+    LayoutStore store;
+    auto marked = customLayout(u"Marked"_s);
+    marked.isBuiltIn = true;
+    store.addCustomLayout(marked);
+    marked.name = u"Renamed"_s;
+    store.updateCustomLayout(marked);
+    EXPECT_EQ(store.customLayouts(), std::vector{marked});
+    EXPECT_EQ(onDisk()->customLayouts, std::vector{marked});
+}
+
 TEST_F(LayoutStoreTest, StoresTheBuiltInMarkOfACustomLayoutAsItIs) {
     auto marked = customLayout(u"Marked"_s);
     marked.isBuiltIn = true;

@@ -4,7 +4,9 @@
 #include "TestHelperProcess.h"
 
 #include <WindowManager/LayoutCoding.h>
+#include <WindowManager/LayoutStore.h>
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QProcess>
@@ -71,8 +73,19 @@ StoreCrashResult crashSavingProcesses(int kills, unsigned seed) {
         ++(number == *acknowledged ? result.foundOld : result.foundNew);
         next = number + 1;
     }
-    result.strayFiles =
-        static_cast<int>(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden).size()) - 1;
+    const QDir place(folder.path());
+    const auto countOthers = [&] {
+        return static_cast<int>(place.entryList(QDir::Files | QDir::Hidden).size()) - 1;
+    };
+    result.leftBehind = countOthers();
+    for (const QString& name : place.entryList(QDir::Files | QDir::Hidden)) {
+        QFile file(place.filePath(name));
+        if (file.open(QIODevice::ReadWrite))
+            file.setFileTime(QDateTime::currentDateTime().addSecs(-120),
+                             QFileDevice::FileModificationTime);
+    }
+    (void)LayoutStore(path);
+    result.strayFiles = countOthers();
     return result;
 }
 

@@ -13,7 +13,9 @@ struct StoreCrashResult {
     /// How often the last acknowledged document was found, and how often its successor.
     int foundOld = 0;
     int foundNew = 0;
-    /// How many files were left behind beside the store's own.
+    /// How many files were left behind beside the store's own, and how many of them the next start,
+    /// some time later, left there.
+    int leftBehind = 0;
     int strayFiles = 0;
     /// What went wrong; empty when nothing did.
     std::string failure;

@@ -44,16 +44,30 @@ int saveForever(const QString& file, int number) {
     }
 }
 
-/// Saves a sample layout once while the call with the given number meets the fault. Prints how many
+/// Saves a sample layout once while the call with the given number meets the fault. Prints which
 /// calls there were.
 int saveWithFault(const QString& file, int number, FaultyFileCalls::Fault fault, int call) {
     LayoutStore store(file);
     const ZoneLayout layout = sampleLayout(number);
     FaultyFileCalls::arm(fault, call);
-    store.updateCustomLayout(layout);
-    const int calls = FaultyFileCalls::disarm();
-    print(QString::number(calls));
+    if (store.customLayouts().empty())
+        store.addCustomLayout(layout);
+    else
+        store.updateCustomLayout(layout);
+    for (const std::string& name : FaultyFileCalls::disarm())
+        print(QString::fromStdString(name));
     return store.customLayouts().front() == layout ? 0 : 1;
+}
+
+/// Loads a file of which only the first half can be read, prints how many layouts that makes, and
+/// saves one more.
+int loadHalf(const QString& file, int number) {
+    FaultyFileCalls::arm(FaultyFileCalls::Fault::failReadHalfWay, 0);
+    LayoutStore store(file);
+    FaultyFileCalls::disarm();
+    print(QString::number(store.customLayouts().size()));
+    store.addCustomLayout(sampleLayout(number));
+    return 0;
 }
 
 /// Saves a sample layout once while the system allows no file beyond a number of bytes.
@@ -78,6 +92,7 @@ int main(int argc, char** argv) {
         {"fail-half-way", Fault::failHalfWay},
         {"kill-before", Fault::killBefore},
         {"kill-after", Fault::killAfter},
+        {"refuse-new-files", Fault::refuseNewFiles},
     };
     const std::string mode = argc > 1 ? argv[1] : "";
     const QString file = argc > 2 ? QFile::decodeName(argv[2]) : QString();
@@ -86,6 +101,8 @@ int main(int argc, char** argv) {
         return printBuiltIns();
     if (mode == "save-forever" && argc == 4)
         return saveForever(file, argument(3));
+    if (mode == "load-half" && argc == 4)
+        return loadHalf(file, argument(3));
     if (mode == "save-with-limit" && argc == 5)
         return saveWithSizeLimit(file, argument(3), static_cast<rlim_t>(argument(4)));
     if (faults.count(mode) != 0 && argc == 5)

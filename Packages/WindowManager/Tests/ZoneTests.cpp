@@ -96,3 +96,14 @@ TEST(Zone, IsNeitherRoundedNorClipped) {
               (ZoneRect{third * 1366, 0, third * 1366, 768}));
     EXPECT_EQ(zoneAt(-1, -1, 3, 2).axRect(*screen), (ZoneRect{-1366, -768, 3 * 1366.0, 1536}));
 }
+
+// In the last bit these numbers tell the order of the additions, and a product that is rounded from
+// one that is fused into the sum behind it.
+TEST(Zone, IsComputedStepByStepToTheLastBitOnEveryProcessor) {
+    FakeDesktop desktop;
+    const auto second = makeScreen(
+        {.frame = {-1280, 300, 1280, 800}, .visibleFrame = AppKitRect{-1280, 325, 1280, 755}});
+    desktop.platform.fakeScreens.setScreens({makeScreen({.frame = {0, 0, 1920, 1080}}), second});
+    EXPECT_EQ(zoneAt(0.29, 0.43, 0.71, 0.46).axRect(*second),
+              (ZoneRect{-908.8, 324.6500000000001, 908.8, 347.3}));
+}

@@ -13,7 +13,7 @@ using namespace Qt::StringLiterals;
 namespace tilewright::testing {
 namespace {
 
-const auto button = u"push button"_s;
+const auto button = u"button"_s;
 const auto toggle = u"check box"_s;
 const auto label = u"label"_s;
 const auto item = u"list item"_s;

@@ -81,7 +81,7 @@ protected:
         EXPECT_FALSE(host->isActive());
     }
 
-    const QString buttonRole = u"push button"_s;
+    const QString buttonRole = u"button"_s;
     KeepAwakeDesktop desktop;
     AccessibilityReader reader{desktop.environment()};
     std::optional<KeepAwakeHost> host;

@@ -39,7 +39,7 @@ TEST_F(GuidanceOnScreen, TheAccessibilityTabOpensAPageThatSaysWhatAWaylandSessio
                                                    {u"PATH"_s, pathWithHandler()},
                                                    {u"QT_QPA_PLATFORM"_s, u"wayland"_s}});
     user.openSettings(u"Accessibility"_s);
-    user.click(u"push button"_s, u"Open Privacy & Security Settings"_s);
+    user.click(u"button"_s, u"Open Privacy & Security Settings"_s);
     ASSERT_TRUE(waitUntil([&] { return QFile::exists(notes()); }));
     QFile note(notes());
     ASSERT_TRUE(note.open(QIODevice::ReadOnly));

@@ -25,7 +25,7 @@ protected:
         desktop.startTray(TrayHost::systemTray);
         program = &user.startProgram();
         user.openSettings(u"Manage"_s);
-        user.click(u"push button"_s, u"Delete Mine"_s);
+        user.click(u"button"_s, u"Delete Mine"_s);
         EXPECT_TRUE(isDialogActive());
     }
     [[nodiscard]] std::optional<XInspector::Window> dialog() {
@@ -67,7 +67,7 @@ TEST_F(PendingDialog, ComesForwardWithTheSettings) {
     ASSERT_TRUE(desktop.waitForPanel(false));
     EXPECT_TRUE(isDialogActive()) << desktop.session().describe();
     // What is clicked is what lies on top.
-    user.click(u"push button"_s, u"Cancel"_s);
+    user.click(u"button"_s, u"Cancel"_s);
     EXPECT_TRUE(waitUntil([&] { return !dialog(); }));
     EXPECT_TRUE(program->isRunning());
     EXPECT_EQ(desktop.layouts(), oneLayoutOfTheUsers);

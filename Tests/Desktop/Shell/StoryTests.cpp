@@ -46,7 +46,7 @@ protected:
 
     ShellDesktop desktop;
     ShellUser user{desktop};
-    const QString button = u"push button"_s;
+    const QString button = u"button"_s;
 };
 
 } // namespace

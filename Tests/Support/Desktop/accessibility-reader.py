@@ -17,6 +17,13 @@ gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib
 
 COORDINATES = Atspi.CoordType.SCREEN
+# Roles are numbers to the bus; what the library calls this one changed with its age.
+BUTTON = 43
+
+
+def role_of(node):
+    role = node.get_role()
+    return "button" if int(role) == BUTTON else Atspi.role_get_name(role)
 
 
 def describe(node, depth):
@@ -24,7 +31,7 @@ def describe(node, depth):
     extents = component.get_extents(COORDINATES) if component else None
     return {
         "depth": depth,
-        "role": node.get_role_name(),
+        "role": role_of(node),
         "name": node.get_name(),
         "description": node.get_description(),
         "states": [state.value_nick for state in node.get_state_set().get_states()],

@@ -3,7 +3,9 @@
 #include <QDBusArgument>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
-#include <QDBusServiceWatcher>
+#include <QDBusVariant>
+#include <QMap>
+#include <QVariantMap>
 
 namespace tilewright {
 
@@ -21,24 +23,16 @@ QString settingsInterface() {
     return QStringLiteral("org.freedesktop.portal.Settings");
 }
 
-QString appearance() {
-    return QStringLiteral("org.freedesktop.appearance");
-}
+struct Setting {
+    const char* group;
+    const char* key;
+    /// What a value of it says of the wish; none where it says nothing, or is none of its values.
+    std::optional<bool> (*wish)(const QVariant& value);
+};
 
-QString interfaceSettings() {
-    return QStringLiteral("org.gnome.desktop.interface");
-}
-
-QString kdeSettings() {
-    return QStringLiteral("org.kde.kdeglobals.KDE");
-}
-
-/// Of the standard's colour schemes: 0 is no preference, 2 light.
-constexpr uint darkScheme = 1;
-
-/// The setting that all desktops are to have in the end; its 0 means no preference.
-std::optional<bool> standardWish(const QVariant& value) {
-    return value.isValid() && value.toUInt() == 1 ? std::optional(true) : std::nullopt;
+/// The standard's settings have 0 for no preference.
+std::optional<bool> wishFromChoice(const QVariant& choice) {
+    return choice.isValid() && choice.toUInt() == 1 ? std::optional(true) : std::nullopt;
 }
 
 std::optional<bool> wishFromAnimations(const QVariant& areEnabled) {
@@ -53,6 +47,15 @@ std::optional<bool> wishFromDuration(const QVariant& factor) {
     return isNumber ? std::optional(number <= 0) : std::nullopt;
 }
 
+/// In the order of `FreeDesktopAppearance::SettingID`.
+constexpr std::array settings{
+    Setting{"org.freedesktop.appearance", "reduced-motion", wishFromChoice},
+    Setting{"org.gnome.desktop.interface", "enable-animations", wishFromAnimations},
+    Setting{"org.kde.kdeglobals.KDE", "AnimationDurationFactor", wishFromDuration},
+    // 1 is dark, 2 light.
+    Setting{"org.freedesktop.appearance", "color-scheme", wishFromChoice},
+};
+
 } // namespace
 
 std::optional<bool> combinedMotionWish(std::optional<bool> first, std::optional<bool> second) {
@@ -62,43 +65,48 @@ std::optional<bool> combinedMotionWish(std::optional<bool> first, std::optional<
 }
 
 FreeDesktopAppearance::FreeDesktopAppearance(QDBusConnection bus)
-    : bus_(std::move(bus)) {
-    if (!bus_.isConnected())
-        return;
-    auto* watch =
-        new QDBusServiceWatcher(portal(), bus_, QDBusServiceWatcher::WatchForRegistration, this);
-    connect(watch, &QDBusServiceWatcher::serviceRegistered, this, [this] { readAll(); });
+    : bus_(std::move(bus))
+    , portal_(bus_, portal()) {
+    static_assert(settings.size() == settingCount);
     // Slots that take it cannot be connected before Qt knows the type.
     qRegisterMetaType<QDBusVariant>();
-    // Any sender: naming one would look up its owner, blocking.
-    bus_.connect(QString(), portalPath(), settingsInterface(), QStringLiteral("SettingChanged"),
-                 this, SLOT(settingChanged(QString, QString, QDBusVariant)));
-    readAll();
+    connect(&portal_, &BusNameOwner::changed, this, &FreeDesktopAppearance::followPortal);
 }
 
 FreeDesktopAppearance::~FreeDesktopAppearance() = default;
 
 std::optional<bool> FreeDesktopAppearance::prefersReducedMotion() const {
-    const auto value = [this](const QString& group, const char* key) {
-        return groups_.value(group).value(QString::fromLatin1(key));
-    };
     return combinedMotionWish(
-        standardWish(value(appearance(), "reduced-motion")),
-        combinedMotionWish(wishFromAnimations(value(interfaceSettings(), "enable-animations")),
-                           wishFromDuration(value(kdeSettings(), "AnimationDurationFactor"))));
+        wishes_[standardMotion],
+        combinedMotionWish(wishes_[animationsEnabled], wishes_[animationDuration]));
 }
 
 bool FreeDesktopAppearance::prefersDark() const {
-    return groups_.value(appearance()).value(QStringLiteral("color-scheme")).toUInt() == darkScheme;
+    return wishes_[colorScheme].value_or(false);
+}
+
+void FreeDesktopAppearance::followPortal() {
+    const QString signal = QStringLiteral("SettingChanged");
+    const char* const slot = SLOT(settingChanged(QString, QString, QDBusVariant));
+    // The bus passes on nobody else's signals then, at no cost to this process.
+    if (!heard_.isEmpty())
+        bus_.disconnect(heard_, portalPath(), settingsInterface(), signal, this, slot);
+    heard_ = portal_.owner();
+    if (heard_.isEmpty())
+        return;
+    bus_.connect(heard_, portalPath(), settingsInterface(), signal, this, slot);
+    readAll();
 }
 
 void FreeDesktopAppearance::readAll() {
-    QDBusMessage call = QDBusMessage::createMethodCall(portal(), portalPath(), settingsInterface(),
+    QDBusMessage call = QDBusMessage::createMethodCall(heard_, portalPath(), settingsInterface(),
                                                        QStringLiteral("ReadAll"));
-    // Most desktops start it at login; where none did, nobody needs it for this.
-    call.setAutoStartService(false);
-    call << QStringList{appearance(), interfaceSettings(), kdeSettings()};
-    changedSince_.clear();
+    QStringList groups;
+    for (const Setting& setting : settings)
+        groups.append(QString::fromLatin1(setting.group));
+    groups.removeDuplicates();
+    call << groups;
+    changedSince_.reset();
     auto* pending = new QDBusPendingCallWatcher(bus_.asyncCall(call), this);
     connect(pending, &QDBusPendingCallWatcher::finished, this,
             [this, generation = ++generation_](QDBusPendingCallWatcher* finished) {
@@ -107,29 +115,37 @@ void FreeDesktopAppearance::readAll() {
                 if (generation != generation_ || reply.type() != QDBusMessage::ReplyMessage ||
                     reply.signature() != QStringLiteral("a{sa{sv}}"))
                     return;
-                // A change is handed out at once, a reply only later: what has been heard of is
-                // never older.
-                auto groups = qdbus_cast<Groups>(reply.arguments().value(0));
-                for (auto group = changedSince_.cbegin(); group != changedSince_.cend(); ++group)
-                    groups[group.key()].insert(group.value());
-                take(std::move(groups));
+                const auto told =
+                    qdbus_cast<QMap<QString, QVariantMap>>(reply.arguments().value(0));
+                Wishes wishes = wishes_;
+                for (std::size_t i = 0; i < settings.size(); ++i) {
+                    const auto& [group, key, wish] = settings[i];
+                    // A change is handed out at once, a reply only later: what has been heard of
+                    // is never older.
+                    if (!changedSince_[i])
+                        wishes[i] = wish(
+                            told.value(QString::fromLatin1(group)).value(QString::fromLatin1(key)));
+                }
+                take(wishes);
             });
 }
 
 void FreeDesktopAppearance::settingChanged(const QString& group, const QString& key,
                                            const QDBusVariant& value) {
-    if (group != appearance() && group != interfaceSettings() && group != kdeSettings())
-        return;
-    changedSince_[group][key] = value.variant();
-    Groups groups = groups_;
-    groups[group][key] = value.variant();
-    take(std::move(groups));
+    for (std::size_t i = 0; i < settings.size(); ++i) {
+        if (group != QLatin1String(settings[i].group) || key != QLatin1String(settings[i].key))
+            continue;
+        changedSince_.set(i);
+        Wishes wishes = wishes_;
+        wishes[i] = settings[i].wish(value.variant());
+        take(wishes);
+    }
 }
 
-void FreeDesktopAppearance::take(Groups groups) {
+void FreeDesktopAppearance::take(const Wishes& wishes) {
     const std::optional<bool> reducedMotionBefore = prefersReducedMotion();
     const bool darkBefore = prefersDark();
-    groups_ = std::move(groups);
+    wishes_ = wishes;
     if (prefersReducedMotion() != reducedMotionBefore)
         Q_EMIT reducedMotionChanged();
     if (prefersDark() != darkBefore)

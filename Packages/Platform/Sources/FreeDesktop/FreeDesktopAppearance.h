@@ -1,10 +1,12 @@
 #pragma once
 
+#include "BusNameOwner.h"
+
 #include <QDBusConnection>
 #include <QDBusVariant>
-#include <QMap>
 #include <QObject>
-#include <QVariantMap>
+#include <array>
+#include <bitset>
 #include <optional>
 
 namespace tilewright {
@@ -16,7 +18,8 @@ namespace tilewright {
 
 /// How the user wishes programs to look and to move, as the desktop portal's settings tell it,
 /// followed by their signal. The portal is not started for this; one that starts later is asked
-/// then. Without a session bus nothing is known. Main thread only.
+/// then. Nobody but the portal is heard, and nothing of what it tells is kept but these wishes.
+/// Without a session bus nothing is known. Main thread only.
 class FreeDesktopAppearance final : public QObject {
     Q_OBJECT
 
@@ -39,17 +42,28 @@ private Q_SLOTS:
     void settingChanged(const QString& group, const QString& key, const QDBusVariant& value);
 
 private:
-    /// The settings of each group by their names.
-    using Groups = QMap<QString, QVariantMap>;
+    enum SettingID : std::size_t {
+        standardMotion,
+        animationsEnabled,
+        animationDuration,
+        colorScheme,
+        settingCount
+    };
+    /// What each setting says of what the user wishes; none where it says nothing.
+    using Wishes = std::array<std::optional<bool>, settingCount>;
 
+    void followPortal();
     void readAll();
-    void take(Groups groups);
+    void take(const Wishes& wishes);
 
     QDBusConnection bus_;
+    BusNameOwner portal_;
+    /// The portal's address whose signals are listened to; empty while there is none.
+    QString heard_;
     int generation_ = 0;
-    Groups groups_;
+    Wishes wishes_;
     /// What changed after all settings were asked for last.
-    Groups changedSince_;
+    std::bitset<settingCount> changedSince_;
 };
 
 } // namespace tilewright

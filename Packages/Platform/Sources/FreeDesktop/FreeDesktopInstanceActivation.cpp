@@ -1,7 +1,10 @@
 #include "FreeDesktopInstanceActivation.h"
 
+#include "MessageBus.h"
+
 #include <QDBusAbstractAdaptor>
 #include <QDBusMessage>
+#include <utility>
 
 namespace tilewright {
 
@@ -19,12 +22,6 @@ QString objectPath() {
 
 QString interfaceName() {
     return QStringLiteral("org.tilewright.Instance");
-}
-
-QDBusMessage callToBus(const QString& method) {
-    return QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"),
-                                          QStringLiteral("/org/freedesktop/DBus"),
-                                          QStringLiteral("org.freedesktop.DBus"), method);
 }
 
 /// A bus name takes letters, digits, "_" and "-" only.
@@ -52,10 +49,22 @@ public:
         , instance_(instance) {}
 
 public Q_SLOTS:
-    void Activate() { Q_EMIT instance_->activationRequested(); }
+    void Activate() {
+        // Anybody on the bus may ask. Wishes that wait together are one.
+        if (std::exchange(isActivationPosted_, true))
+            return;
+        QMetaObject::invokeMethod(
+            this,
+            [this] {
+                isActivationPosted_ = false;
+                Q_EMIT instance_->activationRequested();
+            },
+            Qt::QueuedConnection);
+    }
 
 private:
     InstanceActivation* instance_;
+    bool isActivationPosted_ = false;
 };
 
 } // namespace
@@ -73,7 +82,7 @@ FreeDesktopInstanceActivation::~FreeDesktopInstanceActivation() {
         return;
     QDBusMessage release = callToBus(QStringLiteral("ReleaseName"));
     release << serviceName_;
-    bus_.call(release, QDBus::Block, patienceInMilliseconds);
+    bus_.send(release);
 }
 
 InstanceActivation::Claim FreeDesktopInstanceActivation::claim() {

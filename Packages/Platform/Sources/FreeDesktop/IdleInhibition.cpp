@@ -6,6 +6,7 @@
 #include <QDBusPendingCallWatcher>
 #include <QDBusServiceWatcher>
 #include <QDBusUnixFileDescriptor>
+#include <algorithm>
 #include <limits>
 #include <utility>
 
@@ -72,6 +73,7 @@ IdleInhibition::~IdleInhibition() = default;
 void IdleInhibition::request() {
     state_ = State::unanswered;
     ownerMeanwhile_.reset();
+    grantedBy_.clear();
     auto message = QDBusMessage::createMethodCall(service_.name, service_.paths[pathIndex_],
                                                   service_.interface, u"Inhibit"_s);
     message.setAutoStartService(false);
@@ -99,10 +101,19 @@ void IdleInhibition::expectPortalAnswer(QVariantList& arguments) {
     options.insert(u"handle_token"_s, token);
     arguments.last() = options;
     const QString sender = bus_.baseService().mid(1).replace(u'.', u'_');
-    const QString path = u"/org/freedesktop/portal/desktop/request/%1/%2"_s.arg(sender, token);
-    // Any sender: naming one would look up its owner, blocking.
-    bus_.connect(QString(), path, u"org.freedesktop.portal.Request"_s, u"Response"_s, this,
-                 SLOT(portalAnswered(uint, QVariantMap)));
+    stopExpectingPortalAnswer();
+    requestPath_ = u"/org/freedesktop/portal/desktop/request/%1/%2"_s.arg(sender, token);
+    // Any sender: naming one would look up its owner, blocking. Whose it is is judged later.
+    bus_.connect(QString(), requestPath_, u"org.freedesktop.portal.Request"_s, u"Response"_s, this,
+                 SLOT(portalAnswered(uint, QVariantMap, QDBusMessage)));
+}
+
+void IdleInhibition::stopExpectingPortalAnswer() {
+    responses_.clear();
+    if (!requestPath_.isEmpty())
+        bus_.disconnect(QString(), requestPath_, u"org.freedesktop.portal.Request"_s, u"Response"_s,
+                        this, SLOT(portalAnswered(uint, QVariantMap, QDBusMessage)));
+    requestPath_.clear();
 }
 
 void IdleInhibition::takeAnswers() {
@@ -131,6 +142,8 @@ void IdleInhibition::answered(const QDBusMessage& reply) {
             state_ = State::refused;
         else if (service_.grant != IdleService::Grant::request)
             state_ = State::held;
+        else
+            takeEarlyResponse();
     } else {
         failed(reply);
     }
@@ -162,9 +175,29 @@ void IdleInhibition::askAgainShortly() {
     }));
 }
 
-void IdleInhibition::portalAnswered(uint response, const QVariantMap& /*results*/) {
-    if (state_ == State::unanswered)
-        state_ = response == 0 ? State::held : State::refused;
+void IdleInhibition::portalAnswered(uint response, const QVariantMap& /*results*/,
+                                    const QDBusMessage& message) {
+    // Before the method has returned nobody knows who the portal is: a few candidates are kept.
+    constexpr std::size_t mostResponses = 16;
+    if (state_ != State::unanswered)
+        return;
+    if (grantedBy_.isEmpty() && responses_.size() < mostResponses)
+        responses_.emplace_back(message.service(), response);
+    else if (message.service() == grantedBy_)
+        takeResponse(response);
+}
+
+void IdleInhibition::takeEarlyResponse() {
+    const auto found =
+        std::find_if(responses_.begin(), responses_.end(),
+                     [this](const auto& response) { return response.first == grantedBy_; });
+    if (found != responses_.end())
+        takeResponse(found->second);
+}
+
+void IdleInhibition::takeResponse(uint response) {
+    state_ = response == 0 ? State::held : State::refused;
+    stopExpectingPortalAnswer();
 }
 
 void IdleInhibition::ownerChanged(const QString& newOwner) {

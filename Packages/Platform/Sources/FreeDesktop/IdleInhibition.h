@@ -8,6 +8,8 @@
 #include <QDBusMessage>
 #include <QObject>
 #include <QVariantMap>
+#include <utility>
+#include <vector>
 
 class QDBusPendingCallWatcher;
 class QDBusServiceWatcher;
@@ -46,11 +48,14 @@ public:
     void end();
 
 private Q_SLOTS:
-    void portalAnswered(uint response, const QVariantMap& results);
+    void portalAnswered(uint response, const QVariantMap& results, const QDBusMessage& message);
 
 private:
     void request();
     void expectPortalAnswer(QVariantList& arguments);
+    void stopExpectingPortalAnswer();
+    void takeEarlyResponse();
+    void takeResponse(uint response);
     void takeReply();
     void answered(const QDBusMessage& reply);
     void failed(const QDBusMessage& error);
@@ -69,6 +74,10 @@ private:
     /// What was granted, and by which connection of the bus.
     QVariant grant_;
     QString grantedBy_;
+    /// Of the portal's answer; empty while none is expected.
+    QString requestPath_;
+    /// By whom and what, while it is not known who the portal is.
+    std::vector<std::pair<QString, uint>> responses_;
     /// The service's newest owner, where it changed while a call was on its way.
     std::optional<QString> ownerMeanwhile_;
     /// A service may take its name before its object is there.

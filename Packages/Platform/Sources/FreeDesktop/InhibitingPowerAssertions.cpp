@@ -35,12 +35,11 @@ bool isDesktopWithoutIdleService(const Inhibitions& inhibitions) {
     });
 }
 
-void waitForFirstGrant(const Inhibitions& inhibitions, std::chrono::milliseconds bound) {
+void waitForFirstGrant(const Inhibitions& inhibitions, const QDeadlineTimer& deadline) {
     // A nested event loop would let the rest of the program run in the middle of the caller's work.
     // Qt receives replies on a thread of its own and offers no bounded wait for several of
     // them, so this looks at short intervals, and takes in nothing but these answers.
     constexpr unsigned long intervalInMicroseconds = 500;
-    const QDeadlineTimer deadline(bound);
     for (;;) {
         for (IdleInhibition* inhibition : inhibitions)
             inhibition->takeAnswers();
@@ -54,11 +53,13 @@ void waitForFirstGrant(const Inhibitions& inhibitions, std::chrono::milliseconds
 
 InhibitingPowerAssertions::InhibitingPowerAssertions(MainLoop& loop, ScreenSaver* screenSaver,
                                                      QDBusConnection sessionBus,
-                                                     QDBusConnection systemBus)
+                                                     QDBusConnection systemBus,
+                                                     std::chrono::milliseconds bound)
     : loop_(loop)
     , screenSaver_(screenSaver)
     , sessionBus_(std::move(sessionBus))
-    , systemBus_(std::move(systemBus)) {}
+    , systemBus_(std::move(systemBus))
+    , bound_(bound) {}
 
 InhibitingPowerAssertions::~InhibitingPowerAssertions() = default;
 
@@ -67,11 +68,15 @@ PowerAssertionResult InhibitingPowerAssertions::create(const QString& type, quin
     constexpr quint32 levelOn = 255;
     if (type != u"PreventUserIdleDisplaySleep"_s || level != levelOn)
         return {EINVAL, 0};
+    // One bound for all of it, whoever keeps it waiting.
+    const QDeadlineTimer deadline(bound_);
     const Assertion assertion = ask(name);
-    waitForFirstGrant(assertion.inhibitions, answerBound);
-    const bool isGranted = isAnyHeld(assertion.inhibitions) ||
-                           (assertion.suspension == ScreenSaver::Suspension::held &&
-                            isDesktopWithoutIdleService(assertion.inhibitions));
+    waitForFirstGrant(assertion.inhibitions, deadline);
+    // Another client may hold the display server: it is waited for only where its word counts.
+    const bool isGranted =
+        isAnyHeld(assertion.inhibitions) ||
+        (screenSaver_ && isDesktopWithoutIdleService(assertion.inhibitions) &&
+         screenSaver_->isSuspended(std::chrono::milliseconds(deadline.remainingTime())));
     if (!isGranted) {
         end(assertion);
         return {EOPNOTSUPP, 0};
@@ -98,14 +103,14 @@ InhibitingPowerAssertions::Assertion InhibitingPowerAssertions::ask(const QStrin
                 new IdleInhibition(loop_, service, bus, reason, &owner_));
     }
     if (screenSaver_)
-        assertion.suspension = screenSaver_->suspend();
+        screenSaver_->suspend();
     return assertion;
 }
 
 void InhibitingPowerAssertions::end(const Assertion& assertion) {
     for (IdleInhibition* inhibition : assertion.inhibitions)
         inhibition->end();
-    if (assertion.suspension != ScreenSaver::Suspension::none)
+    if (screenSaver_)
         screenSaver_->resume();
 }
 

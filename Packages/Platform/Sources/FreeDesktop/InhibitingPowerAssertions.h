@@ -24,14 +24,15 @@ class IdleInhibition;
 /// is on the session bus. The status of a refused assertion is an errno value.
 class InhibitingPowerAssertions final : public PowerAssertions {
 public:
-    /// How long `create` waits for the first service to accept.
+    /// How long `create` takes at most, the display server included.
     static constexpr std::chrono::milliseconds answerBound{300};
 
     /// `screenSaver` may be null where there is none; it and the loop outlive this. Buses that are
     /// not connected count as buses with nothing on them.
     explicit InhibitingPowerAssertions(MainLoop& loop, ScreenSaver* screenSaver,
                                        QDBusConnection sessionBus = QDBusConnection::sessionBus(),
-                                       QDBusConnection systemBus = QDBusConnection::systemBus());
+                                       QDBusConnection systemBus = QDBusConnection::systemBus(),
+                                       std::chrono::milliseconds bound = answerBound);
     ~InhibitingPowerAssertions() override;
 
     [[nodiscard]] PowerAssertionResult create(const QString& type, quint32 level,
@@ -42,7 +43,6 @@ private:
     struct Assertion {
         /// Children of `owner_` that destroy themselves after their end.
         std::vector<IdleInhibition*> inhibitions;
-        ScreenSaver::Suspension suspension = ScreenSaver::Suspension::none;
     };
 
     [[nodiscard]] Assertion ask(const QString& reason);
@@ -52,6 +52,7 @@ private:
     ScreenSaver* screenSaver_;
     QDBusConnection sessionBus_;
     QDBusConnection systemBus_;
+    const std::chrono::milliseconds bound_;
     std::map<PowerAssertionID, Assertion> assertions_;
     PowerAssertionID lastID_ = 0;
     QObject owner_;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <chrono>
+
 namespace tilewright {
 
 /// The display server's own screen saver, which blanks the display (and puts it into power saving)
@@ -8,20 +10,14 @@ namespace tilewright {
 /// A suspension ends when it is resumed, and by itself when the process dies.
 class ScreenSaver {
 public:
-    /// What has come of asking for a suspension.
-    enum class Suspension {
-        /// There is none, and nothing to resume.
-        none,
-        /// The server has not answered in time: it may come to suspend the saver yet.
-        unanswered,
-        held,
-    };
-
     virtual ~ScreenSaver() = default;
 
-    /// Keeps the saver from starting until each suspension that is held, or was not answered, has
-    /// been resumed.
-    [[nodiscard]] virtual Suspension suspend() = 0;
+    /// Asks that the saver does not start until each suspension has been resumed. Does not wait for
+    /// the server, which may come to it later.
+    virtual void suspend() = 0;
+    /// Whether the server has granted the newest suspension; waits for its answer as long as the
+    /// bound allows, and takes none for a no.
+    [[nodiscard]] virtual bool isSuspended(std::chrono::milliseconds bound) = 0;
     /// Ends one suspension, also one that the server has yet to come to.
     virtual void resume() = 0;
 };

@@ -1,5 +1,6 @@
 #include "StatusNotifierItem.h"
 
+#include "MessageBus.h"
 #include "StatusNotifierPixmap.h"
 
 #include <QCoreApplication>
@@ -7,8 +8,8 @@
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
-#include <QDBusServiceWatcher>
 #include <QDBusVariant>
+#include <utility>
 
 namespace tilewright {
 
@@ -24,12 +25,6 @@ QString watcherPath() {
 
 QString itemPath() {
     return QStringLiteral("/StatusNotifierItem");
-}
-
-QDBusMessage callToBus(const QString& method) {
-    return QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"),
-                                          QStringLiteral("/org/freedesktop/DBus"),
-                                          QStringLiteral("org.freedesktop.DBus"), method);
 }
 
 QDBusMessage callToWatcher(const QString& interface, const QString& method) {
@@ -83,9 +78,9 @@ public:
     }
 
 public Q_SLOTS:
-    void Activate(int x, int y) { Q_EMIT item_->activated(NativePixel{x, y}); }
-    void SecondaryActivate(int x, int y) { Q_EMIT item_->activated(NativePixel{x, y}); }
-    void ContextMenu(int x, int y) { Q_EMIT item_->activated(NativePixel{x, y}); }
+    void Activate(int x, int y) { item_->clicked({x, y}); }
+    void SecondaryActivate(int x, int y) { item_->clicked({x, y}); }
+    void ContextMenu(int x, int y) { item_->clicked({x, y}); }
     void Scroll(int /*delta*/, const QString& /*orientation*/) {}
 
 Q_SIGNALS:
@@ -108,7 +103,8 @@ StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, int number)
     , serviceName_(QStringLiteral("org.kde.StatusNotifierItem-%1-%2")
                        .arg(QCoreApplication::applicationPid())
                        .arg(number))
-    , adaptor_(nullptr) {
+    , adaptor_(nullptr)
+    , watcher_(bus_, watcherService()) {
     registerStatusNotifierTypes();
     adaptor_ = new Adaptor(this);
     if (!bus_.isConnected()) {
@@ -120,40 +116,10 @@ StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, int number)
     requestName << serviceName_ << quint32{0};
     bus_.asyncCall(requestName);
 
-    auto* watch = new QDBusServiceWatcher(watcherService(), bus_,
-                                          QDBusServiceWatcher::WatchForOwnerChange, this);
-    connect(watch, &QDBusServiceWatcher::serviceOwnerChanged, this,
-            [this](const QString&, const QString&, const QString& newOwner) {
-                if (newOwner.isEmpty())
-                    watcherVanished();
-                else
-                    watcherAppeared(newOwner);
-            });
-    const QString watcher = watcherService();
-    // Any sender: naming one would look up its owner, blocking. Whose they are is judged here.
-    bus_.connect(QString(), watcherPath(), watcher, QStringLiteral("StatusNotifierHostRegistered"),
-                 this, SLOT(hostRegistered(QDBusMessage)));
-    bus_.connect(QString(), watcherPath(), watcher,
-                 QStringLiteral("StatusNotifierHostUnregistered"), this,
-                 SLOT(hostUnregistered(QDBusMessage)));
     bus_.connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
                  QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,
                  SLOT(busLost()));
-
-    QDBusMessage getOwner = callToBus(QStringLiteral("GetNameOwner"));
-    getOwner << watcher;
-    auto* pending = new QDBusPendingCallWatcher(bus_.asyncCall(getOwner), this);
-    connect(pending, &QDBusPendingCallWatcher::finished, this,
-            [this, generation = watcherGeneration_](QDBusPendingCallWatcher* call) {
-                call->deleteLater();
-                if (generation != watcherGeneration_)
-                    return;
-                const QDBusPendingReply<QString> reply = *call;
-                if (reply.isValid())
-                    watcherAppeared(reply.value());
-                else
-                    settle(false);
-            });
+    connect(&watcher_, &BusNameOwner::changed, this, &StatusNotifierItem::followWatcher);
 }
 
 StatusNotifierItem::~StatusNotifierItem() {
@@ -174,23 +140,49 @@ void StatusNotifierItem::setTitle(const QString& title) {
     adaptor_->setTitle(title);
 }
 
-void StatusNotifierItem::watcherAppeared(const QString& owner) {
+void StatusNotifierItem::clicked(NativePixel place) {
+    // Anybody on the bus may click. Clicks that wait together are one.
+    if (std::exchange(lastClick_, place))
+        return;
+    QMetaObject::invokeMethod(
+        this, [this] { Q_EMIT activated(*std::exchange(lastClick_, std::nullopt)); },
+        Qt::QueuedConnection);
+}
+
+void StatusNotifierItem::followWatcher() {
     ++watcherGeneration_;
-    watcher_ = owner;
+    isHostAskedFor_ = false;
+    listenTo(watcher_.owner());
+    if (heard_.isEmpty()) {
+        settle(false);
+        return;
+    }
     QDBusMessage registerItem =
         callToWatcher(watcherService(), QStringLiteral("RegisterStatusNotifierItem"));
     registerItem << serviceName_;
-    bus_.asyncCall(registerItem);
+    bus_.send(registerItem);
     askForHost();
 }
 
-void StatusNotifierItem::watcherVanished() {
-    ++watcherGeneration_;
-    watcher_.clear();
-    settle(false);
+void StatusNotifierItem::listenTo(const QString& watcher) {
+    const QString came = QStringLiteral("StatusNotifierHostRegistered");
+    const QString went = QStringLiteral("StatusNotifierHostUnregistered");
+    const char* const slot = SLOT(hostsChanged(QDBusMessage));
+    // The bus passes on nobody else's signals then, at no cost to this process.
+    if (!heard_.isEmpty()) {
+        bus_.disconnect(heard_, watcherPath(), watcherService(), came, this, slot);
+        bus_.disconnect(heard_, watcherPath(), watcherService(), went, this, slot);
+    }
+    heard_ = watcher;
+    if (!heard_.isEmpty()) {
+        bus_.connect(heard_, watcherPath(), watcherService(), came, this, slot);
+        bus_.connect(heard_, watcherPath(), watcherService(), went, this, slot);
+    }
 }
 
 void StatusNotifierItem::askForHost() {
+    isHostAskedFor_ = true;
+    isAnswerStale_ = false;
     QDBusMessage get =
         callToWatcher(QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
     get << watcherService() << QStringLiteral("IsStatusNotifierHostRegistered");
@@ -200,25 +192,28 @@ void StatusNotifierItem::askForHost() {
                 call->deleteLater();
                 if (generation != watcherGeneration_)
                     return;
+                isHostAskedFor_ = false;
                 const QDBusPendingReply<QDBusVariant> reply = *call;
                 // A watcher that cannot tell is taken for one that comes with its host.
                 settle(!reply.isValid() || reply.value().variant().toBool());
+                if (isAnswerStale_)
+                    askForHost();
             });
 }
 
-void StatusNotifierItem::hostRegistered(const QDBusMessage& notice) {
-    if (notice.service() == watcher_)
-        settle(true);
-}
-
-void StatusNotifierItem::hostUnregistered(const QDBusMessage& notice) {
-    // Another host may remain.
-    if (notice.service() == watcher_)
+void StatusNotifierItem::hostsChanged(const QDBusMessage& notice) {
+    if (notice.service() != heard_)
+        return;
+    // What the watcher says is asked for, once at a time: one host of several may have gone.
+    if (isHostAskedFor_)
+        isAnswerStale_ = true;
+    else
         askForHost();
 }
 
 void StatusNotifierItem::busLost() {
-    watcherVanished();
+    ++watcherGeneration_;
+    settle(false);
 }
 
 void StatusNotifierItem::settle(bool isHosted) {

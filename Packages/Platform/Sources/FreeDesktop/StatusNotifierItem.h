@@ -1,5 +1,7 @@
 #pragma once
 
+#include "BusNameOwner.h"
+
 #include <Platform/Geometry.h>
 
 #include <QDBusConnection>
@@ -8,6 +10,7 @@
 #include <QObject>
 #include <QString>
 #include <memory>
+#include <optional>
 
 namespace tilewright {
 
@@ -37,31 +40,38 @@ public:
     [[nodiscard]] bool isSettled() const { return isSettled_; }
 
 Q_SIGNALS:
-    /// The user clicked the item, with whichever button; (0, 0) where the host does not know.
+    /// The user clicked the item, with whichever button; (0, 0) where the host does not know. Sent
+    /// from the event loop; clicks that come faster than it turns are one, at the last place.
     void activated(NativePixel place);
     /// `isHosted()` or `isSettled()` changed.
     void hostedChanged();
 
 private Q_SLOTS:
-    void hostRegistered(const QDBusMessage& notice);
-    void hostUnregistered(const QDBusMessage& notice);
+    void hostsChanged(const QDBusMessage& notice);
     void busLost();
 
 private:
     class Adaptor;
 
-    void watcherAppeared(const QString& owner);
-    void watcherVanished();
+    void clicked(NativePixel place);
+    void followWatcher();
+    void listenTo(const QString& watcher);
     void askForHost();
     void settle(bool isHosted);
 
     QDBusConnection bus_;
     QString serviceName_;
     Adaptor* adaptor_;
-    /// The watcher's own name on the bus; empty while none is known.
-    QString watcher_;
+    BusNameOwner watcher_;
+    /// The watcher's address whose signals are listened to; empty while there is none.
+    QString heard_;
     /// Counts the watchers seen, so that a late answer of a former one is told apart.
     int watcherGeneration_ = 0;
+    bool isHostAskedFor_ = false;
+    /// Whether hosts came or went after they were asked for.
+    bool isAnswerStale_ = false;
+    /// Of those that wait to be handed out.
+    std::optional<NativePixel> lastClick_;
     bool isHosted_ = false;
     bool isSettled_ = false;
 };

@@ -234,10 +234,9 @@ bool X11Connection::isAlive() const {
     return !isLost_ && xcb_connection_has_error(connection_) == 0;
 }
 
-X11Outcome X11Connection::check(xcb_void_cookie_t cookie) {
+X11Outcome X11Connection::check(xcb_void_cookie_t cookie, std::chrono::milliseconds bound) {
     // Without a reply of its own, only a later request's reply tells that the request is done.
-    const bool isDone =
-        reply<xcb_get_input_focus_reply_t>(xcb_get_input_focus(connection_)) != nullptr;
+    const bool isDone = waitForReply(xcb_get_input_focus(connection_).sequence, bound) != nullptr;
     void* nothing = nullptr;
     xcb_generic_error_t* error = nullptr;
     if (!isDone || xcb_poll_for_reply(connection_, cookie.sequence, &nothing, &error) == 0) {
@@ -254,7 +253,7 @@ void X11Connection::flush() {
     xcb_flush(connection_);
 }
 
-X11Reply<void> X11Connection::waitForReply(unsigned int sequence) {
+X11Reply<void> X11Connection::waitForReply(unsigned int sequence, std::chrono::milliseconds bound) {
     if (waitObserver_)
         waitObserver_();
     // Requests that were made together leave together, with the first that is waited for.
@@ -262,7 +261,7 @@ X11Reply<void> X11Connection::waitForReply(unsigned int sequence) {
     flush();
     if (xcb_total_written(connection_) != writtenBefore)
         ++roundTrips_;
-    std::optional<X11Reply<void>> answer = replies_.wait(sequence, patience());
+    std::optional<X11Reply<void>> answer = replies_.wait(sequence, std::min(patience(), bound));
     if (!answer)
         noticeStuck();
     // Reading the reply may have read events too; the descriptor does not tell of those.

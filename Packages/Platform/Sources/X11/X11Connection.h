@@ -149,8 +149,10 @@ public:
             handler(as<Reply>(std::move(answer)));
         });
     }
-    /// Waits for the outcome of a checked request without a reply, as long as for a reply.
-    [[nodiscard]] X11Outcome check(xcb_void_cookie_t cookie);
+    /// Waits for the outcome of a checked request without a reply, as long as for a reply or as the
+    /// bound allows.
+    [[nodiscard]] X11Outcome check(xcb_void_cookie_t cookie,
+                                   std::chrono::milliseconds bound = replyBound);
     /// Sends what is buffered. The event loop does so too before it blocks.
     void flush();
 
@@ -184,7 +186,8 @@ private:
     [[nodiscard]] static X11Reply<Reply> as(X11Reply<void> answer) {
         return X11Reply<Reply>(static_cast<Reply*>(answer.release()));
     }
-    [[nodiscard]] X11Reply<void> waitForReply(unsigned int sequence);
+    [[nodiscard]] X11Reply<void> waitForReply(unsigned int sequence,
+                                              std::chrono::milliseconds bound = replyBound);
     [[nodiscard]] std::chrono::milliseconds patience();
     [[nodiscard]] X11AwaitedReply await(unsigned int sequence, X11Replies::Handler handler);
     void takeAnswers();

@@ -13,25 +13,32 @@ X11ScreenSaver::X11ScreenSaver(X11Connection& connection)
     : connection_(connection)
     , canSuspend_(serverCanSuspend()) {}
 
-X11ScreenSaver::Suspension X11ScreenSaver::suspend() {
+void X11ScreenSaver::suspend() {
     if (!canSuspend_ || !connection_.isAlive())
-        return Suspension::none;
-    switch (connection_.check(xcb_screensaver_suspend_checked(connection_.xcb(), 1))) {
-    case X11Outcome::done:
-        return Suspension::held;
-    case X11Outcome::unknown:
-        return Suspension::unanswered;
-    case X11Outcome::failed:
-        break;
-    }
-    return Suspension::none;
+        return;
+    forgetOutcome();
+    newest_ = xcb_screensaver_suspend_checked(connection_.xcb(), 1);
+    connection_.flush();
+}
+
+bool X11ScreenSaver::isSuspended(std::chrono::milliseconds bound) {
+    if (!newest_ || !connection_.isAlive())
+        return false;
+    return connection_.check(*std::exchange(newest_, std::nullopt), bound) == X11Outcome::done;
 }
 
 void X11ScreenSaver::resume() {
-    if (!connection_.isAlive())
+    if (!canSuspend_ || !connection_.isAlive())
         return;
+    forgetOutcome();
     xcb_screensaver_suspend(connection_.xcb(), 0);
     connection_.flush();
+}
+
+void X11ScreenSaver::forgetOutcome() {
+    if (newest_)
+        xcb_discard_reply(connection_.xcb(), newest_->sequence);
+    newest_.reset();
 }
 
 bool X11ScreenSaver::serverCanSuspend() {

@@ -4,6 +4,8 @@
 
 #include <FreeDesktop/ScreenSaver.h>
 
+#include <optional>
+
 namespace tilewright {
 
 /// The X server's own screen saver, which includes its display power management. The server ends
@@ -13,14 +15,18 @@ public:
     /// The connection outlives this.
     explicit X11ScreenSaver(X11Connection& connection);
 
-    [[nodiscard]] Suspension suspend() override;
+    void suspend() override;
+    [[nodiscard]] bool isSuspended(std::chrono::milliseconds bound) override;
     void resume() override;
 
 private:
     [[nodiscard]] bool serverCanSuspend();
+    void forgetOutcome();
 
     X11Connection& connection_;
     const bool canSuspend_;
+    /// The newest suspension, while nobody has asked what has come of it.
+    std::optional<xcb_void_cookie_t> newest_;
 };
 
 } // namespace tilewright

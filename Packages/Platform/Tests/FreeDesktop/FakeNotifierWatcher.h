@@ -11,7 +11,7 @@ namespace tilewright::testing {
 class FakeNotifierWatcher final : public QObject {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierWatcher")
-    Q_PROPERTY(bool IsStatusNotifierHostRegistered MEMBER hasHost)
+    Q_PROPERTY(bool IsStatusNotifierHostRegistered READ answerAboutHost)
 
 public:
     explicit FakeNotifierWatcher(QDBusConnection bus, bool startsWithHost = true)
@@ -35,7 +35,14 @@ public:
             Q_EMIT StatusNotifierHostUnregistered();
     }
 
+    bool answerAboutHost() {
+        ++timesAsked;
+        return hasHost;
+    }
+
     bool hasHost;
+    /// How often it was asked for its host.
+    int timesAsked = 0;
     QStringList items;
 
 public Q_SLOTS:

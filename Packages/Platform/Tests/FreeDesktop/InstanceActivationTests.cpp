@@ -11,6 +11,7 @@
 namespace tilewright::testing {
 namespace {
 
+using namespace std::chrono_literals;
 using Claim = InstanceActivation::Claim;
 
 /// Claims as another process would: while this thread's event loop runs on.
@@ -72,6 +73,17 @@ TEST_F(FreeDesktopInstanceActivationTest, EndsThoughTheFirstInstanceHangs) {
     FreeDesktopInstanceActivation second(QStringLiteral(":0"), bus.connect());
     EXPECT_EQ(second.claim(), Claim::another);
     EXPECT_TRUE(waitUntil([&] { return requested.size() == 1; }));
+}
+
+TEST_F(FreeDesktopInstanceActivationTest, GivesItsNameUpWithoutWaitingForABusThatHangs) {
+    const QDBusConnection own = bus.connect();
+    auto instance = std::make_unique<FreeDesktopInstanceActivation>(QStringLiteral(":0"), own);
+    ASSERT_EQ(instance->claim(), Claim::first);
+    // A call of the bus would be given up at two seconds.
+    EXPECT_TRUE(bus.isDoneWithoutAnAnswer([&] { instance.reset(); }, 1500ms));
+    FreeDesktopInstanceActivation next(QStringLiteral(":0"), bus.connect());
+    PrivateBus::takeAllIn(own);
+    EXPECT_EQ(next.claim(), Claim::first);
 }
 
 TEST_F(FreeDesktopInstanceActivationTest, IsFirstWithoutABus) {

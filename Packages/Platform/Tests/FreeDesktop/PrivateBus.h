@@ -3,6 +3,7 @@
 #include <Waiting.h>
 
 #include <QDBusConnection>
+#include <QDBusMessage>
 #include <QProcess>
 #include <csignal>
 #include <future>
@@ -38,6 +39,13 @@ public:
         names_.append(QStringLiteral("private-%1").arg(++count));
         return QDBusConnection::connectToBus(address_, names_.back());
     }
+    /// Returns once whatever came to the connection before this is with the event loop, which does
+    /// not turn meanwhile.
+    static void takeAllIn(const QDBusConnection& connection) {
+        static_cast<void>(connection.call(QDBusMessage::createMethodCall(
+            QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+            QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetId"))));
+    }
     /// Ends the bus at once.
     void stop() {
         if (daemon_.state() == QProcess::NotRunning)
@@ -47,14 +55,15 @@ public:
     }
 
     /// Does something while the bus, as when the machine keeps it waiting, answers nobody. Whether
-    /// it came back without an answer; the bus goes on afterwards in any case.
+    /// it came back without an answer; the bus goes on afterwards, or at the deadline.
     template<class Action>
-    [[nodiscard]] bool isDoneWithoutAnAnswer(Action action) {
+    [[nodiscard]] bool isDoneWithoutAnAnswer(Action action,
+                                             std::chrono::milliseconds deadline = patience) {
         const auto pid = static_cast<pid_t>(daemon_.processId());
         ::kill(pid, SIGSTOP);
         std::promise<void> done;
-        auto isDone = std::async(std::launch::async, [pid, done = done.get_future()] {
-            const bool isInTime = done.wait_for(patience) == std::future_status::ready;
+        auto isDone = std::async(std::launch::async, [pid, deadline, done = done.get_future()] {
+            const bool isInTime = done.wait_for(deadline) == std::future_status::ready;
             ::kill(pid, SIGCONT);
             return isInTime;
         });

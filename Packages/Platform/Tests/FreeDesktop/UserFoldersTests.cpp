@@ -100,4 +100,22 @@ TEST_F(FreeDesktopFoldersTest, HasNoValueWhereNoneOrAnotherKindOfOneIsStored) {
     EXPECT_EQ(FreeDesktopUserDefaults().string(key), std::nullopt);
 }
 
+TEST_F(FreeDesktopFoldersTest, TakesNoValueFromFilesThatAreNotThisUsersSettings) {
+    const QString system = home.filePath(QStringLiteral("system"));
+    QSettings::setPath(QSettings::NativeFormat, QSettings::SystemScope, system);
+    const QStringList others{system + QStringLiteral("/Tilewright/Tilewright.conf"),
+                             system + QStringLiteral("/Tilewright.conf"),
+                             home.filePath(QStringLiteral(".config/Tilewright.conf"))};
+    for (const QString& path : others) {
+        ASSERT_TRUE(QDir().mkpath(QFileInfo(path).path()));
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("[General]\nsnapActivationModifier=shift\n");
+    }
+    FreeDesktopUserDefaults defaults;
+    EXPECT_EQ(defaults.string(key), std::nullopt);
+    defaults.setString(QStringLiteral("option"), key);
+    EXPECT_EQ(defaults.string(key), QStringLiteral("option"));
+}
+
 } // namespace tilewright::testing

@@ -48,7 +48,8 @@ TEST(X11Coordinates, CutsWhatNoScreenHolds) {
     const X11Coordinates coordinates(QRect(0, 0, 100, 100));
     const double infinite = std::numeric_limits<double>::infinity();
     EXPECT_EQ(coordinates.toPixel({infinite, -infinite}), QPoint(32767, -32767));
-    EXPECT_EQ(coordinates.toPixel({std::nan(""), 0}).y(), 0);
+    EXPECT_EQ(coordinates.toPixel({std::nan(""), 0}), QPoint(-32767, 0));
+    EXPECT_EQ(coordinates.toPixels({0, std::nan("")}, {10, 10}), QRect(0, -32767, 10, 0));
 }
 
 TEST(X11SizeLimits, RoundIncrementsDownFromTheBase) {

@@ -22,6 +22,28 @@ X11DisplayKeys::Display at(const char* connector, std::optional<X11Edid> edid) {
 
 using Keys = std::vector<std::optional<QString>>;
 
+/// What a monitor with such a block gets at a connector, with nothing else connected.
+std::optional<QString> keyAt(const char* connector, const char* block) {
+    return X11DisplayKeys().update({at(connector, X11Edid::parse(QByteArray::fromHex(block)))})[0];
+}
+
+// Whole blocks: of a monitor with both serials, of one with none, and of one with a number only.
+constexpr const char* withBothSerials =
+    "00ffffffffffff005197f140040302010c1f0104b53c22783aee95a3544c9926"
+    "0f505400000001010101010101010101010101010101023a801871382d40582c"
+    "450055502100001e000000ff0041423132433344340a20202020000000fc0054"
+    "616c6c2032370a202020202000000010000000000000000000000000000000e6";
+constexpr const char* withoutSerial =
+    "00ffffffffffff004653070b00000000281d0104b53c22783aee95a3544c9926"
+    "0f505400000001010101010101010101010101010101023a801871382d40582c"
+    "450055502100001e000000fc00576964652033340a2020202020000000100000"
+    "0000000000000000000000000000001000000000000000000000000000000097";
+constexpr const char* withASerialNumber =
+    "00ffffffffffff00633a07002a00000001190104b53c22783aee95a3544c9926"
+    "0f505400000001010101010101010101010101010101023a801871382d40582c"
+    "450055502100001e000000100000000000000000000000000000000000100000"
+    "0000000000000000000000000000001000000000000000000000000000000045";
+
 } // namespace
 
 TEST(X11DisplayKeys, NamesAMonitorWithASerialWhereverItIsPluggedIn) {
@@ -105,4 +127,28 @@ TEST(X11DisplayKeys, NumbersDisplaysByTheirConnectorsNeverWithZero) {
     EXPECT_EQ(displayNumber(QStringLiteral("DP-1")), displayNumber(QStringLiteral("DP-1")));
     EXPECT_NE(displayNumber(QStringLiteral("DP-1")), displayNumber(QStringLiteral("DP-2")));
     EXPECT_NE(displayNumber(QString()), 0U);
+}
+
+// The two tests below hold for good: another key for a monitor loses its user's choice of layout.
+
+TEST(X11DisplayKeys, AreTheseForTheseMonitorsInEveryVersion) {
+    const auto whole = QStringLiteral("996C7887-280F-5AFA-8308-6C0611A5DF6E");
+    EXPECT_EQ(keyAt("DP-1", withBothSerials), whole);
+    EXPECT_EQ(keyAt("HDMI-2", withBothSerials), whole);
+    EXPECT_EQ(keyAt("DP-1", withASerialNumber),
+              QStringLiteral("9B80FBC8-CE04-5A0A-BD58-FC5CFDDF6B22"));
+    EXPECT_EQ(keyAt("DP-1", withoutSerial), QStringLiteral("FC74C519-3714-5793-8EF4-1CCED6502AAD"));
+    EXPECT_EQ(keyAt("HDMI-2", withoutSerial),
+              QStringLiteral("85CAB162-8020-532C-8EDA-B3FDD143577E"));
+
+    const auto edid = X11Edid::parse(QByteArray::fromHex(withBothSerials));
+    EXPECT_EQ(X11DisplayKeys().update({at("HDMI-2", edid), at("DP-1", edid)}),
+              (Keys{QStringLiteral("4C3388DB-329F-5245-986D-12F73509E1ED"), whole}));
+}
+
+TEST(X11DisplayKeys, NumberTheseConnectorsLikeThisInEveryVersion) {
+    EXPECT_EQ(displayNumber(QStringLiteral("DP-1")), 498784119U);
+    EXPECT_EQ(displayNumber(QStringLiteral("HDMI-2")), 444614412U);
+    EXPECT_EQ(displayNumber(QStringLiteral("eDP-1")), 3327778526U);
+    EXPECT_EQ(displayNumber(QStringLiteral("Größe")), 1219707514U);
 }

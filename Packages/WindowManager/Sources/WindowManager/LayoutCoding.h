@@ -3,16 +3,17 @@
 #include "ZoneLayout.h"
 
 #include <QByteArray>
-#include <QJsonObject>
 #include <map>
 
 namespace tilewright {
 
 /// The JSON form of layouts and of the file they are kept in.
 ///
-/// Writing fails on a number that JSON has no form for (infinities, not-a-number). Reading is
-/// strict: every key is required, a value of the wrong type anywhere fails the whole, no value is
-/// converted; unknown keys are ignored. What the numbers mean is not checked.
+/// Compact UTF-8. Writing fails on a number that JSON has no form for (infinities, not-a-number);
+/// whatever else is written is read as the very same value. Reading is strict: every key is
+/// required, a value of the wrong type anywhere fails the whole, no value is converted; unknown
+/// keys are ignored, and of two equal keys the last one counts. What the numbers mean is not
+/// checked.
 class LayoutCoding {
 public:
     LayoutCoding() = delete;
@@ -26,17 +27,17 @@ public:
         friend bool operator==(const Persisted&, const Persisted&) = default;
     };
 
-    /// The whole file: compact UTF-8.
+    /// The whole file.
     [[nodiscard]] static std::optional<QByteArray> encode(const Persisted& persisted);
-    [[nodiscard]] static std::optional<QJsonObject> encode(const ZoneLayout& layout);
-    [[nodiscard]] static std::optional<QJsonObject> encode(const Zone& zone);
-    [[nodiscard]] static std::optional<QJsonObject> encode(const ZoneRect& rect);
+    [[nodiscard]] static std::optional<QByteArray> encode(const ZoneLayout& layout);
+    [[nodiscard]] static std::optional<QByteArray> encode(const Zone& zone);
+    [[nodiscard]] static std::optional<QByteArray> encode(const ZoneRect& rect);
 
     /// Reads a whole file; none when any of it is wrong.
-    [[nodiscard]] static std::optional<Persisted> decodePersisted(const QByteArray& bytes);
-    [[nodiscard]] static std::optional<ZoneLayout> decodeZoneLayout(const QJsonValue& value);
-    [[nodiscard]] static std::optional<Zone> decodeZone(const QJsonValue& value);
-    [[nodiscard]] static std::optional<ZoneRect> decodeZoneRect(const QJsonValue& value);
+    [[nodiscard]] static std::optional<Persisted> decodePersisted(QByteArrayView bytes);
+    [[nodiscard]] static std::optional<ZoneLayout> decodeZoneLayout(QByteArrayView bytes);
+    [[nodiscard]] static std::optional<Zone> decodeZone(QByteArrayView bytes);
+    [[nodiscard]] static std::optional<ZoneRect> decodeZoneRect(QByteArrayView bytes);
 };
 
 } // namespace tilewright

@@ -6,9 +6,6 @@
 #include <Platform/MainThread.h>
 
 #include <QDir>
-#include <QFile>
-#include <QFileInfo>
-#include <QSaveFile>
 #include <algorithm>
 
 namespace tilewright {
@@ -29,19 +26,6 @@ QString defaultFile() {
     return folder.filePath(u"layouts.json"_s);
 }
 
-std::optional<QByteArray> contentsOf(const QString& path) {
-    // Only a regular file ends: reading a pipe or a device could block for ever.
-    if (!QFileInfo(path).isFile())
-        return std::nullopt;
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return std::nullopt;
-    QByteArray contents = file.readAll();
-    if (file.error() != QFileDevice::NoError)
-        return std::nullopt;
-    return contents;
-}
-
 } // namespace
 
 LayoutStore& LayoutStore::shared() {
@@ -49,15 +33,16 @@ LayoutStore& LayoutStore::shared() {
 }
 
 LayoutStore::LayoutStore(std::optional<QString> fileURL)
-    : fileURL_(fileURL ? *std::move(fileURL) : defaultFile())
+    : file_(fileURL ? *std::move(fileURL) : defaultFile())
     , customLayouts_(*this, {})
     , assignments_(*this, {}) {
-    const auto contents = contentsOf(fileURL_);
-    if (!contents)
+    file_.removeStrayFiles();
+    const auto contents = file_.read();
+    auto persisted = contents ? LayoutCoding::decodePersisted(*contents) : std::nullopt;
+    if (!persisted) {
+        file_.keepOldContents();
         return;
-    auto persisted = LayoutCoding::decodePersisted(*contents);
-    if (!persisted)
-        return;
+    }
     customLayouts_ = std::move(persisted->customLayouts);
     assignments_ = std::move(persisted->assignments);
 }
@@ -143,14 +128,9 @@ void LayoutStore::removeCustomLayout(const QUuid& id) {
     save();
 }
 
-void LayoutStore::save() const {
-    const auto bytes = LayoutCoding::encode({customLayouts(), assignments()});
-    if (!bytes)
-        return;
-    QSaveFile file(fileURL_);
-    // Flushed here, since commit() overlooks that the last of what is buffered cannot be written.
-    if (file.open(QIODevice::WriteOnly) && file.write(*bytes) == bytes->size() && file.flush())
-        file.commit();
+void LayoutStore::save() {
+    if (const auto bytes = LayoutCoding::encode({customLayouts(), assignments()}))
+        file_.write(*bytes);
 }
 
 } // namespace tilewright

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "LayoutsFile.h"
 #include "ZoneLayout.h"
 
 #include <Platform/ObservableObject.h>
@@ -12,8 +13,9 @@ namespace tilewright {
 /// The user's layouts and the choice of layout for each display, kept in a JSON file.
 ///
 /// Loaded once, at creation; every change is saved at once, atomically. Failures of either are
-/// silent: an unreadable file is an empty store, a change that cannot be saved stays in memory.
-/// Main thread only, which it asserts.
+/// silent: an unreadable file is an empty store, and the first change leaves a copy of it beside
+/// it; a change that cannot be saved stays in memory. Main thread only; looking a layout up by its
+/// id, updating and removing one assert it.
 class LayoutStore : public ObservableObject {
     Q_OBJECT
 
@@ -52,9 +54,9 @@ public:
     void removeCustomLayout(const QUuid& id);
 
 private:
-    void save() const;
+    void save();
 
-    const QString fileURL_;
+    LayoutsFile file_;
     Published<std::vector<ZoneLayout>> customLayouts_;
     Published<Assignments> assignments_;
 };

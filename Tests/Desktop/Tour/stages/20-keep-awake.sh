@@ -8,7 +8,7 @@ left_alone_for() { [ "$(xssstate -i)" -ge "$1" ]; }
 saver_is() { [ "$(xssstate -s)" = "$1" ]; }
 
 xset s 1
-click "push button" 15m
+click button 15m
 expect_control "a session of a quarter of an hour runs" label "Active — 14:5? remaining"
 expect_control "the switch is on" "check box" "Keep Awake" checked
 move_pointer 960 800

@@ -19,25 +19,25 @@ settings_rest() {
 
 # grip CORNER: moves the pointer onto the selected zone's handle.
 grip() {
-    wait_until rests "push button" "$1 corner"
+    wait_until rests button "$1 corner"
     move_pointer "$cx" "$cy"
 }
 
 click_item
-click "push button" "Settings…"
+click button "Settings…"
 expect "\"Settings…\" opens the window, focused" settings_are_forward
 wait_until settings_rest
 
-click "push button" New
+click button New
 expect_control "a new layout begins with the left half" "list item" "Zone 1, 50 % × 100 %"
-click "push button" "Add Zone"
+click button "Add Zone"
 expect_control "the next zone takes the right half" "list item" "Zone 2, 50 % × 100 %"
 shows "list item" "Zone 2, *"
 canvas_height=$ch canvas_width=$((2 * cw))
 grip "Bottom right"
 drag_by 0 $((-canvas_height * 4 / 10))
 expect_control "its corner, dragged up, makes room below" "list item" "Zone 2, 50 % × [56]? %"
-click "push button" "Add Zone"
+click button "Add Zone"
 expect_control "the room takes a third zone" "list item" "Zone 3, 25 % × 25 %"
 # Farther than the canvas goes, and to where the neighbour's edge is near enough.
 grip "Bottom right"
@@ -54,8 +54,8 @@ xdotool key ctrl+a
 xdotool type Writing
 expect_control "it is named" text "Layout name" focused
 picture editor
-click "push button" "Save Layout"
-expect_control "saved: from now on it is updated" "push button" "Update Layout"
+click button "Save Layout"
+expect_control "saved: from now on it is updated" button "Update Layout"
 
 work_area() { xprop -root -notype _NET_WORKAREA | sed 's/.*= //' | tr -d , | cut -d ' ' -f 1-4; }
 # zones: what the file says of the layout, where a window that fills a zone would stand.

@@ -63,7 +63,7 @@ expect "the terminal is where the drag left it: $expected" \
 echo "Click the third zone in the panel."
 click_item
 zone_frame 3
-click "push button" "Snap to Zone 3"
+click button "Snap to Zone 3"
 expect_frame "the terminal, which has the focus, fills it" "$terminal" "$zx" "$zy" "$zw" "$zh" 12 24
 xdotool key Escape
 wait_until panel_is_gone

@@ -30,7 +30,7 @@ looks() {
     move_pointer 400 1000
     client_frame "$(panel_window)"
     picture "panel-$tone" "$x" "$y" "$w" "$h"
-    click "push button" "Settings…"
+    click button "Settings…"
     wait_until settings_rest
     for tab in Layouts Manage General Accessibility; do
         click "page tab" "$tab"

@@ -1,0 +1,50 @@
+#include "BusNameOwner.h"
+
+#include "MessageBus.h"
+
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusServiceWatcher>
+
+namespace tilewright {
+
+BusNameOwner::BusNameOwner(const QDBusConnection& bus, const QString& name, QObject* parent)
+    : QObject(parent) {
+    if (!bus.isConnected())
+        return;
+    auto* watch =
+        new QDBusServiceWatcher(name, bus, QDBusServiceWatcher::WatchForOwnerChange, this);
+    connect(watch, &QDBusServiceWatcher::serviceOwnerChanged, this,
+            [this](const QString&, const QString&, const QString& newOwner) { heard(newOwner); });
+    QDBusMessage getOwner = callToBus(QStringLiteral("GetNameOwner"));
+    getOwner << name;
+    auto* pending = new QDBusPendingCallWatcher(bus.asyncCall(getOwner), this);
+    connect(pending, &QDBusPendingCallWatcher::finished, this,
+            [this](QDBusPendingCallWatcher* call) {
+                call->deleteLater();
+                // A change is handed out at once, a reply only later: it may be the older of both.
+                const QDBusPendingReply<QString> reply = *call;
+                if (!hasHeard_)
+                    heard(reply.isValid() ? reply.value() : QString());
+            });
+}
+
+BusNameOwner::~BusNameOwner() = default;
+
+void BusNameOwner::heard(const QString& owner) {
+    hasHeard_ = true;
+    newest_ = owner;
+    if (std::exchange(isNewsPosted_, true))
+        return;
+    // Somebody may take and give up a name as fast as he can.
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            isNewsPosted_ = false;
+            owner_ = newest_;
+            Q_EMIT changed();
+        },
+        Qt::QueuedConnection);
+}
+
+} // namespace tilewright
