@@ -3,9 +3,12 @@
 expected-tests.py before BUILD_FOLDER   says what will be run, and what this release cannot say
                                         anything of; fails if a test that stands in the sources is
                                         not registered, or is disabled
-expected-tests.py after JUNIT_FILE      fails if a registered test did not run to its end
+expected-tests.py after BUILD_FOLDER    fails if a registered test did not run to its end; says how
+                                        often tests did something once more because of a fault of a
+                                        window manager
 """
 
+import collections
 import json
 import pathlib
 import re
@@ -74,9 +77,14 @@ def before(build):
     return 0
 
 
-def after(results):
-    cases = xml.etree.ElementTree.parse(results).getroot().iter("testcase")
+def after(build):
+    cases = xml.etree.ElementTree.parse(pathlib.Path(build, "test-results.xml")).getroot().iter("testcase")
     unfinished = [case.get("name") for case in cases if case.get("status") not in ("run", "fail", "disabled")]
+    log = pathlib.Path(build, "Testing/Temporary/LastTest.log").read_text(encoding="utf-8", errors="replace")
+    repeated = collections.Counter(re.findall(r"^repeated: (.*)$", log, re.MULTILINE))
+    print(f"repeated: {sum(repeated.values())}")
+    for what, count in repeated.most_common():
+        print(f"  {count:5} {what}")
     if unfinished:
         print("Did not run:", *unfinished, sep="\n  ")
         return 1

@@ -67,8 +67,8 @@ GeneralSettingsView::GeneralSettingsView(QWidget* parent)
     , caption_(makeCaption({}))
     , refresh_([this] { refresh(); }) {
     std::vector<PopUpButton::Item> items;
-    items.reserve(allSnapModifiers.size());
-    for (const SnapModifier modifier : allSnapModifiers)
+    items.reserve(SnapModifiers::allCases.size());
+    for (const SnapModifier modifier : SnapModifiers::allCases)
         items.push_back({rawValue(modifier), pickerLabel(modifier)});
     modifierPicker_->setItems(items);
     connect(modifierPicker_, &QComboBox::activated, this, [this] {

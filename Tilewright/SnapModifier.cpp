@@ -34,7 +34,7 @@ QString rawValue(SnapModifier modifier) {
 }
 
 std::optional<SnapModifier> snapModifierFromRawValue(const QString& text) {
-    for (const SnapModifier modifier : allSnapModifiers) {
+    for (const SnapModifier modifier : SnapModifiers::allCases) {
         if (rawValue(modifier) == text)
             return modifier;
     }

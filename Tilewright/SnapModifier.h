@@ -11,9 +11,14 @@ namespace tilewright {
 /// The key that turns a window drag into a snap.
 enum class SnapModifier { control, shift, option, command };
 
-/// The four keys in the order in which they are offered.
-inline constexpr std::array allSnapModifiers{SnapModifier::control, SnapModifier::shift,
-                                             SnapModifier::option, SnapModifier::command};
+/// What `SnapModifier` is a choice of.
+struct SnapModifiers {
+    SnapModifiers() = delete;
+
+    /// The four keys in the order in which they are offered.
+    static constexpr std::array allCases{SnapModifier::control, SnapModifier::shift,
+                                         SnapModifier::option, SnapModifier::command};
+};
 
 /// The text under which the choice is stored, such as "control".
 [[nodiscard]] QString rawValue(SnapModifier modifier);

@@ -200,7 +200,7 @@ private:
             changeDisplays();
         } else if (choice < 980) {
             SnapSettings::shared().setModifier(
-                allSnapModifiers.at(static_cast<std::size_t>(upTo(3))));
+                SnapModifiers::allCases.at(static_cast<std::size_t>(upTo(3))));
         } else if (choice < 990) {
             platform_.fakeMainLoop.runPosted();
         } else if (choice < 995) {

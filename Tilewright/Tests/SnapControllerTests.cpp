@@ -560,9 +560,9 @@ TEST_F(SnapControllerTest, ShowsAnEmptyOverlayForALayoutWithoutZones) {
 // The modifier.
 
 TEST_F(SnapControllerTest, FollowsEachOfTheFourModifiers) {
-    for (const SnapModifier modifier : allSnapModifiers) {
+    for (const SnapModifier modifier : SnapModifiers::allCases) {
         SnapSettings::shared().setModifier(modifier);
-        for (const SnapModifier held : allSnapModifiers) {
+        for (const SnapModifier held : SnapModifiers::allCases) {
             flags({eventFlag(held)});
             dragTo(inPrimary);
             expectState(held == modifier ? snapping : idle);

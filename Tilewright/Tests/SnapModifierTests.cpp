@@ -6,8 +6,8 @@ using namespace Qt::StringLiterals;
 using namespace tilewright;
 
 TEST(SnapModifier, OffersTheFourKeysInOrder) {
-    EXPECT_EQ(allSnapModifiers, (std::array{SnapModifier::control, SnapModifier::shift,
-                                            SnapModifier::option, SnapModifier::command}));
+    EXPECT_EQ(SnapModifiers::allCases, (std::array{SnapModifier::control, SnapModifier::shift,
+                                                   SnapModifier::option, SnapModifier::command}));
 }
 
 TEST(SnapModifier, HasFixedTextsForEachKey) {
@@ -38,7 +38,7 @@ TEST(SnapModifier, KnowsTheBitOfEachKeyInAnEventsFlags) {
 }
 
 TEST(SnapModifier, IsFoundByItsExactRawValueOnly) {
-    for (const SnapModifier modifier : allSnapModifiers)
+    for (const SnapModifier modifier : SnapModifiers::allCases)
         EXPECT_EQ(snapModifierFromRawValue(rawValue(modifier)), modifier);
     for (const QString& text : {u"Control"_s, u"CONTROL"_s, u" control"_s, u"control "_s, u""_s,
                                 QString(), u"ctrl"_s, u"\u2303"_s, u"alt"_s})

@@ -30,7 +30,7 @@ TEST(SnapSettings, StartWithControlAndStoreNothingOnAFreshInstallation) {
 }
 
 TEST(SnapSettings, ReadBackEachStoredKey) {
-    for (const SnapModifier modifier : allSnapModifiers)
+    for (const SnapModifier modifier : SnapModifiers::allCases)
         EXPECT_EQ(loadedFrom(rawValue(modifier)), modifier);
 }
 

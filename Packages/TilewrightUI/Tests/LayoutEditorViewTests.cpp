@@ -132,6 +132,10 @@ TEST_F(LayoutEditorViewTest, KeepsTheCanvasSixteenByTen) {
     }
 }
 
+TEST_F(LayoutEditorViewTest, NamesTheSpaceThatDragsAreMeasuredIn) {
+    EXPECT_EQ(view.findChild<LayoutEditorCanvas*>(u"editorCanvas"_s), &canvas());
+}
+
 TEST_F(LayoutEditorViewTest, ScalesZonesToTheCanvas) {
     const QRectF frame = canvas().canvasFrame();
     const QRectF tile = canvas().tile(1).zoneFrame();

@@ -46,6 +46,14 @@ TEST(CoordinateConverter, UsesTheDisplayGivenWhenTheListIsEmpty) {
               (AppKitRect{10, 20, 30, 40}));
 }
 
+TEST(CoordinateConverter, FlipsAPointAboutThePrimaryDisplayToo) {
+    FakeDesktop desktop;
+    EXPECT_EQ(CoordinateConverter::appKitToAX(AppKitPoint{10, 20}), (AXPoint{10, -20}));
+    desktop.platform.fakeScreens.setScreens(
+        {makeScreen({.frame = {0, 0, 1440, 900}}), makeScreen({.frame = {1440, 0, 1920, 1080}})});
+    EXPECT_EQ(CoordinateConverter::appKitToAX(AppKitPoint{10, 20.5}), (AXPoint{10, 879.5}));
+}
+
 TEST(CoordinateConverter, TakesNegativeSizesByTheirExtentOnTheWayToAccessibilitySpace) {
     FakeDesktop desktop;
     const auto screen = makeScreen({.frame = {0, 0, 1440, 900}});

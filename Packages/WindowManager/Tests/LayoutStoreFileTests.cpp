@@ -196,11 +196,14 @@ TEST_F(LayoutStoreFile, IsLeftBesideTheLinkThatStandsForIt) {
 
 TEST_F(LayoutStoreFile, IsNotLeftInThePlaceOfWhatIsNoFile) {
     const QString path = at(u"layouts.json"_s);
-    ASSERT_TRUE(QDir().mkpath(path + u".unreadable"_s));
+    const QByteArray place = QFile::encodeName(path + u".unreadable"_s);
+    ASSERT_EQ(mkfifo(place.constData(), 0600), 0);
     write(path, "by hand");
     LayoutStore(path).addCustomLayout(layout);
     EXPECT_EQ(read(path)->customLayouts, std::vector{layout});
-    EXPECT_TRUE(QFileInfo(path + u".unreadable"_s).isDir());
+    struct stat status {};
+    ASSERT_EQ(stat(place.constData(), &status), 0);
+    EXPECT_TRUE(S_ISFIFO(status.st_mode));
 }
 
 TEST_F(LayoutStoreFile, StaysWhenItCouldNotBeUnderstoodAndTheChangeCannotBeWritten) {

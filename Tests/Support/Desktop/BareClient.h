@@ -1,6 +1,7 @@
 #pragma once
 
 #include "DesktopSession.h"
+#include "Repetition.h"
 #include "Waiting.h"
 #include "XClient.h"
 
@@ -59,6 +60,7 @@ public:
         const bool isShown = waitUntil([&] {
             if (showsUp())
                 return true;
+            tellRepetition("a window manager that was just starting lost a window");
             xcb_unmap_window(client_.xcb(), window_);
             client_.sync();
             return false;

@@ -20,6 +20,7 @@ LayoutEditorCanvas::LayoutEditorCanvas(LayoutEditorModel& model, QWidget* parent
     : QWidget(parent)
     , model_(model) {
     installZoneEditorAccessibility();
+    setObjectName(QStringLiteral("editorCanvas"));
     setMouseTracking(true);
     setAccessibleName(tr("Canvas"));
     for (const auto corner : ZoneEditorGeometry::allCorners) {

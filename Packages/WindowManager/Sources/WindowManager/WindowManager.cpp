@@ -1,5 +1,7 @@
 #include "WindowManager.h"
 
+#include "CoordinateConverter.h"
+
 namespace tilewright {
 
 using namespace Qt::StringLiterals;
@@ -51,10 +53,8 @@ void WindowManager::snapFocusedWindow(const Zone& zone, const ScreenPtr& screen)
 
 std::optional<AccessibilityElement>
 WindowManager::windowElementAtScreenPoint(AppKitPoint point) const {
-    const auto& screens = Platform::current().screens.all();
-    const double height = screens.empty() ? 0 : screens.front()->frame().height;
     const auto element =
-        Platform::current().accessibility.elementAtPosition({point.x, height - point.y});
+        Platform::current().accessibility.elementAtPosition(CoordinateConverter::appKitToAX(point));
     return element.value ? enclosingWindow(*element.value) : std::nullopt;
 }
 
