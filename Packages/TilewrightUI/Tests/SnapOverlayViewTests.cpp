@@ -264,6 +264,24 @@ TEST_F(SnapOverlayViewTest, TellsTheAreasOfItsPresentSizeAndLayoutAlsoBeforeItIs
     EXPECT_EQ(view.outline().boundingRect(), QRect(4, 4, 292, 192));
 }
 
+TEST_F(SnapOverlayViewTest, LaysItsTilesOutOnceForOneShowing) {
+    view.hide();
+    const int before = view.layoutCount();
+    model.setLayout(makeLayout({makeZone(0, 0, 0.5, 1), makeZone(0.5, 0, 0.5, 1)}));
+    view.resize(1200, 900);
+    model.setHighlightedZoneID(zone(1).id);
+    // As a surface does.
+    EXPECT_FALSE(view.blurArea().isEmpty());
+    view.show();
+    EXPECT_FALSE(view.outline().isEmpty());
+    EXPECT_FALSE(picture().isNull());
+    desktop.platform.fakeMainLoop.runPosted();
+    model.setHighlightedZoneID(zone(0).id);
+    desktop.platform.fakeMainLoop.runPosted();
+    EXPECT_FALSE(picture().isNull());
+    EXPECT_EQ(view.layoutCount(), before + 1);
+}
+
 TEST_F(SnapOverlayViewTest, TellsTheSurfaceOfChangedAreas) {
     int changes = 0;
     view.onAreasChanged([&] { ++changes; });

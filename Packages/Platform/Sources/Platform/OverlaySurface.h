@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Geometry.h"
+#include "OverlayPicture.h"
 #include "Screens.h"
 
 #include <functional>
@@ -18,20 +18,27 @@ enum class OverlayRendering {
     shaped,
 };
 
-/// What an overlay surface shows: a widget that can also do without transparency.
+/// What an overlay surface shows: a widget that can also do without transparency, and the same as
+/// plain values for desktops that draw it by themselves.
 class OverlayView {
 public:
     virtual ~OverlayView() = default;
+
+    /// What is to be seen on the display now, whatever size the widget has.
+    [[nodiscard]] virtual OverlayPicture picture(const ScreenPtr& display) const = 0;
+    /// Registers the surface's wish to be told when `picture()` has another answer: once for all
+    /// changes of a turn of the loop.
+    virtual void onPictureChanged(std::function<void()> callback) = 0;
 
     /// The widget that draws. It fills the surface.
     [[nodiscard]] virtual QWidget& widget() = 0;
     /// Tells the view how it is shown from now on; it repaints where that matters.
     virtual void setRendering(OverlayRendering rendering) = 0;
     /// What is opaque under `OverlayRendering::shaped`, in the widget's own coordinates.
-    [[nodiscard]] virtual QRegion outline() const = 0;
+    [[nodiscard]] virtual QRegion outline() = 0;
     /// The area behind which a blur looks right under `OverlayRendering::translucent`, in the
     /// widget's own coordinates.
-    [[nodiscard]] virtual QRegion blurArea() const = 0;
+    [[nodiscard]] virtual QRegion blurArea() = 0;
     /// Registers the surface's wish to be told when `outline()` or `blurArea()` changes.
     virtual void onAreasChanged(std::function<void()> callback) = 0;
     /// Ends running animations at their end state: the surface was hidden.

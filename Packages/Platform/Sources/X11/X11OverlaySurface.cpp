@@ -42,6 +42,13 @@ public:
         content_.setParent(nullptr);
     }
 
+    /// Makes the content as large as the window now, not only once Qt shows it: its areas are asked
+    /// for before.
+    void place(const QRect& geometry) {
+        setGeometry(geometry);
+        content_.setGeometry(rect());
+    }
+
 protected:
     void resizeEvent(QResizeEvent*) override { content_.setGeometry(rect()); }
 
@@ -97,8 +104,8 @@ void X11OverlaySurface::place() {
     if (!space.screen())
         return;
     container_->setScreen(space.screen());
-    container_->setGeometry(space.toQt(screen_->frame()).toQRect());
-    // Qt's own lengths are whole points: the window's are the monitor's very pixels.
+    container_->place(space.toQt(screen_->frame()).toQRect());
+    // Qt rounds to whole points; set the monitor's exact pixels.
     if (xcb_connection_t* qtConnection = x11qt::connection()) {
         const QRect native = X11Screens::nativeFrame(*screen_);
         const std::array<std::uint32_t, 4> geometry{unsignedOf(native.x()), unsignedOf(native.y()),

@@ -98,6 +98,15 @@ QRectF onPixels(const QRectF& rect, double scale) {
     return {topLeft, bottomRight};
 }
 
+OverlayColor valuesOf(const Tone& tone) {
+    const QColor color = tone.color(1);
+    return {color.redF(), color.greenF(), color.blueF(), color.alphaF()};
+}
+
+double opacityOf(double highlight) {
+    return mix(plainOpacity, 1, highlight);
+}
+
 double radiusFor(const QRectF& rect, double radius) {
     return std::max(0.0, std::min({radius, rect.width() / 2, rect.height() / 2}));
 }
@@ -198,12 +207,29 @@ QRect OverlayTile::area() const {
     return frame_.toAlignedRect().adjusted(-1, -1, 1, 1);
 }
 
+std::optional<OverlayPictureTile> OverlayTile::values() const {
+    if (frame_.isEmpty())
+        return std::nullopt;
+    const double highlight = fade.isHighlighted() ? 1 : 0;
+    return OverlayPictureTile{.id = zoneID_,
+                              .x = frame_.x(),
+                              .y = frame_.y(),
+                              .width = frame_.width(),
+                              .height = frame_.height(),
+                              .cornerRadius = radiusFor(frame_, look::overlayCornerRadius),
+                              .fill = valuesOf(fillTone(highlight)),
+                              .border = valuesOf(borderTone(highlight)),
+                              .borderWidth = borderWidth(highlight),
+                              .opacity = opacityOf(highlight),
+                              .isHighlighted = fade.isHighlighted()};
+}
+
 void OverlayTile::paint(QPainter& painter) const {
     if (frame_.isEmpty())
         return;
     const double scale = scaleOf(painter);
     const double highlight = fade.value();
-    const double opacity = mix(plainOpacity, 1, highlight);
+    const double opacity = opacityOf(highlight);
     const Tone fill = fillTone(highlight);
     const QColor fillColor = fill.color(opacity);
     const QColor borderColor = borderTone(highlight).over(fill).color(opacity);

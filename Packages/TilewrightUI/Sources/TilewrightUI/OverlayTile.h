@@ -2,6 +2,7 @@
 
 #include "HighlightFade.h"
 
+#include <Platform/OverlayPicture.h>
 #include <WindowManager/Zone.h>
 
 #include <QRect>
@@ -9,6 +10,7 @@
 #include <QRegion>
 #include <QSizeF>
 #include <QUuid>
+#include <optional>
 
 class QPainter;
 
@@ -35,6 +37,9 @@ public:
     HighlightFade fade;
     /// `own` while no other tile's area touches this one's.
     Ground ground = Ground::own;
+
+    /// The tile as plain values, its fade ended; none where it cannot be seen.
+    [[nodiscard]] std::optional<OverlayPictureTile> values() const;
 
     /// Draws the tile translucently. On a ground of its own whatever was there is replaced, else it
     /// is covered.

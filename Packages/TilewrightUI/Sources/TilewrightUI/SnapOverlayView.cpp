@@ -35,7 +35,11 @@ void findGrounds(std::vector<OverlayTile>& tiles) {
 SnapOverlayView::SnapOverlayView(const SnapOverlayModel& model, QWidget* parent)
     : QWidget(parent)
     , model_(model)
-    , refresh_([this] { carryOut(synchronize(preferredTransition())); }) {
+    , refresh_([this] {
+        carryOut(synchronize(preferredTransition()));
+        if (onPictureChanged_)
+            onPictureChanged_();
+    }) {
     setAttribute(Qt::WA_NoSystemBackground);
     setAttribute(Qt::WA_TransparentForMouseEvents);
     setFocusPolicy(Qt::NoFocus);
@@ -52,24 +56,39 @@ void SnapOverlayView::setRendering(OverlayRendering rendering) {
     carryOut({rect(), true});
 }
 
+OverlayPicture SnapOverlayView::picture(const ScreenPtr& display) const {
+    OverlayPicture picture;
+    picture.display = display;
+    const AppKitRect frame = display->frame();
+    for (const OverlayTile& tile : tilesOfModel({frame.width, frame.height})) {
+        if (auto values = tile.values())
+            picture.tiles.push_back(std::move(*values));
+    }
+    if (!look::prefersReducedMotion())
+        picture.transition = HighlightFade::duration;
+    return picture;
+}
+
+void SnapOverlayView::onPictureChanged(std::function<void()> callback) {
+    onPictureChanged_ = std::move(callback);
+}
+
 template<class RegionOf>
-QRegion SnapOverlayView::united(RegionOf regionOf) const {
-    // A surface asks before the model's change has come round the loop, and before it shows the
-    // view, which only then learns its size.
-    std::vector<OverlayTile> tiles = tilesOfModel();
-    if (areInTheSamePlaces(tiles, tiles_))
-        tiles = tiles_;
+QRegion SnapOverlayView::united(RegionOf regionOf) {
+    // A surface asks before the model's change has come round the loop. That its areas change is
+    // no news to it then.
+    update(synchronize(preferredTransition()).repaint);
     QRegion region;
-    for (const OverlayTile& tile : tiles)
+    for (const OverlayTile& tile : tiles_)
         region += regionOf(tile);
     return region.intersected(rect());
 }
 
-QRegion SnapOverlayView::outline() const {
+QRegion SnapOverlayView::outline() {
     return united([](const OverlayTile& tile) { return tile.border(); });
 }
 
-QRegion SnapOverlayView::blurArea() const {
+QRegion SnapOverlayView::blurArea() {
     return united([](const OverlayTile& tile) { return tile.shape(); });
 }
 
@@ -128,18 +147,24 @@ SnapOverlayView::Change SnapOverlayView::synchronize(Transition transition) {
     return change;
 }
 
-std::vector<OverlayTile> SnapOverlayView::tilesOfModel() const {
+std::vector<OverlayTile> SnapOverlayView::tilesOfModel(const QSizeF& size) const {
     std::vector<OverlayTile> tiles;
     tiles.reserve(model_.layout().zones.size());
     for (const Zone& zone : model_.layout().zones) {
-        OverlayTile& tile = tiles.emplace_back(zone, size());
+        OverlayTile& tile = tiles.emplace_back(zone, size);
         tile.fade.finish(zone.id == model_.highlightedZoneID());
     }
     return tiles;
 }
 
 bool SnapOverlayView::replaceTiles() {
-    std::vector<OverlayTile> tiles = tilesOfModel();
+    const std::vector<Zone>& zones = model_.layout().zones;
+    if (size_ == size() && zones_ == zones)
+        return false;
+    size_ = size();
+    zones_ = zones;
+    ++layoutCount_;
+    std::vector<OverlayTile> tiles = tilesOfModel(size_);
     if (areInTheSamePlaces(tiles, tiles_))
         return false;
     findGrounds(tiles);

@@ -27,12 +27,17 @@ public:
     explicit SnapOverlayView(const SnapOverlayModel& model, QWidget* parent = nullptr);
     ~SnapOverlayView() override;
 
+    [[nodiscard]] OverlayPicture picture(const ScreenPtr& display) const override;
+    void onPictureChanged(std::function<void()> callback) override;
     [[nodiscard]] QWidget& widget() override { return *this; }
     void setRendering(OverlayRendering rendering) override;
-    [[nodiscard]] QRegion outline() const override;
-    [[nodiscard]] QRegion blurArea() const override;
+    [[nodiscard]] QRegion outline() override;
+    [[nodiscard]] QRegion blurArea() override;
     void onAreasChanged(std::function<void()> callback) override;
     void finishAnimations() override;
+
+    /// How often tiles have been laid out: once for each layout and size. For measurements.
+    [[nodiscard]] int layoutCount() const { return layoutCount_; }
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -51,8 +56,9 @@ private:
     /// Takes over what the model says.
     [[nodiscard]] Change synchronize(Transition transition);
     /// The tiles as they are to be, all fades ended.
-    [[nodiscard]] std::vector<OverlayTile> tilesOfModel() const;
-    /// Lays out the tiles anew where their places have changed. Answers whether they have.
+    [[nodiscard]] std::vector<OverlayTile> tilesOfModel(const QSizeF& size) const;
+    /// Lays out the tiles anew where the zones or the size have changed. Answers whether a tile has
+    /// another place now.
     [[nodiscard]] bool replaceTiles();
     /// Does something to a tile's fade and notes what follows from it.
     template<class Action>
@@ -61,18 +67,23 @@ private:
     void advanceFades();
     void runFramesWhileFading();
     [[nodiscard]] Transition preferredTransition() const;
-    /// The union of a region of each tile's.
+    /// The union of a region of each tile's, as the model is now.
     template<class RegionOf>
-    [[nodiscard]] QRegion united(RegionOf regionOf) const;
+    [[nodiscard]] QRegion united(RegionOf regionOf);
     /// Makes transparent what no tile is about to replace.
     void clear(QPainter& painter, const QRegion& exposed) const;
 
     const SnapOverlayModel& model_;
     OverlayRendering rendering_ = OverlayRendering::translucent;
     std::vector<OverlayTile> tiles_;
+    /// What the tiles were laid out for.
+    std::vector<Zone> zones_;
+    QSize size_;
+    int layoutCount_ = 0;
     Refresh refresh_;
     ScopedTimer frames_;
     std::function<void()> onAreasChanged_;
+    std::function<void()> onPictureChanged_;
 };
 
 } // namespace tilewright
