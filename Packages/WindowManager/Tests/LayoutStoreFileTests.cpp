@@ -241,7 +241,7 @@ TEST_F(LayoutStoreFile, HasItsOldTemporaryFilesRemovedAtTheNextStartAndNothingEl
     write(at(u"layouts.json.saving-QRSTUV"_s), "of somebody who is saving now");
     setAge(at(u"layouts.json.saving-QRSTUV"_s), 50);
     ASSERT_TRUE(QDir().mkpath(at(u"layouts.json.saving-folder"_s)));
-    ASSERT_TRUE(QFile::link(at(u"other.json"_s), at(u"layouts.json.saving-linked"_s)));
+    ASSERT_TRUE(QFile::link(at(kept.back()), at(u"layouts.json.saving-linked"_s)));
     ASSERT_EQ(mkfifo(QFile::encodeName(at(u"layouts.json.saving-pipepi"_s)).constData(), 0600), 0);
     kept += {u"layouts.json.saving-QRSTUV"_s, u"layouts.json.saving-folder"_s,
              u"layouts.json.saving-linked"_s, u"layouts.json.saving-pipepi"_s};
