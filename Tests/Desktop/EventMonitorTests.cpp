@@ -157,10 +157,11 @@ TEST_F(EventMonitorsAlone, TellTheLocalOnesAloneOfADragAndAKeyInAnOwnWindow) {
                       XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_OVERRIDE_REDIRECT,
                       &isOverride);
     xcb_map_window(maker, window);
-    X11EventMonitors split{
-        platform.connection(),
-        platform.desktop().pointer(),
-        {[window](xcb_window_t other) { return other == window; }, [] { return false; }}};
+    X11EventMonitors split{platform.connection(),
+                           platform.desktop().pointer(),
+                           {[window](xcb_window_t other) { return other == window; },
+                            {},
+                            [window] { return std::vector<xcb_window_t>{window}; }}};
     std::vector<EventType> ofOthers;
     std::vector<EventType> own;
     split.addGlobalMonitor(all, [&](const Event& event) { ofOthers.push_back(event.type); });
@@ -195,6 +196,29 @@ TEST_F(EventMonitorsAlone, TellTheLocalOnesAloneOfADragAndAKeyInAnOwnWindow) {
     dragWithTheKey({100, 100}, XCB_INPUT_FOCUS_POINTER_ROOT, ofOthers);
     EXPECT_THAT(ofOthers, wholeDrag);
     EXPECT_TRUE(own.empty());
+}
+
+TEST_F(EventMonitorsAlone, APressDuringAGrabOfOursIsOursAndNoLaterOneIs) {
+    bool hasGrab = true;
+    X11EventMonitors split{
+        platform.connection(), platform.desktop().pointer(), {{}, [&] { return hasGrab; }, {}}};
+    std::vector<std::string> heard;
+    split.addGlobalMonitor(all, [&](const Event&) { heard.emplace_back("other"); });
+    split.addLocalMonitor(all, [&](const Event&) { heard.emplace_back("own"); });
+    const auto click = [&] {
+        input.press();
+        input.release();
+        const std::size_t before = heard.size();
+        ASSERT_TRUE(waitUntil([&] { return heard.size() == before + 2; }));
+    };
+    click();
+    // A wheel is pressed as well, and tells nothing.
+    input.press(4);
+    input.release(4);
+    catchUp();
+    hasGrab = false;
+    click();
+    EXPECT_THAT(heard, ElementsAre("own", "own", "other", "other"));
 }
 
 TEST_F(EventMonitorsAlone, AMonitorMayRemoveItselfInItsHandler) {

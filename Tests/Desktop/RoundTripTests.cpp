@@ -3,7 +3,10 @@
 #include "SnapBench.h"
 
 #include <BareClient.h>
+#include <Tilewright/SnapController.h>
 
+#include <map>
+#include <set>
 #include <unistd.h>
 
 using namespace tilewright;
@@ -67,7 +70,7 @@ TEST_F(RoundTrips, OfTheWindowManagersOperations) {
     EXPECT_EQ(of([&] { EXPECT_TRUE(manager.isAccessibilityGranted()); }), 0U);
     EXPECT_EQ(of([&] { EXPECT_TRUE(manager.requestAccessibilityPermission()); }), 0U);
     EXPECT_EQ(of([&] { EXPECT_TRUE(WindowManager::screenWithMouse()); }), 1U);
-    EXPECT_EQ(of([&] { EXPECT_TRUE(manager.windowElementAtScreenPoint(place)); }), 4U);
+    EXPECT_EQ(of([&] { EXPECT_TRUE(manager.windowElementAtScreenPoint(place)); }), 3U);
     EXPECT_EQ(of([&] { manager.snap(*element, zone, *screen); }), 1U);
     EXPECT_EQ(of([&] { manager.snapFocusedWindow(zone, screen); }), 3U);
     EXPECT_EQ(of([&] { manager.snapFocusedWindow(zone, nullptr); }), 4U);
@@ -139,4 +142,96 @@ TEST_F(RoundTrips, OfTheDisplaysAndTheApplications) {
     EXPECT_EQ(of([&] { static_cast<void>(platform->pointer.location()); }), 1U);
     EXPECT_EQ(of([&] { EXPECT_TRUE(platform->workspace.frontmostApplication()); }), 2U);
     EXPECT_EQ(of([&] { EXPECT_TRUE(platform->workspace.localizedName(getpid())); }), 2U);
+}
+
+namespace {
+
+/// A whole drag that snaps, with the program's own controller.
+class RoundTripsOfADrag : public RoundTrips {
+protected:
+    void SetUp() override {
+        ASSERT_NO_FATAL_FAILURE(RoundTrips::SetUp());
+        EventMonitors& monitors = platform->eventMonitors;
+        SnapController::shared().start();
+        // Installed after the controller's own, and so told after them.
+        const auto note = [this](const Event& event) {
+            trips[event.type] = platform->connection().roundTrips() - atRest;
+        };
+        ASSERT_TRUE(monitors.addGlobalMonitor(
+            EventMask{EventType::leftMouseDown, EventType::leftMouseDragged, EventType::leftMouseUp,
+                      EventType::flagsChanged},
+            note));
+        atRest = platform->connection().roundTrips();
+    }
+    /// How often the server was waited for from this input on until all have handled its event.
+    template<class Input>
+    [[nodiscard]] std::optional<std::uint64_t> of(EventType type, Input input) {
+        rest();
+        trips.clear();
+        atRest = platform->connection().roundTrips();
+        input();
+        const bool isTold = waitUntil([&] { return trips.contains(type); });
+        const auto told = isTold ? std::optional(trips[type]) : std::nullopt;
+        rest();
+        return told;
+    }
+    /// What has been asked of the server is answered, and handed out.
+    void rest() {
+        EXPECT_TRUE(settle(*platform));
+        bool isAnswered = false;
+        X11Connection& connection = platform->connection();
+        const auto answer = connection.whenAnswered<xcb_get_input_focus_reply_t>(
+            xcb_get_input_focus(connection.xcb()), [&](const auto&) { isAnswered = true; });
+        EXPECT_TRUE(waitUntil([&] { return isAnswered; }));
+    }
+
+    std::uint64_t atRest = 0;
+    std::map<EventType, std::uint64_t> trips;
+};
+
+} // namespace
+
+TEST_F(RoundTripsOfADrag, AreThoseOfItsWindowAndOfItsFrame) {
+    XInputInjector& input = desktop.input();
+    const QPoint start = desktop.inspector().outerFrame(client->window()).center();
+    EXPECT_EQ(of(EventType::flagsChanged, [&] { input.pressKey(keysym::control); }), 0U);
+    EXPECT_EQ(of(EventType::leftMouseDown, [&] { input.press(); }), 0U);
+    EXPECT_EQ(of(EventType::leftMouseDragged, [&] { input.move(start + QPoint(10, 0)); }), 3U);
+    EXPECT_TRUE(SnapController::shared().overlayVisible());
+    EXPECT_EQ(of(EventType::leftMouseDragged, [&] { input.move(start + QPoint(20, 0)); }), 0U);
+    EXPECT_EQ(of(EventType::leftMouseUp, [&] { input.release(); }), 1U);
+    EXPECT_EQ(of(EventType::flagsChanged, [&] { input.releaseKey(keysym::control); }), 0U);
+}
+
+TEST_F(RoundTrips, OfAPressInAnotherApplicationAreNoneBesideAWindowOfOurs) {
+    BareClient ours(desktop.display(), QRect(900, 200, 400, 300));
+    BareClient hidden(desktop.display(), QRect(320, 220, 100, 100));
+    ASSERT_TRUE(activate(desktop, client->window()));
+    const std::set<xcb_window_t> own{ours.window(), hidden.window()};
+    X11EventMonitors monitors(platform->connection(), platform->desktop().pointer(),
+                              {[&](xcb_window_t window) { return own.contains(window); },
+                               {},
+                               [&] { return std::vector<xcb_window_t>(own.begin(), own.end()); }});
+    std::vector<std::string> heard;
+    static_cast<void>(monitors.addGlobalMonitor({EventType::leftMouseDown},
+                                                [&](const auto&) { heard.emplace_back("other"); }));
+    static_cast<void>(monitors.addLocalMonitor({EventType::leftMouseDown},
+                                               [&](const auto&) { heard.emplace_back("own"); }));
+    const auto pressAt = [&](QPoint where) {
+        desktop.input().move(where);
+        heard.clear();
+        const std::uint64_t trips = of([&] {
+            desktop.input().press();
+            EXPECT_TRUE(waitUntil([&] { return !heard.empty(); }));
+        });
+        desktop.input().release();
+        return std::pair(heard.front(), trips);
+    };
+    using Press = std::pair<std::string, std::uint64_t>;
+    const QRect theirs = desktop.inspector().outerFrame(client->window());
+    EXPECT_EQ(pressAt(theirs.center()), Press("other", 0));
+    // Over a window of ours that another one covers it takes a look at what is on top.
+    const auto covered = pressAt({370, 270});
+    EXPECT_EQ(covered.first, "other");
+    EXPECT_EQ(pressAt(desktop.inspector().outerFrame(ours.window()).center()).first, "own");
 }

@@ -5,11 +5,12 @@
 #include <FakePlatform.h>
 #include <Platform/QtMainLoop.h>
 #include <X11/X11Desktop.h>
+#include <X11/X11EventMonitors.h>
 
 namespace tilewright::testing {
 
-/// The program's real view of an X server's displays and windows; whatever else a desktop has is
-/// faked.
+/// The program's real view of an X server's displays, windows and input; whatever else a desktop
+/// has is faked. No window counts as this program's own.
 struct X11TestParts {
     explicit X11TestParts(const QString& display)
         : connection(X11Connection::open(display))
@@ -20,6 +21,7 @@ struct X11TestParts {
     FakeUserNotifications notifications;
     std::unique_ptr<X11Connection> connection;
     X11Desktop desktop;
+    X11EventMonitors eventMonitors{*connection, desktop.pointer(), {}};
 };
 
 /// The same as a platform, installed for as long as it lives.
@@ -43,7 +45,7 @@ private:
     explicit X11TestPlatform(std::unique_ptr<X11TestParts> parts)
         : Platform({.screens = parts->desktop.screens(),
                     .pointer = parts->desktop.pointer(),
-                    .eventMonitors = parts->fakes.eventMonitors,
+                    .eventMonitors = parts->eventMonitors,
                     .accessibility = parts->desktop.accessibility(),
                     .workspace = parts->desktop.workspace(),
                     .appearance = parts->desktop.appearance(),

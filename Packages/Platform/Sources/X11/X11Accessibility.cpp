@@ -34,8 +34,8 @@ AXResult<AccessibilityElement> X11Accessibility::elementAtPosition(AXPoint point
         applicationWindowAt(connection_, windowManager_, screens_.coordinates().toPixel(point));
     if (!window)
         return {AXError::noValue, {}};
-    return {AXError::success,
-            AccessibilityElement(std::make_shared<X11WindowElement>(context_, *window))};
+    return {AXError::success, AccessibilityElement(std::make_shared<X11WindowElement>(
+                                  context_, *window, connection_.moment()))};
 }
 
 std::unique_ptr<AccessibilityValue> X11Accessibility::makeValue(AXPoint position) const {

@@ -303,6 +303,7 @@ X11AwaitedReply X11Connection::await(unsigned int sequence, X11Replies::Handler 
 }
 
 void X11Connection::takeAnswers() {
+    ++moment_;
     replies_.takeArrived();
     // Looking for a reply may read events too; the descriptor does not tell of those.
     while (xcb_generic_event_t* event = xcb_poll_for_queued_event(connection_))

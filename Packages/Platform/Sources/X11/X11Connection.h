@@ -153,6 +153,9 @@ public:
     /// bound allows.
     [[nodiscard]] X11Outcome check(xcb_void_cookie_t cookie,
                                    std::chrono::milliseconds bound = replyBound);
+    /// Another number whenever something may have come from the server, and at each turn of the
+    /// event loop: what was read last is the newest there is for as long as this stays the same.
+    [[nodiscard]] std::uint64_t moment() const { return moment_; }
     /// Sends what is buffered. The event loop does so too before it blocks.
     void flush();
 
@@ -216,6 +219,7 @@ private:
     std::vector<std::shared_ptr<X11Listener::Entry>> listeners_;
     std::function<void()> waitObserver_;
     std::uint64_t roundTrips_ = 0;
+    std::uint64_t moment_ = 0;
     int dispatchDepth_ = 0;
     bool isDispatchScheduled_ = false;
     bool isStuck_ = false;

@@ -11,9 +11,6 @@ constexpr std::uint32_t rawButtons =
     XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_RELEASE;
 constexpr std::uint32_t rawMotion = XCB_INPUT_XI_EVENT_MASK_RAW_MOTION;
 
-/// How deep windows are nested at most between the root and one of an application.
-constexpr int mostWindowLevels = 8;
-
 ModifierFlags modifierFlags(unsigned int keyMask) {
     quint32 bits = 0;
     const auto carry = [&](unsigned int mask, ModifierFlag flag) {
@@ -36,11 +33,11 @@ std::optional<X11InputServerState> stateFrom(const X11Reply<xcb_query_pointer_re
 
 } // namespace
 
-X11EventMonitors::X11EventMonitors(X11Connection& connection, X11Pointer& pointer, Own own)
+X11EventMonitors::X11EventMonitors(X11Connection& connection, X11Pointer& pointer,
+                                   X11OwnWindows own)
     : connection_(connection)
     , pointer_(pointer)
-    , own_(std::move(own))
-    , state_(*this) {}
+    , ownInput_(connection, std::move(own)) {}
 
 X11EventMonitors::~X11EventMonitors() {
     stopWatching();
@@ -105,9 +102,12 @@ void X11EventMonitors::startWatching() {
     selectModifierEvents(true);
     selectRawEvents(rawButtons);
     readButtonMapping();
+    ownInput_.notePress();
+    ownInput_.ask();
     const auto pointer = connection_.reply<xcb_query_pointer_reply_t>(
         xcb_query_pointer(connection_.xcb(), connection_.root()));
-    state_.start(stateFrom(pointer).value_or(X11InputServerState{}));
+    state_.start(stateFrom(pointer).value_or(X11InputServerState{}),
+                 ownInput_.take(pointer.get()).pointer);
     selectRawEvents(state_.isLeftButtonDown() ? rawButtons | rawMotion : rawButtons);
 }
 
@@ -117,6 +117,7 @@ void X11EventMonitors::stopWatching() {
     isWatching_ = false;
     hasNews_ = false;
     answer_.reset();
+    ownInput_.reset();
     QObject::disconnect(settling_);
     QObject::disconnect(catchingUp_);
     listeners_.clear();
@@ -149,6 +150,9 @@ void X11EventMonitors::handleRaw(const xcb_generic_event_t& event) {
     switch (raw.event_type) {
     case XCB_INPUT_RAW_BUTTON_PRESS:
         state_.pressed(raw.detail);
+        // Wheels are pressed too, and are nothing to tell of.
+        if (state_.needsOwners())
+            ownInput_.notePress();
         break;
     case XCB_INPUT_RAW_BUTTON_RELEASE:
         state_.released(raw.detail);
@@ -174,6 +178,8 @@ void X11EventMonitors::askServer() {
     // What moves after a press must not be missed while the answer is on its way.
     if (state_.isLeftButtonDown())
         selectRawEvents(rawButtons | rawMotion);
+    if (state_.needsOwners())
+        ownInput_.ask();
     answer_ = connection_.whenAnswered<xcb_query_pointer_reply_t>(
         xcb_query_pointer(connection_.xcb(), connection_.root()),
         [this](const auto& answer) { settle(answer); });
@@ -184,16 +190,17 @@ void X11EventMonitors::settle(const X11Reply<xcb_query_pointer_reply_t>& answer)
     hasNews_ = false;
     state_.settle(stateFrom(answer));
     selectRawEvents(state_.isLeftButtonDown() ? rawButtons | rawMotion : rawButtons);
+    const auto reports =
+        state_.takeReports(state_.needsOwners() ? ownInput_.take(answer.get()) : X11InputOwners{});
     // Motion that follows must not be missed, whatever the handlers do first.
     connection_.flush();
     std::optional<X11Pointer::Known> known;
     if (answer && answer->same_screen != 0)
         known.emplace(pointer_, QPoint(answer->root_x, answer->root_y));
-    deliver();
+    deliver(reports);
 }
 
-void X11EventMonitors::deliver() {
-    const auto reports = state_.takeReports();
+void X11EventMonitors::deliver(const std::vector<X11InputState::Report>& reports) {
     if (reports.empty())
         return;
     // A copy: handlers add and remove monitors, and a new one hears nothing of what was before.
@@ -213,37 +220,7 @@ void X11EventMonitors::readButtonMapping() {
     if (!mapping)
         return;
     const std::uint8_t* map = xcb_get_pointer_mapping_map(mapping.get());
-    buttonMapping_.assign(map, map + xcb_get_pointer_mapping_map_length(mapping.get()));
-}
-
-bool X11EventMonitors::isOwn(xcb_window_t window) const {
-    return window != XCB_NONE && own_.ownsWindow && own_.ownsWindow(window);
-}
-
-quint32 X11EventMonitors::logicalButton(quint32 button) {
-    if (button == 0 || button > buttonMapping_.size())
-        return button;
-    return buttonMapping_[button - 1];
-}
-
-X11InputOwner X11EventMonitors::pointerOwner() {
-    if (own_.hasGrab && own_.hasGrab())
-        return X11InputOwner::own;
-    xcb_window_t window = connection_.root();
-    for (int level = 0; level < mostWindowLevels && window != XCB_NONE; ++level) {
-        if (isOwn(window))
-            return X11InputOwner::own;
-        const auto pointer = connection_.reply<xcb_query_pointer_reply_t>(
-            xcb_query_pointer(connection_.xcb(), window));
-        window = pointer ? pointer->child : static_cast<xcb_window_t>(XCB_NONE);
-    }
-    return X11InputOwner::other;
-}
-
-X11InputOwner X11EventMonitors::keyboardOwner() {
-    const auto focus =
-        connection_.reply<xcb_get_input_focus_reply_t>(xcb_get_input_focus(connection_.xcb()));
-    return focus && isOwn(focus->focus) ? X11InputOwner::own : X11InputOwner::other;
+    state_.setButtonMapping({map, map + xcb_get_pointer_mapping_map_length(mapping.get())});
 }
 
 } // namespace tilewright

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "X11Connection.h"
-#include "X11InputState.h"
+#include "X11OwnInput.h"
 #include "X11Pointer.h"
 
 #include <Platform/EventMonitors.h>
@@ -19,19 +19,13 @@ namespace tilewright {
 /// Without a monitor nothing is selected; motion only while the left button is held. Several moves
 /// that wait together are one dragged event. Events are handed out once the server has said how
 /// keys, buttons and pointer stand after them, however long it takes: while a handler runs, the
-/// pointer is where that answer has it. Monitors are refused where the server lacks what is needed.
-class X11EventMonitors final : public EventMonitors, private X11InputServer {
+/// pointer is where that answer has it, and nobody asks again. Nothing of this is waited for, but
+/// for presses where a window of this application lies (`X11OwnInput`). Monitors are refused where
+/// the server lacks what is needed.
+class X11EventMonitors final : public EventMonitors {
 public:
-    /// Which windows are this application's own.
-    struct Own {
-        /// Whether a window was made by this application.
-        std::function<bool(xcb_window_t)> ownsWindow;
-        /// Whether a popup of this application holds the pointer.
-        std::function<bool()> hasGrab;
-    };
-
     /// The connection and the pointer have to outlive the monitors.
-    X11EventMonitors(X11Connection& connection, X11Pointer& pointer, Own own);
+    X11EventMonitors(X11Connection& connection, X11Pointer& pointer, X11OwnWindows own);
     ~X11EventMonitors() override;
 
     std::optional<MonitorToken> addGlobalMonitor(EventMask mask, Handler handler) override;
@@ -58,23 +52,17 @@ private:
     void handleKeyboard(const xcb_generic_event_t& event);
     void askServer();
     void settle(const X11Reply<xcb_query_pointer_reply_t>& answer);
-    void deliver();
+    void deliver(const std::vector<X11InputState::Report>& reports);
     void readButtonMapping();
-    [[nodiscard]] bool isOwn(xcb_window_t window) const;
-
-    quint32 logicalButton(quint32 button) override;
-    X11InputOwner pointerOwner() override;
-    X11InputOwner keyboardOwner() override;
 
     X11Connection& connection_;
     X11Pointer& pointer_;
-    Own own_;
+    X11OwnInput ownInput_;
     X11InputState state_;
     std::map<MonitorToken, std::shared_ptr<const Monitor>> monitors_;
     std::vector<X11Listener> listeners_;
     QMetaObject::Connection settling_;
     QMetaObject::Connection catchingUp_;
-    std::vector<std::uint8_t> buttonMapping_;
     std::uint32_t selectedRawEvents_ = 0;
     quint64 lastToken_ = 0;
     bool isWatching_ = false;

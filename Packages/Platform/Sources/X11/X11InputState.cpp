@@ -1,6 +1,6 @@
 #include "X11InputState.h"
 
-#include <utility>
+#include <algorithm>
 
 namespace tilewright {
 namespace {
@@ -8,21 +8,26 @@ namespace {
 constexpr quint32 leftLogicalButton = 1;
 constexpr quint32 rightLogicalButton = 3;
 
+/// Whether an event goes on with what a press began.
+bool isOfDrag(EventType type) {
+    return type == EventType::leftMouseDragged || type == EventType::leftMouseUp;
+}
+
 } // namespace
 
-void X11InputState::start(const X11InputServerState& server) {
-    reports_.clear();
+void X11InputState::start(const X11InputServerState& server, X11InputOwner dragOwner) {
+    events_.clear();
     modifiers_ = server.modifiers;
     isLeftDown_ = server.isLeftButtonDown;
     leftButton_ = 0;
     isConfirmed_ = true;
     contradictions_ = 0;
     hasMoved_ = false;
-    dragOwner_ = isLeftDown_ ? server_.pointerOwner() : X11InputOwner::other;
+    dragOwner_ = dragOwner;
 }
 
 void X11InputState::pressed(quint32 button) {
-    switch (const quint32 logical = server_.logicalButton(button); logical) {
+    switch (const quint32 logical = logicalButton(button); logical) {
     case leftLogicalButton:
         pressedLeft(button);
         break;
@@ -35,8 +40,7 @@ void X11InputState::pressed(quint32 button) {
     default:
         flushMove();
         report(logical == rightLogicalButton ? EventType::rightMouseDown
-                                             : EventType::otherMouseDown,
-               server_.pointerOwner());
+                                             : EventType::otherMouseDown);
     }
 }
 
@@ -54,8 +58,8 @@ void X11InputState::pressedLeft(quint32 button) {
 void X11InputState::released(quint32 button) {
     if (!isLeftDown_)
         return;
-    const bool isLeft = leftButton_ != 0 ? leftButton_ == button
-                                         : server_.logicalButton(button) == leftLogicalButton;
+    const bool isLeft =
+        leftButton_ != 0 ? leftButton_ == button : logicalButton(button) == leftLogicalButton;
     if (!isLeft)
         return;
     setLeftDown(false);
@@ -72,7 +76,7 @@ void X11InputState::modifiersChanged(ModifierFlags modifiers) {
         return;
     flushMove();
     modifiers_ = modifiers;
-    report(EventType::flagsChanged, server_.keyboardOwner());
+    report(EventType::flagsChanged);
 }
 
 void X11InputState::settle(const std::optional<X11InputServerState>& server) {
@@ -94,26 +98,43 @@ void X11InputState::settle(const std::optional<X11InputServerState>& server) {
     flushMove();
 }
 
-std::vector<X11InputState::Report> X11InputState::takeReports() {
-    return std::exchange(reports_, {});
+bool X11InputState::needsOwners() const {
+    return std::any_of(events_.begin(), events_.end(),
+                       [](const Event& event) { return !isOfDrag(event.type); });
+}
+
+std::vector<X11InputState::Report> X11InputState::takeReports(const X11InputOwners& owners) {
+    std::vector<Report> reports;
+    reports.reserve(events_.size());
+    for (const Event& event : std::exchange(events_, {})) {
+        if (event.type == EventType::leftMouseDown)
+            dragOwner_ = owners.pointer;
+        if (event.type == EventType::flagsChanged)
+            reports.push_back({event, owners.keyboard});
+        else
+            reports.push_back({event, isOfDrag(event.type) ? dragOwner_ : owners.pointer});
+    }
+    return reports;
+}
+
+quint32 X11InputState::logicalButton(quint32 button) const {
+    return button == 0 || button > mapping_.size() ? button : mapping_[button - 1];
 }
 
 void X11InputState::setLeftDown(bool isDown) {
     flushMove();
     isLeftDown_ = isDown;
     leftButton_ = 0;
-    if (isDown)
-        dragOwner_ = server_.pointerOwner();
-    report(isDown ? EventType::leftMouseDown : EventType::leftMouseUp, dragOwner_);
+    report(isDown ? EventType::leftMouseDown : EventType::leftMouseUp);
 }
 
-void X11InputState::report(EventType type, X11InputOwner owner) {
-    reports_.push_back({{type, modifiers_}, owner});
+void X11InputState::report(EventType type) {
+    events_.push_back({type, modifiers_});
 }
 
 void X11InputState::flushMove() {
     if (std::exchange(hasMoved_, false) && isLeftDown_)
-        report(EventType::leftMouseDragged, dragOwner_);
+        report(EventType::leftMouseDragged);
 }
 
 } // namespace tilewright

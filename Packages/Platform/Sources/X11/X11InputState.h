@@ -2,7 +2,9 @@
 
 #include <Platform/EventMonitors.h>
 
+#include <cstdint>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace tilewright {
@@ -19,22 +21,16 @@ struct X11InputServerState {
     friend bool operator==(const X11InputServerState&, const X11InputServerState&) = default;
 };
 
-/// What `X11InputState` asks of the X server; each answer is a bounded round trip at most.
-class X11InputServer {
-public:
-    virtual ~X11InputServer() = default;
-
-    /// What a physical button acts as: 1 is the left one, 2 the middle one, 3 the right one, 4 to 7
-    /// are wheels, 0 does nothing.
-    [[nodiscard]] virtual quint32 logicalButton(quint32 button) = 0;
+/// Whose the pointer and the keyboard are at one moment.
+struct X11InputOwners {
     /// Whose window the pointer is in, or who has grabbed the pointer.
-    [[nodiscard]] virtual X11InputOwner pointerOwner() = 0;
+    X11InputOwner pointer = X11InputOwner::other;
     /// Whose window has the keyboard.
-    [[nodiscard]] virtual X11InputOwner keyboardOwner() = 0;
+    X11InputOwner keyboard = X11InputOwner::other;
 };
 
-/// Turns raw input into the events that monitors see. Knows no window system but through
-/// `X11InputServer`, and reads no clock.
+/// Turns raw input into the events that monitors see. Knows no window system, asks nobody, and
+/// reads no clock.
 ///
 /// Feed it every raw event of one reading of the queue, then `settle` it with the server's own
 /// state, so that an event that never arrived (another program's grab, a locked screen, a switched
@@ -48,11 +44,12 @@ public:
         X11InputOwner owner = X11InputOwner::other;
     };
 
-    explicit X11InputState(X11InputServer& server)
-        : server_(server) {}
-
-    /// Takes the server's state as it is; reports nothing.
-    void start(const X11InputServerState& server);
+    /// Takes the server's state as it is; reports nothing. A drag that is under way belongs to
+    /// `dragOwner`.
+    void start(const X11InputServerState& server, X11InputOwner dragOwner = X11InputOwner::other);
+    /// What the physical buttons act as, from button 1 on: 1 is the left one, 2 the middle one, 3
+    /// the right one, 4 to 7 are wheels, 0 does nothing. A button beyond them acts as itself.
+    void setButtonMapping(std::vector<std::uint8_t> mapping) { mapping_ = std::move(mapping); }
 
     /// A physical button was pressed.
     void pressed(quint32 button);
@@ -63,24 +60,27 @@ public:
     /// that the server had after all of them; none when it did not answer.
     void settle(const std::optional<X11InputServerState>& server);
 
-    /// The reports since the last call, in order.
-    [[nodiscard]] std::vector<Report> takeReports();
+    /// Whether `takeReports` needs the owners: a drag has its own since its press.
+    [[nodiscard]] bool needsOwners() const;
+    /// The reports since the last call, in order. `owners` are those at the reports' time.
+    [[nodiscard]] std::vector<Report> takeReports(const X11InputOwners& owners);
     /// Whether the left button is held, as far as is known: moves matter only then.
     [[nodiscard]] bool isLeftButtonDown() const { return isLeftDown_; }
     [[nodiscard]] ModifierFlags modifiers() const { return modifiers_; }
 
 private:
+    [[nodiscard]] quint32 logicalButton(quint32 button) const;
     void pressedLeft(quint32 button);
     void setLeftDown(bool isDown);
-    void report(EventType type, X11InputOwner owner);
+    void report(EventType type);
     void flushMove();
 
     /// How often in a row the server may contradict an unconfirmed press or release before it is
     /// believed. A freeze ends within a few milliseconds, during which few queues are read.
     static constexpr int patience = 200;
 
-    X11InputServer& server_;
-    std::vector<Report> reports_;
+    std::vector<std::uint8_t> mapping_;
+    std::vector<Event> events_;
     ModifierFlags modifiers_;
     bool isLeftDown_ = false;
     /// The physical button that holds the left one down; 0 when that is not known.

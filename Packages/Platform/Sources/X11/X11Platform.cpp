@@ -34,8 +34,9 @@ struct X11Platform::Parts {
     X11ScreenSaver screenSaver{*connection};
     InhibitingPowerAssertions powerAssertions{mainLoop, &screenSaver};
     X11Desktop desktop{*connection, mainLoop, userNotifications};
-    X11EventMonitors eventMonitors{
-        *connection, desktop.pointer(), {x11qt::ownsWindow, x11qt::hasGrab}};
+    X11EventMonitors eventMonitors{*connection,
+                                   desktop.pointer(),
+                                   {x11qt::ownsWindow, x11qt::hasGrab, x11qt::windowsTakingInput}};
     std::optional<FreeDesktopStatusItem> statusItem;
     X11AwaitedReply answerBeforeForgetting;
 

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QWidget>
+#include <QWindow>
 
 // Last: its macros are in the way of Qt's names.
 #include <X11/Xlib.h>
@@ -22,6 +23,18 @@ bool ownsWindow(xcb_window_t window) {
         return false;
     const xcb_setup_t* setup = xcb_get_setup(qtConnection);
     return (window & ~setup->resource_id_mask) == setup->resource_id_base;
+}
+
+std::vector<xcb_window_t> windowsTakingInput() {
+    std::vector<xcb_window_t> windows;
+    if (!connection())
+        return windows;
+    for (const QWindow* window : QGuiApplication::topLevelWindows()) {
+        if (window->isVisible() && window->handle() &&
+            !window->flags().testFlag(Qt::WindowTransparentForInput))
+            windows.push_back(static_cast<xcb_window_t>(window->winId()));
+    }
+    return windows;
 }
 
 bool hasGrab() {

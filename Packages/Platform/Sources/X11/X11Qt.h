@@ -1,5 +1,6 @@
 #pragma once
 
+#include <vector>
 #include <xcb/xcb.h>
 
 /// What Qt has on the X server: its connection is the windows' and nobody else's.
@@ -10,6 +11,8 @@ namespace tilewright::x11qt {
 [[nodiscard]] xcb_connection_t* connection();
 /// Whether Qt made the window.
 [[nodiscard]] bool ownsWindow(xcb_window_t window);
+/// Qt's top-level windows on the screen that take presses or keys.
+[[nodiscard]] std::vector<xcb_window_t> windowsTakingInput();
 /// Whether a popup of Qt holds the pointer.
 [[nodiscard]] bool hasGrab();
 /// Has the older client library through which Qt sets titles forget the requests that it

@@ -25,6 +25,8 @@ AXResult<QString> X11WindowElement::string(AXAttribute attribute) const {
     const auto context = context_.lock();
     if (!context)
         return {AXError::invalidUIElement, {}};
+    if (isRole && seenManaged_ == context->connection.moment())
+        return {AXError::success, QString::fromLatin1(axWindowRole)};
     const X11WindowFacts facts = readWindowFacts(context->connection, window_);
     if (const AXError error = errorOf(facts); error != AXError::success)
         return {error, {}};

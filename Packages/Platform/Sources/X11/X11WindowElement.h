@@ -31,9 +31,13 @@ public:
 /// is in it.
 class X11WindowElement final : public AccessibilityElement::Implementation {
 public:
-    X11WindowElement(std::weak_ptr<X11ElementContext> context, xcb_window_t window)
+    /// `seenManaged` is the connection's moment at which the server said that the window is
+    /// managed; while that lasts nobody asks again.
+    X11WindowElement(std::weak_ptr<X11ElementContext> context, xcb_window_t window,
+                     std::optional<std::uint64_t> seenManaged = {})
         : context_(std::move(context))
-        , window_(window) {}
+        , window_(window)
+        , seenManaged_(seenManaged) {}
 
     AXResult<QString> string(AXAttribute attribute) const override;
     AXResult<AccessibilityElement> element(AXAttribute attribute) const override;
@@ -46,6 +50,7 @@ public:
 private:
     std::weak_ptr<X11ElementContext> context_;
     xcb_window_t window_;
+    std::optional<std::uint64_t> seenManaged_;
 };
 
 /// The whole desktop, or one application of it: the way to the focused window.

@@ -12,23 +12,10 @@ using ::testing::IsEmpty;
 constexpr ModifierFlags none;
 constexpr ModifierFlags control{ModifierFlag::control};
 
-class FakeInputServer final : public X11InputServer {
-public:
-    quint32 logicalButton(quint32 button) override {
-        return button < mapping.size() ? mapping[button] : button;
-    }
-    X11InputOwner pointerOwner() override { return pointer; }
-    X11InputOwner keyboardOwner() override { return keyboard; }
-
-    std::vector<quint32> mapping{0, 1, 2, 3, 4, 5};
-    X11InputOwner pointer = X11InputOwner::other;
-    X11InputOwner keyboard = X11InputOwner::other;
-};
-
 struct X11InputStateTest : ::testing::Test {
     std::vector<EventType> told() {
         std::vector<EventType> types;
-        for (const auto& report : state.takeReports())
+        for (const auto& report : state.takeReports(owners))
             types.push_back(report.event.type);
         return types;
     }
@@ -40,9 +27,9 @@ struct X11InputStateTest : ::testing::Test {
         EXPECT_THAT(told(), ElementsAre(EventType::leftMouseDown));
     }
 
-    FakeInputServer fake;
+    X11InputOwners owners;
     X11InputServerState server;
-    X11InputState state{fake};
+    X11InputState state;
 };
 
 TEST_F(X11InputStateTest, TellsADragFromPressToRelease) {
@@ -100,7 +87,7 @@ TEST_F(X11InputStateTest, TellsAModifierChangeOnlyWhereOneHappened) {
     state.modifiersChanged(control);
     server.modifiers = control;
     settle();
-    const auto reports = state.takeReports();
+    const auto reports = state.takeReports(owners);
     ASSERT_EQ(reports.size(), 1U);
     EXPECT_EQ(reports[0].event.type, EventType::flagsChanged);
     EXPECT_EQ(reports[0].event.modifierFlags, control);
@@ -112,12 +99,12 @@ TEST_F(X11InputStateTest, EveryReportCarriesTheModifiersOfItsMoment) {
     server.modifiers = control;
     state.moved();
     settle();
-    for (const auto& report : state.takeReports())
+    for (const auto& report : state.takeReports(owners))
         EXPECT_EQ(report.event.modifierFlags, control);
 }
 
 TEST_F(X11InputStateTest, FollowsTheButtonMapping) {
-    fake.mapping = {0, 3, 2, 1};
+    state.setButtonMapping({3, 2, 1});
     state.pressed(1);
     EXPECT_THAT(told(), ElementsAre(EventType::rightMouseDown));
     state.pressed(3);
@@ -131,13 +118,13 @@ TEST_F(X11InputStateTest, FollowsTheButtonMapping) {
 TEST_F(X11InputStateTest,
        AReleaseCountsForTheButtonThatWasPressedThoughTheMappingChangedMeanwhile) {
     pressAndSettle();
-    fake.mapping = {0, 3, 2, 1};
+    state.setButtonMapping({3, 2, 1});
     state.released(1);
     EXPECT_THAT(told(), ElementsAre(EventType::leftMouseUp));
 }
 
 TEST_F(X11InputStateTest, TellsNothingOfWheelsAndDeadButtons) {
-    fake.mapping = {0, 1, 2, 3, 4, 5, 6, 7, 0, 9};
+    state.setButtonMapping({1, 2, 3, 4, 5, 6, 7, 0, 9});
     for (const quint32 button : {4U, 5U, 6U, 7U, 8U})
         state.pressed(button);
     EXPECT_THAT(told(), IsEmpty());
@@ -245,28 +232,51 @@ TEST_F(X11InputStateTest, AServerThatDoesNotAnswerChangesNothing) {
 }
 
 TEST_F(X11InputStateTest, ADragBelongsToWhereItBeganAndKeysToWhoHasTheKeyboard) {
-    fake.pointer = X11InputOwner::own;
+    owners.pointer = X11InputOwner::own;
     state.pressed(1);
+    EXPECT_EQ(state.takeReports(owners).at(0).owner, X11InputOwner::own);
+    owners.pointer = X11InputOwner::other;
     server.isLeftButtonDown = true;
-    fake.pointer = X11InputOwner::other;
     state.moved();
     settle();
     state.modifiersChanged(control);
     state.released(1);
-    const auto reports = state.takeReports();
+    state.pressed(3);
+    const auto reports = state.takeReports(owners);
     ASSERT_EQ(reports.size(), 4U);
     EXPECT_EQ(reports[0].owner, X11InputOwner::own);
-    EXPECT_EQ(reports[1].owner, X11InputOwner::own);
-    EXPECT_EQ(reports[2].owner, X11InputOwner::other);
-    EXPECT_EQ(reports[3].owner, X11InputOwner::own);
+    EXPECT_EQ(reports[1].owner, X11InputOwner::other);
+    EXPECT_EQ(reports[2].owner, X11InputOwner::own);
+    EXPECT_EQ(reports[3].owner, X11InputOwner::other);
+    owners.keyboard = X11InputOwner::own;
+    state.modifiersChanged(none);
+    EXPECT_EQ(state.takeReports(owners).at(0).owner, X11InputOwner::own);
+}
+
+TEST_F(X11InputStateTest, NeedsOwnersForPressesAndKeysAloneSinceADragHasItsOwn) {
+    EXPECT_FALSE(state.needsOwners());
+    state.pressed(1);
+    EXPECT_TRUE(state.needsOwners());
+    told();
+    server.isLeftButtonDown = true;
+    state.moved();
+    settle();
+    state.released(1);
+    EXPECT_FALSE(state.needsOwners());
+    EXPECT_THAT(told(), ElementsAre(EventType::leftMouseDragged, EventType::leftMouseUp));
+    state.modifiersChanged(control);
+    EXPECT_TRUE(state.needsOwners());
 }
 
 TEST_F(X11InputStateTest, StartsInTheMiddleOfADrag) {
-    state.start({true, control});
+    state.start({true, control}, X11InputOwner::own);
     EXPECT_TRUE(state.isLeftButtonDown());
     EXPECT_THAT(told(), IsEmpty());
     state.released(1);
-    EXPECT_THAT(told(), ElementsAre(EventType::leftMouseUp));
+    const auto reports = state.takeReports(owners);
+    ASSERT_EQ(reports.size(), 1U);
+    EXPECT_EQ(reports[0].event.type, EventType::leftMouseUp);
+    EXPECT_EQ(reports[0].owner, X11InputOwner::own);
 }
 
 /// A server whose every event may be lost, late for the server's own count, or both.
@@ -330,7 +340,7 @@ private:
     }
 
     void check() {
-        for (const auto& report : state_.takeReports()) {
+        for (const auto& report : state_.takeReports({})) {
             switch (report.event.type) {
             case EventType::leftMouseDown:
                 EXPECT_FALSE(isDown_);
@@ -356,8 +366,7 @@ private:
     }
 
     std::mt19937 random_;
-    FakeInputServer fake_;
-    X11InputState state_{fake_};
+    X11InputState state_;
     X11InputServerState truth_;
     bool held_ = false;
     bool heldState_ = false;
