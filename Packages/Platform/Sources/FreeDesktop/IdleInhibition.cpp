@@ -1,5 +1,7 @@
 #include "IdleInhibition.h"
 
+#include "FreeDesktopLog.h"
+
 #include <QCoreApplication>
 #include <QDBusError>
 #include <QDBusObjectPath>
@@ -81,6 +83,7 @@ void IdleInhibition::request() {
     if (service_.grant == IdleService::Grant::request)
         expectPortalAnswer(arguments);
     message.setArguments(arguments);
+    qCDebug(idleLog, "Asked %ls to inhibit idling", qUtf16Printable(service_.name));
     call_ = new QDBusPendingCallWatcher(bus_.asyncCall(message, withoutTimeout), this);
     connect(call_, &QDBusPendingCallWatcher::finished, this, &IdleInhibition::takeReply);
 }
@@ -144,6 +147,10 @@ void IdleInhibition::answered(const QDBusMessage& reply) {
             state_ = State::held;
         else
             takeEarlyResponse();
+        qCDebug(idleLog, "%ls answered: %s", qUtf16Printable(service_.name),
+                !grant_.isValid()       ? "with something that is no grant"
+                : state_ == State::held ? "granted"
+                                        : "it will tell later");
     } else {
         failed(reply);
     }
@@ -162,6 +169,8 @@ void IdleInhibition::failed(const QDBusMessage& error) {
     }
     const bool isAbsent = meansNoSuchObject(type) || meansNoSuchService(error, type);
     state_ = isAbsent ? State::absent : State::refused;
+    qCDebug(idleLog, "%ls: %s, %ls", qUtf16Printable(service_.name),
+            isAbsent ? "offers no such thing" : "refused", qUtf16Printable(error.errorName()));
     if (meansNoSuchObject(type) && retriesLeft_ > 0 && !isEnding_)
         askAgainShortly();
 }
@@ -197,6 +206,8 @@ void IdleInhibition::takeEarlyResponse() {
 
 void IdleInhibition::takeResponse(uint response) {
     state_ = response == 0 ? State::held : State::refused;
+    qCDebug(idleLog, "%ls told: %s", qUtf16Printable(service_.name),
+            response == 0 ? "granted" : "refused");
     stopExpectingPortalAnswer();
 }
 
@@ -209,6 +220,8 @@ void IdleInhibition::ownerChanged(const QString& newOwner) {
     // An answer may have been taken in ahead of this news.
     if (!newOwner.isEmpty() && newOwner == grantedBy_)
         return;
+    qCDebug(idleLog, "%ls %s", qUtf16Printable(service_.name),
+            newOwner.isEmpty() ? "has gone" : "has come up anew");
     grant_.clear();
     grantedBy_.clear();
     pathIndex_ = 0;
@@ -232,6 +245,7 @@ void IdleInhibition::end() {
 void IdleInhibition::giveBack() {
     if (!grant_.isValid())
         return;
+    qCDebug(idleLog, "Gave the grant back to %ls", qUtf16Printable(service_.name));
     QDBusMessage message;
     switch (service_.grant) {
     case IdleService::Grant::cookie:

@@ -1,5 +1,6 @@
 #include "InhibitingPowerAssertions.h"
 
+#include "FreeDesktopLog.h"
 #include "IdleInhibition.h"
 
 #include <QDeadlineTimer>
@@ -77,6 +78,7 @@ PowerAssertionResult InhibitingPowerAssertions::create(const QString& type, quin
         isAnyHeld(assertion.inhibitions) ||
         (screenSaver_ && isDesktopWithoutIdleService(assertion.inhibitions) &&
          screenSaver_->isSuspended(std::chrono::milliseconds(deadline.remainingTime())));
+    qCDebug(idleLog, "The computer %s", isGranted ? "is kept awake" : "cannot be kept awake");
     if (!isGranted) {
         end(assertion);
         return {EOPNOTSUPP, 0};

@@ -1,5 +1,6 @@
 #include "X11Accessibility.h"
 
+#include "X11Log.h"
 #include "X11WindowLookup.h"
 
 #include <cmath>
@@ -30,8 +31,11 @@ AXResult<AccessibilityElement> X11Accessibility::elementAtPosition(AXPoint point
         return {AXError::illegalArgument, {}};
     if (!connection_.isAlive())
         return {AXError::cannotComplete, {}};
-    const auto window =
-        applicationWindowAt(connection_, windowManager_, screens_.coordinates().toPixel(point));
+    const QPoint place = screens_.coordinates().toPixel(point);
+    const auto window = applicationWindowAt(connection_, windowManager_, place);
+    qCDebug(x11FramesLog, "At %+d%+d there is %ls", place.x(), place.y(),
+            qUtf16Printable(window ? QStringLiteral("window ") + words(*window)
+                                   : QStringLiteral("no window of an application")));
     if (!window)
         return {AXError::noValue, {}};
     return {AXError::success, AccessibilityElement(std::make_shared<X11WindowElement>(

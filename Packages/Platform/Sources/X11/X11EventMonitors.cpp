@@ -1,5 +1,6 @@
 #include "X11EventMonitors.h"
 
+#include "X11Log.h"
 #include "XcbXkb.h"
 
 #include <xcb/xinput.h>
@@ -22,6 +23,35 @@ ModifierFlags modifierFlags(unsigned int keyMask) {
     carry(XCB_MOD_MASK_1, ModifierFlag::option);
     carry(XCB_MOD_MASK_4, ModifierFlag::command);
     return ModifierFlags(bits);
+}
+
+const char* words(EventType type) {
+    switch (type) {
+    case EventType::leftMouseDown:
+        return "left button pressed";
+    case EventType::leftMouseUp:
+        return "left button released";
+    case EventType::rightMouseDown:
+        return "right button pressed";
+    case EventType::leftMouseDragged:
+        return "moved with the left button held";
+    case EventType::flagsChanged:
+        return "modifier keys changed";
+    case EventType::otherMouseDown:
+        return "another button pressed";
+    }
+    return "";
+}
+
+void tell(const X11InputState::Report& report) {
+    const auto key = [&](ModifierFlag flag, const char* name) {
+        return report.event.modifierFlags.contains(flag) ? name : "";
+    };
+    qCDebug(x11InputLog, "In %s: %s. Held:%s%s%s%s",
+            report.owner == X11InputOwner::own ? "a window of this program" : "another application",
+            words(report.event.type), key(ModifierFlag::control, " Control"),
+            key(ModifierFlag::shift, " Shift"), key(ModifierFlag::option, " Alt"),
+            key(ModifierFlag::command, " Super"));
 }
 
 std::optional<X11InputServerState> stateFrom(const X11Reply<xcb_query_pointer_reply_t>& answer) {
@@ -58,8 +88,14 @@ std::optional<MonitorToken> X11EventMonitors::addLocalMonitor(EventMask mask, Ha
 
 std::optional<MonitorToken> X11EventMonitors::add(X11InputOwner owner, EventMask mask,
                                                   Handler handler) {
-    if (!isSupported(connection_) || !connection_.isAlive())
+    if (!isSupported(connection_) || !connection_.isAlive()) {
+        qCDebug(
+            x11InputLog,
+            "Input cannot be watched. The server offers XInput %u.%u, needed is 2.1, and %s XKB",
+            connection_.xinput().majorVersion, connection_.xinput().minorVersion,
+            connection_.xkb().isPresent ? "has" : "lacks");
         return std::nullopt;
+    }
     const MonitorToken token{++lastToken_};
     monitors_.emplace(token,
                       std::make_shared<const Monitor>(Monitor{owner, mask, std::move(handler)}));
@@ -206,6 +242,10 @@ void X11EventMonitors::deliver(const std::vector<X11InputState::Report>& reports
     // A copy: handlers add and remove monitors, and a new one hears nothing of what was before.
     const auto monitors = monitors_;
     for (const auto& report : reports) {
+        const bool isMove = report.event.type == EventType::leftMouseDragged;
+        // Of each drag the first move.
+        if (!std::exchange(hasToldMove_, isMove) || !isMove)
+            tell(report);
         for (const auto& [token, monitor] : monitors) {
             if (monitor->owner == report.owner && monitor->mask.contains(report.event.type) &&
                 monitors_.contains(token))

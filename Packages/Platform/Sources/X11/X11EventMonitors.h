@@ -67,6 +67,8 @@ private:
     quint64 lastToken_ = 0;
     bool isWatching_ = false;
     bool hasNews_ = false;
+    /// What was handed out last was a move.
+    bool hasToldMove_ = false;
     X11AwaitedReply answer_;
 };
 

@@ -1,5 +1,6 @@
 #include "X11FrameSetter.h"
 
+#include "X11Log.h"
 #include "X11Properties.h"
 
 #include <algorithm>
@@ -24,7 +25,10 @@ X11FrameSetter::X11FrameSetter(X11Connection& connection, X11EventSelection& sel
     , selection_(selection)
     , windowManager_(windowManager)
     , loop_(loop)
-    , surroundings_(std::move(surroundings)) {
+    , surroundings_(std::move(surroundings))
+    , frames_(
+          loop, [this](xcb_window_t window) { return begin(window); },
+          [this](xcb_window_t window, const WrittenFrame& frame) { finish(window, frame); }) {
     connect(&connection_, &X11Connection::eventsDispatched, this, &X11FrameSetter::lookAtChanged);
     connect(&windowManager_, &X11WindowManagerWatch::changed, this,
             &X11FrameSetter::windowManagerChanged);
@@ -34,32 +38,12 @@ X11FrameSetter::X11FrameSetter(X11Connection& connection, X11EventSelection& sel
 
 X11FrameSetter::~X11FrameSetter() = default;
 
-AXError X11FrameSetter::setPosition(xcb_window_t window, AXPoint position) {
-    AXError error = AXError::success;
-    if (Pending* pending = pendingFor(window, error))
-        pending->position = position;
-    return error;
-}
-
-AXError X11FrameSetter::setSize(xcb_window_t window, AXSize size) {
-    AXError error = AXError::success;
-    if (Pending* pending = pendingFor(window, error)) {
-        pending->size = size;
-        // Nothing more is to be known: who writes the frame may have much else to do in this turn.
-        if (pending->position)
-            commit(window);
-    }
-    return error;
-}
-
-X11FrameSetter::Pending* X11FrameSetter::pendingFor(xcb_window_t window, AXError& error) {
-    if (const auto found = pending_.find(window); found != pending_.end())
-        return &found->second;
+AXError X11FrameSetter::begin(xcb_window_t window) {
     const auto aliveCookie = windowManager_.requestIsAlive();
     X11WindowFacts facts = readWindowFacts(connection_, window);
     const bool isManagerAlive = windowManager_.takeIsAlive(aliveCookie);
-    const bool isUnknown = connection_.isStuck();
-    if (isUnknown)
+    AXError error = AXError::success;
+    if (connection_.isStuck())
         facts.isUnknown = true;
     else if (!facts.exists)
         error = connection_.isAlive() ? AXError::invalidUIElement : AXError::cannotComplete;
@@ -67,47 +51,68 @@ X11FrameSetter::Pending* X11FrameSetter::pendingFor(xcb_window_t window, AXError
         error = AXError::cannotComplete;
     else if (!facts.isManaged)
         error = AXError::attributeUnsupported;
-    if (error != AXError::success)
-        return nullptr;
-    loop_.post([this, window, life = std::weak_ptr<bool>(life_)] {
-        if (!life.expired())
-            commit(window);
-    });
-    return &pending_.emplace(window, Pending{facts, surroundings_.tiling(), {}, {}}).first->second;
+    if (error == AXError::success) {
+        Begun& begun = begun_[window];
+        begun.facts = facts;
+        begun.tiling = surroundings_.tiling();
+    } else {
+        qCDebug(x11FramesLog, "Window %ls cannot be moved: %s", qUtf16Printable(words(window)),
+                !facts.exists     ? "it is gone"
+                : !isManagerAlive ? "no window manager runs"
+                                  : "the window manager does not manage it");
+    }
+    return error;
 }
 
-void X11FrameSetter::commit(xcb_window_t window) {
-    const auto found = pending_.find(window);
-    if (found == pending_.end())
+void X11FrameSetter::finish(xcb_window_t window, const WrittenFrame& frame) {
+    const auto found = begun_.find(window);
+    if (found == begun_.end())
         return;
     if (found->second.facts.isUnknown)
         found->second.facts = readWindowFacts(connection_, window);
     if (connection_.isStuck()) {
         found->second.facts.isUnknown = true;
+        WrittenFrame& held = found->second.held.emplace(found->second.held.value_or(frame));
+        held.position = frame.position ? frame.position : held.position;
+        held.size = frame.size ? frame.size : held.size;
         return;
     }
-    const Pending pending = found->second;
-    pending_.erase(found);
-    if (!pending.facts.exists || !pending.facts.isManaged)
+    const Begun begun = found->second;
+    begun_.erase(found);
+    if (!begun.facts.exists || !begun.facts.isManaged)
         return;
     const X11Coordinates coordinates = surroundings_.coordinates();
-    const QRect outer = pending.facts.outerFrame();
-    const AXPoint position = pending.position.value_or(coordinates.toAX(outer.topLeft()));
-    const AXSize size =
-        pending.size.value_or(AXSize{double(outer.width()), double(outer.height())});
-    start(window, coordinates.toPixels(position, size), pending);
+    const QRect outer = begun.facts.outerFrame();
+    const AXPoint position = frame.position.value_or(coordinates.toAX(outer.topLeft()));
+    const AXSize size = frame.size.value_or(AXSize{double(outer.width()), double(outer.height())});
+    start(window, coordinates.toPixels(position, size), begun);
 }
 
-void X11FrameSetter::start(xcb_window_t window, const QRect& goal, const Pending& pending) {
-    running_.erase(window);
-    Running running{X11FramePlacement(goal, habit_, pending.tiling), {}, {}, {}, {}, false};
+void X11FrameSetter::start(xcb_window_t window, const QRect& goal, const Begun& begun) {
+    if (running_.erase(window) != 0)
+        qCDebug(x11FramesLog, "Window %ls: a newer frame takes the place of the one before",
+                qUtf16Printable(words(window)));
+    const X11WindowFacts& facts = begun.facts;
+    qCDebug(x11FramesLog,
+            "Window %ls is to fill %ls and fills %ls%s%s%s. Decorations: left %d, right %d, top "
+            "%d, bottom %d. Shadow: left %d, right %d, top %d, bottom %d. Its client takes %dx%d "
+            "to %dx%d in steps of %dx%d",
+            qUtf16Printable(words(window)), qUtf16Printable(words(goal)),
+            qUtf16Printable(words(facts.outerFrame())), facts.isMaximized ? ", maximised" : "",
+            facts.isFullscreen ? ", fullscreen" : "", facts.isShaded ? ", shaded" : "",
+            facts.decorations.left, facts.decorations.right, facts.decorations.top,
+            facts.decorations.bottom, facts.shadow.left, facts.shadow.right, facts.shadow.top,
+            facts.shadow.bottom, facts.limits.minimum.width(), facts.limits.minimum.height(),
+            facts.limits.maximum.width(), facts.limits.maximum.height(),
+            facts.limits.increment.width(), facts.limits.increment.height());
+    Running running{X11FramePlacement(goal, habit_, begun.tiling), {}, {}, {}, {}, false};
     running.interest =
         selection_.select(window, XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE);
     running.listener = connection_.listen(
         X11EventFilter::window(window),
         [this, window](const xcb_generic_event_t& event) { windowEvent(window, event); });
     Running& entry = running_.emplace(window, std::move(running)).first->second;
-    perform(window, entry.placement.begin(pending.facts));
+    perform(window, entry.placement.begin(facts));
 }
 
 void X11FrameSetter::windowEvent(xcb_window_t window, const xcb_generic_event_t& event) {
@@ -116,6 +121,7 @@ void X11FrameSetter::windowEvent(xcb_window_t window, const xcb_generic_event_t&
         return;
     switch (eventType(event)) {
     case XCB_DESTROY_NOTIFY:
+        qCDebug(x11FramesLog, "Window %ls has gone meanwhile", qUtf16Printable(words(window)));
         end(window);
         break;
     case XCB_CONFIGURE_NOTIFY:
@@ -137,12 +143,13 @@ void X11FrameSetter::windowEvent(xcb_window_t window, const xcb_generic_event_t&
 }
 
 void X11FrameSetter::answersAgain() {
-    std::vector<xcb_window_t> waiting;
-    waiting.reserve(pending_.size());
-    for (const auto& [window, pending] : pending_)
-        waiting.push_back(window);
-    for (const xcb_window_t window : waiting)
-        commit(window);
+    std::vector<std::pair<xcb_window_t, WrittenFrame>> held;
+    for (const auto& [window, begun] : begun_) {
+        if (begun.held)
+            held.emplace_back(window, *begun.held);
+    }
+    for (const auto& [window, frame] : held)
+        finish(window, frame);
     std::vector<xcb_window_t> overdue;
     for (auto& [window, running] : running_) {
         running.isDirty = true;
@@ -181,13 +188,25 @@ void X11FrameSetter::timePassed(xcb_window_t window) {
         found->second.isOverdue = true;
         return;
     }
-    if (facts.exists && facts.isManaged)
-        perform(window, found->second.placement.timePassed(facts));
-    else
+    if (!facts.exists || !facts.isManaged) {
         end(window);
+        return;
+    }
+    const X11FramePlacement::Action action = found->second.placement.timePassed(facts);
+    if (action.isFinished)
+        tellOutcome(window, found->second.placement, facts);
+    perform(window, action);
 }
 
 void X11FrameSetter::perform(xcb_window_t window, const X11FramePlacement::Action& action) {
+    if (action.addsMaximized || action.removesMaximized || action.removesFullscreen ||
+        action.removesShaded)
+        qCDebug(x11FramesLog, "Window %ls: asked the window manager to%s%s%s%s",
+                qUtf16Printable(words(window)),
+                action.addsMaximized ? " maximise it for a moment," : "",
+                action.removesMaximized ? " end maximised states" : "",
+                action.removesFullscreen ? " end fullscreen" : "",
+                action.removesShaded ? " unroll it" : "");
     if (action.addsMaximized)
         changeState(window, true, X11Atom::netWmStateMaximizedVert,
                     X11Atom::netWmStateMaximizedHorz);
@@ -202,6 +221,10 @@ void X11FrameSetter::perform(xcb_window_t window, const X11FramePlacement::Actio
         constexpr std::uint32_t northWest = XCB_GRAVITY_NORTH_WEST;
         constexpr std::uint32_t hasAll = 0xFU << 8U;
         const QRect& frame = *action.request;
+        qCDebug(x11FramesLog,
+                "Window %ls: asked the window manager for the corner %+d%+d and a client of %dx%d",
+                qUtf16Printable(words(window)), frame.x(), frame.y(), frame.width(),
+                frame.height());
         sendToWindowManager(
             connection_, window, X11Atom::netMoveresizeWindow,
             {northWest | hasAll | (sourceIsUser << 12U), static_cast<std::uint32_t>(frame.x()),
@@ -238,6 +261,11 @@ void X11FrameSetter::markerReached(xcb_window_t window) {
 }
 
 void X11FrameSetter::windowManagerChanged() {
+    qCDebug(x11FramesLog, "%s",
+            !windowManager_.isRunning() ? "No window manager runs"
+            : windowManager_.supports(X11Atom::netMoveresizeWindow)
+                ? "A window manager runs; it announces that it moves windows when asked"
+                : "A window manager runs; it does not announce that it moves windows when asked");
     // Another one has its own habits. What runs keeps, and alone goes on learning, the old ones.
     habit_ = std::make_shared<X11FramePlacement::Habit>();
     answersMarkers_ = false;
@@ -256,6 +284,19 @@ void X11FrameSetter::changeState(xcb_window_t window, bool adds, X11Atom first,
                         {adds ? 1U : 0U, connection_.atom(first),
                          second ? connection_.atom(*second) : static_cast<xcb_atom_t>(XCB_NONE),
                          sourceIsUser, 0});
+}
+
+void X11FrameSetter::tellOutcome(xcb_window_t window, const X11FramePlacement& placement,
+                                 const X11WindowFacts& facts) const {
+    const QRect outer = facts.outerFrame();
+    const char* what = "the window manager or the window refused the rest";
+    if (outer == placement.goal())
+        what = "as asked";
+    else if (placement.isReached(facts))
+        what = "as near as the window's own limits allow";
+    qCDebug(x11FramesLog, "Window %ls fills %ls in the end, asked for %ls: %s",
+            qUtf16Printable(words(window)), qUtf16Printable(words(outer)),
+            qUtf16Printable(words(placement.goal())), what);
 }
 
 void X11FrameSetter::end(xcb_window_t window) {

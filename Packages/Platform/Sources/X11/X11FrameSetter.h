@@ -8,6 +8,7 @@
 
 #include <Platform/Accessibility.h>
 #include <Platform/MainLoop.h>
+#include <Platform/WholeFrames.h>
 
 #include <QObject>
 #include <functional>
@@ -15,10 +16,9 @@
 
 namespace tilewright {
 
-/// Sets windows' frames. The writes made to one window within one turn of the event loop become one
-/// frame, complete at once with a size that follows a position; asking for it, verifying and asking
-/// again run on from the event loop and end by themselves. A newer frame of the same window, or its
-/// end, cancels what runs. Main thread only.
+/// Sets windows' frames, whole ones (`WholeFrames`); asking for a frame, verifying and asking again
+/// run on from the event loop and end by themselves. A newer frame of the same window, or its end,
+/// cancels what runs. Main thread only.
 class X11FrameSetter final : public QObject {
     Q_OBJECT
 
@@ -38,20 +38,23 @@ public:
     /// Notes the outer frame's top-left corner. Answers what one bounded round trip can know:
     /// whether the window exists, is managed, and somebody manages it. Where the server does not
     /// answer in time nothing speaks against it: the frame is set when the server does.
-    AXError setPosition(xcb_window_t window, AXPoint position);
+    AXError setPosition(xcb_window_t window, AXPoint position) {
+        return frames_.setPosition(window, position);
+    }
     /// Notes the outer frame's size. Answers like `setPosition`.
-    AXError setSize(xcb_window_t window, AXSize size);
+    AXError setSize(xcb_window_t window, AXSize size) { return frames_.setSize(window, size); }
 
     /// Whether a frame is being set, of any window.
-    [[nodiscard]] bool isBusy() const { return !pending_.empty() || !running_.empty(); }
+    [[nodiscard]] bool isBusy() const { return !begun_.empty() || !running_.empty(); }
 
 private:
-    struct Pending {
+    /// A window when the first of its frame was written.
+    struct Begun {
         /// Unknown where the server does not answer: read when it does.
         X11WindowFacts facts;
         X11FramePlacement::Tiling tiling;
-        std::optional<AXPoint> position;
-        std::optional<AXSize> size;
+        /// Complete, and waiting for the server to answer.
+        std::optional<WrittenFrame> held;
     };
     struct Running {
         X11FramePlacement placement;
@@ -65,10 +68,10 @@ private:
         bool isOverdue = false;
     };
 
-    [[nodiscard]] Pending* pendingFor(xcb_window_t window, AXError& error);
-    void commit(xcb_window_t window);
+    [[nodiscard]] AXError begin(xcb_window_t window);
+    void finish(xcb_window_t window, const WrittenFrame& frame);
     void answersAgain();
-    void start(xcb_window_t window, const QRect& goal, const Pending& pending);
+    void start(xcb_window_t window, const QRect& goal, const Begun& begun);
     void windowEvent(xcb_window_t window, const xcb_generic_event_t& event);
     void lookAtChanged();
     void timePassed(xcb_window_t window);
@@ -78,6 +81,9 @@ private:
     void windowManagerChanged();
     void changeState(xcb_window_t window, bool adds, X11Atom first,
                      std::optional<X11Atom> second = {});
+    /// Says that a placement has come to its end, with the window as it looks then.
+    void tellOutcome(xcb_window_t window, const X11FramePlacement& placement,
+                     const X11WindowFacts& facts) const;
     void end(xcb_window_t window);
 
     X11Connection& connection_;
@@ -85,14 +91,13 @@ private:
     X11WindowManagerWatch& windowManager_;
     MainLoop& loop_;
     Surroundings surroundings_;
-    std::map<xcb_window_t, Pending> pending_;
+    WholeFrames<xcb_window_t> frames_;
+    std::map<xcb_window_t, Begun> begun_;
     std::map<xcb_window_t, Running> running_;
     std::unique_ptr<X11Marker> trialMarker_;
     bool answersMarkers_ = false;
     /// Of the window manager now: what one placement finds out serves those that run beside it.
     std::shared_ptr<X11FramePlacement::Habit> habit_ = std::make_shared<X11FramePlacement::Habit>();
-    /// Outlived by no task in the loop.
-    std::shared_ptr<bool> life_ = std::make_shared<bool>(true);
 };
 
 } // namespace tilewright

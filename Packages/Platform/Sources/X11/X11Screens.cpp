@@ -1,11 +1,13 @@
 #include "X11Screens.h"
 
+#include "X11Log.h"
 #include "X11Properties.h"
 #include "X11WindowFacts.h"
 
 #include <QGuiApplication>
 #include <QScreen>
 #include <algorithm>
+#include <iterator>
 #include <xcb/randr.h>
 
 namespace tilewright {
@@ -30,6 +32,17 @@ QString nameFor(const QString& connector, const std::optional<X11Edid>& edid) {
         return edid->name;
     const QString letters = edid->manufacturerLetters();
     return letters.isEmpty() ? connector : letters + u' ' + connector;
+}
+
+void tell(const std::vector<ScreenPtr>& screens, const std::vector<QRect>& visible) {
+    qCDebug(x11DisplaysLog, "There are %zu displays, the first of them the primary one",
+            screens.size());
+    for (std::size_t i = 0; i < screens.size(); ++i) {
+        const auto& values = static_cast<const X11Screen&>(*screens[i]).values();
+        qCDebug(x11DisplaysLog, "Display %ls: %ls, free of panels %ls, known by its %s",
+                qUtf16Printable(values.connector), qUtf16Printable(words(values.nativeFrame)),
+                qUtf16Printable(words(visible[i])), values.persistentUUID ? "EDID" : "connector");
+    }
 }
 
 double sharedArea(const AppKitRect& a, const AppKitRect& b) {
@@ -275,14 +288,15 @@ X11WorkAreaHints X11Screens::readWorkAreas(QSize screen) {
 
 void X11Screens::refresh() {
     const QSize screenSize = readScreenSize();
-    std::vector<Monitor> monitors;
+    std::vector<Monitor> found;
     if (connection_.randr().isAtLeast(1, 5))
-        monitors = readMonitors();
+        found = readMonitors();
     else
-        monitors.push_back({QRect(QPoint(0, 0), screenSize), true, QStringLiteral("screen"), {}});
-    std::stable_sort(monitors.begin(), monitors.end(), [](const Monitor& a, const Monitor& b) {
-        return a.isPrimary && !b.isPrimary;
-    });
+        found.push_back({QRect(QPoint(0, 0), screenSize), true, QStringLiteral("screen"), {}});
+    const auto isPrimary = [](const Monitor& monitor) { return monitor.isPrimary; };
+    std::vector<Monitor> monitors;
+    std::copy_if(found.begin(), found.end(), std::back_inserter(monitors), isPrimary);
+    std::remove_copy_if(found.begin(), found.end(), std::back_inserter(monitors), isPrimary);
 
     std::vector<QRect> areas;
     std::vector<X11DisplayKeys::Display> displays;
@@ -316,6 +330,7 @@ void X11Screens::refresh() {
     if (screens == screens_)
         return;
     screens_ = std::move(screens);
+    tell(screens_, visible);
     Q_EMIT screensChanged();
 }
 
