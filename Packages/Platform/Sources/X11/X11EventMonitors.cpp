@@ -47,11 +47,12 @@ void tell(const X11InputState::Report& report) {
     const auto key = [&](ModifierFlag flag, const char* name) {
         return report.event.modifierFlags.contains(flag) ? name : "";
     };
-    qCDebug(x11InputLog, "In %s: %s. Held:%s%s%s%s",
+    qCDebug(x11InputLog, "In %s: %s. Modifiers held:%s%s%s%s%s",
             report.owner == X11InputOwner::own ? "a window of this program" : "another application",
             words(report.event.type), key(ModifierFlag::control, " Control"),
             key(ModifierFlag::shift, " Shift"), key(ModifierFlag::option, " Alt"),
-            key(ModifierFlag::command, " Super"));
+            key(ModifierFlag::command, " Super"),
+            report.event.modifierFlags == ModifierFlags() ? " none" : "");
 }
 
 std::optional<X11InputServerState> stateFrom(const X11Reply<xcb_query_pointer_reply_t>& answer) {

@@ -35,8 +35,7 @@ QString nameFor(const QString& connector, const std::optional<X11Edid>& edid) {
 }
 
 void tell(const std::vector<ScreenPtr>& screens, const std::vector<QRect>& visible) {
-    qCDebug(x11DisplaysLog, "There are %zu displays, the first of them the primary one",
-            screens.size());
+    qCDebug(x11DisplaysLog, "Displays now: %zu, the primary one first", screens.size());
     for (std::size_t i = 0; i < screens.size(); ++i) {
         const auto& values = static_cast<const X11Screen&>(*screens[i]).values();
         qCDebug(x11DisplaysLog, "Display %ls: %ls, free of panels %ls, known by its %s",
