@@ -1,15 +1,15 @@
-#include "HandedOverProcess.h"
+#include "DetachedProcess.h"
 
 #include <unistd.h>
 
 namespace tilewright {
 
-std::chrono::milliseconds HandedOverProcess::steadyTime() {
+std::chrono::milliseconds DetachedProcess::steadyTime() {
     return std::chrono::duration_cast<std::chrono::milliseconds>(
         std::chrono::steady_clock::now().time_since_epoch());
 }
 
-HandedOverProcess::HandedOverProcess(Clock clock, QObject* parent)
+DetachedProcess::DetachedProcess(Clock clock, QObject* parent)
     : QProcess(parent)
     , clock_(std::move(clock)) {
     setStandardInputFile(nullDevice());
@@ -19,14 +19,14 @@ HandedOverProcess::HandedOverProcess(Clock clock, QObject* parent)
     setChildProcessModifier([] { ::setsid(); });
 }
 
-HandedOverProcess::~HandedOverProcess() {
+DetachedProcess::~DetachedProcess() {
     // Qt would end a program that still runs.
     setProcessState(NotRunning);
 }
 
-void HandedOverProcess::handOver(const QString& program, const QStringList& arguments,
-                                 const QProcessEnvironment& environment,
-                                 std::function<void()> whenFailed, std::function<void()> whenDone) {
+void DetachedProcess::handOver(const QString& program, const QStringList& arguments,
+                               const QProcessEnvironment& environment,
+                               std::function<void()> whenFailed, std::function<void()> whenDone) {
     const auto fail = std::make_shared<std::function<void()>>(std::move(whenFailed));
     connect(
         this, &QProcess::errorOccurred, this,

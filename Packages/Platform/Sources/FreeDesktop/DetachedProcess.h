@@ -9,7 +9,7 @@ namespace tilewright {
 /// A program that is started for the user and then belongs to the desktop: it lives on when this
 /// object, or this process, ends before it. It shares nothing with this process, neither a terminal
 /// nor an output. Main thread only.
-class HandedOverProcess final : public QProcess {
+class DetachedProcess final : public QProcess {
     Q_OBJECT
 
 public:
@@ -22,8 +22,8 @@ public:
     /// The machine's own such clock.
     [[nodiscard]] static std::chrono::milliseconds steadyTime();
 
-    explicit HandedOverProcess(Clock clock = steadyTime, QObject* parent = nullptr);
-    ~HandedOverProcess() override;
+    explicit DetachedProcess(Clock clock = steadyTime, QObject* parent = nullptr);
+    ~DetachedProcess() override;
 
     /// Starts a program with its arguments; returns at once. `whenFailed` is called from the event
     /// loop, once, if it cannot be started, or crashes or ends with another code than 0 within

@@ -31,7 +31,7 @@ QStringList FreeDesktopGuidance::installedPageFolders() {
 
 FreeDesktopGuidance::FreeDesktopGuidance(UserNotifications& notifications,
                                          const QProcessEnvironment& environment,
-                                         QStringList pageFolders, HandedOverProcess::Clock clock)
+                                         QStringList pageFolders, DetachedProcess::Clock clock)
     : notifications_(notifications)
     , environment_(environment)
     , pageFolders_(std::move(pageFolders))
@@ -84,7 +84,7 @@ void FreeDesktopGuidance::tryInTurn(std::vector<Command> commands,
     }
     const Command command = commands.front();
     commands.erase(commands.begin());
-    auto* process = new HandedOverProcess(clock_, this);
+    auto* process = new DetachedProcess(clock_, this);
     process->handOver(
         command.first(), command.mid(1), environment_,
         [this, process, rest = std::move(commands), whenNoneIsLeft] {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "HandedOverProcess.h"
+#include "DetachedProcess.h"
 #include "UserNotifications.h"
 
 #include <QObject>
@@ -41,7 +41,7 @@ public:
         UserNotifications& notifications,
         const QProcessEnvironment& environment = QProcessEnvironment::systemEnvironment(),
         QStringList pageFolders = installedPageFolders(),
-        HandedOverProcess::Clock clock = HandedOverProcess::steadyTime);
+        DetachedProcess::Clock clock = DetachedProcess::steadyTime);
     ~FreeDesktopGuidance() override;
 
     /// Returns at once. Programs that it starts live on after this object.
@@ -60,7 +60,7 @@ private:
     UserNotifications& notifications_;
     const QProcessEnvironment environment_;
     const QStringList pageFolders_;
-    const HandedOverProcess::Clock clock_;
+    const DetachedProcess::Clock clock_;
 };
 
 } // namespace tilewright

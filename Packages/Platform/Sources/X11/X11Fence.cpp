@@ -1,10 +1,10 @@
-#include "X11Marker.h"
+#include "X11Fence.h"
 
 #include "X11Properties.h"
 
 namespace tilewright {
 
-X11Marker::X11Marker(X11Connection& connection, std::function<void()> reached)
+X11Fence::X11Fence(X11Connection& connection, std::function<void()> reached)
     : connection_(connection)
     , reached_(std::move(reached))
     , window_(xcb_generate_id(connection.xcb())) {
@@ -20,18 +20,18 @@ X11Marker::X11Marker(X11Connection& connection, std::function<void()> reached)
                                            outstanding_ == 0)
                                            return;
                                        if (--outstanding_ == 0) {
-                                           // A copy: the callee may end this marker.
+                                           // A copy: the callee may end this fence.
                                            const auto reachedNow = reached_;
                                            reachedNow();
                                        }
                                    });
 }
 
-X11Marker::~X11Marker() {
+X11Fence::~X11Fence() {
     xcb_destroy_window(connection_.xcb(), window_);
 }
 
-void X11Marker::send() {
+void X11Fence::send() {
     sendToWindowManager(connection_, window_, X11Atom::netRequestFrameExtents, {});
     ++outstanding_;
 }

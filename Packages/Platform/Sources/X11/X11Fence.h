@@ -6,14 +6,14 @@ namespace tilewright {
 
 /// Tells when the window manager has come to all that was asked of it before: it is asked for the
 /// decorations of a window that is never shown, and answers in its turn. Main thread only.
-class X11Marker {
+class X11Fence {
 public:
-    /// `reached` is called when the window manager has come to the last marker that was sent.
-    X11Marker(X11Connection& connection, std::function<void()> reached);
-    X11Marker(const X11Marker&) = delete;
-    ~X11Marker();
+    /// `reached` is called when the window manager has come to the last fence that was sent.
+    X11Fence(X11Connection& connection, std::function<void()> reached);
+    X11Fence(const X11Fence&) = delete;
+    ~X11Fence();
 
-    /// Sends a marker after the requests made so far.
+    /// Sends a fence after the requests made so far.
     void send();
 
 private:

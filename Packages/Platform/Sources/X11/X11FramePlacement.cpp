@@ -22,7 +22,7 @@ QSize X11FramePlacement::agreedSize(const X11WindowFacts& facts) const {
     return facts.outerSize(facts.limits.constrained(facts.clientSize(goal_.size())));
 }
 
-bool X11FramePlacement::learnHabit(const X11WindowFacts& facts) {
+bool X11FramePlacement::learnCornerOffset(const X11WindowFacts& facts) {
     const QRect outer = facts.outerFrame();
     const QPoint offset = goal_.topLeft() - outer.topLeft();
     if (offset.isNull() || (outer.size() != goal_.size() && outer.size() != agreedSize(facts)))
@@ -30,14 +30,14 @@ bool X11FramePlacement::learnHabit(const X11WindowFacts& facts) {
     if (!askedWithOffset_.isNull()) {
         // Whatever was learnt no longer leads to the goal: it may have been an accident, such as a
         // panel that came up at that moment.
-        *habit_ = {};
+        *cornerOffset_ = {};
         return true;
     }
     const bool isWithinDecorations = offset.x() >= 0 && offset.x() <= facts.decorations.left &&
                                      offset.y() >= 0 && offset.y() <= facts.decorations.top;
     if (!isWithinDecorations)
         return false;
-    *habit_ = {facts.decorations, offset};
+    *cornerOffset_ = {facts.decorations, offset};
     return true;
 }
 
@@ -77,7 +77,7 @@ X11FramePlacement::Action X11FramePlacement::timePassed(const X11WindowFacts& fa
     if (!mayAskAgain() || isAgreed)
         return finish();
     lastMiss_ = outer;
-    if (!isPinned(facts) && learnHabit(facts)) {
+    if (!isPinned(facts) && learnCornerOffset(facts)) {
         ++attempts_;
         return request(facts);
     }
@@ -114,7 +114,8 @@ X11FramePlacement::Action X11FramePlacement::request(const X11WindowFacts& facts
     action.request = QRect(goal_.topLeft(), facts.clientSize(goal_.size()).expandedTo({1, 1}));
     // The corner is the frame's; a client that draws its own shadow reaches beyond it.
     action.request->translate(-facts.shadow.left, -facts.shadow.top);
-    askedWithOffset_ = habit_->decorations == facts.decorations ? habit_->offset : QPoint();
+    askedWithOffset_ =
+        cornerOffset_->decorations == facts.decorations ? cornerOffset_->offset : QPoint();
     action.request->translate(askedWithOffset_);
     action.startsWaiting = true;
     return action;

@@ -36,7 +36,7 @@ public:
 
     /// How a window manager was found to read the corner that is asked for: off by this much for
     /// windows with these decorations. Some take it for the client's corner, not the frame's.
-    struct Habit {
+    struct CornerOffset {
         X11Extents decorations;
         QPoint offset;
     };
@@ -44,14 +44,15 @@ public:
     /// Whether the window manager may be tiling the window at this moment, unseen.
     enum class Tiling { unlikely, likely };
 
-    /// `goal` is the outer frame to reach, in pixels of the X screen. `habit`, never null, is what
-    /// is known of the window manager; what is found out about it is noted there, for all
+    /// `goal` is the outer frame to reach, in pixels of the X screen. `cornerOffset`, never null,
+    /// is what is known of the window manager; what is found out about it is noted there, for all
     /// placements that share it.
-    explicit X11FramePlacement(const QRect& goal,
-                               std::shared_ptr<Habit> habit = std::make_shared<Habit>(),
-                               Tiling tiling = Tiling::unlikely)
+    explicit X11FramePlacement(
+        const QRect& goal,
+        std::shared_ptr<CornerOffset> cornerOffset = std::make_shared<CornerOffset>(),
+        Tiling tiling = Tiling::unlikely)
         : goal_(goal)
-        , habit_(std::move(habit))
+        , cornerOffset_(std::move(cornerOffset))
         , tiling_(tiling) {}
 
     /// The first thing to do for a window that looks like this.
@@ -73,7 +74,7 @@ private:
     [[nodiscard]] Action request(const X11WindowFacts& facts);
     [[nodiscard]] Action finish();
     [[nodiscard]] QSize agreedSize(const X11WindowFacts& facts) const;
-    [[nodiscard]] bool learnHabit(const X11WindowFacts& facts);
+    [[nodiscard]] bool learnCornerOffset(const X11WindowFacts& facts);
     [[nodiscard]] bool mayAskAgain() const { return attempts_ < mostAttempts; }
 
     static constexpr int mostAttempts = 3;
@@ -81,14 +82,14 @@ private:
     static constexpr int mostCorrections = 4;
 
     QRect goal_;
-    std::shared_ptr<Habit> habit_;
+    std::shared_ptr<CornerOffset> cornerOffset_;
     Tiling tiling_;
     Phase phase_ = Phase::clearing;
     int attempts_ = 0;
     int corrections_ = 0;
     X11Extents askedWithDecorations_;
     X11Extents askedWithShadow_;
-    /// The habit's share in the corner that was asked for.
+    /// The offset's share in the corner that was asked for.
     QPoint askedWithOffset_;
     /// The outer frame in which the window was when it was first asked to go elsewhere.
     std::optional<QRect> origin_;

@@ -105,7 +105,7 @@ void X11FrameSetter::start(xcb_window_t window, const QRect& goal, const Begun& 
             facts.shadow.bottom, facts.limits.minimum.width(), facts.limits.minimum.height(),
             facts.limits.maximum.width(), facts.limits.maximum.height(),
             facts.limits.increment.width(), facts.limits.increment.height());
-    Running running{X11FramePlacement(goal, habit_, begun.tiling), {}, {}, {}, {}, false};
+    Running running{X11FramePlacement(goal, cornerOffset_, begun.tiling), {}, {}, {}, {}, false};
     running.interest =
         selection_.select(window, XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE);
     running.listener = connection_.listen(
@@ -241,20 +241,20 @@ void X11FrameSetter::perform(xcb_window_t window, const X11FramePlacement::Actio
 }
 
 void X11FrameSetter::wait(xcb_window_t window, Running& running) {
-    const bool hasMarker = windowManager_.supports(X11Atom::netRequestFrameExtents);
-    if (hasMarker) {
-        if (!running.marker)
-            running.marker =
-                std::make_unique<X11Marker>(connection_, [this, window] { markerReached(window); });
-        running.marker->send();
+    const bool hasFence = windowManager_.supports(X11Atom::netRequestFrameExtents);
+    if (hasFence) {
+        if (!running.fence)
+            running.fence =
+                std::make_unique<X11Fence>(connection_, [this, window] { fenceReached(window); });
+        running.fence->send();
     }
     running.timer =
-        ScopedTimer(loop_.scheduleOnce(hasMarker && answersMarkers_ ? busyPatience : patience,
+        ScopedTimer(loop_.scheduleOnce(hasFence && answersFences_ ? busyPatience : patience,
                                        [this, window] { timePassed(window); }));
 }
 
-void X11FrameSetter::markerReached(xcb_window_t window) {
-    answersMarkers_ = true;
+void X11FrameSetter::fenceReached(xcb_window_t window) {
+    answersFences_ = true;
     if (const auto found = running_.find(window); found != running_.end())
         found->second.timer =
             ScopedTimer(loop_.scheduleOnce(patience, [this, window] { timePassed(window); }));
@@ -266,15 +266,16 @@ void X11FrameSetter::windowManagerChanged() {
             : windowManager_.supports(X11Atom::netMoveresizeWindow)
                 ? "A window manager runs; it announces that it moves windows when asked"
                 : "A window manager runs; it does not announce that it moves windows when asked");
-    // Another one has its own habits. What runs keeps, and alone goes on learning, the old ones.
-    habit_ = std::make_shared<X11FramePlacement::Habit>();
-    answersMarkers_ = false;
-    trialMarker_.reset();
+    // Another one has an offset of its own. What runs keeps the old one, and alone goes on learning
+    // it.
+    cornerOffset_ = std::make_shared<X11FramePlacement::CornerOffset>();
+    answersFences_ = false;
+    trialFence_.reset();
     if (!windowManager_.supports(X11Atom::netRequestFrameExtents))
         return;
-    // Some say that they answer markers and do not: it is tried before it matters.
-    trialMarker_ = std::make_unique<X11Marker>(connection_, [this] { answersMarkers_ = true; });
-    trialMarker_->send();
+    // Some say that they answer fences and do not: it is tried before it matters.
+    trialFence_ = std::make_unique<X11Fence>(connection_, [this] { answersFences_ = true; });
+    trialFence_->send();
     connection_.flush();
 }
 

@@ -2,8 +2,8 @@
 
 #include "X11Coordinates.h"
 #include "X11EventSelection.h"
+#include "X11Fence.h"
 #include "X11FramePlacement.h"
-#include "X11Marker.h"
 #include "X11WindowManagerWatch.h"
 
 #include <Platform/Accessibility.h>
@@ -62,7 +62,7 @@ private:
         X11Listener listener;
         ScopedTimer timer;
         /// Tells when the window manager has come to what was asked.
-        std::unique_ptr<X11Marker> marker;
+        std::unique_ptr<X11Fence> fence;
         bool isDirty = false;
         /// Its time has passed while the server did not answer.
         bool isOverdue = false;
@@ -77,7 +77,7 @@ private:
     void timePassed(xcb_window_t window);
     void perform(xcb_window_t window, const X11FramePlacement::Action& action);
     void wait(xcb_window_t window, Running& running);
-    void markerReached(xcb_window_t window);
+    void fenceReached(xcb_window_t window);
     void windowManagerChanged();
     void changeState(xcb_window_t window, bool adds, X11Atom first,
                      std::optional<X11Atom> second = {});
@@ -94,10 +94,11 @@ private:
     WholeFrames<xcb_window_t> frames_;
     std::map<xcb_window_t, Begun> begun_;
     std::map<xcb_window_t, Running> running_;
-    std::unique_ptr<X11Marker> trialMarker_;
-    bool answersMarkers_ = false;
+    std::unique_ptr<X11Fence> trialFence_;
+    bool answersFences_ = false;
     /// Of the window manager now: what one placement finds out serves those that run beside it.
-    std::shared_ptr<X11FramePlacement::Habit> habit_ = std::make_shared<X11FramePlacement::Habit>();
+    std::shared_ptr<X11FramePlacement::CornerOffset> cornerOffset_ =
+        std::make_shared<X11FramePlacement::CornerOffset>();
 };
 
 } // namespace tilewright

@@ -182,12 +182,12 @@ TEST_F(Guidance, TakesAHandlerThatEndsBadlyForAFailureOnlyWhileItIsNew) {
     QFile opened(gate);
     ASSERT_TRUE(opened.open(QIODevice::ReadWrite | QIODevice::Unbuffered));
     install("handler", "read line < '" + gate.toUtf8() + "'\neval \"$line\"");
-    const Time trial = HandedOverProcess::trialTime;
+    const Time trial = DetachedProcess::trialTime;
     for (const char* end : {"exit 3", "kill -9 $$", "exit 0"}) {
         for (const Time age : {Time(0), trial - Time(1), trial, Time(std::chrono::hours(9))}) {
             Time now{12345};
             QStringList outcome;
-            HandedOverProcess process([&] { return now; });
+            DetachedProcess process([&] { return now; });
             process.handOver(
                 path("bin/handler"), {}, QProcessEnvironment::systemEnvironment(),
                 [&] { outcome.append(QStringLiteral("failed")); },

@@ -30,7 +30,7 @@ TEST(X11FramePlacement, AsksForTheFramesCornerAndTheClientsSize) {
 }
 
 TEST(X11FramePlacement, ClearsAtOnceTheStateThatTheWindowManagersTilingMaySetUnseen) {
-    X11FramePlacement placement(goal, std::make_shared<X11FramePlacement::Habit>(),
+    X11FramePlacement placement(goal, std::make_shared<X11FramePlacement::CornerOffset>(),
                                 X11FramePlacement::Tiling::likely);
     const auto action = placement.begin(windowAt({0, 0, 300, 300}));
     EXPECT_TRUE(action.removesMaximized);
@@ -154,34 +154,34 @@ TEST(X11FramePlacement, ClearsAStateThatTheWindowManagersOwnTilingBringsBack) {
 }
 
 TEST(X11FramePlacement, LearnsThatTheCornerIsTakenForTheClients) {
-    const auto habit = std::make_shared<X11FramePlacement::Habit>();
-    X11FramePlacement placement(goal, habit);
+    const auto known = std::make_shared<X11FramePlacement::CornerOffset>();
+    X11FramePlacement placement(goal, known);
     static_cast<void>(placement.begin(windowAt({0, 0, 300, 300})));
     const auto again = placement.timePassed(windowAt(goal.translated(-2, -20)));
     EXPECT_EQ(again.request, QRect(102, 70, 596, 376));
-    X11FramePlacement next(goal, habit);
+    X11FramePlacement next(goal, known);
     EXPECT_EQ(next.begin(windowAt({0, 0, 300, 300})).request, QRect(102, 70, 596, 376));
 }
 
 TEST(X11FramePlacement, KeepsWhatAnotherLearntWhileItWasUnderWayItself) {
-    const auto habit = std::make_shared<X11FramePlacement::Habit>();
-    X11FramePlacement first(goal, habit);
-    X11FramePlacement second(goal, habit);
+    const auto known = std::make_shared<X11FramePlacement::CornerOffset>();
+    X11FramePlacement first(goal, known);
+    X11FramePlacement second(goal, known);
     static_cast<void>(first.begin(windowAt({0, 0, 300, 300})));
     static_cast<void>(second.begin(windowAt({0, 0, 300, 300})));
     const X11WindowFacts missed = windowAt(goal.translated(-2, -20));
     EXPECT_EQ(first.timePassed(missed).request, QRect(102, 70, 596, 376));
-    // It had not been asked by that habit: that it missed does not speak against it.
+    // It had not been asked with that offset: that it missed does not speak against it.
     EXPECT_EQ(second.timePassed(missed).request, QRect(102, 70, 596, 376));
     EXPECT_TRUE(first.timePassed(windowAt(goal)).isFinished);
     EXPECT_TRUE(second.timePassed(windowAt(goal)).isFinished);
-    EXPECT_EQ(habit->offset, QPoint(2, 20));
+    EXPECT_EQ(known->offset, QPoint(2, 20));
 }
 
-TEST(X11FramePlacement, ForgetsAHabitThatProvesWrong) {
-    const auto habit = std::make_shared<X11FramePlacement::Habit>();
-    *habit = {{2, 2, 20, 4}, QPoint(2, 20)};
-    X11FramePlacement placement(goal, habit);
+TEST(X11FramePlacement, ForgetsACornerOffsetThatProvesWrong) {
+    const auto known = std::make_shared<X11FramePlacement::CornerOffset>();
+    *known = {{2, 2, 20, 4}, QPoint(2, 20)};
+    X11FramePlacement placement(goal, known);
     static_cast<void>(placement.begin(windowAt({0, 0, 300, 300})));
     EXPECT_EQ(placement.timePassed(windowAt(goal.translated(2, 20))).request,
               QRect(100, 50, 596, 376));
