@@ -1,6 +1,5 @@
 #include "AccessibleApplication.h"
 
-#include "PanelWindow.h"
 #include "SettingsWindow.h"
 
 #include <QAccessible>
@@ -54,8 +53,6 @@ QAccessibleInterface* makeInterface(const QString&, QObject* object) {
     // Qt owns what a factory answers.
     if (object == qApp)
         return new ApplicationInterface;
-    if (auto* panel = qobject_cast<PanelWindow*>(object))
-        return new QAccessibleWidget(panel, QAccessible::Dialog);
     if (auto* settings = qobject_cast<SettingsWindow*>(object))
         return new QAccessibleWidget(settings, QAccessible::Window);
     return nullptr;

@@ -5,6 +5,8 @@
 #include <TilewrightUI/Hairline.h>
 #include <TilewrightUI/KeepAwakeControl.h>
 #include <TilewrightUI/LayoutPicker.h>
+#include <TilewrightUI/SlimScrollArea.h>
+#include <TilewrightUI/SlimScrollBar.h>
 
 #include <QCoreApplication>
 #include <QHBoxLayout>
@@ -26,13 +28,33 @@ MenuBarView::MenuBarView(OpenSettings openSettings, QWidget* parent)
     setFixedWidth(panelWidth);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     auto* column = new QVBoxLayout(this);
-    column->setContentsMargins(padding, padding, padding, padding);
-    column->setSpacing(spacing);
-    column->addWidget(new KeepAwakeControl);
-    column->addWidget(new Hairline);
+    column->setContentsMargins(0, padding, 0, padding);
+    column->setSpacing(0);
+    const auto add = [column](QWidget* part, int trailingPadding = padding) {
+        // Spacings, which are mirrored where the text runs from right to left, as margins are not.
+        auto* row = new QHBoxLayout;
+        row->setSpacing(0);
+        row->addSpacing(padding);
+        row->addWidget(part);
+        row->addSpacing(trailingPadding);
+        column->addLayout(row);
+    };
+    add(new KeepAwakeControl);
+    column->addSpacing(spacing);
+    add(new Hairline);
+    add(makeMiddle(), padding - SlimScrollBar::thickness);
+    add(new Hairline);
+    column->addSpacing(spacing);
+    add(makeFooter());
+}
+
+QWidget* MenuBarView::makeMiddle() {
+    // What scrolls goes as far as the lines.
+    auto* content = new QWidget;
+    auto* column = new QVBoxLayout(content);
+    column->setContentsMargins(0, spacing, 0, spacing);
     column->addWidget(new LayoutPicker);
-    column->addWidget(new Hairline);
-    column->addWidget(makeFooter());
+    return new SlimScrollArea(content);
 }
 
 QWidget* MenuBarView::makeFooter() {

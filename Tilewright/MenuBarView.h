@@ -6,8 +6,9 @@
 namespace tilewright {
 
 /// The content of the panel: the keep-awake control, the layout picker, and the ways to the
-/// settings and out of the program. 300 points wide, as high as its content. It holds no state of
-/// its own: made anew each time the panel opens. It paints no ground.
+/// settings and out of the program. 300 points wide, as high as its content; where it is given less
+/// height, the layout picker scrolls between the other parts. It holds no state of its own: made
+/// anew each time the panel opens. It paints no ground.
 class MenuBarView final : public QWidget {
     Q_OBJECT
 
@@ -18,6 +19,7 @@ public:
     explicit MenuBarView(OpenSettings openSettings = {}, QWidget* parent = nullptr);
 
 private:
+    [[nodiscard]] static QWidget* makeMiddle();
     [[nodiscard]] QWidget* makeFooter();
 
     OpenSettings openSettings_;

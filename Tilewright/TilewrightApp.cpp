@@ -47,7 +47,7 @@ TilewrightApp::TilewrightApp()
         manager.setRestartHint(QSessionManager::RestartNever);
     });
     connect(qApp, &QCoreApplication::aboutToQuit, this, [this] {
-        menuBarExtra_.closePanel();
+        menuBarExtra_.panel().close();
         delegate_.applicationWillTerminate();
     });
 }
@@ -67,7 +67,7 @@ int TilewrightApp::run() {
 }
 
 void TilewrightApp::openSettings() {
-    menuBarExtra_.closePanel();
+    menuBarExtra_.panel().close();
     settings_.open();
 }
 

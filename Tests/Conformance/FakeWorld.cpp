@@ -32,6 +32,7 @@ public:
         fakes().fakeAccessibility.applications[7] = application_;
         fakes().fakeWorkspace.frontmost = 7;
         fakes().fakeWorkspace.names[7] = QStringLiteral("Editor");
+        Q_EMIT fakes().fakeWorkspace.activeWindowChanged();
         return 7;
     }
     void closeWindow() override {
@@ -43,16 +44,28 @@ public:
     void movePointer(AppKitPoint to) override { fakes().fakePointer.at = to; }
     void holdControl() override { send({EventType::flagsChanged, {ModifierFlag::control}}); }
     void releaseControl() override { send({EventType::flagsChanged, {}}); }
-    void pressButton() override { send({EventType::leftMouseDown, {}}); }
+    void pressButton() override {
+        send({EventType::leftMouseDown, {}});
+        dismissPanel(PanelDismissal::pressOutside);
+    }
     void releaseButton() override { send({EventType::leftMouseUp, {}}); }
+    void tapEscape() override { dismissPanel(PanelDismissal::escape); }
     void addPanel() override {
         FakeScreen::Values values;
         values.visibleFrame = AppKitRect{0, 0, 1440, 860};
         fakes().fakeScreens.change({makeScreen(values)});
     }
+    bool showsPanel() const override {
+        const FakePanelSurface* panel = desktop_.platform.panel;
+        return panel && panel->view && panel->view->isVisible();
+    }
 
 private:
     FakePlatform& fakes() { return desktop_.platform; }
+    void dismissPanel(PanelDismissal why) {
+        if (fakes().panel)
+            fakes().panel->dismiss(why);
+    }
     void send(const Event& event) {
         fakes().fakeEventMonitors.send(FakeEventMonitors::Kind::global, event);
     }

@@ -5,6 +5,10 @@
 #include "MacTestPlatform.h"
 #include "PlatformWorld.h"
 
+#include <QApplication>
+#include <QKeyEvent>
+#include <QWidget>
+
 namespace tilewright::testing {
 
 namespace {
@@ -36,6 +40,7 @@ public:
         desktop_.system.applications[7] = application;
         desktop_.appKit.frontmost = 7;
         desktop_.appKit.names[7] = QStringLiteral("Editor");
+        desktop_.appKit.announce(appkit::Notification::applicationActivated);
         return 7;
     }
     void closeWindow() override {
@@ -49,10 +54,19 @@ public:
     void releaseControl() override { send({EventType::flagsChanged, {}}); }
     void pressButton() override { send({EventType::leftMouseDown, {}}); }
     void releaseButton() override { send({EventType::leftMouseUp, {}}); }
+    void tapEscape() override {
+        // A popup has the keys of this application.
+        QWidget* receiver = QApplication::activePopupWidget();
+        if (!receiver)
+            return;
+        QKeyEvent press(QEvent::KeyPress, Qt::Key_Escape, {});
+        QCoreApplication::sendEvent(receiver, &press);
+    }
     void addPanel() override {
         desktop_.appKit.screens[0].visibleFrame.height -= 40;
         desktop_.appKit.announce(appkit::Notification::screenParametersChanged);
     }
+    bool showsPanel() const override { return QApplication::activePopupWidget() != nullptr; }
 
 private:
     void send(const Event& event) { desktop_.appKit.send(appkit::MonitorKind::global, event); }

@@ -43,9 +43,14 @@ public:
     virtual void releaseControl() = 0;
     virtual void pressButton() = 0;
     virtual void releaseButton() = 0;
+    /// The user presses and releases the Escape key.
+    virtual void tapEscape() = 0;
 
     /// A panel takes the uppermost 40 points of the primary display.
     virtual void addPanel() = 0;
+    /// Whether a panel surface's content, 300 points wide, is on the display, by the word of
+    /// somebody else than the surface where there is such a one.
+    [[nodiscard]] virtual bool showsPanel() const = 0;
 };
 
 /// Makes a world; null, with a failed test, when it cannot be made.

@@ -1,26 +1,36 @@
 // The conformance suite on the X11 backend: a real server, a real window manager, a real
-// application and real input.
+// application and real input. Qt runs on the same server: what this program shows is there to be
+// seen.
 
 #include "PlatformWorld.h"
 
 #include <BareClient.h>
 #include <DesktopSession.h>
+#include <ProgramWindows.h>
 #include <TestClients.h>
 #include <Waiting.h>
 #include <X11/X11Platform.h>
+
+#include <QApplication>
+#include <gmock/gmock.h>
+#include <unistd.h>
 
 namespace tilewright::testing {
 
 namespace {
 
+/// The desktop of this run. Qt connects to its server before the first test, and to no other.
+DesktopSession* desktopOfThisRun = nullptr;
+
 class X11World final : public PlatformWorld {
 public:
     X11World() {
+        // The first window may well get the number of the one that was active in the last world.
+        static_cast<void>(outputOf(QStringLiteral("xprop"),
+                                   {QStringLiteral("-root"), QStringLiteral("-remove"),
+                                    QStringLiteral("_NET_ACTIVE_WINDOW")},
+                                   desktop_.environment()));
         EXPECT_TRUE(desktop_.startWindowManager(WindowManagerKind::openbox));
-        // The backend finds its desktop as a program started in it would.
-        const QProcessEnvironment environment = desktop_.environment();
-        for (const QString& name : environment.keys())
-            qputenv(name.toLatin1().constData(), environment.value(name).toLocal8Bit());
         platform_ = X11Platform::open();
         if (platform_)
             installation_.emplace(*platform_);
@@ -28,6 +38,9 @@ public:
     ~X11World() override {
         installation_.reset();
         platform_.reset();
+        if (client_.process)
+            client_.process->stop();
+        desktop_.killWindowManager();
     }
 
     [[nodiscard]] bool isOpen() const { return platform_ != nullptr; }
@@ -63,15 +76,19 @@ public:
     void releaseControl() override { desktop_.input().releaseKey(keysym::control); }
     void pressButton() override { desktop_.input().press(); }
     void releaseButton() override { desktop_.input().release(); }
+    void tapEscape() override { desktop_.input().tapKey(keysym::escape); }
     void addPanel() override {
         const auto width = quint32(desktop_.inspector().screenSize().width());
         panel_ = std::make_unique<BareClient>(
             desktop_.display(), QRect(0, 0, int(width), 40),
             std::vector<quint32>{0, 0, 40, 0, 0, 0, 0, 0, 0, width - 1, 0, 0});
     }
+    bool showsPanel() const override {
+        return openPanelFrame(desktop_.inspector(), getpid()).has_value();
+    }
 
 private:
-    mutable DesktopSession desktop_;
+    DesktopSession& desktop_ = *desktopOfThisRun;
     std::unique_ptr<X11Platform> platform_;
     std::optional<Platform::Installation> installation_;
     TestClient client_;
@@ -88,3 +105,20 @@ std::unique_ptr<PlatformWorld> makeX11World() {
 INSTANTIATE_TEST_SUITE_P(X11, PlatformConformance, ::testing::Values(&makeX11World));
 
 } // namespace tilewright::testing
+
+int main(int argc, char** argv) {
+    ::testing::InitGoogleMock(&argc, argv);
+    // Listing has to work on a machine without a display.
+    if (::testing::GTEST_FLAG(list_tests))
+        return RUN_ALL_TESTS();
+    using namespace tilewright::testing;
+    DesktopSession desktop;
+    // Qt and the backend find their desktop as a program started in it would.
+    const QProcessEnvironment environment = desktop.environment();
+    for (const QString& name : environment.keys())
+        qputenv(name.toLatin1().constData(), environment.value(name).toLocal8Bit());
+    desktopOfThisRun = &desktop;
+    const QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    return RUN_ALL_TESTS();
+}

@@ -3,11 +3,13 @@
 #include "FakeAccessibility.h"
 #include "FakeEventMonitors.h"
 #include "FakeMainLoop.h"
+#include "FakePanelSurface.h"
 #include "FakeScreens.h"
 
 #include <Platform/Platform.h>
 
 #include <QIcon>
+#include <QPointer>
 #include <QTemporaryDir>
 #include <map>
 #include <set>
@@ -207,6 +209,8 @@ struct Fakes {
     FakeInstanceActivation fakeInstanceActivation;
     FakeStatusItem fakeStatusItem;
     FakeOverlaySurface::Record overlay;
+    /// The last one made, while there is one.
+    QPointer<FakePanelSurface> panel;
 
     /// The fakes as a platform's services, with another loop than the fake one if there is one.
     [[nodiscard]] PlatformServices services(MainLoop* loop = nullptr) {
@@ -236,6 +240,15 @@ public:
     FakeStatusItem& statusItem() override { return fakeStatusItem; }
     std::unique_ptr<OverlaySurface> makeOverlaySurface(std::shared_ptr<OverlayView> view) override {
         return std::make_unique<FakeOverlaySurface>(overlay, std::move(view));
+    }
+    std::unique_ptr<PanelSurface> makePanelSurface(PanelSurface::ViewFactory makeView,
+                                                   std::unique_ptr<PanelChrome> chrome) override {
+        auto made =
+            std::make_unique<FakePanelSurface>(fakeScreens, std::move(makeView), std::move(chrome));
+        panel = made.get();
+        QObject::connect(&fakeWorkspace, &Workspace::activeWindowChanged, panel,
+                         [this] { panel->dismiss(PanelDismissal::anotherWindow); });
+        return made;
     }
 };
 

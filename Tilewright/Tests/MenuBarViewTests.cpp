@@ -5,12 +5,15 @@
 #include <TilewrightUI/GlassButton.h>
 #include <TilewrightUI/Hairline.h>
 #include <TilewrightUI/KeepAwakeControl.h>
+#include <TilewrightUI/LayoutCard.h>
 #include <TilewrightUI/LayoutPicker.h>
 #include <TilewrightUI/Look.h>
 #include <WindowManager/LayoutStore.h>
 
 #include <QApplication>
 #include <QLayout>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
 #include <gtest/gtest.h>
@@ -38,6 +41,15 @@ protected:
         view.resize(view.sizeHint());
         view.layout()->activate();
     }
+    static void addLayouts(int count) {
+        for (int i = 0; i < count; ++i) {
+            LayoutStore::shared().addCustomLayout({QUuid::createUuid(),
+                                                   QStringLiteral("Layout %1").arg(i),
+                                                   QStringLiteral("square.dashed"),
+                                                   false,
+                                                   {}});
+        }
+    }
     static GlassButton* button(const MenuBarView& view, const QString& title) {
         for (auto* candidate : view.findChildren<GlassButton*>()) {
             if (candidate->title() == title)
@@ -63,7 +75,12 @@ TEST_F(MenuBarViewTest, IsThreeHundredPointsWideWhateverTheNames) {
     layOut(view);
     EXPECT_EQ(view.width(), 300);
     for (const QWidget* child : view.findChildren<QWidget*>()) {
-        if (child->isVisible() && child->parentWidget() == &view) {
+        // What scrolls, without its bar, which lies in the padding.
+        if (const auto* middle = qobject_cast<const QScrollArea*>(child))
+            child = middle->viewport();
+        else if (child->parentWidget() != &view)
+            continue;
+        if (child->isVisible()) {
             EXPECT_GE(place(child, view).left(), 16);
             EXPECT_LE(place(child, view).right(), 300 - 16 - 1);
         }
@@ -90,6 +107,88 @@ TEST_F(MenuBarViewTest, StacksItsPartsTwelvePointsApartInSixteenOfPadding) {
         }
     }
     EXPECT_EQ(lines[0]->height(), 1);
+}
+
+TEST_F(MenuBarViewTest, ScrollsTheLayoutsAloneWhereItIsGivenLessHeight) {
+    addLayouts(30);
+    MenuBarView view;
+    layOut(view);
+    const auto* keepAwake = view.findChild<KeepAwakeControl*>();
+    const QWidget* footer = button(view, QStringLiteral("Quit"))->parentWidget();
+    const auto* middle = view.findChild<QScrollArea*>();
+    const QRect keepAwakePlace = place(keepAwake, view);
+    const int footerHeight = footer->height();
+    EXPECT_EQ(middle->verticalScrollBar()->maximum(), 0) << "all of it is in view";
+    for (const int height : {700, 500, 360}) {
+        view.resize(300, height);
+        view.layout()->activate();
+        QApplication::sendPostedEvents();
+        EXPECT_EQ(place(keepAwake, view), keepAwakePlace);
+        EXPECT_EQ(footer->height(), footerHeight);
+        EXPECT_EQ(place(footer, view).bottom() + 1, height - 16);
+        EXPECT_GT(middle->verticalScrollBar()->maximum(), 0);
+        EXPECT_GE(place(middle, view).top(), keepAwakePlace.bottom() + 1 + 12);
+        EXPECT_LT(place(middle, view).bottom(), place(footer, view).top());
+    }
+    const auto* picker = view.findChild<LayoutPicker*>();
+    const int top = place(picker, view).top();
+    middle->verticalScrollBar()->setValue(40);
+    EXPECT_EQ(place(picker, view).top(), top - 40);
+    // The bar lies in the padding, on whichever side the text ends.
+    EXPECT_GE(place(middle->verticalScrollBar(), view).left(), 300 - 16);
+    view.setLayoutDirection(Qt::RightToLeft);
+    view.layout()->activate();
+    QApplication::sendPostedEvents();
+    EXPECT_LT(place(middle->verticalScrollBar(), view).right(), 16);
+    EXPECT_EQ(place(middle->viewport(), view).left(), 16);
+}
+
+TEST_F(MenuBarViewTest, ScrollsTheFocusIntoViewWhicheverKeyMovesIt) {
+    addLayouts(30);
+    MenuBarView view;
+    layOut(view);
+    view.resize(300, 400);
+    view.activateWindow();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return view.isActiveWindow(); }));
+    const auto* middle = view.findChild<QScrollArea*>();
+    const auto& cards = view.findChild<LayoutPicker*>()->cards();
+    const auto isInView = [&](const QWidget* widget) {
+        return place(middle->viewport(), view).contains(place(widget, view));
+    };
+    cards.front()->setFocus(Qt::TabFocusReason);
+    ASSERT_FALSE(isInView(cards.back()));
+    QTest::keyClick(cards.front(), Qt::Key_Down);
+    for (int row = 2; row < 10; ++row)
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Down);
+    EXPECT_EQ(QApplication::focusWidget(), cards[27]);
+    EXPECT_TRUE(isInView(cards[27])) << "by an arrow";
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    EXPECT_TRUE(isInView(QApplication::focusWidget())) << "by the Tab key";
+    button(view, QStringLiteral("Settings…"))->setFocus(Qt::TabFocusReason);
+    middle->verticalScrollBar()->setValue(0);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab);
+    EXPECT_EQ(QApplication::focusWidget(), cards.back());
+    EXPECT_TRUE(isInView(cards.back())) << "from the footer";
+}
+
+TEST_F(MenuBarViewTest, LeavesACardThatIsPressedWhereItIs) {
+    addLayouts(30);
+    MenuBarView view;
+    layOut(view);
+    view.resize(300, 400);
+    view.activateWindow();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return view.isActiveWindow(); }));
+    auto* middle = view.findChild<QScrollArea*>();
+    LayoutCard* card = view.findChild<LayoutPicker*>()->cards().front();
+    // Only its lower half is in view.
+    middle->verticalScrollBar()->setValue(card->mapTo(middle->widget(), QPoint()).y() +
+                                          card->height() / 2);
+    const QRect before = place(card, view);
+    // Through the window, as every press comes.
+    QTest::mousePress(view.windowHandle(), Qt::LeftButton, {},
+                      card->mapTo(&view, QPoint(20, card->height() - 8)));
+    EXPECT_EQ(QApplication::focusWidget(), card);
+    EXPECT_EQ(place(card, view), before);
 }
 
 TEST_F(MenuBarViewTest, PutsTheFootersButtonsAtItsEnds) {

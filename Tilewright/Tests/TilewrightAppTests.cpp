@@ -78,7 +78,7 @@ TEST_F(TilewrightAppTest, AFirstLaunchWithoutTrustPromptsOnceAndItemAndSettingsW
     run([this](TilewrightApp& app) {
         EXPECT_EQ(platform.fakeAccessibility.trustRequests, 1);
         platform.fakeStatusItem.click(AppKitRect{400, 876, 24, 24});
-        EXPECT_TRUE(waitUntil([&] { return app.menuBarExtra().panel().isVisible(); }));
+        EXPECT_TRUE(waitUntil([&] { return app.menuBarExtra().panel().isOpen(); }));
         app.settings().open();
         ASSERT_NE(app.settings().window(), nullptr);
         EXPECT_TRUE(app.settings().window()->isVisible());
@@ -113,9 +113,9 @@ TEST_F(TilewrightAppTest, EndsInTheSameOrderOnEachTerminationSignal) {
 TEST_F(TilewrightAppTest, ClosesItsPanelWhenASignalEndsIt) {
     run([this](TilewrightApp& app) {
         platform.fakeStatusItem.click(AppKitRect{400, 876, 24, 24});
-        EXPECT_TRUE(waitUntil([&] { return app.menuBarExtra().panel().isVisible(); }));
+        EXPECT_TRUE(waitUntil([&] { return app.menuBarExtra().panel().isOpen(); }));
         QObject::connect(qApp, &QCoreApplication::aboutToQuit, &app,
-                         [&app] { EXPECT_FALSE(app.menuBarExtra().panel().isVisible()); });
+                         [&app] { EXPECT_FALSE(app.menuBarExtra().panel().isOpen()); });
         // Quitting closes every window by itself; a signal's way out does not.
         EXPECT_EQ(std::raise(SIGTERM), 0);
     });

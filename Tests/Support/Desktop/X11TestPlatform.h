@@ -34,6 +34,10 @@ public:
     std::unique_ptr<OverlaySurface> makeOverlaySurface(std::shared_ptr<OverlayView> view) override {
         return parts_->fakes.makeOverlaySurface(std::move(view));
     }
+    std::unique_ptr<PanelSurface> makePanelSurface(PanelSurface::ViewFactory makeView,
+                                                   std::unique_ptr<PanelChrome> chrome) override {
+        return parts_->fakes.makePanelSurface(std::move(makeView), std::move(chrome));
+    }
 
     [[nodiscard]] X11Connection& connection() { return *parts_->connection; }
     [[nodiscard]] X11Desktop& desktop() { return parts_->desktop; }

@@ -8,6 +8,7 @@
 #include "MacEventMonitors.h"
 #include "MacInstanceActivation.h"
 #include "MacOverlaySurface.h"
+#include "MacPanelSurface.h"
 #include "MacPointer.h"
 #include "MacScreens.h"
 #include "MacStatusItem.h"
@@ -62,6 +63,10 @@ StatusItem& MacPlatform::statusItem() {
 }
 std::unique_ptr<OverlaySurface> MacPlatform::makeOverlaySurface(std::shared_ptr<OverlayView> view) {
     return std::make_unique<MacOverlaySurface>(std::move(view));
+}
+std::unique_ptr<PanelSurface> MacPlatform::makePanelSurface(PanelSurface::ViewFactory makeView,
+                                                            std::unique_ptr<PanelChrome> chrome) {
+    return makeMacPanelSurface(*this, std::move(makeView), std::move(chrome));
 }
 
 } // namespace tilewright

@@ -14,6 +14,8 @@ public:
 
     StatusItem& statusItem() override;
     std::unique_ptr<OverlaySurface> makeOverlaySurface(std::shared_ptr<OverlayView> view) override;
+    std::unique_ptr<PanelSurface> makePanelSurface(PanelSurface::ViewFactory makeView,
+                                                   std::unique_ptr<PanelChrome> chrome) override;
 
 private:
     struct Parts;

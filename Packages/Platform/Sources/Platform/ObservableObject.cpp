@@ -2,8 +2,6 @@
 
 #include "Platform.h"
 
-#include <QPointer>
-
 namespace tilewright {
 
 ObservableObject::~ObservableObject() = default;
@@ -22,12 +20,10 @@ void Refresh::schedule() {
     if (isScheduled_)
         return;
     isScheduled_ = true;
-    Platform::current().mainLoop.post([self = QPointer<Refresh>(this)] {
-        if (!self)
-            return;
-        self->isScheduled_ = false;
-        self->action_();
-    });
+    Platform::current().mainLoop.post(life_.guard([this] {
+        isScheduled_ = false;
+        action_();
+    }));
 }
 
 } // namespace tilewright

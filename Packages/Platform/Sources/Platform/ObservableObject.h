@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Lifetime.h"
+
 #include <QObject>
 #include <functional>
 #include <utility>
@@ -63,6 +65,7 @@ public:
 private:
     std::function<void()> action_;
     bool isScheduled_ = false;
+    Lifetime life_;
 };
 
 } // namespace tilewright

@@ -25,6 +25,7 @@ std::vector<std::function<void()>>& uninstallActions() {
 
 StatusItem::~StatusItem() = default;
 InstanceActivation::~InstanceActivation() = default;
+PanelSurface::~PanelSurface() = default;
 Workspace::~Workspace() = default;
 Appearance::~Appearance() = default;
 Platform::~Platform() = default;

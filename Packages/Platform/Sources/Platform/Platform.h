@@ -7,6 +7,7 @@
 #include "InstanceActivation.h"
 #include "MainLoop.h"
 #include "OverlaySurface.h"
+#include "PanelSurface.h"
 #include "Pointer.h"
 #include "PowerAssertions.h"
 #include "Screens.h"
@@ -54,6 +55,10 @@ public:
     /// A new hidden surface that shows the view, which it keeps for as long as it lives.
     [[nodiscard]] virtual std::unique_ptr<OverlaySurface>
     makeOverlaySurface(std::shared_ptr<OverlayView> view) = 0;
+    /// A new closed panel; `makeView` makes its content at each opening. The
+    /// platform has to outlive it.
+    [[nodiscard]] virtual std::unique_ptr<PanelSurface>
+    makePanelSurface(PanelSurface::ViewFactory makeView, std::unique_ptr<PanelChrome> chrome) = 0;
 
     /// The installed platform; calling it while none is installed is a fatal programming error.
     [[nodiscard]] static Platform& current();

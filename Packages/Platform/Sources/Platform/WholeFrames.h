@@ -1,11 +1,11 @@
 #pragma once
 
 #include "Accessibility.h"
+#include "Lifetime.h"
 #include "MainLoop.h"
 
 #include <functional>
 #include <map>
-#include <memory>
 #include <optional>
 #include <utility>
 
@@ -71,10 +71,7 @@ private:
             if (const AXError error = begin_(window); error != AXError::success)
                 return error;
             found = frames_.emplace(window, WrittenFrame{}).first;
-            loop_.post([this, window, life = std::weak_ptr<bool>(life_)] {
-                if (!life.expired())
-                    finish(window);
-            });
+            loop_.post(life_.guard([this, window] { finish(window); }));
         }
         frame = &found->second;
         return AXError::success;
@@ -88,8 +85,7 @@ private:
     const Begin begin_;
     const Finish finish_;
     std::map<Window, WrittenFrame> frames_;
-    /// Outlived by what is posted, which does nothing then.
-    std::shared_ptr<bool> life_ = std::make_shared<bool>(true);
+    Lifetime life_;
 };
 
 } // namespace tilewright

@@ -75,10 +75,10 @@ X11OverlaySurface::X11OverlaySurface(X11Connection& connection, X11Compositor& c
     }
     following_ = QObject::connect(&compositor, &X11Compositor::runningChanged, container_.get(),
                                   [this, &compositor] { follow(compositor); });
-    view_->onAreasChanged([this, alive = std::weak_ptr(isAlive_)] {
-        if (!alive.expired() && container_->isVisible())
+    view_->onAreasChanged(life_.guard([this] {
+        if (container_->isVisible())
             applyAreas();
-    });
+    }));
     rendering_ = compositor.isRunning() ? OverlayRendering::translucent : OverlayRendering::shaped;
     view_->setRendering(rendering_);
     readBlurOffer();

@@ -3,6 +3,7 @@
 #include "X11Compositor.h"
 #include "X11Screens.h"
 
+#include <Platform/Lifetime.h>
 #include <Platform/OverlaySurface.h>
 
 #include <memory>
@@ -46,7 +47,7 @@ private:
     X11AwaitedReply blurOffer_;
     bool isBlurOffered_ = false;
     bool hasBlur_ = false;
-    std::shared_ptr<bool> isAlive_ = std::make_shared<bool>(true);
+    Lifetime life_;
 };
 
 } // namespace tilewright

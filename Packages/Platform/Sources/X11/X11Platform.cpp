@@ -2,6 +2,7 @@
 
 #include "X11Desktop.h"
 #include "X11EventMonitors.h"
+#include "X11InputBarrier.h"
 #include "X11OverlaySurface.h"
 #include "X11Qt.h"
 #include "X11ScreenSaver.h"
@@ -13,6 +14,7 @@
 #include <FreeDesktop/FreeDesktopUserNotifications.h>
 #include <FreeDesktop/InhibitingPowerAssertions.h>
 #include <Platform/QtMainLoop.h>
+#include <Popup/PopupPanelSurface.h>
 
 #include <QGuiApplication>
 #include <QWindow>
@@ -37,6 +39,7 @@ struct X11Platform::Parts {
     X11EventMonitors eventMonitors{*connection,
                                    desktop.pointer(),
                                    {x11qt::ownsWindow, x11qt::hasGrab, x11qt::windowsTakingInput}};
+    X11InputBarrier inputBarrier{desktop.pointer(), mainLoop};
     std::optional<FreeDesktopStatusItem> statusItem;
     X11AwaitedReply answerBeforeForgetting;
 
@@ -102,6 +105,15 @@ StatusItem& X11Platform::statusItem() {
 std::unique_ptr<OverlaySurface> X11Platform::makeOverlaySurface(std::shared_ptr<OverlayView> view) {
     return std::make_unique<X11OverlaySurface>(*parts_->connection, parts_->desktop.compositor(),
                                                parts_->desktop.screens(), std::move(view));
+}
+
+std::unique_ptr<PanelSurface> X11Platform::makePanelSurface(PanelSurface::ViewFactory makeView,
+                                                            std::unique_ptr<PanelChrome> chrome) {
+    auto barrier = [&barrier = parts_->inputBarrier](std::function<void()> then) {
+        barrier.whenPassed(std::move(then));
+    };
+    return std::make_unique<PopupPanelSurface>(*this, std::move(barrier), std::move(makeView),
+                                               std::move(chrome));
 }
 
 } // namespace tilewright

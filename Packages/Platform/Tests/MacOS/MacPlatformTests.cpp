@@ -77,7 +77,7 @@ TEST(MacPlatform, CarriesTheWholeProgramFromItsStartToItsEnd) {
             for (QWidget* widget : QApplication::topLevelWidgets())
                 sawPanel = sawPanel || (widget->objectName() == u"panel"_s && widget->isVisible());
             KeepAwakeManager::shared().activate(KeepAwakeSession::indefinite());
-            app.menuBarExtra().closePanel();
+            app.menuBarExtra().panel().close();
             app.settings().open();
             sawSettings = app.settings().window() && app.settings().window()->isVisible();
             backend.platform->mainLoop.post([] { QApplication::exit(0); });

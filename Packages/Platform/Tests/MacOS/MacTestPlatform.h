@@ -11,6 +11,7 @@
 #include <MacOS/MacEventMonitors.h>
 #include <MacOS/MacInstanceActivation.h>
 #include <MacOS/MacOverlaySurface.h>
+#include <MacOS/MacPanelSurface.h>
 #include <MacOS/MacPointer.h>
 #include <MacOS/MacScreens.h>
 #include <MacOS/MacStatusItem.h>
@@ -48,6 +49,10 @@ public:
     }
     std::unique_ptr<OverlaySurface> makeOverlaySurface(std::shared_ptr<OverlayView> view) override {
         return std::make_unique<MacOverlaySurface>(std::move(view));
+    }
+    std::unique_ptr<PanelSurface> makePanelSurface(PanelSurface::ViewFactory makeView,
+                                                   std::unique_ptr<PanelChrome> chrome) override {
+        return makeMacPanelSurface(*this, std::move(makeView), std::move(chrome));
     }
     [[nodiscard]] FakeMainLoop& loop() { return parts_->loop; }
 

@@ -1,4 +1,4 @@
-#include <Tilewright/PanelPlacement.h>
+#include <Popup/PanelPlacement.h>
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "PanelChrome.h"
+#include "RoundedPanelChrome.h"
 
 #include <TilewrightUI/Look.h>
 
@@ -52,28 +52,31 @@ QPixmap makeShadow(double devicePixelRatio) {
 
 } // namespace
 
-QMargins PanelChrome::margins() const {
-    return blends_ ? QMargins(shadowReach, shadowReach, shadowReach, shadowReach) : QMargins();
+QMargins RoundedPanelChrome::margins(PanelRendering rendering) const {
+    if (rendering == PanelRendering::opaque)
+        return {};
+    return {shadowReach, shadowReach, shadowReach, shadowReach};
 }
 
-void PanelChrome::paint(QPainter& painter, const QRect& window, const QPalette& palette) {
+void RoundedPanelChrome::paint(QPainter& painter, const QRect& surface, const QPalette& palette,
+                               PanelRendering rendering) {
     painter.setRenderHint(QPainter::Antialiasing);
-    const QRectF ground = window.marginsRemoved(margins());
-    if (!blends_) {
+    const QRectF ground = surface.marginsRemoved(margins(rendering));
+    if (rendering == PanelRendering::opaque) {
         painter.fillRect(ground, look::panelFill(palette));
         look::strokeInside(painter, ground, 0, look::separator(palette), 1);
         return;
     }
     painter.setCompositionMode(QPainter::CompositionMode_Source);
-    painter.fillRect(window, Qt::transparent);
+    painter.fillRect(surface, Qt::transparent);
     painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-    paintShadow(painter, window);
+    paintShadow(painter, surface);
     painter.fillPath(look::continuousRoundedRect(ground, look::panelCornerRadius),
                      look::panelFill(palette));
     look::strokeInside(painter, ground, look::panelCornerRadius, look::separator(palette), 1);
 }
 
-void PanelChrome::paintShadow(QPainter& painter, const QRect& window) {
+void RoundedPanelChrome::paintShadow(QPainter& painter, const QRect& surface) {
     const double ratio = painter.device()->devicePixelRatioF();
     if (shadow_.isNull() || shadow_.devicePixelRatio() != ratio)
         shadow_ = makeShadow(ratio);
@@ -81,7 +84,7 @@ void PanelChrome::paintShadow(QPainter& painter, const QRect& window) {
     const int corner = static_cast<int>(std::ceil(shadowCorner * ratio));
     const QMargins target(shadowCorner, shadowCorner, shadowCorner, shadowCorner);
     const QMargins source(corner, corner, corner, corner);
-    qDrawBorderPixmap(&painter, window, target, shadow_, QRect(QPoint(), shadow_.size()), source);
+    qDrawBorderPixmap(&painter, surface, target, shadow_, QRect(QPoint(), shadow_.size()), source);
 }
 
 } // namespace tilewright
