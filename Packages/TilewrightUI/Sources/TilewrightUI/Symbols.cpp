@@ -181,6 +181,19 @@ void paint(QPainter& painter, const QRectF& rect, const QString& name, const QCo
     painter.drawImage(QRectF(corner, QSizeF(pixels / scale, pixels / scale)), image);
 }
 
+void paintLabel(QPainter& painter, const QRectF& rect, Qt::LayoutDirection direction,
+                const QString& name, double side, double gap, const QString& text) {
+    QRectF symbol(rect.left(), rect.center().y() - (side / 2), side, side);
+    // A little wider than measured, so that no glyph is cut by rounding.
+    QRectF words = rect.adjusted(name.isEmpty() ? 0 : side + gap, 0, 1, 0);
+    if (direction == Qt::RightToLeft) {
+        symbol.moveRight(rect.right());
+        words.moveLeft(rect.left());
+    }
+    paint(painter, symbol, name, painter.pen().color());
+    painter.drawText(words, Qt::AlignLeading | Qt::AlignVCenter | Qt::TextSingleLine, text);
+}
+
 QPixmap pixmap(const QString& name, double size, const QColor& color, double devicePixelRatio,
                const QColor& second) {
     const int pixels = qRound(size * devicePixelRatio);
