@@ -129,6 +129,8 @@ TEST_F(SettingsViewTest, ShowsTheFocusOfItsTabsToThoseWhoUseTheKeyboard) {
     view.show();
     makeActive(view);
     auto* bar = view.findChild<SymbolTabBar*>();
+    // A click is how the window was opened.
+    QTest::mouseClick(&view, Qt::LeftButton, {}, QPoint(2, 2));
     bar->setFocus(Qt::ActiveWindowFocusReason);
     ASSERT_TRUE(bar->hasFocus());
     const QImage opened = bar->grab().toImage();
