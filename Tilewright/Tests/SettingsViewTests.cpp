@@ -144,6 +144,16 @@ TEST_F(SettingsViewTest, ShowsTheFocusOfItsTabsToThoseWhoUseTheKeyboard) {
     EXPECT_EQ(bar->grab().toImage(), byKeyboard);
 }
 
+TEST_F(SettingsViewTest, LooksForTheViewOfATabWhereItsTitleIs) {
+    SettingsView view;
+    const auto* bar = view.findChild<SymbolTabBar*>();
+    for (const Tab tab : {Tab::accessibility, Tab::general, Tab::manage, Tab::layouts}) {
+        view.setSelection(tab);
+        EXPECT_EQ(view.selection(), tab);
+        EXPECT_EQ(view.content(tab)->accessibleName(), bar->tabText(bar->currentIndex()));
+    }
+}
+
 TEST_F(SettingsViewTest, ShowsTheTabUnderThePointerAsItWasToldAndDoesNotAskWhereThatIs) {
     SettingsView view;
     view.show();
