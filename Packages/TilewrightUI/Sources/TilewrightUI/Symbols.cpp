@@ -34,8 +34,8 @@ QString path(const QString& name) {
 }
 
 /// Symbols of two tones hold their parts under these ids.
-const QString& groundID() {
-    static const QString id = QStringLiteral("ground");
+const QString& backgroundID() {
+    static const QString id = QStringLiteral("background");
     return id;
 }
 const QString& markID() {
@@ -77,7 +77,7 @@ QImage render(const QString& name, QSize size, const QColor& color, const QColor
     if (!renderer.elementExists(markID()))
         return part(renderer, size, {}, color);
     const bool isCutOut = second.alpha() == 0;
-    QImage image = part(renderer, size, groundID(), isCutOut ? color : second);
+    QImage image = part(renderer, size, backgroundID(), isCutOut ? color : second);
     QPainter painter(&image);
     if (isCutOut)
         painter.setCompositionMode(QPainter::CompositionMode_DestinationOut);
