@@ -18,7 +18,7 @@ constexpr int sectionSpacing = 16;
 constexpr int groupPadding = 12;
 constexpr double groupCornerRadius = 8;
 
-/// The ground of a group of rows.
+/// The background of a group of rows.
 class GroupBox final : public QWidget {
 public:
     GroupBox()

@@ -12,6 +12,7 @@
 #include <QShortcut>
 #include <QStackedWidget>
 #include <QVBoxLayout>
+#include <algorithm>
 
 namespace tilewright {
 
@@ -20,15 +21,10 @@ SettingsView::SettingsView(QWidget* parent)
     , tabBar_(new SymbolTabBar(this))
     , pages_(new QStackedWidget(this)) {
     tabBar_->setAccessibleName(tr("Settings"));
-    const auto add = [this](const char* symbol, const QString& title, QWidget* content) {
-        tabBar_->addSymbolTab(QString::fromLatin1(symbol), title);
-        content->setAccessibleName(title);
-        pages_->addWidget(content);
-    };
-    add("square.grid.2x2", tr("Layouts"), new LayoutEditorView);
-    add("list.bullet.rectangle", tr("Manage"), new LayoutManagerView);
-    add("gearshape", tr("General"), new GeneralSettingsView);
-    add("accessibility", tr("Accessibility"), new AccessibilitySettingsView);
+    add(Tab::layouts, "square.grid.2x2", tr("Layouts"), new LayoutEditorView);
+    add(Tab::manage, "list.bullet.rectangle", tr("Manage"), new LayoutManagerView);
+    add(Tab::general, "gearshape", tr("General"), new GeneralSettingsView);
+    add(Tab::accessibility, "accessibility", tr("Accessibility"), new AccessibilitySettingsView);
     pages_->setFixedSize(contentSize);
     connect(tabBar_, &QTabBar::currentChanged, pages_, &QStackedWidget::setCurrentIndex);
     const auto turn = [this](QKeySequence::StandardKey key, int step) {
@@ -52,16 +48,27 @@ SettingsView::SettingsView(QWidget* parent)
     column->addLayout(below);
 }
 
+void SettingsView::add(Tab tab, const char* symbol, const QString& title, QWidget* content) {
+    tabs_.push_back(tab);
+    tabBar_->addSymbolTab(QString::fromLatin1(symbol), title);
+    content->setAccessibleName(title);
+    pages_->addWidget(content);
+}
+
+int SettingsView::indexOf(Tab tab) const {
+    return static_cast<int>(std::find(tabs_.begin(), tabs_.end(), tab) - tabs_.begin());
+}
+
 SettingsView::Tab SettingsView::selection() const {
-    return static_cast<Tab>(tabBar_->currentIndex());
+    return tabs_.at(static_cast<std::size_t>(tabBar_->currentIndex()));
 }
 
 void SettingsView::setSelection(Tab tab) {
-    tabBar_->setCurrentIndex(static_cast<int>(tab));
+    tabBar_->setCurrentIndex(indexOf(tab));
 }
 
 QWidget* SettingsView::content(Tab tab) const {
-    return pages_->widget(static_cast<int>(tab));
+    return pages_->widget(indexOf(tab));
 }
 
 } // namespace tilewright

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QWidget>
+#include <vector>
 
 class QStackedWidget;
 
@@ -15,7 +16,6 @@ class SettingsView final : public QWidget {
     Q_OBJECT
 
 public:
-    /// The tabs, in their order.
     enum class Tab { layouts, manage, general, accessibility };
 
     static constexpr QSize contentSize{520, 460};
@@ -30,8 +30,13 @@ public:
     [[nodiscard]] QWidget* content(Tab tab) const;
 
 private:
+    void add(Tab tab, const char* symbol, const QString& title, QWidget* content);
+    [[nodiscard]] int indexOf(Tab tab) const;
+
     SymbolTabBar* tabBar_;
     QStackedWidget* pages_;
+    /// In the order of the row and of the pages.
+    std::vector<Tab> tabs_;
 };
 
 } // namespace tilewright

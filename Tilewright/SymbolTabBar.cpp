@@ -1,12 +1,10 @@
 #include "SymbolTabBar.h"
 
+#include <TilewrightUI/FocusVisibility.h>
 #include <TilewrightUI/Look.h>
 #include <TilewrightUI/Symbols.h>
 
-#include <QFocusEvent>
 #include <QFontMetricsF>
-#include <QKeyEvent>
-#include <QMouseEvent>
 #include <QPainter>
 #include <QStyleOptionTab>
 #include <algorithm>
@@ -22,6 +20,8 @@ constexpr int sidePadding = 12;
 constexpr int verticalPadding = 6;
 constexpr int minimumTabWidth = 64;
 constexpr double cornerRadius = 8;
+/// Titles bear the marks of plain text.
+constexpr int textFlags = Qt::TextSingleLine | Qt::TextShowMnemonic;
 
 } // namespace
 
@@ -38,13 +38,12 @@ SymbolTabBar::SymbolTabBar(QWidget* parent)
 }
 
 void SymbolTabBar::addSymbolTab(const QString& symbol, const QString& title) {
-    tabs_.push_back({symbol, title});
-    addTab(look::plainText(title));
+    setTabData(addTab(look::plainText(title)), symbol);
 }
 
 QSize SymbolTabBar::tabSizeHint(int index) const {
     const QFontMetricsF metrics(font());
-    const double text = metrics.horizontalAdvance(tabs_.at(static_cast<std::size_t>(index)).title);
+    const double text = metrics.size(textFlags, tabText(index)).width();
     return {std::max(minimumTabWidth, static_cast<int>(std::ceil(text)) + (2 * sidePadding)),
             static_cast<int>(std::ceil(metrics.height())) + symbolSide + gap +
                 (2 * verticalPadding)};
@@ -55,27 +54,6 @@ void SymbolTabBar::paintEvent(QPaintEvent*) {
     painter.setRenderHint(QPainter::Antialiasing);
     for (int index = 0; index < count(); ++index)
         paintTab(painter, index);
-}
-
-void SymbolTabBar::showFocus(bool shows) {
-    showsFocus_ = shows;
-    update();
-}
-
-void SymbolTabBar::focusInEvent(QFocusEvent* event) {
-    QTabBar::focusInEvent(event);
-    if (event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason)
-        showFocus(true);
-}
-
-void SymbolTabBar::keyPressEvent(QKeyEvent* event) {
-    showFocus(true);
-    QTabBar::keyPressEvent(event);
-}
-
-void SymbolTabBar::mousePressEvent(QMouseEvent* event) {
-    showFocus(false);
-    QTabBar::mousePressEvent(event);
 }
 
 void SymbolTabBar::paintTab(QPainter& painter, int index) const {
@@ -91,16 +69,15 @@ void SymbolTabBar::paintTab(QPainter& painter, int index) const {
         painter.drawRoundedRect(shape, cornerRadius, cornerRadius);
     }
     const QColor color = isCurrent ? look::accentText(palette()) : look::secondary(palette());
-    const Tab& tab = tabs_[static_cast<std::size_t>(index)];
     symbols::paint(painter,
                    QRectF(shape.center().x() - (symbolSide / 2.0), shape.top() + verticalPadding,
                           symbolSide, symbolSide),
-                   tab.symbol, color);
+                   tabSymbol(index), color);
     painter.setPen(color);
     painter.setFont(font());
     painter.drawText(shape.adjusted(0, verticalPadding + symbolSide + gap, 0, -verticalPadding),
-                     Qt::AlignCenter | Qt::TextSingleLine, tab.title);
-    if (isCurrent && hasFocus() && showsFocus_)
+                     Qt::AlignCenter | textFlags, tabText(index));
+    if (isCurrent && look::showsFocus(*this))
         look::paintFocusRing(painter, shape, cornerRadius, palette());
 }
 

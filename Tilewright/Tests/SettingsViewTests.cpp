@@ -129,6 +129,8 @@ TEST_F(SettingsViewTest, ShowsTheFocusOfItsTabsToThoseWhoUseTheKeyboard) {
     view.show();
     makeActive(view);
     auto* bar = view.findChild<SymbolTabBar*>();
+    // A click is how the window was opened.
+    QTest::mouseClick(&view, Qt::LeftButton, {}, QPoint(2, 2));
     bar->setFocus(Qt::ActiveWindowFocusReason);
     ASSERT_TRUE(bar->hasFocus());
     const QImage opened = bar->grab().toImage();
@@ -140,6 +142,16 @@ TEST_F(SettingsViewTest, ShowsTheFocusOfItsTabsToThoseWhoUseTheKeyboard) {
     bar->clearFocus();
     bar->setFocus(Qt::TabFocusReason);
     EXPECT_EQ(bar->grab().toImage(), byKeyboard);
+}
+
+TEST_F(SettingsViewTest, LooksForTheViewOfATabWhereItsTitleIs) {
+    SettingsView view;
+    const auto* bar = view.findChild<SymbolTabBar*>();
+    for (const Tab tab : {Tab::accessibility, Tab::general, Tab::manage, Tab::layouts}) {
+        view.setSelection(tab);
+        EXPECT_EQ(view.selection(), tab);
+        EXPECT_EQ(view.content(tab)->accessibleName(), bar->tabText(bar->currentIndex()));
+    }
 }
 
 TEST_F(SettingsViewTest, ShowsTheTabUnderThePointerAsItWasToldAndDoesNotAskWhereThatIs) {

@@ -178,13 +178,31 @@ TEST_F(Controls, AButtonsFocusCanBeSeen) {
 
 TEST_F(Controls, AMenuButtonOpensItsMenuWithoutBlocking) {
     GlassButton button(QStringLiteral("Open"));
-    auto* menu = new QMenu;
+    auto* menu = new QMenu(&button);
     menu->addAction(QStringLiteral("Halves"));
     const int width = button.sizeHint().width();
     button.setMenu(menu);
     EXPECT_GT(button.sizeHint().width(), width);
     button.show();
-    QTest::keyClick(&button, Qt::Key_Down);
+    for (const auto key : {Qt::Key_Down, Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter}) {
+        QTest::keyClick(&button, key);
+        EXPECT_TRUE(menu->isVisible());
+        menu->close();
+        EXPECT_FALSE(button.isDown());
+    }
+}
+
+TEST_F(Controls, AssistiveToolsKnowThatAButtonHasAMenuAndOpenIt) {
+    GlassButton button(QStringLiteral("Open"));
+    auto* menu = new QMenu(&button);
+    menu->addAction(QStringLiteral("Halves"));
+    button.setMenu(menu);
+    button.show();
+    QAccessibleInterface* interface = accessible(button);
+    ASSERT_NE(interface, nullptr);
+    EXPECT_EQ(interface->role(), QAccessible::ButtonMenu);
+    EXPECT_TRUE(interface->state().hasPopup);
+    interface->actionInterface()->doAction(QAccessibleActionInterface::showMenuAction());
     EXPECT_TRUE(menu->isVisible());
     menu->close();
 }

@@ -39,8 +39,6 @@ QSize EditingBadge::sizeHint() const {
 
 void EditingBadge::paintEvent(QPaintEvent*) {
     const QFont font = look::font(look::TextStyle::caption);
-    const double side = symbolSide(QFontMetricsF(font));
-    const QColor color = look::accentText(palette());
     const QRectF badge(rect());
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
@@ -48,16 +46,11 @@ void EditingBadge::paintEvent(QPaintEvent*) {
     painter.setBrush(look::tilewrightAmber(0.18));
     painter.drawRoundedRect(badge, badge.height() / 2, badge.height() / 2);
 
-    QRectF symbol(badge.left() + sidePadding, badge.center().y() - (side / 2), side, side);
-    QRectF label = badge.adjusted(sidePadding + side + symbolGap, 0, 1 - sidePadding, 0);
-    if (layoutDirection() == Qt::RightToLeft) {
-        symbol.moveRight(badge.right() - sidePadding);
-        label.moveLeft(badge.left() + sidePadding - 1);
-    }
-    symbols::paint(painter, symbol, QStringLiteral("pencil"), color);
     painter.setFont(font);
-    painter.setPen(color);
-    painter.drawText(label, Qt::AlignLeading | Qt::AlignVCenter | Qt::TextSingleLine, text());
+    painter.setPen(look::accentText(palette()));
+    symbols::paintLabel(painter, badge.adjusted(sidePadding, 0, -sidePadding, 0), layoutDirection(),
+                        QStringLiteral("pencil"), symbolSide(QFontMetricsF(font)), symbolGap,
+                        text());
 }
 
 } // namespace tilewright

@@ -109,22 +109,12 @@ void EditorToast::paintEvent(QPaintEvent*) {
     painter.drawRoundedRect(shape, shape.height() / 2, shape.height() / 2);
 
     const QFont font = look::mediumFont(look::TextStyle::callout);
-    const QFontMetricsF text(font);
-    const double side = symbolSide(text);
-    const bool isMirrored = layoutDirection() == Qt::RightToLeft;
-    QRectF symbol(shape.left() + sidePadding, shape.center().y() - (side / 2), side, side);
-    QRectF label(symbol.right() + symbolGap, shape.top(), 0, shape.height());
-    label.setRight(shape.right() - sidePadding + 1);
-    if (isMirrored) {
-        symbol.moveRight(shape.right() - sidePadding);
-        label.moveLeft(shape.left() + sidePadding - 1);
-    }
-    symbols::paint(painter, symbol,
-                   shown_.isError ? u"exclamationmark.triangle.fill"_s : u"checkmark.circle.fill"_s,
-                   Qt::white);
     painter.setFont(font);
     painter.setPen(Qt::white);
-    painter.drawText(label, Qt::AlignLeading | Qt::AlignVCenter | Qt::TextSingleLine, shownText_);
+    symbols::paintLabel(painter, shape.adjusted(sidePadding, 0, -sidePadding, 0), layoutDirection(),
+                        shown_.isError ? u"exclamationmark.triangle.fill"_s
+                                       : u"checkmark.circle.fill"_s,
+                        symbolSide(QFontMetricsF(font)), symbolGap, shownText_);
 }
 
 } // namespace tilewright

@@ -7,9 +7,9 @@ namespace tilewright {
 
 namespace {
 
-constexpr double eps = 0.0005;
+constexpr double eps = ZoneEditorGeometry::defaultEps;
 constexpr double step = 0.05;
-constexpr double limit = 1.0005;
+constexpr double limit = 1 + eps;
 
 struct Size {
     double width;

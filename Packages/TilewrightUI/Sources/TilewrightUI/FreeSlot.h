@@ -1,6 +1,6 @@
 #pragma once
 
-#include <WindowManager/Zone.h>
+#include "ZoneEditorGeometry.h"
 
 #include <optional>
 #include <vector>
@@ -11,9 +11,9 @@ namespace tilewright {
 ///
 /// Seven sizes are tried, from the left half of the canvas down to a square of `minZoneSize`; each
 /// is scanned row by row from the top, left to right, in steps of 0.05. Zones that overlap a place
-/// by no more than 0.0005 do not block it. The result is in normalized zone space and has a fresh
-/// id and an empty name; none when no size fits anywhere.
+/// by no more than the editor's tolerance do not block it. The result is in normalized zone space
+/// and has a fresh id and an empty name; none when no size fits anywhere.
 [[nodiscard]] std::optional<Zone> freeSlot(const std::vector<Zone>& zones,
-                                           double minZoneSize = 0.05);
+                                           double minZoneSize = ZoneEditorGeometry::defaultMinSize);
 
 } // namespace tilewright

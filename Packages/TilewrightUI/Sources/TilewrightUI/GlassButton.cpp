@@ -3,7 +3,6 @@
 #include "FocusVisibility.h"
 #include "Symbols.h"
 
-#include <QEvent>
 #include <QFontMetricsF>
 #include <QKeyEvent>
 #include <QPainter>
@@ -12,28 +11,18 @@
 
 namespace tilewright {
 
-/// The lengths a button is made of, at its present font.
-struct GlassButton::Metrics {
-    double sidePadding = 0;
-    double verticalPadding = 0;
-    double symbolSide = 0;
-    double symbolGap = 0;
-    double chevronSide = 0;
-    double chevronGap = 0;
-    double titleWidth = 0;
-    double textHeight = 0;
+namespace {
 
-    [[nodiscard]] double width() const {
-        return (2 * sidePadding) + symbolSide + symbolGap + titleWidth + chevronGap + chevronSide;
-    }
-    [[nodiscard]] double height() const {
-        return (2 * verticalPadding) + std::max(textHeight, symbolSide);
-    }
-};
+constexpr double symbolGap = 5;
+constexpr double chevronGap = 4;
+
+} // namespace
 
 GlassButton::GlassButton(const QString& title, Kind kind, QWidget* parent)
-    : QAbstractButton(parent)
+    : QPushButton(parent)
     , kind_(kind) {
+    // Only such buttons answer to Enter as well.
+    setAutoDefault(true);
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_Hover);
     setSizePolicy(kind == Kind::bordered ? QSizePolicy::Preferred : QSizePolicy::Fixed,
@@ -46,8 +35,6 @@ GlassButton::GlassButton(const QString& title, Kind kind, QWidget* parent)
 void GlassButton::setTitle(const QString& title) {
     title_ = title;
     setText(look::plainText(title));
-    updateGeometry();
-    update();
 }
 
 void GlassButton::setSymbol(const QString& name) {
@@ -64,28 +51,6 @@ void GlassButton::setRole(Role role) {
 void GlassButton::setControlSize(ControlSize size) {
     size_ = size;
     applyFont();
-    updateGeometry();
-}
-
-void GlassButton::setMenu(QMenu* menu) {
-    delete menu_;
-    menu_ = menu;
-    if (menu_) {
-        menu_->setParent(this, menu_->windowFlags());
-        connect(this, &QAbstractButton::clicked, this, &GlassButton::popUpMenu,
-                Qt::UniqueConnection);
-    }
-    updateGeometry();
-    update();
-}
-
-void GlassButton::popUpMenu() {
-    if (!menu_)
-        return;
-    // Shown, not executed: nothing here runs an event loop of its own.
-    const bool rightToLeft = layoutDirection() == Qt::RightToLeft;
-    const int shift = rightToLeft ? width() - menu_->sizeHint().width() : 0;
-    menu_->popup(mapToGlobal(QPoint(shift, height() + 2)));
 }
 
 void GlassButton::applyFont() {
@@ -100,31 +65,26 @@ void GlassButton::applyFont() {
     updateGeometry();
 }
 
-GlassButton::Metrics GlassButton::metrics() const {
-    const QFontMetricsF text(font());
-    Metrics result;
-    const bool isSmall = size_ == ControlSize::small;
-    if (kind_ != Kind::plain) {
-        result.sidePadding = isSmall ? 8 : 10;
-        result.verticalPadding = isSmall ? 1.5 : 3;
-    }
-    result.titleWidth = text.horizontalAdvance(title_);
-    result.textHeight = text.height();
-    if (!symbol_.isEmpty()) {
-        result.symbolSide = std::round(text.ascent() * 0.95);
-        result.symbolGap = 5;
-    }
-    if (menu_) {
-        result.chevronSide = std::round(text.ascent() * 0.7);
-        result.chevronGap = 4;
-    }
-    return result;
+/// Between the content and each side.
+QSizeF GlassButton::padding() const {
+    if (kind_ == Kind::plain)
+        return {0, 0};
+    return size_ == ControlSize::small ? QSizeF(8, 1.5) : QSizeF(10, 3);
+}
+
+double GlassButton::symbolRoom() const {
+    return symbol_.isEmpty() ? 0 : std::round(QFontMetricsF(font()).ascent() * 0.95) + symbolGap;
+}
+
+double GlassButton::chevronRoom() const {
+    return menu() ? std::round(QFontMetricsF(font()).ascent() * 0.7) + chevronGap : 0;
 }
 
 QSize GlassButton::sizeHint() const {
-    const Metrics lengths = metrics();
-    return {static_cast<int>(std::ceil(lengths.width())),
-            static_cast<int>(std::ceil(lengths.height()))};
+    const QFontMetricsF text(font());
+    const double content = symbolRoom() + text.horizontalAdvance(title_) + chevronRoom();
+    return {static_cast<int>(std::ceil(content + (2 * padding().width()))),
+            static_cast<int>(std::ceil(text.height() + (2 * padding().height())))};
 }
 
 QSize GlassButton::minimumSizeHint() const {
@@ -187,51 +147,35 @@ void GlassButton::paintEvent(QPaintEvent*) {
     const double radius = kind_ == Kind::bordered ? 5 : bezel.height() / 2;
     paintBezel(painter, bezel, radius);
 
-    const Metrics lengths = metrics();
-    const double room = bezel.width() - (2 * lengths.sidePadding);
-    const double fixed = lengths.width() - (2 * lengths.sidePadding) - lengths.titleWidth;
-    const double titleWidth = std::max(0.0, std::min(lengths.titleWidth, room - fixed));
-    const double contentWidth = fixed + titleWidth;
-    double x = bezel.left() + ((bezel.width() - contentWidth) / 2);
-    const bool rightToLeft = layoutDirection() == Qt::RightToLeft;
-    const auto place = [&](double left, double width, double height) {
-        const double mirrored = rightToLeft ? bezel.right() - (left - bezel.left()) - width : left;
-        return QRectF(mirrored, bezel.center().y() - (height / 2), width, height);
-    };
-
-    const QColor color = textColor();
-    if (lengths.symbolSide > 0) {
-        symbols::paint(painter, place(x, lengths.symbolSide, lengths.symbolSide), symbol_, color);
-        x += lengths.symbolSide + lengths.symbolGap;
-    }
-    painter.setPen(color);
+    const QFontMetricsF text(font());
+    const double others = symbolRoom() + chevronRoom();
+    const double room = bezel.width() - (2 * padding().width()) - others;
+    const QString shown = text.elidedText(title_, Qt::ElideRight, std::max(room, 0.0));
+    const double inset = (bezel.width() - others - text.horizontalAdvance(shown)) / 2;
+    QRectF content = bezel.adjusted(inset, 0, -inset, 0);
+    painter.setPen(textColor());
     painter.setFont(font());
-    const QString shown = titleWidth < lengths.titleWidth
-                              ? QFontMetricsF(font()).elidedText(title_, Qt::ElideRight, titleWidth)
-                              : title_;
-    // A little wider than measured, so that no glyph is cut by rounding.
-    painter.drawText(place(x, titleWidth, lengths.textHeight).adjusted(-1, 0, 1, 0),
-                     Qt::AlignCenter | Qt::TextSingleLine, shown);
-    x += titleWidth + lengths.chevronGap;
-    if (lengths.chevronSide > 0)
-        symbols::paint(painter, place(x, lengths.chevronSide, lengths.chevronSide),
-                       QStringLiteral("chevron.down"), color);
+    if (menu()) {
+        const double side = chevronRoom() - chevronGap;
+        QRectF chevron(content.right() - side, content.center().y() - (side / 2), side, side);
+        content.setRight(chevron.left() - chevronGap);
+        if (layoutDirection() == Qt::RightToLeft) {
+            content.moveRight(chevron.right());
+            chevron.moveLeft(bezel.left() + inset);
+        }
+        symbols::paint(painter, chevron, QStringLiteral("chevron.down"), textColor());
+    }
+    symbols::paintLabel(painter, content, layoutDirection(), symbol_, symbolRoom() - symbolGap,
+                        symbolGap, shown);
     if (look::showsFocus(*this))
         paintFocus(painter, bezel, radius);
 }
 
-bool GlassButton::event(QEvent* event) {
-    if (event->type() == QEvent::HoverEnter || event->type() == QEvent::HoverLeave)
-        update();
-    return QAbstractButton::event(event);
-}
-
 void GlassButton::keyPressEvent(QKeyEvent* event) {
-    const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    if (isEnter || (menu_ && event->key() == Qt::Key_Down))
+    if (menu() && event->key() == Qt::Key_Down)
         click();
     else
-        QAbstractButton::keyPressEvent(event);
+        QPushButton::keyPressEvent(event);
 }
 
 } // namespace tilewright

@@ -2,15 +2,14 @@
 
 #include "Look.h"
 
-#include <QAbstractButton>
-#include <QMenu>
-#include <QPointer>
+#include <QPushButton>
 
 namespace tilewright {
 
 /// A push button in the program's own look: a title, plain text, with a symbol before it where it
-/// has one. Space and Enter press it.
-class GlassButton final : public QAbstractButton {
+/// has one, and a chevron after it where it opens a menu. Space and Enter press it; Down, too,
+/// opens the menu.
+class GlassButton final : public QPushButton {
     Q_OBJECT
 
 public:
@@ -41,25 +40,20 @@ public:
     /// A destructive button is red.
     void setRole(Role role);
     void setControlSize(ControlSize size);
-    /// Makes the button open a menu, which it takes ownership of, below itself; a chevron after the
-    /// title says so.
-    void setMenu(QMenu* menu);
-    [[nodiscard]] QMenu* menu() const { return menu_; }
 
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
 
 protected:
-    bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    struct Metrics;
-    [[nodiscard]] Metrics metrics() const;
+    [[nodiscard]] QSizeF padding() const;
+    [[nodiscard]] double symbolRoom() const;
+    [[nodiscard]] double chevronRoom() const;
     [[nodiscard]] QColor textColor() const;
     void applyFont();
-    void popUpMenu();
     void paintBezel(QPainter& painter, const QRectF& bezel, double radius) const;
     void paintFocus(QPainter& painter, const QRectF& bezel, double radius) const;
 
@@ -68,7 +62,6 @@ private:
     ControlSize size_ = ControlSize::regular;
     QString title_;
     QString symbol_;
-    QPointer<QMenu> menu_;
 };
 
 } // namespace tilewright

@@ -28,7 +28,7 @@ constexpr double cornerRadius = 8;
 } // namespace
 
 LayoutCard::LayoutCard(const ZoneLayout& layout, QWidget* parent)
-    : ModelButton(parent)
+    : AskingToggle(parent)
     , layout_(layout)
     , preview_(new MiniLayoutPreview(layout, this))
     , name_(new TextLabel(layout.name, look::TextStyle::caption2, TextLabel::Importance::primary,
@@ -100,7 +100,7 @@ void LayoutCard::keyPressEvent(QKeyEvent* event) {
         Q_EMIT moveRequested(0, 1);
         return;
     default:
-        ModelButton::keyPressEvent(event);
+        AskingToggle::keyPressEvent(event);
     }
 }
 
@@ -112,12 +112,12 @@ bool LayoutCard::event(QEvent* event) {
                            this);
         return true;
     }
-    return ModelButton::event(event);
+    return AskingToggle::event(event);
 }
 
 void LayoutCard::resizeEvent(QResizeEvent* event) {
     placeBadge();
-    ModelButton::resizeEvent(event);
+    AskingToggle::resizeEvent(event);
 }
 
 void LayoutCard::placeBadge() {

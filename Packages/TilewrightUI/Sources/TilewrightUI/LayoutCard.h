@@ -1,8 +1,10 @@
 #pragma once
 
-#include "ModelButton.h"
+#include "AskingToggle.h"
 
 #include <WindowManager/ZoneLayout.h>
+
+#include <QLayout>
 
 class QMenu;
 
@@ -14,7 +16,7 @@ class TextLabel;
 
 /// A layout in the picker's grid: its preview and name, marked where it is the current one. It is
 /// on while its layout is current; using it asks for that (`toggleRequested`), whatever it shows.
-class LayoutCard final : public ModelButton {
+class LayoutCard final : public AskingToggle {
     Q_OBJECT
 
 public:
@@ -26,6 +28,9 @@ public:
 
     /// A context menu for this layout, owned by the card; null where there is nothing to offer.
     [[nodiscard]] QMenu* makeContextMenu();
+
+    [[nodiscard]] QSize sizeHint() const override { return layout()->totalSizeHint(); }
+    [[nodiscard]] QSize minimumSizeHint() const override { return layout()->totalMinimumSize(); }
 
 Q_SIGNALS:
     /// The user asked to delete the layout.

@@ -29,7 +29,7 @@ public:
     };
 
     /// The last size tried for a new zone.
-    static constexpr double minZoneSize = 0.05;
+    static constexpr double minZoneSize = ZoneEditorGeometry::defaultMinSize;
     static constexpr MainLoop::Interval toastDuration{1800};
     /// How far one press of an arrow key moves a zone or a corner: a hundredth of the canvas, with
     /// Shift a twentieth.

@@ -53,7 +53,7 @@ void LayoutEditorView::makeHeader() {
 
     openButton_ = new GlassButton(tr("Open"), GlassButton::Kind::glass, this);
     openButton_->setSymbol(u"folder"_s);
-    auto* menu = new QMenu;
+    auto* menu = new QMenu(openButton_);
     menu->setAccessibleName(tr("Open"));
     connect(menu, &QMenu::aboutToShow, this, [this, menu] { fillOpenMenu(*menu); });
     openButton_->setMenu(menu);

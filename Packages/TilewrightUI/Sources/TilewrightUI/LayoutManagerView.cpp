@@ -75,7 +75,7 @@ LayoutManagerView::LayoutManagerView(QWidget* parent)
     column->addLayout(builtIn);
     column->addStretch();
     setWidget(content);
-    // The window's own ground shows through.
+    // The window's own background shows through.
     content->setAutoFillBackground(false);
     viewport()->setAutoFillBackground(false);
 

@@ -148,7 +148,7 @@ void LayoutPicker::refreshCards() {
 
 LayoutCard* LayoutPicker::makeCard(const ZoneLayout& layout) {
     auto* card = new LayoutCard(layout, this);
-    connect(card, &ModelButton::toggleRequested, this,
+    connect(card, &AskingToggle::toggleRequested, this,
             [this, card] { assign(card->zoneLayout()); });
     connect(card, &LayoutCard::deleteRequested, this,
             [card] { LayoutStore::shared().removeCustomLayout(card->zoneLayout().id); });

@@ -3,10 +3,9 @@
 #include "FocusVisibility.h"
 #include "Look.h"
 
-#include <QAbstractButton>
-#include <QKeyEvent>
 #include <QPainter>
 #include <QPainterPath>
+#include <QPushButton>
 #include <QStyle>
 #include <algorithm>
 #include <cmath>
@@ -19,21 +18,17 @@ constexpr double cornerRadius = 5;
 constexpr double zoneCornerRadius = 3;
 
 /// One zone as a control: the thumbnail draws the zone, the button what the user does to it.
-class ZoneButton final : public QAbstractButton {
+class ZoneButton final : public QPushButton {
 public:
     explicit ZoneButton(QWidget* parent)
-        : QAbstractButton(parent) {
+        : QPushButton(parent) {
+        // Only such buttons answer to Enter as well.
+        setAutoDefault(true);
         setFocusPolicy(Qt::StrongFocus);
         setAttribute(Qt::WA_Hover);
     }
 
 protected:
-    void keyPressEvent(QKeyEvent* event) override {
-        if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
-            click();
-        else
-            QAbstractButton::keyPressEvent(event);
-    }
     void paintEvent(QPaintEvent*) override {
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);

@@ -54,8 +54,8 @@ std::optional<bool>& toldReducedMotion() {
 QPalette darkPalette() {
     const QColor text(0xee, 0xee, 0xf0);
     const QColor faintText(0x8a, 0x8b, 0x90);
-    const QColor ground(0x2a, 0x2b, 0x2f);
-    QPalette palette(QColor(0x3b, 0x3c, 0x41), ground);
+    const QColor background(0x2a, 0x2b, 0x2f);
+    QPalette palette(QColor(0x3b, 0x3c, 0x41), background);
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText,
                             QPalette::ToolTipText, QPalette::BrightText}) {
         palette.setColor(role, text);
@@ -63,8 +63,8 @@ QPalette darkPalette() {
     }
     palette.setColor(QPalette::PlaceholderText, faintText);
     palette.setColor(QPalette::Base, QColor(0x1f, 0x20, 0x23));
-    palette.setColor(QPalette::AlternateBase, ground);
-    palette.setColor(QPalette::ToolTipBase, ground);
+    palette.setColor(QPalette::AlternateBase, background);
+    palette.setColor(QPalette::ToolTipBase, background);
     palette.setColor(QPalette::Link, QColor(0xe0, 0x9c, 0x45));
     return palette;
 }

@@ -44,9 +44,9 @@ inline constexpr int defaultSpacing = 8;
 [[nodiscard]] QColor separator(const QPalette& palette);
 /// The fill of cards and grouped rows.
 [[nodiscard]] QColor cardFill(const QPalette& palette);
-/// The ground of the panel.
+/// The background of the panel.
 [[nodiscard]] QColor panelFill(const QPalette& palette);
-/// The accent for text and thin symbols, dark enough to be read on a light ground.
+/// The accent for text and thin symbols, dark enough to be read on a light background.
 [[nodiscard]] QColor accentText(const QPalette& palette);
 /// The red of destructive actions and error toasts.
 [[nodiscard]] QColor red(const QPalette& palette);

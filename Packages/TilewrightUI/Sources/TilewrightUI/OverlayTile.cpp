@@ -242,7 +242,7 @@ void OverlayTile::paint(QPainter& painter) const {
     QPainterPath inside;
     inside.setFillRule(Qt::OddEvenFill);
     tile.addInner(inside);
-    if (ground == Ground::own) {
+    if (place == Place::alone) {
         // Replacing blends along an edge exactly, so the fill can be laid into the border.
         painter.setCompositionMode(QPainter::CompositionMode_Source);
         tile.addCore(edge);
@@ -258,7 +258,7 @@ void OverlayTile::paint(QPainter& painter) const {
 }
 
 QRect OverlayTile::replacedPixels(double pixelsPerPoint) const {
-    if (ground != Ground::own || frame_.isEmpty())
+    if (place != Place::alone || frame_.isEmpty())
         return {};
     return PixelTile(frame_, fade.value(), pixelsPerPoint).core;
 }

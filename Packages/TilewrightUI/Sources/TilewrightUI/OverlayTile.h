@@ -21,7 +21,7 @@ namespace tilewright {
 class OverlayTile {
 public:
     /// Whether a tile is the only one in its place.
-    enum class Ground { own, shared };
+    enum class Place { alone, shared };
 
     /// The tile of a zone in an overlay of this size.
     OverlayTile(const Zone& zone, const QSizeF& overlay);
@@ -35,14 +35,14 @@ public:
 
     /// How far the tile is highlighted.
     HighlightFade fade;
-    /// `own` while no other tile's area touches this one's.
-    Ground ground = Ground::own;
+    /// `alone` while no other tile's area touches this one's.
+    Place place = Place::alone;
 
     /// The tile as plain values, its fade ended; none where it cannot be seen.
     [[nodiscard]] std::optional<OverlayPictureTile> values() const;
 
-    /// Draws the tile translucently. On a ground of its own whatever was there is replaced, else it
-    /// is covered.
+    /// Draws the tile translucently. Alone in its place it replaces whatever was there, else it
+    /// covers that.
     void paint(QPainter& painter) const;
     /// The part of the painter's device, in its pixels, that `paint` replaces wholly.
     [[nodiscard]] QRect replacedPixels(double pixelsPerPoint) const;

@@ -20,10 +20,10 @@ RoundedTextField::RoundedTextField(const QString& placeholder, QWidget* parent)
     setAccessibleName(placeholder);
     setFrame(false);
     setTextMargins(sideMargin, verticalMargin, sideMargin, verticalMargin);
-    // The style would fill the corners; the ground is painted here instead.
-    QPalette ground;
-    ground.setColor(QPalette::Base, Qt::transparent);
-    setPalette(ground);
+    // The style would fill the corners; the background is painted here instead.
+    QPalette withoutBase;
+    withoutBase.setColor(QPalette::Base, Qt::transparent);
+    setPalette(withoutBase);
 }
 
 QSize RoundedTextField::sizeHint() const {

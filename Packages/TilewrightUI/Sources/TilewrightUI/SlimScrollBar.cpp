@@ -2,7 +2,6 @@
 
 #include "Look.h"
 
-#include <QEvent>
 #include <QPainter>
 #include <algorithm>
 
@@ -13,12 +12,6 @@ SlimScrollBar::SlimScrollBar(QWidget* parent)
     setFixedWidth(thickness);
     setAttribute(Qt::WA_Hover);
     setAttribute(Qt::WA_OpaquePaintEvent, false);
-}
-
-bool SlimScrollBar::event(QEvent* event) {
-    if (event->type() == QEvent::HoverEnter || event->type() == QEvent::HoverLeave)
-        update();
-    return QScrollBar::event(event);
 }
 
 void SlimScrollBar::paintEvent(QPaintEvent*) {

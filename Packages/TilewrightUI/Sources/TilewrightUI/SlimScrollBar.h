@@ -18,7 +18,6 @@ public:
     [[nodiscard]] QSize sizeHint() const override { return {thickness, thickness}; }
 
 protected:
-    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 };
 

@@ -21,12 +21,12 @@ bool areInTheSamePlaces(const std::vector<OverlayTile>& some,
 }
 
 /// Tells the tiles that may be drawn without regard to the others.
-void findGrounds(std::vector<OverlayTile>& tiles) {
+void tellPlaces(std::vector<OverlayTile>& tiles) {
     for (OverlayTile& tile : tiles) {
         const bool shares = std::any_of(tiles.begin(), tiles.end(), [&](const OverlayTile& other) {
             return &other != &tile && other.area().intersects(tile.area());
         });
-        tile.ground = shares ? OverlayTile::Ground::shared : OverlayTile::Ground::own;
+        tile.place = shares ? OverlayTile::Place::shared : OverlayTile::Place::alone;
     }
 }
 
@@ -167,7 +167,7 @@ bool SnapOverlayView::replaceTiles() {
     std::vector<OverlayTile> tiles = tilesOfModel(size_);
     if (areInTheSamePlaces(tiles, tiles_))
         return false;
-    findGrounds(tiles);
+    tellPlaces(tiles);
     for (OverlayTile& tile : tiles) {
         const bool wasHighlighted =
             std::any_of(tiles_.begin(), tiles_.end(), [&](const OverlayTile& old) {

@@ -16,7 +16,7 @@ public:
     /// `side` is in points.
     explicit SymbolView(int side, QWidget* parent = nullptr);
 
-    /// Shows a symbol; the second colour is the ground of symbols of two tones.
+    /// Shows a symbol; the second colour is the background of symbols of two tones.
     void setSymbol(const QString& name, Color color, Color second);
     [[nodiscard]] const QString& symbol() const { return name_; }
 

@@ -34,8 +34,8 @@ QString path(const QString& name) {
 }
 
 /// Symbols of two tones hold their parts under these ids.
-const QString& groundID() {
-    static const QString id = QStringLiteral("ground");
+const QString& backgroundID() {
+    static const QString id = QStringLiteral("background");
     return id;
 }
 const QString& markID() {
@@ -77,7 +77,7 @@ QImage render(const QString& name, QSize size, const QColor& color, const QColor
     if (!renderer.elementExists(markID()))
         return part(renderer, size, {}, color);
     const bool isCutOut = second.alpha() == 0;
-    QImage image = part(renderer, size, groundID(), isCutOut ? color : second);
+    QImage image = part(renderer, size, backgroundID(), isCutOut ? color : second);
     QPainter painter(&image);
     if (isCutOut)
         painter.setCompositionMode(QPainter::CompositionMode_DestinationOut);
@@ -179,6 +179,19 @@ void paint(QPainter& painter, const QRectF& rect, const QString& name, const QCo
         corner = transform.inverted().map(QPointF(std::round(device.x()), std::round(device.y())));
     }
     painter.drawImage(QRectF(corner, QSizeF(pixels / scale, pixels / scale)), image);
+}
+
+void paintLabel(QPainter& painter, const QRectF& rect, Qt::LayoutDirection direction,
+                const QString& name, double side, double gap, const QString& text) {
+    QRectF symbol(rect.left(), rect.center().y() - (side / 2), side, side);
+    // A little wider than measured, so that no glyph is cut by rounding.
+    QRectF words = rect.adjusted(name.isEmpty() ? 0 : side + gap, 0, 1, 0);
+    if (direction == Qt::RightToLeft) {
+        symbol.moveRight(rect.right());
+        words.moveLeft(rect.left());
+    }
+    paint(painter, symbol, name, painter.pen().color());
+    painter.drawText(words, Qt::AlignLeading | Qt::AlignVCenter | Qt::TextSingleLine, text);
 }
 
 QPixmap pixmap(const QString& name, double size, const QColor& color, double devicePixelRatio,

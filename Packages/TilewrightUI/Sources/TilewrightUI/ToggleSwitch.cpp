@@ -22,7 +22,7 @@ QColor mix(const QColor& from, const QColor& to, double share) {
 } // namespace
 
 ToggleSwitch::ToggleSwitch(const QString& accessibleName, QWidget* parent)
-    : ModelButton(parent)
+    : AskingToggle(parent)
     , knob_(Spring{0.25}, 0, [this](double) { update(); }) {
     setAccessibleName(accessibleName);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
@@ -40,7 +40,7 @@ void ToggleSwitch::slide() {
 
 void ToggleSwitch::hideEvent(QHideEvent* event) {
     knob_.finish();
-    ModelButton::hideEvent(event);
+    AskingToggle::hideEvent(event);
 }
 
 void ToggleSwitch::paintEvent(QPaintEvent*) {

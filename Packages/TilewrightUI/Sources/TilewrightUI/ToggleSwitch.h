@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ModelButton.h"
+#include "AskingToggle.h"
 #include "Spring.h"
 
 namespace tilewright {
@@ -8,7 +8,7 @@ namespace tilewright {
 /// A switch in the accent colour that shows a model's state and never one of its own: using it
 /// only asks for the other state (`toggleRequested`), and it moves when the model's answer arrives
 /// through `setOn`. On screen the knob slides there.
-class ToggleSwitch final : public ModelButton {
+class ToggleSwitch final : public AskingToggle {
     Q_OBJECT
 
 public:

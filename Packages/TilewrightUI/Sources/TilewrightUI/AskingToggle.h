@@ -1,17 +1,17 @@
 #pragma once
 
-#include <QAbstractButton>
+#include <QPushButton>
 
 namespace tilewright {
 
 /// A button that is on or off as a model says, and never by itself: using it, by pointer, keyboard
 /// or an assistive tool, only asks for the other state, and the model's answer arrives through
 /// `setOn`. Space and Enter use it.
-class ModelButton : public QAbstractButton {
+class AskingToggle : public QPushButton {
     Q_OBJECT
 
 public:
-    explicit ModelButton(QWidget* parent = nullptr);
+    explicit AskingToggle(QWidget* parent = nullptr);
 
     [[nodiscard]] bool isOn() const { return isChecked(); }
     /// Shows the model's state.
@@ -24,8 +24,6 @@ Q_SIGNALS:
 protected:
     void nextCheckState() override { Q_EMIT toggleRequested(!isChecked()); }
     void checkStateSet() override;
-    bool hitButton(const QPoint& position) const override { return rect().contains(position); }
-    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     bool isShowingModel_ = false;
