@@ -62,7 +62,8 @@ def before(build):
     counts = {}
     for labels, disabled in tests.values():
         for label in set() if disabled else set(labels) - set(ELSEWHERE) or ["other"]:
-            counts[label] = counts.get(label, 0) + 1
+            kind = label.removesuffix("-quick")
+            counts[kind] = counts.get(kind, 0) + 1
     meaning = {
         "unit": "tests of the code by itself, on fakes of the desktop",
         "desktop": "tests on real X servers, window managers, applications and services",

@@ -2,15 +2,18 @@ include(GoogleTest)
 
 # Builds every program of unit tests, and nothing that only desktop tests need.
 add_custom_target(unit_tests)
+# Builds the programs of those tests on real desktops that together take few minutes.
+add_custom_target(quick_desktop_tests)
 
-# tilewright_test(<target> SOURCES <files...> [DEPENDS <targets...>] [LABEL unit|desktop]
-#                 [GUI] [TIMEOUT <seconds>])
+# tilewright_test(<target> SOURCES <files...> [DEPENDS <targets...>] [LABEL unit|desktop|long]
+#                 [QUICK] [GUI] [TIMEOUT <seconds>])
 #
 # A GoogleTest program; every test in it becomes a test of its own for ctest. GUI programs get a
 # QApplication (on the offscreen platform unless QT_QPA_PLATFORM says otherwise), the others a
-# QCoreApplication. A test that skips itself counts as failed: a skipped test proves nothing.
+# QCoreApplication. QUICK ones among the desktop tests are a first look at another release; ctest has
+# them as desktop-quick. A test that skips itself counts as failed: a skipped test proves nothing.
 function(tilewright_test target)
-  cmake_parse_arguments(PARSE_ARGV 1 test "GUI" "LABEL;TIMEOUT" "SOURCES;DEPENDS")
+  cmake_parse_arguments(PARSE_ARGV 1 test "GUI;QUICK" "LABEL;TIMEOUT" "SOURCES;DEPENDS")
   if(NOT test_LABEL)
     set(test_LABEL unit)
   endif()
@@ -32,6 +35,10 @@ function(tilewright_test target)
     ${test_DEPENDS} ${main} tilewright_test_support GTest::gtest GTest::gmock tilewright_options)
   if(test_LABEL STREQUAL "unit")
     add_dependencies(unit_tests ${target})
+  endif()
+  if(test_QUICK)
+    add_dependencies(quick_desktop_tests ${target})
+    string(APPEND test_LABEL "-quick")
   endif()
   gtest_discover_tests(${target}
     DISCOVERY_TIMEOUT 120

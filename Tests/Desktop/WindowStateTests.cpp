@@ -115,7 +115,12 @@ TEST_P(WindowStates, FreesAMaximisedFullscreenOrShadedWindowAndFillsTheZone) {
         wmctrl({QStringLiteral("-i"), QStringLiteral("-r"), windowText(), QStringLiteral("-b"),
                 QString::fromLatin1(state.option)});
         if (!waitUntil([&] { return hasState(state.atom); }, std::chrono::seconds(3))) {
-            EXPECT_STREQ(state.atom, "_NET_WM_STATE_SHADED");
+            // From its 4.24 on, i3 says of tiled windows that they are maximised, and has no other
+            // such ones.
+            const QByteArray atom(state.atom);
+            EXPECT_TRUE(atom.endsWith("SHADED") ||
+                        (GetParam() == WindowManagerKind::i3 && atom.endsWith("MAXIMIZED_VERT")))
+                << state.atom;
             continue;
         }
         expectSnap(zone);
@@ -192,8 +197,10 @@ TEST_P(WindowStates, FillsTheZoneWhenTheDragEndsAtAScreenEdge) {
                     return inspector.outerFrame(client.window) != frame;
                 },
                 std::chrono::seconds(1));
-            if (!follows)
+            if (!follows) {
+                tellRepetition("a window manager missed a press on a title bar");
                 input.release();
+            }
             return follows;
         });
         EXPECT_TRUE(isHeld) << "the window does not follow the pointer";
@@ -209,10 +216,13 @@ TEST_P(WindowStates, FillsTheZoneWithADialogAndLeavesItsWindowAlone) {
     const BareClient dialog(desktop.display(), QRect(400, 260, 300, 200),
                             BareClientTraits{{}, 0, false, client.window});
     ASSERT_TRUE(activate(desktop, dialog.window()));
-    const auto found = WindowManager::shared().windowElementAtScreenPoint(
-        appKitCentre(*platform, inspector.outerFrame(dialog.window())));
-    ASSERT_TRUE(found.has_value());
-    ASSERT_EQ(windowOf(*found), dialog.window());
+    // Some put a dialog elsewhere when its decorations are there, after it shows.
+    std::optional<AccessibilityElement> found;
+    ASSERT_TRUE(waitUntil([&] {
+        found = WindowManager::shared().windowElementAtScreenPoint(
+            appKitCentre(*platform, inspector.outerFrame(dialog.window())));
+        return found && windowOf(*found) == dialog.window();
+    }));
     const Zone captured = ZoneLayout::thirds().zones[2];
     WindowManager::shared().snap(*found, captured, screen());
     expectIn(dialog.window(), captured);
