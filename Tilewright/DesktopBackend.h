@@ -8,21 +8,29 @@
 
 namespace tilewright {
 
-/// The backend that this program was built for: the one place that names one. The build adds the
-/// source that fits the desktop.
+/// The desktop that this process runs on: the one place that names backends. The build adds the
+/// source that fits the operating system; on Linux the choice is made at run time, by what answers.
 class DesktopBackend {
 public:
-    DesktopBackend() = delete;
+    /// Looks around, before Qt is told which platform to use. Null, after saying on standard error
+    /// what was looked for, when there is no desktop.
+    [[nodiscard]] static std::unique_ptr<DesktopBackend> find();
 
-    /// The command line that Qt is given, after the program's name, in place of this
-    /// process's own: neither the user's arguments nor the environment choose what only this
-    /// desktop can be. Nothing of it reaches the programs that this one starts.
-    [[nodiscard]] static std::vector<std::string> qtArguments();
-    /// What has to be in place before Qt's application object is made, and goes once that has been.
-    [[nodiscard]] static std::shared_ptr<void> precaution();
-    /// Opens the desktop; null, after saying why on standard error, when there is none. Needs Qt's
-    /// application object, and has to end before it.
-    [[nodiscard]] static std::unique_ptr<Platform> open();
+    DesktopBackend() = default;
+    DesktopBackend(const DesktopBackend&) = delete;
+    DesktopBackend& operator=(const DesktopBackend&) = delete;
+    virtual ~DesktopBackend() = default;
+
+    /// The command line that Qt is given, after the program's name, in place of this process's own:
+    /// neither the user's arguments nor the environment choose what only this desktop can be.
+    /// Nothing of it reaches the programs that this one starts.
+    [[nodiscard]] virtual std::vector<std::string> qtArguments() const = 0;
+    /// To be held while Qt's application object is made, where Qt has to be kept from waiting for
+    /// somebody who does not answer.
+    [[nodiscard]] virtual std::shared_ptr<void> precaution() const = 0;
+    /// Opens the desktop; null, after saying why on standard error, when it is gone by now. Needs
+    /// Qt's application object, and the platform has to end before that.
+    [[nodiscard]] virtual std::unique_ptr<Platform> open() const = 0;
 };
 
 } // namespace tilewright

@@ -10,7 +10,10 @@
 
 int main(int argc, char** argv) {
     using namespace tilewright;
-    std::vector<std::string> arguments = DesktopBackend::qtArguments();
+    const std::unique_ptr<DesktopBackend> desktop = DesktopBackend::find();
+    if (!desktop)
+        return EXIT_FAILURE;
+    std::vector<std::string> arguments = desktop->qtArguments();
     arguments.emplace(arguments.begin(), argc > 0 ? argv[0] : "tilewright");
     std::vector<char*> pointers;
     pointers.reserve(arguments.size() + 1);
@@ -18,14 +21,14 @@ int main(int argc, char** argv) {
         pointers.push_back(argument.data());
     pointers.push_back(nullptr);
     int count = static_cast<int>(arguments.size());
-    std::shared_ptr<void> precaution = DesktopBackend::precaution();
+    std::shared_ptr<void> precaution = desktop->precaution();
     const QApplication application(count, pointers.data());
     precaution.reset();
     QApplication::setApplicationName(QStringLiteral("tilewright"));
     QApplication::setDesktopFileName(QStringLiteral("org.tilewright.Tilewright"));
     installAccessibleApplication();
 
-    const std::unique_ptr<Platform> platform = DesktopBackend::open();
+    const std::unique_ptr<Platform> platform = desktop->open();
     if (!platform)
         return EXIT_FAILURE;
     if (platform->instanceActivation.claim() == InstanceActivation::Claim::another)

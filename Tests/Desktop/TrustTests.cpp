@@ -383,19 +383,3 @@ TEST(TrustExplanations, HaveASentenceForEverythingThatCanBeMissing) {
         seen.push_back(text);
     }
 }
-
-TEST(WaylandSession, IsToldByTheEnvironment) {
-    const ScopedVariable type("XDG_SESSION_TYPE", QByteArray("x11"));
-    const ScopedVariable display("WAYLAND_DISPLAY", std::nullopt);
-    EXPECT_FALSE(X11Trust::isWaylandSession());
-    {
-        const ScopedVariable wayland("XDG_SESSION_TYPE", QByteArray("wayland"));
-        EXPECT_TRUE(X11Trust::isWaylandSession());
-    }
-    {
-        const ScopedVariable socket("WAYLAND_DISPLAY", QByteArray("wayland-0"));
-        EXPECT_TRUE(X11Trust::isWaylandSession());
-    }
-    const ScopedVariable none("XDG_SESSION_TYPE", std::nullopt);
-    EXPECT_FALSE(X11Trust::isWaylandSession());
-}

@@ -2,6 +2,7 @@
 // with its role, name and state, each within reach of the keyboard.
 
 #include <AccessibilityReader.h>
+#include <ListeningSocket.h>
 #include <ShellDesktop.h>
 #include <Waiting.h>
 
@@ -151,10 +152,10 @@ protected:
 };
 
 /// Where windows cannot be moved, and yet a window manager gives the keyboard to one of ours.
-class AccessibleViewsWithoutTrust : public AccessibleViews {
+class AccessibleViewsWithoutTrust : private PretendedWaylandSession, public AccessibleViews {
 protected:
     AccessibleViewsWithoutTrust()
-        : AccessibleViews({{u"XDG_SESSION_TYPE"_s, u"wayland"_s}}) {}
+        : AccessibleViews(PretendedWaylandSession::environment()) {}
 };
 
 } // namespace

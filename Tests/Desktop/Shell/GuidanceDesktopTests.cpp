@@ -2,6 +2,7 @@
 
 #include "ShellUser.h"
 
+#include <ListeningSocket.h>
 #include <Waiting.h>
 
 #include <QFile>
@@ -35,9 +36,11 @@ protected:
 TEST_F(GuidanceOnScreen, TheAccessibilityTabOpensAPageThatSaysWhatAWaylandSessionLacks) {
     desktop.startTray(TrayHost::systemTray);
     ShellUser user(desktop);
-    const Subprocess& program = user.startProgram({{u"XDG_SESSION_TYPE"_s, u"wayland"_s},
-                                                   {u"PATH"_s, pathWithHandler()},
-                                                   {u"QT_QPA_PLATFORM"_s, u"wayland"_s}});
+    const PretendedWaylandSession session;
+    std::map<QString, QString> environment = session.environment();
+    environment[u"PATH"_s] = pathWithHandler();
+    environment[u"QT_QPA_PLATFORM"_s] = u"wayland"_s;
+    const Subprocess& program = user.startProgram(environment);
     user.openSettings(u"Accessibility"_s);
     user.click(u"button"_s, u"Open Privacy & Security Settings"_s);
     ASSERT_TRUE(waitUntil([&] { return QFile::exists(notes()); }));

@@ -41,9 +41,10 @@ void detachQtFromSessionBus() {
 } // namespace
 
 FreeDesktopStatusItem::FreeDesktopStatusItem(const Screens& screens, PixelPlace pixelPlace,
-                                             MainLoop& loop, MessageBus& bus)
+                                             MainLoop& loop, MessageBus& bus, Otherwise otherwise)
     : screens_(screens)
     , pixelPlace_(std::move(pixelPlace))
+    , otherwise_(otherwise)
     , notifierItem_(loop, bus) {
     connect(&notifierItem_, &StatusNotifierItem::activated, this,
             [this](NativePixel click) { Q_EMIT activated(notifierPlace(click)); });
@@ -73,8 +74,9 @@ void FreeDesktopStatusItem::setAccessibleName(const QString& name) {
 void FreeDesktopStatusItem::chooseHost() {
     // Qt settles on the X11 tray for good when its first tray icon finds no notifier host,
     // which is the only moment at which one is made here.
-    const bool wantsSystemTray =
-        notifierItem_.isSettled() && !notifierItem_.isHosted() && !icon_.isNull();
+    const bool wantsSystemTray = otherwise_ == Otherwise::inSystemTray &&
+                                 notifierItem_.isSettled() && !notifierItem_.isHosted() &&
+                                 !icon_.isNull();
     if (wantsSystemTray == isInSystemTray())
         return;
     if (!wantsSystemTray) {

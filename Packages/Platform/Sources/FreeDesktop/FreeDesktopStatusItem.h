@@ -15,7 +15,7 @@ class QSystemTrayIcon;
 namespace tilewright {
 
 /// The status item of a Linux desktop: a status-notifier item wherever a host shows such items, and
-/// the X11 system tray where none does, for as long as none does.
+/// the X11 system tray, if there is one, where none does, for as long as none does.
 class FreeDesktopStatusItem final : public StatusItem {
     Q_OBJECT
 
@@ -23,9 +23,12 @@ public:
     /// Where the centre of a pixel is in AppKit screen space.
     using PixelPlace = std::function<AppKitPoint(NativePixel)>;
 
+    /// Where the item is shown while no host shows status-notifier items.
+    enum class Otherwise { inSystemTray, nowhere };
+
     /// The screens, the loop and the bus have to outlive the item.
     FreeDesktopStatusItem(const Screens& screens, PixelPlace pixelPlace, MainLoop& loop,
-                          MessageBus& bus);
+                          MessageBus& bus, Otherwise otherwise = Otherwise::inSystemTray);
     ~FreeDesktopStatusItem() override;
 
     void setSymbol(const QString& symbolName, const QIcon& icon) override;
@@ -42,6 +45,7 @@ private:
 
     const Screens& screens_;
     PixelPlace pixelPlace_;
+    const Otherwise otherwise_;
     StatusNotifierItem notifierItem_;
     std::unique_ptr<QSystemTrayIcon> systemTray_;
     QIcon icon_;

@@ -19,8 +19,7 @@ namespace tilewright {
 class X11Desktop {
 public:
     X11Desktop(X11Connection& connection, MainLoop& loop, MessageBus& sessionBus,
-               UserNotifications& notifications,
-               bool isWaylandSession = X11Trust::isWaylandSession(),
+               UserNotifications& notifications, bool isWaylandSession,
                const QProcessEnvironment& environment = QProcessEnvironment::systemEnvironment())
         : selection_(connection)
         , windowManager_(connection, selection_)

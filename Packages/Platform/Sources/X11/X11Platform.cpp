@@ -25,8 +25,10 @@ namespace tilewright {
 
 /// In the order in which they need each other.
 struct X11Platform::Parts {
-    explicit Parts(std::unique_ptr<X11Connection> opened)
-        : connection(std::move(opened)) {}
+    Parts(std::unique_ptr<X11Connection> opened, X11Session session)
+        : connection(std::move(opened))
+        , desktop(*connection, mainLoop, sessionBus, userNotifications,
+                  session == X11Session::besideWayland) {}
 
     std::unique_ptr<X11Connection> connection;
     QtMainLoop mainLoop;
@@ -38,7 +40,7 @@ struct X11Platform::Parts {
     X11InstanceActivation instanceActivation{*connection};
     X11ScreenSaver screenSaver{*connection};
     InhibitingPowerAssertions powerAssertions{mainLoop, &screenSaver, sessionBus, systemBus};
-    X11Desktop desktop{*connection, mainLoop, sessionBus, userNotifications};
+    X11Desktop desktop;
     X11EventMonitors eventMonitors{*connection,
                                    desktop.pointer(),
                                    {x11qt::ownsWindow, x11qt::hasGrab, x11qt::windowsTakingInput}};
@@ -64,12 +66,12 @@ PlatformServices X11Platform::Parts::services() {
             .instanceActivation = instanceActivation};
 }
 
-std::unique_ptr<X11Platform> X11Platform::open() {
+std::unique_ptr<X11Platform> X11Platform::open(X11Session session) {
     auto connection = X11Connection::open();
     if (!connection)
         return nullptr;
     return std::unique_ptr<X11Platform>(
-        new X11Platform(std::make_unique<Parts>(std::move(connection))));
+        new X11Platform(std::make_unique<Parts>(std::move(connection), session)));
 }
 
 X11Platform::X11Platform(std::unique_ptr<Parts> parts)

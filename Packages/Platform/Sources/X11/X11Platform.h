@@ -6,13 +6,21 @@
 
 namespace tilewright {
 
+/// Whose session an X server's is.
+enum class X11Session {
+    ofItsOwn,
+    /// It shows X programs in the session of a Wayland compositor, whose own windows cannot be
+    /// moved from here: windows are left alone, and the user is told why.
+    besideWayland,
+};
+
 /// The desktop of an X11 session: windows, input and displays from the X server, everything else
 /// from what Linux desktops share. Needs Qt's application object, running on X11, and has
 /// to end before it.
 class X11Platform final : public Platform {
 public:
     /// Null when there is no X server to speak to.
-    [[nodiscard]] static std::unique_ptr<X11Platform> open();
+    [[nodiscard]] static std::unique_ptr<X11Platform> open(X11Session session = X11Session::ofItsOwn);
     ~X11Platform() override;
 
     StatusItem& statusItem() override;

@@ -10,11 +10,6 @@ namespace {
 constexpr std::chrono::seconds loginPatience{10};
 } // namespace
 
-bool X11Trust::isWaylandSession() {
-    return qEnvironmentVariable("XDG_SESSION_TYPE") == QStringLiteral("wayland") ||
-           !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
-}
-
 X11Trust::X11Trust(X11Connection& connection, X11WindowManagerWatch& windowManager, MainLoop& loop,
                    UserNotifications& notifications, bool isWaylandSession)
     : connection_(connection)

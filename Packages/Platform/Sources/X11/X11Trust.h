@@ -28,12 +28,8 @@ public:
         windowManagerSupport,
     };
 
-    /// What a process's environment tells of its session.
-    [[nodiscard]] static bool isWaylandSession();
-
     X11Trust(X11Connection& connection, X11WindowManagerWatch& windowManager, MainLoop& loop,
-             UserNotifications& notifications,
-             bool isWaylandSession = X11Trust::isWaylandSession());
+             UserNotifications& notifications, bool isWaylandSession);
 
     [[nodiscard]] bool isTrusted() const { return lack() == Lack::nothing; }
     [[nodiscard]] Lack lack() const;

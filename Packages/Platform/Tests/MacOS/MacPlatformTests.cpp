@@ -24,7 +24,7 @@ struct OpenedBackend {
     OpenedBackend() {
         appKit.screens = {makeFacts({0, 0, 1440, 900}, 1, 25)};
         appKit.mainScreen = 0;
-        platform = DesktopBackend::open();
+        platform = DesktopBackend::find()->open();
     }
     FakeMacSystem system;
     FakeAppKit appKit;
@@ -34,7 +34,7 @@ struct OpenedBackend {
 } // namespace
 
 TEST(MacPlatform, IsTheBackendOfAProgramBuiltForMacOS) {
-    EXPECT_TRUE(DesktopBackend::qtArguments().empty()) << "Qt knows its desktop";
+    EXPECT_TRUE(DesktopBackend::find()->qtArguments().empty()) << "Qt knows its desktop";
     OpenedBackend backend;
     ASSERT_NE(backend.platform, nullptr);
     Platform& platform = *backend.platform;

@@ -1,0 +1,187 @@
+#include "WaylandPlatform.h"
+
+#include "UntrustedAccessibility.h"
+#include "WaylandPanelSurface.h"
+#include "WaylandScreens.h"
+
+#include <FreeDesktop/FreeDesktopAppearance.h>
+#include <FreeDesktop/FreeDesktopApplicationSupport.h>
+#include <FreeDesktop/FreeDesktopGuidance.h>
+#include <FreeDesktop/FreeDesktopInstanceActivation.h>
+#include <FreeDesktop/FreeDesktopStatusItem.h>
+#include <FreeDesktop/FreeDesktopUserDefaults.h>
+#include <FreeDesktop/FreeDesktopUserNotifications.h>
+#include <FreeDesktop/InhibitingPowerAssertions.h>
+#include <FreeDesktop/MessageBus.h>
+#include <Platform/QtMainLoop.h>
+
+#include <QCoreApplication>
+#include <QCursor>
+#include <QGuiApplication>
+#include <QWindow>
+#include <optional>
+
+namespace tilewright {
+
+namespace {
+
+QString explanation() {
+    return QCoreApplication::translate(
+        "tilewright::X11Trust",
+        "Windows can be moved in an X11 session only. Choose one when you log in.");
+}
+
+class WaylandPointer final : public Pointer {
+public:
+    explicit WaylandPointer(const WaylandScreens& screens)
+        : screens_(screens) {}
+    /// As of the last time that it was over a window of this program.
+    [[nodiscard]] AppKitPoint location() const override {
+        return screens_.toAppKit(QCursor::pos());
+    }
+
+private:
+    const WaylandScreens& screens_;
+};
+
+/// No compositor lets a program watch input.
+class NoEventMonitors final : public EventMonitors {
+public:
+    [[nodiscard]] std::optional<MonitorToken> addGlobalMonitor(EventMask, Handler) override {
+        return std::nullopt;
+    }
+    [[nodiscard]] std::optional<MonitorToken> addLocalMonitor(EventMask, Handler) override {
+        return std::nullopt;
+    }
+    void removeMonitor(MonitorToken) override {}
+};
+
+/// Without input there is no drag that could show it.
+class NoOverlaySurface final : public OverlaySurface {
+public:
+    void setScreen(const ScreenPtr&) override {}
+    void orderFront() override {}
+    void orderOut() override {}
+};
+
+class WaylandWorkspace final : public Workspace {
+public:
+    explicit WaylandWorkspace(UserNotifications& notifications)
+        : guidance_(notifications) {}
+
+    [[nodiscard]] std::optional<ProcessID> frontmostApplication() const override {
+        return std::nullopt;
+    }
+    [[nodiscard]] std::optional<QString> localizedName(ProcessID) const override {
+        return std::nullopt;
+    }
+    void openAccessibilitySettings() override {
+        guidance_.show({FreeDesktopGuidance::Setting::none, QStringLiteral("x11-session.html"),
+                        QCoreApplication::translate("tilewright::X11Workspace", "Window control"),
+                        explanation()});
+    }
+    void activateThisApplication() override {
+        const QWindowList windows = QGuiApplication::topLevelWindows();
+        for (auto it = windows.crbegin(); it != windows.crend(); ++it) {
+            if (!(*it)->isVisible())
+                continue;
+            (*it)->raise();
+            (*it)->requestActivate();
+            return;
+        }
+    }
+
+private:
+    FreeDesktopGuidance guidance_;
+};
+
+class WaylandAppearance final : public Appearance {
+public:
+    explicit WaylandAppearance(MessageBus& bus)
+        : session_(bus) {
+        connect(&session_, &FreeDesktopAppearance::reducedMotionChanged, this,
+                &Appearance::prefersReducedMotionChanged);
+        connect(&session_, &FreeDesktopAppearance::darkChanged, this,
+                &Appearance::prefersDarkChanged);
+    }
+    [[nodiscard]] bool blendsWindows() const override { return true; }
+    [[nodiscard]] std::optional<bool> prefersReducedMotion() const override {
+        return session_.prefersReducedMotion();
+    }
+    [[nodiscard]] bool prefersDark() const override { return session_.prefersDark(); }
+
+private:
+    FreeDesktopAppearance session_;
+};
+
+} // namespace
+
+/// In the order in which they need each other.
+struct WaylandPlatform::Parts {
+    QtMainLoop mainLoop;
+    FreeDesktopUserDefaults userDefaults;
+    FreeDesktopApplicationSupport applicationSupport;
+    MessageBus sessionBus{mainLoop, MessageBus::Kind::session};
+    MessageBus systemBus{mainLoop, MessageBus::Kind::system};
+    FreeDesktopUserNotifications userNotifications{sessionBus};
+    FreeDesktopInstanceActivation instanceActivation{qEnvironmentVariable("WAYLAND_DISPLAY"),
+                                                     sessionBus.connection()};
+    InhibitingPowerAssertions powerAssertions{mainLoop, nullptr, sessionBus, systemBus};
+    WaylandScreens screens{mainLoop};
+    WaylandPointer pointer{screens};
+    NoEventMonitors eventMonitors;
+    UntrustedAccessibility accessibility{[this] {
+        userNotifications.show(
+            QCoreApplication::translate("tilewright::X11Trust", "Tilewright cannot move windows"),
+            explanation());
+    }};
+    WaylandWorkspace workspace{userNotifications};
+    WaylandAppearance appearance{sessionBus};
+    std::optional<FreeDesktopStatusItem> statusItem;
+
+    [[nodiscard]] PlatformServices services() {
+        return {.screens = screens,
+                .pointer = pointer,
+                .eventMonitors = eventMonitors,
+                .accessibility = accessibility,
+                .workspace = workspace,
+                .appearance = appearance,
+                .powerAssertions = powerAssertions,
+                .userDefaults = userDefaults,
+                .mainLoop = mainLoop,
+                .applicationSupport = applicationSupport,
+                .instanceActivation = instanceActivation};
+    }
+};
+
+WaylandPlatform::WaylandPlatform()
+    : WaylandPlatform(std::make_unique<Parts>()) {}
+WaylandPlatform::WaylandPlatform(std::unique_ptr<Parts> parts)
+    : Platform(parts->services())
+    , parts_(std::move(parts)) {}
+WaylandPlatform::~WaylandPlatform() = default;
+
+StatusItem& WaylandPlatform::statusItem() {
+    if (!parts_->statusItem) {
+        const WaylandScreens& displays = parts_->screens;
+        parts_->statusItem.emplace(
+            displays,
+            [&displays](NativePixel pixel) {
+                return displays.toAppKit({pixel.x, pixel.y});
+            },
+            FreeDesktopStatusItem::Otherwise::nowhere);
+    }
+    return *parts_->statusItem;
+}
+
+std::unique_ptr<OverlaySurface> WaylandPlatform::makeOverlaySurface(std::shared_ptr<OverlayView>) {
+    return std::make_unique<NoOverlaySurface>();
+}
+
+std::unique_ptr<PanelSurface>
+WaylandPlatform::makePanelSurface(PanelSurface::ViewFactory makeView,
+                                  std::unique_ptr<PanelChrome> chrome) {
+    return std::make_unique<WaylandPanelSurface>(std::move(makeView), std::move(chrome));
+}
+
+} // namespace tilewright

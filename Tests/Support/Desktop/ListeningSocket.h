@@ -1,0 +1,54 @@
+#pragma once
+
+#include <QFile>
+#include <QString>
+#include <QTemporaryDir>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <map>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+namespace tilewright::testing {
+
+/// A socket that listens, as a compositor's or a bus's does, and answers nobody. It stays in its
+/// folder when it listens no more, as that of a process that was killed.
+class ListeningSocket {
+public:
+    explicit ListeningSocket(const QString& path)
+        : descriptor_(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        const QByteArray name = QFile::encodeName(path);
+        EXPECT_LT(static_cast<std::size_t>(name.size()), sizeof address.sun_path);
+        std::memcpy(address.sun_path, name.constData(), static_cast<std::size_t>(name.size()));
+        EXPECT_EQ(::bind(descriptor_, reinterpret_cast<const sockaddr*>(&address), sizeof address),
+                  0);
+        EXPECT_EQ(::listen(descriptor_, 1), 0);
+    }
+    ListeningSocket(const ListeningSocket&) = delete;
+    ListeningSocket& operator=(const ListeningSocket&) = delete;
+    ~ListeningSocket() { ::close(descriptor_); }
+
+private:
+    int descriptor_;
+};
+
+/// What a program that is started with this in its environment takes for a Wayland session beside
+/// an X server that does not say whose it is.
+class PretendedWaylandSession {
+public:
+    [[nodiscard]] std::map<QString, QString> environment() const {
+        return {{QStringLiteral("XDG_SESSION_TYPE"), QStringLiteral("wayland")},
+                {QStringLiteral("WAYLAND_DISPLAY"), path()}};
+    }
+
+private:
+    [[nodiscard]] QString path() const { return folder_.filePath(QStringLiteral("wayland")); }
+
+    QTemporaryDir folder_;
+    ListeningSocket compositor_{path()};
+};
+
+} // namespace tilewright::testing

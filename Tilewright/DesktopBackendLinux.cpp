@@ -1,0 +1,91 @@
+#include "DesktopBackend.h"
+
+#include <FreeDesktop/BusPrecaution.h>
+#include <FreeDesktop/WaylandSocket.h>
+#include <Tilewright/DesktopChoice.h>
+#include <Wayland/WaylandPlatform.h>
+#include <X11/X11Platform.h>
+#include <X11/X11ServerProbe.h>
+
+#include <QFile>
+#include <QProcessEnvironment>
+#include <cstdio>
+
+namespace tilewright {
+
+namespace {
+
+class LinuxBackend : public DesktopBackend {
+public:
+    [[nodiscard]] std::shared_ptr<void> precaution() const final {
+        return std::make_shared<BusPrecaution>();
+    }
+};
+
+class X11Backend final : public LinuxBackend {
+public:
+    explicit X11Backend(X11Session session)
+        : session_(session) {}
+
+    [[nodiscard]] std::vector<std::string> qtArguments() const override {
+        return {"-platform", "xcb"};
+    }
+    [[nodiscard]] std::unique_ptr<Platform> open() const override {
+        auto platform = X11Platform::open(session_);
+        if (!platform)
+            std::fputs("tilewright: the X server is gone\n", stderr);
+        return platform;
+    }
+
+private:
+    X11Session session_;
+};
+
+class WaylandBackend final : public LinuxBackend {
+public:
+    [[nodiscard]] std::vector<std::string> qtArguments() const override {
+        return {"-platform", "wayland"};
+    }
+    [[nodiscard]] std::unique_ptr<Platform> open() const override {
+        return std::make_unique<WaylandPlatform>();
+    }
+};
+
+SessionFacts::XServer factOf(X11Server server) {
+    switch (server) {
+    case X11Server::independent:
+        return SessionFacts::XServer::independent;
+    case X11Server::besideWayland:
+        return SessionFacts::XServer::besideWayland;
+    case X11Server::none:
+        break;
+    }
+    return SessionFacts::XServer::none;
+}
+
+} // namespace
+
+std::unique_ptr<DesktopBackend> DesktopBackend::find() {
+    const QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    SessionFacts facts;
+    facts.xServer = factOf(probeX11Server());
+    facts.hasWaylandCompositor = isWaylandCompositorThere(environment);
+    facts.isCalledWayland =
+        environment.value(QStringLiteral("XDG_SESSION_TYPE")) == QStringLiteral("wayland");
+    switch (chooseDesktop(facts)) {
+    case DesktopChoice::x11:
+        return std::make_unique<X11Backend>(X11Session::ofItsOwn);
+    case DesktopChoice::x11BesideWayland:
+        return std::make_unique<X11Backend>(X11Session::besideWayland);
+    case DesktopChoice::wayland:
+        return std::make_unique<WaylandBackend>();
+    case DesktopChoice::none:
+        break;
+    }
+    const QByteArray message = QFile::encodeName(noDesktopMessage(
+        environment.value(QStringLiteral("DISPLAY")), waylandSocketPath(environment)));
+    std::fprintf(stderr, "tilewright: %s\n", message.constData());
+    return nullptr;
+}
+
+} // namespace tilewright
