@@ -169,7 +169,7 @@ StatusItem& WaylandPlatform::statusItem() {
             [&displays](NativePixel pixel) {
                 return displays.toAppKit({pixel.x, pixel.y});
             },
-            FreeDesktopStatusItem::Otherwise::nowhere);
+            parts_->mainLoop, parts_->sessionBus, FreeDesktopStatusItem::Otherwise::nowhere);
     }
     return *parts_->statusItem;
 }
