@@ -18,6 +18,8 @@ public:
     /// process's own: neither the user's arguments nor the environment choose what only this
     /// desktop can be. Nothing of it reaches the programs that this one starts.
     [[nodiscard]] static std::vector<std::string> qtArguments();
+    /// What has to be in place before Qt's application object is made, and goes once that has been.
+    [[nodiscard]] static std::shared_ptr<void> precaution();
     /// Opens the desktop; null, after saying why on standard error, when there is none. Needs Qt's
     /// application object, and has to end before it.
     [[nodiscard]] static std::unique_ptr<Platform> open();

@@ -1,5 +1,6 @@
 #include "DesktopBackend.h"
 
+#include <FreeDesktop/BusPrecaution.h>
 #include <X11/X11Platform.h>
 
 #include <cstdio>
@@ -9,6 +10,10 @@ namespace tilewright {
 std::vector<std::string> DesktopBackend::qtArguments() {
     // The windows of an X server are what is moved, also where a Wayland compositor runs beside it.
     return {"-platform", "xcb"};
+}
+
+std::shared_ptr<void> DesktopBackend::precaution() {
+    return std::make_shared<BusPrecaution>();
 }
 
 std::unique_ptr<Platform> DesktopBackend::open() {

@@ -18,7 +18,9 @@ int main(int argc, char** argv) {
         pointers.push_back(argument.data());
     pointers.push_back(nullptr);
     int count = static_cast<int>(arguments.size());
+    std::shared_ptr<void> precaution = DesktopBackend::precaution();
     const QApplication application(count, pointers.data());
+    precaution.reset();
     QApplication::setApplicationName(QStringLiteral("tilewright"));
     QApplication::setDesktopFileName(QStringLiteral("org.tilewright.Tilewright"));
     installAccessibleApplication();

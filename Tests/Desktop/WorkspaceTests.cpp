@@ -159,7 +159,8 @@ TEST(ApplicationsOfAWaylandSession, AreToldThatAnX11SessionIsNeeded) {
     const auto connection = X11Connection::open(desktop.display());
     FakeMainLoop loop;
     FakeUserNotifications notifications;
-    X11Desktop x11(*connection, loop, notifications, true, {});
+    MessageBus bus(loop, MessageBus::Kind::session);
+    X11Desktop x11(*connection, loop, bus, notifications, true, {});
     EXPECT_FALSE(x11.accessibility().isTrusted());
     x11.workspace().openAccessibilitySettings();
     ASSERT_EQ(notifications.shown.size(), 1U);

@@ -41,7 +41,8 @@ protected:
         QDBusConnection::connectToBus(desktop.session().busAddress(), u"late server"_s);
     QtMainLoop loop;
     X11ScreenSaver screenSaver{*connection};
-    InhibitingPowerAssertions assertions{loop, &screenSaver, bus, bus};
+    MessageBus messageBus{bus};
+    InhibitingPowerAssertions assertions{loop, &screenSaver, messageBus, messageBus};
 
 private:
     void sync() {

@@ -2,6 +2,8 @@
 
 #include "ShellUser.h"
 
+#include <Displays.h>
+#include <DragScript.h>
 #include <TestClients.h>
 #include <Waiting.h>
 
@@ -72,6 +74,52 @@ TEST_F(Lifecycle, OpensThePanelOfTheFirstInstanceOnASecondStart) {
     const QRect panel = desktop.panel().value_or(QRect());
     EXPECT_NEAR(panel.center().x(), 960, 2);
     EXPECT_TRUE(QRect(0, 0, 1920, 1080).contains(panel));
+}
+
+TEST_F(Lifecycle, IsFoundByASecondStartThoughTheSessionsBusIsGone) {
+    Subprocess& program = desktop.startProgram();
+    const auto opensOnASecondStart = [&] {
+        return waitUntil([&] {
+            EXPECT_EQ(desktop.startAgain(), 0);
+            return desktop.panel().has_value();
+        });
+    };
+    ASSERT_TRUE(opensOnASecondStart());
+    desktop.input().tapKey(keysym::escape);
+    ASSERT_TRUE(desktop.waitForPanel(false));
+    desktop.session().bus().stop();
+    EXPECT_TRUE(opensOnASecondStart());
+    EXPECT_TRUE(program.isRunning());
+}
+
+TEST_F(Lifecycle, WorksWhileTheSessionsBusSaysNothingAndJoinsItWhenItAnswers) {
+    IdleService idle(desktop.session().busAddress());
+    desktop.startTray(TrayHost::systemTray);
+    desktop.session().bus().signal(SIGSTOP);
+    Subprocess& program = desktop.startProgram();
+    desktop.startSession();
+    desktop.session().bus().signal(SIGCONT);
+    EXPECT_TRUE(waitUntil([&] { return idle.isInhibited(); }));
+    program.signal(SIGTERM);
+    EXPECT_TRUE(program.waitForEnd());
+    EXPECT_EQ(program.exitCode(), 0);
+    EXPECT_TRUE(waitUntil([&] { return !idle.isInhibited(); }));
+}
+
+TEST(LifecycleOnASilentBus, BeginsWithSnappingWindows) {
+    DesktopSession desktop;
+    ASSERT_TRUE(desktop.startWindowManager(WindowManagerKind::openbox));
+    assignLayouts(desktop, {ZoneLayout::thirds()});
+    const TestClient client = startClient(desktop, ClientKind::qt, {300, 300, 640, 420});
+    ASSERT_NE(client.window, 0U);
+    desktop.bus().signal(SIGSTOP);
+    RunningProgram program(desktop);
+    DragScript script(desktop, program);
+    const QRect frame = zoneFrame(ZoneLayout::thirds().zones[2], workArea(desktop.inspector()));
+    script.run(client, KeyTiming::afterTheDragBegan, frame.center());
+    expectFills(desktop.inspector(), ClientKind::qt, client, frame);
+    EXPECT_TRUE(program.isRunning());
+    desktop.bus().signal(SIGCONT);
 }
 
 TEST_F(Lifecycle, StartsAgainAfterItWasKilled) {

@@ -34,11 +34,15 @@ bool isKeyboardTaken(const XInspector& look) {
 }
 
 /// Whether somebody takes items of the X11 system tray in.
-bool hasSystemTray(const XInspector& look) {
+bool isOwned(const XInspector& look, const char* selection) {
     const XReply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
-        look.connection(),
-        xcb_get_selection_owner(look.connection(), look.atom("_NET_SYSTEM_TRAY_S0")), nullptr));
+        look.connection(), xcb_get_selection_owner(look.connection(), look.atom(selection)),
+        nullptr));
     return reply && reply->owner != 0;
+}
+
+bool hasSystemTray(const XInspector& look) {
+    return isOwned(look, "_NET_SYSTEM_TRAY_S0");
 }
 
 QString callOnBus(const DesktopSession& session, const QString& service, const QStringList& call) {
@@ -127,8 +131,7 @@ Subprocess& ShellDesktop::startProgram(const QString& path,
                                        const QStringList& arguments) {
     program_ = &session_.start(path.isEmpty() ? program() : path, arguments, moreEnvironment);
     // From then on another start finds it.
-    EXPECT_TRUE(waitUntil(
-        [&] { return isOnBus(session_, QStringLiteral("org.tilewright.Tilewright.Display")); }));
+    EXPECT_TRUE(waitUntil([&] { return isOwned(inspector(), "_TILEWRIGHT_INSTANCE"); }));
     return *program_;
 }
 

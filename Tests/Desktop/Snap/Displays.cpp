@@ -76,7 +76,8 @@ void assignLayouts(DesktopSession& desktop, const std::vector<ZoneLayout>& layou
     ASSERT_TRUE(connection);
     QtMainLoop loop;
     FakeUserNotifications notifications;
-    X11Desktop x11(*connection, loop, notifications, false);
+    MessageBus bus(loop, MessageBus::Kind::session);
+    X11Desktop x11(*connection, loop, bus, notifications, false);
     const auto& screens = x11.screens().all();
     ASSERT_EQ(screens.size(), layouts.size());
     const QString folder = desktop.home() + QStringLiteral("/.local/share/Tilewright");

@@ -3,6 +3,7 @@
 #include "FakeUserNotifications.h"
 
 #include <FakePlatform.h>
+#include <FreeDesktop/MessageBus.h>
 #include <Platform/QtMainLoop.h>
 #include <X11/X11Desktop.h>
 #include <X11/X11EventMonitors.h>
@@ -14,11 +15,12 @@ namespace tilewright::testing {
 struct X11TestParts {
     explicit X11TestParts(const QString& display)
         : connection(X11Connection::open(display))
-        , desktop(*connection, loop, notifications, false, {}) {}
+        , desktop(*connection, loop, sessionBus, notifications, false, {}) {}
 
     QtMainLoop loop;
     FakePlatform fakes;
     FakeUserNotifications notifications;
+    MessageBus sessionBus{loop, MessageBus::Kind::session};
     std::unique_ptr<X11Connection> connection;
     X11Desktop desktop;
     X11EventMonitors eventMonitors{*connection, desktop.pointer(), {}};

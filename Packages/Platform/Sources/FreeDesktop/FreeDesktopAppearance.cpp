@@ -64,13 +64,20 @@ std::optional<bool> combinedMotionWish(std::optional<bool> first, std::optional<
     return first ? first : second;
 }
 
-FreeDesktopAppearance::FreeDesktopAppearance(QDBusConnection bus)
-    : bus_(std::move(bus))
-    , portal_(bus_, portal()) {
+FreeDesktopAppearance::FreeDesktopAppearance(MessageBus& bus)
+    : bus_(bus) {
     static_assert(settings.size() == settingCount);
     // Slots that take it cannot be connected before Qt knows the type.
     qRegisterMetaType<QDBusVariant>();
-    connect(&portal_, &BusNameOwner::changed, this, &FreeDesktopAppearance::followPortal);
+    connect(&bus_, &MessageBus::joined, this, &FreeDesktopAppearance::joinBus);
+    if (bus_.isJoined())
+        joinBus();
+}
+
+void FreeDesktopAppearance::joinBus() {
+    heard_.clear();
+    portal_ = std::make_unique<BusNameOwner>(bus_.connection(), portal());
+    connect(portal_.get(), &BusNameOwner::changed, this, &FreeDesktopAppearance::followPortal);
 }
 
 FreeDesktopAppearance::~FreeDesktopAppearance() = default;
@@ -88,13 +95,14 @@ bool FreeDesktopAppearance::prefersDark() const {
 void FreeDesktopAppearance::followPortal() {
     const QString signal = QStringLiteral("SettingChanged");
     const char* const slot = SLOT(settingChanged(QString, QString, QDBusVariant));
+    QDBusConnection bus = bus_.connection();
     // The bus passes on nobody else's signals then, at no cost to this process.
     if (!heard_.isEmpty())
-        bus_.disconnect(heard_, portalPath(), settingsInterface(), signal, this, slot);
-    heard_ = portal_.owner();
+        bus.disconnect(heard_, portalPath(), settingsInterface(), signal, this, slot);
+    heard_ = portal_->owner();
     if (heard_.isEmpty())
         return;
-    bus_.connect(heard_, portalPath(), settingsInterface(), signal, this, slot);
+    bus.connect(heard_, portalPath(), settingsInterface(), signal, this, slot);
     readAll();
 }
 
@@ -107,7 +115,7 @@ void FreeDesktopAppearance::readAll() {
     groups.removeDuplicates();
     call << groups;
     changedSince_.reset();
-    auto* pending = new QDBusPendingCallWatcher(bus_.asyncCall(call), this);
+    auto* pending = new QDBusPendingCallWatcher(bus_.connection().asyncCall(call), this);
     connect(pending, &QDBusPendingCallWatcher::finished, this,
             [this, generation = ++generation_](QDBusPendingCallWatcher* finished) {
                 finished->deleteLater();

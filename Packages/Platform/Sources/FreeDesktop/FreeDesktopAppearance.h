@@ -1,12 +1,13 @@
 #pragma once
 
 #include "BusNameOwner.h"
+#include "MessageBus.h"
 
-#include <QDBusConnection>
 #include <QDBusVariant>
 #include <QObject>
 #include <array>
 #include <bitset>
+#include <memory>
 #include <optional>
 
 namespace tilewright {
@@ -19,12 +20,13 @@ namespace tilewright {
 /// How the user wishes programs to look and to move, as the desktop portal's settings tell it,
 /// followed by their signal. The portal is not started for this; one that starts later is asked
 /// then. Nobody but the portal is heard, and nothing of what it tells is kept but these wishes.
-/// Without a session bus nothing is known. Main thread only.
+/// Without a session bus nothing is known; when it goes, what it told stands. Main thread only.
 class FreeDesktopAppearance final : public QObject {
     Q_OBJECT
 
 public:
-    explicit FreeDesktopAppearance(QDBusConnection bus = QDBusConnection::sessionBus());
+    /// The bus has to outlive this.
+    explicit FreeDesktopAppearance(MessageBus& bus);
     ~FreeDesktopAppearance() override;
 
     /// None while the portal says nothing about it.
@@ -52,12 +54,13 @@ private:
     /// What each setting says of what the user wishes; none where it says nothing.
     using Wishes = std::array<std::optional<bool>, settingCount>;
 
+    void joinBus();
     void followPortal();
     void readAll();
     void take(const Wishes& wishes);
 
-    QDBusConnection bus_;
-    BusNameOwner portal_;
+    MessageBus& bus_;
+    std::unique_ptr<BusNameOwner> portal_;
     /// The portal's address whose signals are listened to; empty while there is none.
     QString heard_;
     int generation_ = 0;

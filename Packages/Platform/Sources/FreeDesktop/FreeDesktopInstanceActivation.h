@@ -7,15 +7,15 @@
 
 namespace tilewright {
 
-/// One instance per display, by a name on the session bus. Without a bus every start is the first.
+/// One instance per display, by a name on the session bus: for desktops whose display server keeps
+/// no such names itself. Without a bus every start is the first.
 class FreeDesktopInstanceActivation final : public InstanceActivation {
     Q_OBJECT
 
 public:
     /// `display` names the display as $DISPLAY does, such as ":0" or "host:10.0"; all screens of
     /// one display are the same.
-    explicit FreeDesktopInstanceActivation(const QString& display,
-                                           QDBusConnection bus = QDBusConnection::sessionBus());
+    FreeDesktopInstanceActivation(const QString& display, QDBusConnection bus);
     ~FreeDesktopInstanceActivation() override;
 
     /// Blocks for a few seconds at most, and that only when the bus or the other instance hangs.

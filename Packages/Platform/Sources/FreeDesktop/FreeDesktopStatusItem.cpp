@@ -2,6 +2,7 @@
 
 #include "StatusNotifierPixmap.h"
 
+#include <QDBusConnection>
 #include <QStandardPaths>
 #include <QSystemTrayIcon>
 #include <array>
@@ -29,13 +30,21 @@ QIcon trayIcon(const QIcon& icon) {
     return tray;
 }
 
+/// Qt asks the watcher for its host too before it makes its first tray icon, and believes whatever
+/// it says, or waits for 25 s.
+void detachQtFromSessionBus() {
+    const QDBusConnection bus = QDBusConnection::sessionBus();
+    if (bus.isConnected())
+        QDBusConnection::disconnectFromBus(bus.name());
+}
+
 } // namespace
 
 FreeDesktopStatusItem::FreeDesktopStatusItem(const Screens& screens, PixelPlace pixelPlace,
-                                             QDBusConnection bus)
+                                             MainLoop& loop, MessageBus& bus)
     : screens_(screens)
     , pixelPlace_(std::move(pixelPlace))
-    , notifierItem_(std::move(bus)) {
+    , notifierItem_(loop, bus) {
     connect(&notifierItem_, &StatusNotifierItem::activated, this,
             [this](NativePixel click) { Q_EMIT activated(notifierPlace(click)); });
     connect(&notifierItem_, &StatusNotifierItem::hostedChanged, this,
@@ -72,6 +81,8 @@ void FreeDesktopStatusItem::chooseHost() {
         systemTray_.reset();
         return;
     }
+    if (notifierItem_.trust() == StatusNotifierItem::Trust::none)
+        detachQtFromSessionBus();
     systemTray_ = std::make_unique<QSystemTrayIcon>();
     systemTray_->setIcon(systemTrayIcon());
     systemTray_->setToolTip(name_);

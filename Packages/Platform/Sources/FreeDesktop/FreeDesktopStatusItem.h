@@ -5,7 +5,6 @@
 #include <Platform/Screens.h>
 #include <Platform/StatusItem.h>
 
-#include <QDBusConnection>
 #include <QIcon>
 #include <functional>
 #include <map>
@@ -24,9 +23,9 @@ public:
     /// Where the centre of a pixel is in AppKit screen space.
     using PixelPlace = std::function<AppKitPoint(NativePixel)>;
 
-    /// The screens have to outlive the item.
-    FreeDesktopStatusItem(const Screens& screens, PixelPlace pixelPlace,
-                          QDBusConnection bus = QDBusConnection::sessionBus());
+    /// The screens, the loop and the bus have to outlive the item.
+    FreeDesktopStatusItem(const Screens& screens, PixelPlace pixelPlace, MainLoop& loop,
+                          MessageBus& bus);
     ~FreeDesktopStatusItem() override;
 
     void setSymbol(const QString& symbolName, const QIcon& icon) override;

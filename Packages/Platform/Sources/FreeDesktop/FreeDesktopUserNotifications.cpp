@@ -1,7 +1,6 @@
 #include "FreeDesktopUserNotifications.h"
 
 #include <QDBusMessage>
-#include <QDBusPendingCall>
 #include <QVariantMap>
 
 namespace tilewright {
@@ -11,11 +10,11 @@ constexpr quint32 replacesNone = 0;
 constexpr qint32 expiresAsTheServiceLikes = -1;
 } // namespace
 
-FreeDesktopUserNotifications::FreeDesktopUserNotifications(QDBusConnection bus)
-    : bus_(std::move(bus)) {}
+FreeDesktopUserNotifications::FreeDesktopUserNotifications(const MessageBus& bus)
+    : bus_(bus) {}
 
 void FreeDesktopUserNotifications::show(const QString& title, const QString& text) {
-    if (!bus_.isConnected())
+    if (!bus_.isJoined())
         return;
     QDBusMessage call = QDBusMessage::createMethodCall(
         QStringLiteral("org.freedesktop.Notifications"),
@@ -27,7 +26,7 @@ void FreeDesktopUserNotifications::show(const QString& title, const QString& tex
     // The body may be read as markup.
     call << QStringLiteral("Tilewright") << replacesNone << QStringLiteral("tilewright") << title
          << text.toHtmlEscaped() << QStringList() << hints << expiresAsTheServiceLikes;
-    bus_.asyncCall(call);
+    bus_.connection().send(call);
 }
 
 } // namespace tilewright

@@ -1,20 +1,20 @@
 #pragma once
 
+#include "MessageBus.h"
 #include "UserNotifications.h"
-
-#include <QDBusConnection>
 
 namespace tilewright {
 
 /// Messages shown by the desktop's notification service (org.freedesktop.Notifications).
 class FreeDesktopUserNotifications final : public UserNotifications {
 public:
-    explicit FreeDesktopUserNotifications(QDBusConnection bus = QDBusConnection::sessionBus());
+    /// The bus has to outlive this. While it does not answer nothing is shown.
+    explicit FreeDesktopUserNotifications(const MessageBus& bus);
 
     void show(const QString& title, const QString& text) override;
 
 private:
-    QDBusConnection bus_;
+    const MessageBus& bus_;
 };
 
 } // namespace tilewright

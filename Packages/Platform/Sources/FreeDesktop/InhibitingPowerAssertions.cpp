@@ -53,14 +53,21 @@ void waitForFirstGrant(const Inhibitions& inhibitions, const QDeadlineTimer& dea
 } // namespace
 
 InhibitingPowerAssertions::InhibitingPowerAssertions(MainLoop& loop, ScreenSaver* screenSaver,
-                                                     QDBusConnection sessionBus,
-                                                     QDBusConnection systemBus,
+                                                     MessageBus& sessionBus, MessageBus& systemBus,
                                                      std::chrono::milliseconds bound)
     : loop_(loop)
     , screenSaver_(screenSaver)
-    , sessionBus_(std::move(sessionBus))
-    , systemBus_(std::move(systemBus))
-    , bound_(bound) {}
+    , sessionBus_(sessionBus)
+    , systemBus_(systemBus)
+    , bound_(bound) {
+    for (const IdleService::Bus bus : {IdleService::Bus::session, IdleService::Bus::system}) {
+        QObject::connect(&busOf(bus), &MessageBus::left, &owner_, [this, bus] { leave(bus); });
+        QObject::connect(&busOf(bus), &MessageBus::joined, &owner_, [this, bus] {
+            for (auto& [id, assertion] : assertions_)
+                askOn(bus, assertion);
+        });
+    }
+}
 
 InhibitingPowerAssertions::~InhibitingPowerAssertions() = default;
 
@@ -97,16 +104,38 @@ void InhibitingPowerAssertions::release(PowerAssertionID id) {
 
 InhibitingPowerAssertions::Assertion InhibitingPowerAssertions::ask(const QString& reason) {
     Assertion assertion;
-    for (const IdleService& service : idleServices()) {
-        const QDBusConnection& bus =
-            service.bus == IdleService::Bus::session ? sessionBus_ : systemBus_;
-        if (bus.isConnected())
-            assertion.inhibitions.push_back(
-                new IdleInhibition(loop_, service, bus, reason, &owner_));
-    }
+    assertion.reason = reason;
+    for (const IdleService::Bus bus : {IdleService::Bus::session, IdleService::Bus::system})
+        askOn(bus, assertion);
     if (screenSaver_)
         screenSaver_->suspend();
     return assertion;
+}
+
+void InhibitingPowerAssertions::askOn(IdleService::Bus bus, Assertion& assertion) {
+    if (!busOf(bus).isJoined())
+        return;
+    for (const IdleService& service : idleServices()) {
+        if (service.bus == bus)
+            assertion.inhibitions.push_back(new IdleInhibition(
+                loop_, service, busOf(bus).connection(), assertion.reason, &owner_));
+    }
+}
+
+void InhibitingPowerAssertions::leave(IdleService::Bus bus) {
+    // What was granted has ended with the bus. A descriptor has not: it is given back.
+    for (auto& [id, assertion] : assertions_) {
+        std::erase_if(assertion.inhibitions, [bus](IdleInhibition* inhibition) {
+            if (inhibition->service().bus != bus)
+                return false;
+            inhibition->end();
+            return true;
+        });
+    }
+}
+
+MessageBus& InhibitingPowerAssertions::busOf(IdleService::Bus bus) {
+    return bus == IdleService::Bus::session ? sessionBus_ : systemBus_;
 }
 
 void InhibitingPowerAssertions::end(const Assertion& assertion) {

@@ -1,11 +1,12 @@
 #pragma once
 
+#include "IdleService.h"
+#include "MessageBus.h"
 #include "ScreenSaver.h"
 
 #include <Platform/MainLoop.h>
 #include <Platform/PowerAssertions.h>
 
-#include <QDBusConnection>
 #include <QObject>
 #include <chrono>
 #include <map>
@@ -27,12 +28,10 @@ public:
     /// How long `create` takes at most, the display server included.
     static constexpr std::chrono::milliseconds answerBound{300};
 
-    /// `screenSaver` may be null where there is none; it and the loop outlive this. Buses that are
-    /// not connected count as buses with nothing on them.
-    explicit InhibitingPowerAssertions(MainLoop& loop, ScreenSaver* screenSaver,
-                                       QDBusConnection sessionBus = QDBusConnection::sessionBus(),
-                                       QDBusConnection systemBus = QDBusConnection::systemBus(),
-                                       std::chrono::milliseconds bound = answerBound);
+    /// `screenSaver` may be null where there is none; it, the loop and the buses outlive this. A
+    /// bus that is not there counts as one with nothing on it until it comes, or comes back.
+    InhibitingPowerAssertions(MainLoop& loop, ScreenSaver* screenSaver, MessageBus& sessionBus,
+                              MessageBus& systemBus, std::chrono::milliseconds bound = answerBound);
     ~InhibitingPowerAssertions() override;
 
     [[nodiscard]] PowerAssertionResult create(const QString& type, quint32 level,
@@ -41,17 +40,21 @@ public:
 
 private:
     struct Assertion {
+        QString reason;
         /// Children of `owner_` that destroy themselves after their end.
         std::vector<IdleInhibition*> inhibitions;
     };
 
     [[nodiscard]] Assertion ask(const QString& reason);
+    void askOn(IdleService::Bus bus, Assertion& assertion);
+    void leave(IdleService::Bus bus);
+    [[nodiscard]] MessageBus& busOf(IdleService::Bus bus);
     void end(const Assertion& assertion);
 
     MainLoop& loop_;
     ScreenSaver* screenSaver_;
-    QDBusConnection sessionBus_;
-    QDBusConnection systemBus_;
+    MessageBus& sessionBus_;
+    MessageBus& systemBus_;
     const std::chrono::milliseconds bound_;
     std::map<PowerAssertionID, Assertion> assertions_;
     PowerAssertionID lastID_ = 0;

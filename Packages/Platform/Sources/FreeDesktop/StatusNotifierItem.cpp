@@ -1,13 +1,12 @@
 #include "StatusNotifierItem.h"
 
-#include "MessageBus.h"
 #include "StatusNotifierPixmap.h"
 
 #include <QCoreApplication>
 #include <QDBusAbstractAdaptor>
+#include <QDBusError>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
 #include <QDBusVariant>
 #include <utility>
 
@@ -98,38 +97,58 @@ private:
     StatusNotifierPixmaps iconPixmaps_;
 };
 
-StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, int number)
-    : bus_(std::move(bus))
+StatusNotifierItem::StatusNotifierItem(MainLoop& loop, MessageBus& bus, int number)
+    : loop_(loop)
+    , bus_(bus)
     , serviceName_(QStringLiteral("org.kde.StatusNotifierItem-%1-%2")
                        .arg(QCoreApplication::applicationPid())
                        .arg(number))
-    , adaptor_(nullptr)
-    , watcher_(bus_, watcherService()) {
+    , adaptor_(nullptr) {
     registerStatusNotifierTypes();
     adaptor_ = new Adaptor(this);
-    if (!bus_.isConnected()) {
+    connect(&bus_, &MessageBus::joined, this, &StatusNotifierItem::joinBus);
+    connect(&bus_, &MessageBus::left, this, &StatusNotifierItem::leaveBus);
+    if (bus_.isJoined())
+        joinBus();
+    else if (bus_.isAbsent())
         isSettled_ = true;
-        return;
-    }
-    bus_.registerObject(itemPath(), this, QDBusConnection::ExportAdaptors);
-    QDBusMessage requestName = callToBus(QStringLiteral("RequestName"));
-    requestName << serviceName_ << quint32{0};
-    bus_.asyncCall(requestName);
-
-    bus_.connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
-                 QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,
-                 SLOT(busLost()));
-    connect(&watcher_, &BusNameOwner::changed, this, &StatusNotifierItem::followWatcher);
+    else
+        limitWaiting();
 }
 
 StatusNotifierItem::~StatusNotifierItem() {
-    if (!bus_.isConnected())
+    if (!bus_.isJoined())
         return;
-    bus_.unregisterObject(itemPath());
+    QDBusConnection bus = bus_.connection();
+    bus.unregisterObject(itemPath());
     // Hosts drop an item when its name goes.
     QDBusMessage releaseName = callToBus(QStringLiteral("ReleaseName"));
     releaseName << serviceName_;
-    bus_.send(releaseName);
+    bus.send(releaseName);
+}
+
+void StatusNotifierItem::joinBus() {
+    leaveWatcher();
+    QDBusConnection bus = bus_.connection();
+    bus.registerObject(itemPath(), this, QDBusConnection::ExportAdaptors);
+    QDBusMessage requestName = callToBus(QStringLiteral("RequestName"));
+    requestName << serviceName_ << quint32{0};
+    bus.send(requestName);
+    watcher_ = std::make_unique<BusNameOwner>(bus, watcherService());
+    connect(watcher_.get(), &BusNameOwner::changed, this, &StatusNotifierItem::followWatcher);
+    limitWaiting();
+}
+
+void StatusNotifierItem::leaveBus() {
+    leaveWatcher();
+    settle(false, Trust::full);
+}
+
+void StatusNotifierItem::leaveWatcher() {
+    ++watcherGeneration_;
+    isHostAskedFor_ = false;
+    heard_.clear();
+    watcher_.reset();
 }
 
 void StatusNotifierItem::setIcon(const QString& themeName, const QIcon& icon) {
@@ -152,15 +171,15 @@ void StatusNotifierItem::clicked(NativePixel place) {
 void StatusNotifierItem::followWatcher() {
     ++watcherGeneration_;
     isHostAskedFor_ = false;
-    listenTo(watcher_.owner());
+    listenTo(watcher_->owner());
     if (heard_.isEmpty()) {
-        settle(false);
+        settle(false, Trust::full);
         return;
     }
     QDBusMessage registerItem =
         callToWatcher(watcherService(), QStringLiteral("RegisterStatusNotifierItem"));
     registerItem << serviceName_;
-    bus_.send(registerItem);
+    bus_.connection().send(registerItem);
     askForHost();
 }
 
@@ -168,37 +187,54 @@ void StatusNotifierItem::listenTo(const QString& watcher) {
     const QString came = QStringLiteral("StatusNotifierHostRegistered");
     const QString went = QStringLiteral("StatusNotifierHostUnregistered");
     const char* const slot = SLOT(hostsChanged(QDBusMessage));
+    QDBusConnection bus = bus_.connection();
     // The bus passes on nobody else's signals then, at no cost to this process.
     if (!heard_.isEmpty()) {
-        bus_.disconnect(heard_, watcherPath(), watcherService(), came, this, slot);
-        bus_.disconnect(heard_, watcherPath(), watcherService(), went, this, slot);
+        bus.disconnect(heard_, watcherPath(), watcherService(), came, this, slot);
+        bus.disconnect(heard_, watcherPath(), watcherService(), went, this, slot);
     }
     heard_ = watcher;
     if (!heard_.isEmpty()) {
-        bus_.connect(heard_, watcherPath(), watcherService(), came, this, slot);
-        bus_.connect(heard_, watcherPath(), watcherService(), went, this, slot);
+        bus.connect(heard_, watcherPath(), watcherService(), came, this, slot);
+        bus.connect(heard_, watcherPath(), watcherService(), went, this, slot);
     }
 }
 
 void StatusNotifierItem::askForHost() {
     isHostAskedFor_ = true;
     isAnswerStale_ = false;
+    limitWaiting();
     QDBusMessage get =
         callToWatcher(QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
     get << watcherService() << QStringLiteral("IsStatusNotifierHostRegistered");
-    auto* pending = new QDBusPendingCallWatcher(bus_.asyncCall(get), this);
+    auto* pending = new QDBusPendingCallWatcher(bus_.connection().asyncCall(get), this);
     connect(pending, &QDBusPendingCallWatcher::finished, this,
             [this, generation = watcherGeneration_](QDBusPendingCallWatcher* call) {
                 call->deleteLater();
                 if (generation != watcherGeneration_)
                     return;
                 isHostAskedFor_ = false;
-                const QDBusPendingReply<QDBusVariant> reply = *call;
-                // A watcher that cannot tell is taken for one that comes with its host.
-                settle(!reply.isValid() || reply.value().variant().toBool());
+                takeWord(call->reply());
                 if (isAnswerStale_)
                     askForHost();
             });
+}
+
+void StatusNotifierItem::takeWord(const QDBusMessage& reply) {
+    const QVariant told = reply.arguments().value(0).value<QDBusVariant>().variant();
+    const bool isError = reply.type() == QDBusMessage::ErrorMessage;
+    if (isError && QDBusError(reply).type() != QDBusError::NoReply)
+        // A watcher that cannot tell is taken for one that comes with its host.
+        settle(true, Trust::full);
+    else if (isError || told.metaType() != QMetaType::fromType<bool>())
+        settle(false, Trust::none);
+    else
+        settle(told.toBool(), Trust::full);
+}
+
+void StatusNotifierItem::limitWaiting() {
+    patience_ =
+        ScopedTimer(loop_.scheduleOnce(answerBound, [this] { settle(false, Trust::none); }));
 }
 
 void StatusNotifierItem::hostsChanged(const QDBusMessage& notice) {
@@ -211,12 +247,9 @@ void StatusNotifierItem::hostsChanged(const QDBusMessage& notice) {
         askForHost();
 }
 
-void StatusNotifierItem::busLost() {
-    ++watcherGeneration_;
-    settle(false);
-}
-
-void StatusNotifierItem::settle(bool isHosted) {
+void StatusNotifierItem::settle(bool isHosted, Trust trust) {
+    patience_.reset();
+    trust_ = trust;
     if (isSettled_ && isHosted_ == isHosted)
         return;
     isSettled_ = true;

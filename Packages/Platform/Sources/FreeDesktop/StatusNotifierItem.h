@@ -1,14 +1,16 @@
 #pragma once
 
 #include "BusNameOwner.h"
+#include "MessageBus.h"
 
 #include <Platform/Geometry.h>
+#include <Platform/MainLoop.h>
 
-#include <QDBusConnection>
 #include <QDBusMessage>
 #include <QIcon>
 #include <QObject>
 #include <QString>
+#include <chrono>
 #include <memory>
 #include <optional>
 
@@ -16,15 +18,22 @@ namespace tilewright {
 
 /// An item of the desktop's status area by the StatusNotifierItem protocol
 /// (org.kde.StatusNotifierItem) on the session bus. Registers with the watcher whenever one
-/// appears, so the order in which this program and the desktop's panel start does not matter.
-/// Everything is asynchronous; without a bus it is an item that nobody sees. Main thread only.
+/// appears, on whatever bus is there, so the order in which this program, the bus and the desktop's
+/// panel start does not matter. Everything is asynchronous; without a bus it is an item that nobody
+/// sees. Main thread only.
 class StatusNotifierItem final : public QObject {
     Q_OBJECT
 
 public:
-    /// Two items of one process need different numbers.
-    explicit StatusNotifierItem(QDBusConnection bus = QDBusConnection::sessionBus(),
-                                int number = 1);
+    /// How long the bus, and then a watcher, has to tell whether there is a host. Until it does
+    /// there is none.
+    static constexpr std::chrono::seconds answerBound{2};
+
+    /// What is to be thought of the watcher, whose place anybody on the bus may take.
+    enum class Trust { full, none };
+
+    /// Two items of one process need different numbers. The loop and the bus have to outlive this.
+    StatusNotifierItem(MainLoop& loop, MessageBus& bus, int number = 1);
     ~StatusNotifierItem() override;
 
     /// Shows an icon and tells the hosts at once. Hosts that know a theme icon of the name, in
@@ -36,8 +45,10 @@ public:
     /// Whether some host shows items now. Unknown, while the bus has not answered, is false, and
     /// `isSettled()` false with it.
     [[nodiscard]] bool isHosted() const { return isHosted_; }
-    /// Whether the bus has told if there is a host.
+    /// Whether the bus has told if there is a host, or has had its time.
     [[nodiscard]] bool isSettled() const { return isSettled_; }
+    /// None after a watcher, or the bus, has not answered in time or said what makes no sense.
+    [[nodiscard]] Trust trust() const { return trust_; }
 
 Q_SIGNALS:
     /// The user clicked the item, with whichever button; (0, 0) where the host does not know. Sent
@@ -48,21 +59,26 @@ Q_SIGNALS:
 
 private Q_SLOTS:
     void hostsChanged(const QDBusMessage& notice);
-    void busLost();
 
 private:
     class Adaptor;
 
+    void joinBus();
+    void leaveBus();
+    void leaveWatcher();
     void clicked(NativePixel place);
     void followWatcher();
     void listenTo(const QString& watcher);
     void askForHost();
-    void settle(bool isHosted);
+    void takeWord(const QDBusMessage& reply);
+    void limitWaiting();
+    void settle(bool isHosted, Trust trust);
 
-    QDBusConnection bus_;
+    MainLoop& loop_;
+    MessageBus& bus_;
     QString serviceName_;
     Adaptor* adaptor_;
-    BusNameOwner watcher_;
+    std::unique_ptr<BusNameOwner> watcher_;
     /// The watcher's address whose signals are listened to; empty while there is none.
     QString heard_;
     /// Counts the watchers seen, so that a late answer of a former one is told apart.
@@ -74,6 +90,8 @@ private:
     std::optional<NativePixel> lastClick_;
     bool isHosted_ = false;
     bool isSettled_ = false;
+    Trust trust_ = Trust::full;
+    ScopedTimer patience_;
 };
 
 } // namespace tilewright

@@ -18,7 +18,8 @@ namespace tilewright {
 /// and started.
 class X11Desktop {
 public:
-    X11Desktop(X11Connection& connection, MainLoop& loop, UserNotifications& notifications,
+    X11Desktop(X11Connection& connection, MainLoop& loop, MessageBus& sessionBus,
+               UserNotifications& notifications,
                bool isWaylandSession = X11Trust::isWaylandSession(),
                const QProcessEnvironment& environment = QProcessEnvironment::systemEnvironment())
         : selection_(connection)
@@ -33,6 +34,7 @@ public:
         , accessibility_(connection, windowManager_, screens_, trust_, activeWindow_, frameSetter_)
         , guidance_(notifications, environment)
         , screenMotionWish_(connection, selection_)
+        , sessionAppearance_(sessionBus)
         , appearance_(compositor_, screenMotionWish_, sessionAppearance_)
         , workspace_(connection, activeWindow_, trust_, guidance_) {}
 

@@ -2,16 +2,17 @@
 
 #include "X11Desktop.h"
 #include "X11EventMonitors.h"
+#include "X11InstanceActivation.h"
 #include "X11OverlaySurface.h"
 #include "X11Qt.h"
 #include "X11ScreenSaver.h"
 
 #include <FreeDesktop/FreeDesktopApplicationSupport.h>
-#include <FreeDesktop/FreeDesktopInstanceActivation.h>
 #include <FreeDesktop/FreeDesktopStatusItem.h>
 #include <FreeDesktop/FreeDesktopUserDefaults.h>
 #include <FreeDesktop/FreeDesktopUserNotifications.h>
 #include <FreeDesktop/InhibitingPowerAssertions.h>
+#include <FreeDesktop/MessageBus.h>
 #include <Platform/QtMainLoop.h>
 
 #include <QGuiApplication>
@@ -29,11 +30,13 @@ struct X11Platform::Parts {
     QtMainLoop mainLoop;
     FreeDesktopUserDefaults userDefaults;
     FreeDesktopApplicationSupport applicationSupport;
-    FreeDesktopUserNotifications userNotifications;
-    FreeDesktopInstanceActivation instanceActivation{qEnvironmentVariable("DISPLAY")};
+    MessageBus sessionBus{mainLoop, MessageBus::Kind::session};
+    MessageBus systemBus{mainLoop, MessageBus::Kind::system};
+    FreeDesktopUserNotifications userNotifications{sessionBus};
+    X11InstanceActivation instanceActivation{*connection};
     X11ScreenSaver screenSaver{*connection};
-    InhibitingPowerAssertions powerAssertions{mainLoop, &screenSaver};
-    X11Desktop desktop{*connection, mainLoop, userNotifications};
+    InhibitingPowerAssertions powerAssertions{mainLoop, &screenSaver, sessionBus, systemBus};
+    X11Desktop desktop{*connection, mainLoop, sessionBus, userNotifications};
     X11EventMonitors eventMonitors{*connection,
                                    desktop.pointer(),
                                    {x11qt::ownsWindow, x11qt::hasGrab, x11qt::windowsTakingInput}};
@@ -92,9 +95,10 @@ X11Platform::~X11Platform() = default;
 StatusItem& X11Platform::statusItem() {
     if (!parts_->statusItem) {
         const X11Screens& monitors = parts_->desktop.screens();
-        parts_->statusItem.emplace(monitors, [&monitors](NativePixel pixel) {
-            return monitors.coordinates().toAppKit(pixel);
-        });
+        parts_->statusItem.emplace(
+            monitors,
+            [&monitors](NativePixel pixel) { return monitors.coordinates().toAppKit(pixel); },
+            parts_->mainLoop, parts_->sessionBus);
     }
     return *parts_->statusItem;
 }

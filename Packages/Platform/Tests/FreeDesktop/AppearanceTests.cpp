@@ -21,7 +21,7 @@ using Wish = std::optional<bool>;
 class MotionWish : public ::testing::Test {
 protected:
     void start() {
-        wish.emplace(bus.connect());
+        wish.emplace(own);
         changes.emplace(&*wish, &FreeDesktopAppearance::reducedMotionChanged);
     }
     void expect(Wish expected) {
@@ -29,6 +29,7 @@ protected:
     }
 
     PrivateBus bus;
+    MessageBus own{bus.connect()};
     FakePortal portal{bus.connect()};
     std::optional<FreeDesktopAppearance> wish;
     std::optional<QSignalSpy> changes;
@@ -100,8 +101,7 @@ TEST_F(MotionWish, IsAskedOfAPortalThatStartsLaterAndIsNotStartedForIt) {
 TEST_F(MotionWish, WaitsForNoAnswerOfTheBusAtTheStart) {
     portal.set(interfaceSettings, "enable-animations", false);
     portal.appear();
-    const QDBusConnection connection = bus.connect();
-    EXPECT_TRUE(bus.isDoneWithoutAnAnswer([&] { wish.emplace(connection); }));
+    EXPECT_TRUE(bus.isDoneWithoutAnAnswer([&] { wish.emplace(own); }));
     EXPECT_EQ(wish->prefersReducedMotion(), std::nullopt);
     expect(true);
     portal.change(interfaceSettings, "enable-animations", true);
@@ -109,7 +109,8 @@ TEST_F(MotionWish, WaitsForNoAnswerOfTheBusAtTheStart) {
 }
 
 TEST_F(MotionWish, IsUnknownWithoutABus) {
-    const FreeDesktopAppearance without(PrivateBus::absent());
+    MessageBus absent(PrivateBus::absent());
+    const FreeDesktopAppearance without(absent);
     EXPECT_EQ(without.prefersReducedMotion(), std::nullopt);
 }
 
@@ -135,7 +136,8 @@ TEST_F(DarkWish, IsTheStandardsDarkSchemeAndFollowsIt) {
 TEST_F(DarkWish, IsNoneWithoutAPortalOrABus) {
     start();
     EXPECT_FALSE(wish->prefersDark());
-    EXPECT_FALSE(FreeDesktopAppearance(PrivateBus::absent()).prefersDark());
+    MessageBus absent(PrivateBus::absent());
+    EXPECT_FALSE(FreeDesktopAppearance(absent).prefersDark());
 }
 
 TEST(CombinedMotionWish, HasMotionReducedWhereOneSourceAsksForIt) {

@@ -4,6 +4,7 @@
 #include "FakePortal.h"
 #include "PrivateBus.h"
 
+#include <FakeMainLoop.h>
 #include <FreeDesktop/BusNameOwner.h>
 #include <FreeDesktop/FreeDesktopAppearance.h>
 #include <FreeDesktop/FreeDesktopInstanceActivation.h>
@@ -48,6 +49,7 @@ protected:
     }
 
     PrivateBus bus;
+    FakeMainLoop loop;
 };
 
 } // namespace
@@ -57,7 +59,8 @@ TEST_F(BusFlood, OfSettingsThatThePortalDidNotSendIsNotHeard) {
     portal.set(interfaceSettings, "enable-animations", true);
     portal.appear();
     const QDBusConnection own = bus.connect();
-    const FreeDesktopAppearance appearance(own);
+    MessageBus ownBus(own);
+    const FreeDesktopAppearance appearance(ownBus);
     QSignalSpy changes(&appearance, &FreeDesktopAppearance::reducedMotionChanged);
     ASSERT_TRUE(waitUntil([&] { return appearance.prefersReducedMotion() == false; }));
     FakePortal anybody(bus.connect());
@@ -75,7 +78,8 @@ TEST_F(BusFlood, OfSettingsThatThePortalDidNotSendIsNotHeard) {
 TEST_F(BusFlood, OfSettingsThatNobodyReadsIsNotKept) {
     FakePortal portal(bus.connect());
     portal.appear();
-    const FreeDesktopAppearance appearance(bus.connect());
+    MessageBus ownBus(bus.connect());
+    const FreeDesktopAppearance appearance(ownBus);
     ASSERT_TRUE(waitUntil([&] { return portal.reads == 1; }));
     const QString value(500, u'x');
     const auto flood = [&](int first) {
@@ -97,7 +101,8 @@ TEST_F(BusFlood, OfSettingsThatNobodyReadsIsNotKept) {
 TEST_F(BusFlood, OfClicksIsOne) {
     const FakeNotifierWatcher watcher(bus.connect());
     const QDBusConnection own = bus.connect();
-    StatusNotifierItem item(own);
+    MessageBus ownBus(own);
+    StatusNotifierItem item(loop, ownBus);
     QSignalSpy clicks(&item, &StatusNotifierItem::activated);
     ASSERT_TRUE(waitUntil([&] { return item.isHosted(); }));
     call(own.baseService(), QStringLiteral("/StatusNotifierItem"),
@@ -128,7 +133,8 @@ TEST_F(BusFlood, OfHostsThatComeAndGoIsAskedAboutOnceAtATime) {
     const QDBusConnection watchers = bus.connect();
     FakeNotifierWatcher watcher(watchers);
     const QDBusConnection own = bus.connect();
-    const StatusNotifierItem item(own);
+    MessageBus ownBus(own);
+    const StatusNotifierItem item(loop, ownBus);
     ASSERT_TRUE(waitUntil([&] { return item.isHosted(); }));
     const int asked = watcher.timesAsked;
     for (int i = 0; i < 100; ++i)

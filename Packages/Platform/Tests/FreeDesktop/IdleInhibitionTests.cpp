@@ -78,6 +78,21 @@ protected:
         }
         return inhibition->state() == state;
     }
+    /// Where the portal is to answer a call.
+    [[nodiscard]] QString requestPathOf(const QDBusMessage& call) const {
+        const QString token =
+            qdbus_cast<QVariantMap>(call.arguments().value(2)).value(u"handle_token"_s).toString();
+        return u"/org/freedesktop/portal/desktop/request/%1/%2"_s.arg(
+            own.baseService().mid(1).replace(u'.', u'_'), token);
+    }
+    /// Answers as the portal does that agrees.
+    void respond(QDBusConnection from, const QString& path) const {
+        QDBusMessage response = QDBusMessage::createTargetedSignal(
+            own.baseService(), path, u"org.freedesktop.portal.Request"_s, u"Response"_s);
+        response << 0U << QVariantMap();
+        from.send(response);
+        PrivateBus::takeAllIn(from);
+    }
     [[nodiscard]] static bool comesTo(const std::function<std::size_t()>& count,
                                       std::size_t expected) {
         return waitUntil([&] { return count() >= expected; }) && count() == expected;
@@ -223,47 +238,44 @@ TEST_F(IdleInhibitionTest, GivesBackToWhoeverGrantedThoughTheNameHasAnotherOwner
 }
 
 TEST_F(IdleInhibitionTest, BelievesNobodyButThePortalThatItHasAgreed) {
-    const auto answerAs = [](QDBusConnection from, const QString& receiver, const QString& path) {
-        QDBusMessage response = QDBusMessage::createTargetedSignal(
-            receiver, path, u"org.freedesktop.portal.Request"_s, u"Response"_s);
-        response << 0U << QVariantMap();
-        from.send(response);
-        PrivateBus::takeAllIn(from);
-    };
     FakeIdleService service(bus.connect(), FakeIdleService::silent());
     service.queueFor(portal);
     ask(portal);
     ASSERT_TRUE(comesTo([&] { return service.asked().size(); }, 1));
     const QDBusMessage call = service.asked()[0];
-    const QString token =
-        call.arguments().value(2).isValid()
-            ? qdbus_cast<QVariantMap>(call.arguments()[2]).value(u"handle_token"_s).toString()
-            : QString();
-    const QString path = u"/org/freedesktop/portal/desktop/request/%1/%2"_s.arg(
-        own.baseService().mid(1).replace(u'.', u'_'), token);
+    const QString path = requestPathOf(call);
     const QDBusConnection liar = bus.connect();
     for (int i = 0; i < 100; ++i)
-        answerAs(liar, own.baseService(), path);
+        respond(liar, path);
     service.bus().send(call.createReply(QVariant::fromValue(QDBusObjectPath(path))));
     PrivateBus::takeAllIn(service.bus());
-    answerAs(liar, own.baseService(), path);
+    respond(liar, path);
     PrivateBus::takeAllIn(own);
     QCoreApplication::processEvents();
     EXPECT_EQ(inhibition->state(), State::unanswered);
-    answerAs(service.bus(), own.baseService(), path);
+    respond(service.bus(), path);
+    EXPECT_TRUE(becomes(State::held));
+}
+
+TEST_F(IdleInhibitionTest, RemembersThatThePortalAgreedUntilItIsKnownWhoThePortalIs) {
+    FakeIdleService service(bus.connect(), FakeIdleService::silent());
+    service.queueFor(portal);
+    ask(portal);
+    ASSERT_TRUE(comesTo([&] { return service.asked().size(); }, 1));
+    const QDBusMessage call = service.asked()[0];
+    const QString path = requestPathOf(call);
+    respond(service.bus(), path);
+    PrivateBus::takeAllIn(own);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(inhibition->state(), State::unanswered);
+    service.bus().send(call.createReply(QVariant::fromValue(QDBusObjectPath(path))));
     EXPECT_TRUE(becomes(State::held));
 }
 
 TEST_F(IdleInhibitionTest, HearsAPortalThatAgreesBeforeItsMethodHasReturned) {
     FakeIdleService service(bus.connect(), [this](const QDBusMessage& call, QDBusConnection& peer) {
-        const QString token =
-            qdbus_cast<QVariantMap>(call.arguments().value(2)).value(u"handle_token"_s).toString();
-        const QString path = u"/org/freedesktop/portal/desktop/request/%1/%2"_s.arg(
-            own.baseService().mid(1).replace(u'.', u'_'), token);
-        QDBusMessage response = QDBusMessage::createTargetedSignal(
-            own.baseService(), path, u"org.freedesktop.portal.Request"_s, u"Response"_s);
-        response << 0U << QVariantMap();
-        peer.send(response);
+        const QString path = requestPathOf(call);
+        respond(peer, path);
         peer.send(call.createReply(QVariant::fromValue(QDBusObjectPath(path))));
     });
     service.queueFor(portal);
@@ -297,6 +309,8 @@ protected:
     PrivateBus bus;
     PrivateBus systemBus;
     FakeMainLoop loop;
+    MessageBus ownSession{bus.connect()};
+    MessageBus ownSystem{systemBus.connect()};
     FakeScreenSaver saver;
 };
 
@@ -308,7 +322,7 @@ TEST_F(InhibitingPowerAssertionsTest, AreGrantedWithTheFirstServiceThatAccepts) 
     FakeIdleService quick(systemBus.connect(), FakeIdleService::granting(u"no descriptor"_s));
     FakeIdleService granting(bus.connect(), FakeIdleService::granting(1U));
     granting.queueFor(u"org.mate.ScreenSaver"_s);
-    InhibitingPowerAssertions assertions(loop, &saver, bus.connect(), systemBus.connect(),
+    InhibitingPowerAssertions assertions(loop, &saver, ownSession, ownSystem,
                                          std::chrono::hours(1));
     // The slow one answers at the deadline of the test's, if it has to be waited for.
     std::promise<void> done;
@@ -328,7 +342,7 @@ TEST_F(InhibitingPowerAssertionsTest, AreGrantedWithTheFirstServiceThatAccepts) 
 TEST_F(InhibitingPowerAssertionsTest, HaveOneBoundForAllThatMayKeepThemWaiting) {
     FakeIdleService slow(systemBus.connect(), FakeIdleService::silent());
     slow.queueFor(loginManager);
-    InhibitingPowerAssertions assertions(loop, &saver, bus.connect(), systemBus.connect());
+    InhibitingPowerAssertions assertions(loop, &saver, ownSession, ownSystem);
     EXPECT_EQ(createWith(assertions).status, 0);
     EXPECT_EQ(saver.bounds, std::vector{std::chrono::milliseconds(0)})
         << "nothing is left for the display server";
@@ -337,7 +351,7 @@ TEST_F(InhibitingPowerAssertionsTest, HaveOneBoundForAllThatMayKeepThemWaiting) 
 TEST_F(InhibitingPowerAssertionsTest, DoNotWaitForADisplayServerWhoseWordDoesNotCount) {
     FakeIdleService refusing(bus.connect(), FakeIdleService::failing(u"org.example.No"_s));
     refusing.queueFor(screenSaver);
-    InhibitingPowerAssertions assertions(loop, &saver, bus.connect(), systemBus.connect());
+    InhibitingPowerAssertions assertions(loop, &saver, ownSession, ownSystem);
     EXPECT_NE(createWith(assertions).status, 0);
     EXPECT_TRUE(saver.bounds.empty());
     EXPECT_EQ(saver.suspensions, saver.resumptions);
@@ -345,16 +359,35 @@ TEST_F(InhibitingPowerAssertionsTest, DoNotWaitForADisplayServerWhoseWordDoesNot
 
 TEST_F(InhibitingPowerAssertionsTest, AreRefusedWhereTheDisplayServerAloneIsThereAndDoesNotGrant) {
     saver.isGranting = false;
-    InhibitingPowerAssertions assertions(loop, &saver, bus.connect(), systemBus.connect());
+    InhibitingPowerAssertions assertions(loop, &saver, ownSession, ownSystem);
     EXPECT_NE(createWith(assertions).status, 0);
     EXPECT_EQ(saver.resumptions, 1);
+}
+
+TEST_F(InhibitingPowerAssertionsTest, AreAskedForAgainOnTheBusThatFollows) {
+    MessageBus following(loop, bus.address());
+    ASSERT_TRUE(waitUntil([&] { return following.isJoined(); }));
+    InhibitingPowerAssertions assertions(loop, &saver, following, ownSystem);
+    const PowerAssertionResult session = createWith(assertions);
+    ASSERT_EQ(session.status, 0) << "by the display server";
+    bus.stop();
+    ASSERT_TRUE(waitUntil([&] { return !following.isJoined(); }));
+    bus.start();
+    FakeIdleService service(bus.connect(), FakeIdleService::granting(1U));
+    service.queueFor(screenSaver);
+    loop.advance(std::chrono::seconds(1));
+    ASSERT_TRUE(waitUntil([&] { return service.asked().size() == 1; }));
+    EXPECT_EQ(service.asked()[0].arguments().value(1), u"test"_s);
+    PrivateBus::takeAllIn(following.connection());
+    QCoreApplication::processEvents();
+    assertions.release(session.id);
+    EXPECT_TRUE(waitUntil([&] { return service.released().size() == 1; }));
 }
 
 TEST_F(InhibitingPowerAssertionsTest, AreGivenBackOnceHoweverOftenTheyAreReleased) {
     FakeIdleService service(bus.connect(), FakeIdleService::granting(1U));
     service.queueFor(screenSaver);
-    const QDBusConnection own = bus.connect();
-    InhibitingPowerAssertions assertions(loop, &saver, own, systemBus.connect());
+    InhibitingPowerAssertions assertions(loop, &saver, ownSession, ownSystem);
     const PowerAssertionResult first = createWith(assertions);
     const PowerAssertionResult second = createWith(assertions);
     ASSERT_EQ(first.status, 0);
@@ -363,7 +396,7 @@ TEST_F(InhibitingPowerAssertionsTest, AreGivenBackOnceHoweverOftenTheyAreRelease
     assertions.release(first.id);
     assertions.release(first.id);
     EXPECT_EQ(saver.resumptions, 1);
-    PrivateBus::takeAllIn(own);
+    PrivateBus::takeAllIn(ownSession.connection());
     EXPECT_TRUE(waitUntil([&] { return service.released().size() == 1; }));
     assertions.release(second.id);
     EXPECT_TRUE(waitUntil([&] { return service.released().size() == 2; }));

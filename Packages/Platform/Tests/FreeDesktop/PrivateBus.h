@@ -4,7 +4,9 @@
 
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QFile>
 #include <QProcess>
+#include <QTemporaryDir>
 #include <csignal>
 #include <future>
 #include <gtest/gtest.h>
@@ -15,16 +17,7 @@ namespace tilewright::testing {
 /// A message bus of a test's own. Each connection to it is another peer.
 class PrivateBus {
 public:
-    PrivateBus() {
-        daemon_.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
-        daemon_.setStandardErrorFile(QProcess::nullDevice());
-        daemon_.start(QStringLiteral("dbus-daemon"),
-                      {QStringLiteral("--session"), QStringLiteral("--nofork"),
-                       QStringLiteral("--print-address=1")});
-        if (daemon_.waitForStarted(20'000) && daemon_.waitForReadyRead(20'000))
-            address_ = QString::fromUtf8(daemon_.readLine()).trimmed();
-        EXPECT_FALSE(address_.isEmpty()) << "the message bus did not start";
-    }
+    PrivateBus() { start(); }
     ~PrivateBus() {
         for (const QString& name : names_)
             QDBusConnection::disconnectFromBus(name);
@@ -37,7 +30,7 @@ public:
     QDBusConnection connect() {
         static int count = 0;
         names_.append(QStringLiteral("private-%1").arg(++count));
-        return QDBusConnection::connectToBus(address_, names_.back());
+        return QDBusConnection::connectToBus(QString::fromUtf8(address()), names_.back());
     }
     /// Returns once whatever came to the connection before this is with the event loop, which does
     /// not turn meanwhile.
@@ -46,6 +39,22 @@ public:
             QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
             QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetId"))));
     }
+    /// Where it is; another one at the same place once it is started again.
+    [[nodiscard]] QByteArray address() const { return "unix:path=" + socket().toUtf8(); }
+    [[nodiscard]] QString folder() const { return folder_.path(); }
+    /// Begins the bus, or another one in its place.
+    void start() {
+        QFile::remove(socket());
+        daemon_.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
+        daemon_.setStandardErrorFile(QProcess::nullDevice());
+        daemon_.start(QStringLiteral("dbus-daemon"),
+                      {QStringLiteral("--session"), QStringLiteral("--nofork"),
+                       QStringLiteral("--address=unix:path=") + socket(),
+                       QStringLiteral("--print-address=1")});
+        EXPECT_TRUE(daemon_.waitForStarted(20'000) && daemon_.waitForReadyRead(20'000))
+            << "the message bus did not start";
+        static_cast<void>(daemon_.readAllStandardOutput());
+    }
     /// Ends the bus at once.
     void stop() {
         if (daemon_.state() == QProcess::NotRunning)
@@ -53,6 +62,10 @@ public:
         daemon_.kill();
         daemon_.waitForFinished(20'000);
     }
+    /// Has the bus take connections and words and answer none, as when the machine keeps it
+    /// waiting.
+    void pause() { ::kill(static_cast<pid_t>(daemon_.processId()), SIGSTOP); }
+    void resume() { ::kill(static_cast<pid_t>(daemon_.processId()), SIGCONT); }
 
     /// Does something while the bus, as when the machine keeps it waiting, answers nobody. Whether
     /// it came back without an answer; the bus goes on afterwards, or at the deadline.
@@ -79,8 +92,10 @@ public:
     }
 
 private:
+    [[nodiscard]] QString socket() const { return folder_.filePath(QStringLiteral("bus")); }
+
+    QTemporaryDir folder_;
     QProcess daemon_;
-    QString address_;
     QStringList names_;
 };
 

@@ -1,6 +1,7 @@
 #include "FakeNotifierWatcher.h"
 #include "PrivateBus.h"
 
+#include <FakeMainLoop.h>
 #include <FakeScreens.h>
 #include <FreeDesktop/FreeDesktopStatusItem.h>
 #include <FreeDesktop/StatusNotifierItem.h>
@@ -10,6 +11,7 @@
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusVariant>
+#include <QDBusVirtualObject>
 #include <QIcon>
 #include <QPainter>
 #include <QSignalSpy>
@@ -55,6 +57,30 @@ private:
     QDBusConnection bus_;
 };
 
+/// Holds the watcher's place and answers nothing.
+class SilentWatcher final : public QDBusVirtualObject {
+public:
+    explicit SilentWatcher(QDBusConnection bus)
+        : bus_(std::move(bus)) {
+        bus_.registerVirtualObject(QStringLiteral("/StatusNotifierWatcher"), this);
+        EXPECT_TRUE(bus_.registerService(QStringLiteral("org.kde.StatusNotifierWatcher")));
+    }
+    QString introspect(const QString&) const override { return {}; }
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection&) override {
+        if (message.member() == QStringLiteral("Get"))
+            asked.push_back(message);
+        return true;
+    }
+    void answer(const QVariant& value) {
+        bus_.send(asked.back().createReply(QVariant::fromValue(QDBusVariant(value))));
+    }
+
+    std::vector<QDBusMessage> asked;
+
+private:
+    QDBusConnection bus_;
+};
+
 /// Counts a signal as a host receives it.
 class SignalCounter final : public QObject {
     Q_OBJECT
@@ -74,6 +100,8 @@ protected:
     }
 
     PrivateBus bus;
+    FakeMainLoop loop;
+    MessageBus own{bus.connect()};
     const FakeScreens screens;
     const QString interface = QStringLiteral("org.kde.StatusNotifierItem");
 };
@@ -82,13 +110,13 @@ protected:
 
 TEST_F(StatusNotifierItemTest, RegistersWithAWatcherThatIsThereAlready) {
     const FakeNotifierWatcher watcher(bus.connect());
-    const StatusNotifierItem item(bus.connect());
+    const StatusNotifierItem item(loop, own);
     EXPECT_TRUE(waitUntil([&] { return watcher.items.size() == 1; }));
     EXPECT_TRUE(waitUntil([&] { return item.isSettled() && item.isHosted(); }));
 }
 
 TEST_F(StatusNotifierItemTest, RegistersWithAWatcherThatAppearsLater) {
-    const StatusNotifierItem item(bus.connect());
+    const StatusNotifierItem item(loop, own);
     ASSERT_TRUE(waitUntil([&] { return item.isSettled(); }));
     EXPECT_FALSE(item.isHosted());
     const FakeNotifierWatcher watcher(bus.connect());
@@ -97,7 +125,7 @@ TEST_F(StatusNotifierItemTest, RegistersWithAWatcherThatAppearsLater) {
 
 TEST_F(StatusNotifierItemTest, RegistersAgainWithEveryWatcherThatFollows) {
     auto watcher = std::make_unique<FakeNotifierWatcher>(bus.connect());
-    const StatusNotifierItem item(bus.connect());
+    const StatusNotifierItem item(loop, own);
     for (int restart = 0; restart < 3; ++restart) {
         ASSERT_TRUE(waitUntil([&] { return watcher->items.size() == 1 && item.isHosted(); }));
         watcher.reset();
@@ -109,7 +137,7 @@ TEST_F(StatusNotifierItemTest, RegistersAgainWithEveryWatcherThatFollows) {
 
 TEST_F(StatusNotifierItemTest, FollowsHostsThatComeToAWatcherAndGo) {
     FakeNotifierWatcher watcher(bus.connect(), false);
-    const StatusNotifierItem item(bus.connect());
+    const StatusNotifierItem item(loop, own);
     ASSERT_TRUE(waitUntil([&] { return item.isSettled() && watcher.items.size() == 1; }));
     EXPECT_FALSE(item.isHosted());
     watcher.setHost(true);
@@ -120,9 +148,8 @@ TEST_F(StatusNotifierItemTest, FollowsHostsThatComeToAWatcherAndGo) {
 
 TEST_F(StatusNotifierItemTest, WaitsForNoAnswerOfTheBusAtTheStart) {
     FakeNotifierWatcher watcher(bus.connect(), false);
-    const QDBusConnection connection = bus.connect();
     std::optional<StatusNotifierItem> item;
-    EXPECT_TRUE(bus.isDoneWithoutAnAnswer([&] { item.emplace(connection); }));
+    EXPECT_TRUE(bus.isDoneWithoutAnAnswer([&] { item.emplace(loop, own); }));
     EXPECT_FALSE(item->isSettled());
     EXPECT_TRUE(waitUntil([&] { return item->isSettled() && watcher.items.size() == 1; }));
     watcher.setHost(true);
@@ -133,7 +160,7 @@ TEST_F(StatusNotifierItemTest, BelievesNobodyButTheWatcherAboutItsHosts) {
     FakeNotifierWatcher watcher(bus.connect(), false);
     // Its name is taken already.
     FakeNotifierWatcher pretender(bus.connect(), false);
-    const StatusNotifierItem item(bus.connect());
+    const StatusNotifierItem item(loop, own);
     ASSERT_TRUE(waitUntil([&] { return item.isSettled(); }));
     QSignalSpy changes(&item, &StatusNotifierItem::hostedChanged);
     pretender.setHost(true);
@@ -146,14 +173,15 @@ TEST_F(StatusNotifierItemTest, BelievesNobodyButTheWatcherAboutItsHosts) {
 }
 
 TEST_F(StatusNotifierItemTest, SettlesWithoutABus) {
-    const StatusNotifierItem item(PrivateBus::absent());
+    MessageBus absent(PrivateBus::absent());
+    const StatusNotifierItem item(loop, absent);
     EXPECT_TRUE(item.isSettled());
     EXPECT_FALSE(item.isHosted());
 }
 
 TEST_F(StatusNotifierItemTest, LosesItsHostWithTheBus) {
     const FakeNotifierWatcher watcher(bus.connect());
-    const StatusNotifierItem item(bus.connect());
+    const StatusNotifierItem item(loop, own);
     ASSERT_TRUE(waitUntil([&] { return item.isHosted(); }));
     bus.stop();
     EXPECT_TRUE(waitUntil([&] { return !item.isHosted(); }));
@@ -161,7 +189,7 @@ TEST_F(StatusNotifierItemTest, LosesItsHostWithTheBus) {
 
 TEST_F(StatusNotifierItemTest, PassesClicksOnWithTheirPlace) {
     const FakeNotifierWatcher watcher(bus.connect());
-    StatusNotifierItem item(bus.connect());
+    StatusNotifierItem item(loop, own);
     std::vector<NativePixel> places;
     QObject::connect(&item, &StatusNotifierItem::activated,
                      [&](NativePixel place) { places.push_back(place); });
@@ -174,12 +202,13 @@ TEST_F(StatusNotifierItemTest, PassesClicksOnWithTheirPlace) {
     const QDBusMessage scrolled =
         host.call(service, interface, QStringLiteral("Scroll"), {120, QStringLiteral("vertical")});
     EXPECT_EQ(scrolled.type(), QDBusMessage::ReplyMessage);
+    EXPECT_TRUE(waitUntil([&] { return places.size() == 3; }));
     EXPECT_EQ(places, (std::vector<NativePixel>{{11, 12}, {21, 22}, {31, 32}}));
 }
 
 TEST_F(StatusNotifierItemTest, DescribesItselfToHosts) {
     const FakeNotifierWatcher watcher(bus.connect());
-    StatusNotifierItem item(bus.connect());
+    StatusNotifierItem item(loop, own);
     item.setTitle(QStringLiteral("Tilewright"));
     item.setIcon(QStringLiteral("some-icon-symbolic"), discIcon());
     ASSERT_TRUE(waitUntil([&] { return watcher.items.size() == 1; }));
@@ -200,7 +229,7 @@ TEST_F(StatusNotifierItemTest, DescribesItselfToHosts) {
 
 TEST_F(StatusNotifierItemTest, OffersItsIconInSeveralSizes) {
     const FakeNotifierWatcher watcher(bus.connect());
-    StatusNotifierItem item(bus.connect());
+    StatusNotifierItem item(loop, own);
     item.setIcon(QString(), discIcon());
     ASSERT_TRUE(waitUntil([&] { return watcher.items.size() == 1; }));
     Host host(bus.connect());
@@ -218,7 +247,7 @@ TEST_F(StatusNotifierItemTest, OffersItsIconInSeveralSizes) {
 
 TEST_F(StatusNotifierItemTest, TellsHostsAtOnceThatTheIconIsNew) {
     const FakeNotifierWatcher watcher(bus.connect());
-    StatusNotifierItem item(bus.connect());
+    StatusNotifierItem item(loop, own);
     ASSERT_TRUE(waitUntil([&] { return watcher.items.size() == 1; }));
     SignalCounter renewed;
     QDBusConnection hostBus = bus.connect();
@@ -254,7 +283,7 @@ TEST(StatusNotifierPixmap, StandsOutAgainstLightAndDarkBars) {
 }
 
 TEST_F(StatusNotifierItemTest, TakesTheSystemTrayOnlyWhereNoHostShowsItems) {
-    FreeDesktopStatusItem item(screens, centerOf, bus.connect());
+    FreeDesktopStatusItem item(screens, centerOf, loop, own);
     item.setSymbol(QStringLiteral("cup.and.saucer"), discIcon());
     EXPECT_FALSE(item.isInSystemTray()) << "before the bus has answered";
     EXPECT_TRUE(waitUntil([&] { return item.isInSystemTray(); }));
@@ -264,9 +293,60 @@ TEST_F(StatusNotifierItemTest, TakesTheSystemTrayOnlyWhereNoHostShowsItems) {
     EXPECT_TRUE(waitUntil([&] { return item.isInSystemTray(); }));
 }
 
+TEST_F(StatusNotifierItemTest, TakesTheSystemTrayWhereTheWatcherNeverAnswersUntilItDoes) {
+    SilentWatcher watcher(bus.connect());
+    FreeDesktopStatusItem item(screens, centerOf, loop, own);
+    item.setSymbol(QStringLiteral("cup.and.saucer"), discIcon());
+    ASSERT_TRUE(waitUntil([&] { return watcher.asked.size() == 1; }));
+    loop.advance(StatusNotifierItem::answerBound - MainLoop::Interval(1));
+    EXPECT_FALSE(item.isInSystemTray());
+    loop.advance(MainLoop::Interval(1));
+    EXPECT_TRUE(item.isInSystemTray());
+    watcher.answer(true);
+    EXPECT_TRUE(waitUntil([&] { return !item.isInSystemTray(); }));
+}
+
+TEST_F(StatusNotifierItemTest, TakesTheSystemTrayWhereTheWatcherSaysWhatMakesNoSense) {
+    SilentWatcher watcher(bus.connect());
+    FreeDesktopStatusItem item(screens, centerOf, loop, own);
+    item.setSymbol(QStringLiteral("cup.and.saucer"), discIcon());
+    ASSERT_TRUE(waitUntil([&] { return watcher.asked.size() == 1; }));
+    watcher.answer(QStringLiteral("true"));
+    EXPECT_TRUE(waitUntil([&] { return item.isInSystemTray(); }));
+}
+
+TEST_F(StatusNotifierItemTest, TakesTheSystemTrayWhereTheBusNeverAnswersUntilItDoes) {
+    const FakeNotifierWatcher watcher(bus.connect());
+    bus.pause();
+    MessageBus silent(loop, bus.address());
+    FreeDesktopStatusItem item(screens, centerOf, loop, silent);
+    item.setSymbol(QStringLiteral("cup.and.saucer"), discIcon());
+    EXPECT_FALSE(item.isInSystemTray());
+    loop.advance(StatusNotifierItem::answerBound);
+    EXPECT_TRUE(item.isInSystemTray());
+    bus.resume();
+    EXPECT_TRUE(waitUntil([&] { return !item.isInSystemTray(); }));
+    EXPECT_EQ(watcher.items.size(), 1);
+}
+
+TEST_F(StatusNotifierItemTest, RegistersAgainOnTheBusThatFollows) {
+    MessageBus following(loop, bus.address());
+    const StatusNotifierItem item(loop, following);
+    {
+        const FakeNotifierWatcher watcher(bus.connect());
+        ASSERT_TRUE(waitUntil([&] { return watcher.items.size() == 1 && item.isHosted(); }));
+    }
+    bus.stop();
+    ASSERT_TRUE(waitUntil([&] { return !item.isHosted() && !following.isJoined(); }));
+    bus.start();
+    loop.advance(std::chrono::seconds(1));
+    const FakeNotifierWatcher watcher(bus.connect());
+    EXPECT_TRUE(waitUntil([&] { return watcher.items.size() == 1 && item.isHosted(); }));
+}
+
 TEST_F(StatusNotifierItemTest, TellsWhereItWasClickedWhereItsHostKnows) {
     const FakeNotifierWatcher watcher(bus.connect());
-    const FreeDesktopStatusItem item(screens, centerOf, bus.connect());
+    const FreeDesktopStatusItem item(screens, centerOf, loop, own);
     std::vector<std::optional<AppKitRect>> places;
     QObject::connect(&item, &StatusItem::activated,
                      [&](const std::optional<AppKitRect>& place) { places.push_back(place); });
@@ -274,12 +354,14 @@ TEST_F(StatusNotifierItemTest, TellsWhereItWasClickedWhereItsHostKnows) {
     Host host(bus.connect());
     host.call(watcher.items.front(), interface, QStringLiteral("Activate"), {400, 12});
     host.call(watcher.items.front(), interface, QStringLiteral("Activate"), {0, 0});
+    EXPECT_TRUE(waitUntil([&] { return places.size() == 2; }));
     EXPECT_EQ(places, (std::vector<std::optional<AppKitRect>>{AppKitRect{400.5, 587.5, 0, 0},
                                                               std::nullopt}));
 }
 
 TEST_F(StatusNotifierItemTest, TakesTheSystemTrayAtOnceWithoutABus) {
-    FreeDesktopStatusItem item(screens, centerOf, PrivateBus::absent());
+    MessageBus absent(PrivateBus::absent());
+    FreeDesktopStatusItem item(screens, centerOf, loop, absent);
     item.setSymbol(QStringLiteral("cup.and.saucer"), discIcon());
     EXPECT_TRUE(item.isInSystemTray());
 }

@@ -35,7 +35,8 @@ public Q_SLOTS:
 TEST(FreeDesktopUserNotifications, ShowsAMessageThroughTheDesktopsService) {
     PrivateBus bus;
     const FakeNotificationService service(bus.connect());
-    FreeDesktopUserNotifications notifications(bus.connect());
+    const MessageBus own(bus.connect());
+    FreeDesktopUserNotifications notifications(own);
     notifications.show(QStringLiteral("Title"), QStringLiteral("A < B & C"));
     EXPECT_TRUE(waitUntil([&] { return service.shown.size() == 1; }));
     EXPECT_EQ(service.shown.value(0), QStringLiteral("Tilewright|Title|A &lt; B &amp; C"))
@@ -43,7 +44,8 @@ TEST(FreeDesktopUserNotifications, ShowsAMessageThroughTheDesktopsService) {
 }
 
 TEST(FreeDesktopUserNotifications, StaysSilentWithoutABus) {
-    FreeDesktopUserNotifications notifications(PrivateBus::absent());
+    const MessageBus absent(PrivateBus::absent());
+    FreeDesktopUserNotifications notifications(absent);
     notifications.show(QStringLiteral("Title"), QStringLiteral("Text"));
     EXPECT_FALSE(PrivateBus::absent().isConnected());
 }
