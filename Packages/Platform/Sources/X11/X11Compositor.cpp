@@ -1,39 +1,16 @@
 #include "X11Compositor.h"
 
-#include <xcb/xfixes.h>
-
 namespace tilewright {
 
 X11Compositor::X11Compositor(X11Connection& connection)
-    : connection_(connection)
-    , selection_(connection.compositorSelection()) {
-    if (connection_.xfixes().isPresent) {
-        listener_ = connection_.listen(
-            X11EventFilter::type(static_cast<std::uint8_t>(connection_.xfixes().firstEvent +
-                                                           XCB_XFIXES_SELECTION_NOTIFY)),
-            [this](const xcb_generic_event_t& event) {
-                const auto& notice = eventAs<xcb_xfixes_selection_notify_event_t>(event);
-                if (notice.selection == selection_)
-                    update(notice.owner != XCB_NONE);
-            });
-        xcb_xfixes_select_selection_input(
-            connection_.xcb(), connection_.root(), selection_,
-            XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
-                XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
-                XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
-    }
-    // After the selection of events: nothing is missed between the two.
-    connect(&connection_, &X11Connection::answersAgain, this, [this] { update(readIsRunning()); });
-    isRunning_ = readIsRunning();
+    : owner_(connection, connection.compositorSelection())
+    , isRunning_(owner_.window() != XCB_NONE) {
+    connect(&owner_, &X11SelectionOwner::changed, this, &X11Compositor::update);
 }
 
-bool X11Compositor::readIsRunning() {
-    const auto owner = connection_.reply<xcb_get_selection_owner_reply_t>(
-        xcb_get_selection_owner(connection_.xcb(), selection_));
-    return owner ? owner->owner != XCB_NONE : isRunning_;
-}
-
-void X11Compositor::update(bool isRunning) {
+void X11Compositor::update() {
+    // One may take the place of another.
+    const bool isRunning = owner_.window() != XCB_NONE;
     if (isRunning == isRunning_)
         return;
     isRunning_ = isRunning;

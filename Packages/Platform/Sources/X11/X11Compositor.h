@@ -1,6 +1,6 @@
 #pragma once
 
-#include "X11Connection.h"
+#include "X11SelectionOwner.h"
 
 namespace tilewright {
 
@@ -19,13 +19,9 @@ Q_SIGNALS:
     void runningChanged();
 
 private:
-    void update(bool isRunning);
-    /// As it was known where the server does not answer.
-    [[nodiscard]] bool readIsRunning();
+    void update();
 
-    X11Connection& connection_;
-    xcb_atom_t selection_ = XCB_ATOM_NONE;
-    X11Listener listener_;
+    X11SelectionOwner owner_;
     bool isRunning_ = false;
 };
 

@@ -3,44 +3,16 @@
 #include "X11Properties.h"
 #include "XSettings.h"
 
-#include <xcb/xfixes.h>
-
 namespace tilewright {
 
 X11MotionWish::X11MotionWish(X11Connection& connection, X11EventSelection& selection)
     : connection_(connection)
     , selection_(selection)
-    , managerSelection_(
-          connection.intern("_XSETTINGS_S" + QByteArray::number(connection.screenNumber()))) {
-    if (connection_.xfixes().isPresent) {
-        selectionListener_ = connection_.listen(
-            X11EventFilter::type(static_cast<std::uint8_t>(connection_.xfixes().firstEvent +
-                                                           XCB_XFIXES_SELECTION_NOTIFY)),
-            [this](const xcb_generic_event_t& event) {
-                const auto& notice = eventAs<xcb_xfixes_selection_notify_event_t>(event);
-                if (notice.selection == managerSelection_)
-                    follow(notice.owner);
-            });
-        xcb_xfixes_select_selection_input(
-            connection_.xcb(), connection_.root(), managerSelection_,
-            XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
-                XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
-                XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
-    }
-    // After the selection of events: nothing is missed between the two.
-    connect(&connection_, &X11Connection::answersAgain, this, &X11MotionWish::findManager);
-    findManager();
-}
-
-void X11MotionWish::findManager() {
-    const auto owner = connection_.reply<xcb_get_selection_owner_reply_t>(
-        xcb_get_selection_owner(connection_.xcb(), managerSelection_));
-    if (!owner)
-        return;
-    if (owner->owner != manager_)
-        follow(owner->owner);
-    else
-        read();
+    , owner_(connection,
+             connection.intern("_XSETTINGS_S" + QByteArray::number(connection.screenNumber()))) {
+    connect(&owner_, &X11SelectionOwner::changed, this, [this] { follow(owner_.window()); });
+    connect(&connection_, &X11Connection::answersAgain, this, &X11MotionWish::read);
+    follow(owner_.window());
 }
 
 void X11MotionWish::follow(xcb_window_t manager) {

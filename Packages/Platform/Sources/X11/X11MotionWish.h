@@ -1,6 +1,7 @@
 #pragma once
 
 #include "X11EventSelection.h"
+#include "X11SelectionOwner.h"
 
 #include <QObject>
 #include <optional>
@@ -24,14 +25,12 @@ Q_SIGNALS:
     void changed();
 
 private:
-    void findManager();
     void follow(xcb_window_t manager);
     void read();
 
     X11Connection& connection_;
     X11EventSelection& selection_;
-    const xcb_atom_t managerSelection_;
-    X11Listener selectionListener_;
+    X11SelectionOwner owner_;
     X11EventSelection::Interest interest_;
     X11Listener propertyListener_;
     xcb_window_t manager_ = XCB_NONE;
