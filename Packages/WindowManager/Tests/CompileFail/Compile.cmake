@@ -21,7 +21,7 @@ if(EXPECTATION STREQUAL "COMPILES")
   return()
 endif()
 
-set(refusals "could not convert|cannot convert|no match for|no known conversion|no viable|invalid operands")
+set(refusals "no matching function|could not convert|cannot convert|no match for|no known conversion|no viable|invalid operands")
 file(STRINGS "${SOURCE}" lines)
 set(number 0)
 set(expected 0)

@@ -31,6 +31,8 @@ void mix(AppKitPoint mouse, AppKitRect frame, AXPoint axPoint, ZoneRect rect,
 #ifdef MIX_SPACES
     (void)CoordinateConverter::appKitToAX(rect, screen);                     // refused
     (void)CoordinateConverter::appKitToAX(zone, screen);                     // refused
+    (void)CoordinateConverter::appKitToAX(axPoint);                          // refused
+    (void)CoordinateConverter::appKitToAX(fraction);                         // refused
     (void)CoordinateConverter::axToAppKit(frame, screen);                    // refused
     (void)CoordinateConverter::axToAppKit(zone, screen);                     // refused
     (void)ZoneHitTesting::normalizedPointForMouseLocation(fraction, screen); // refused
