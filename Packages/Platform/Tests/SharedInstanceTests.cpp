@@ -1,6 +1,7 @@
 #include <FakePlatform.h>
 
 #include <gtest/gtest.h>
+#include <thread>
 
 using namespace tilewright;
 using tilewright::testing::FakeDesktop;
@@ -55,6 +56,11 @@ TEST(SharedInstance, IsFreshUnderEachPlatform) {
 TEST(PlatformDeathTest, UsingNoPlatformIsFatal) {
     EXPECT_DEATH((void)Platform::current(), "no platform is installed");
     EXPECT_DEATH((void)SharedInstance<First>::get(), "no platform is installed");
+}
+
+TEST(PlatformDeathTest, MakingASharedInstanceOnAnotherThreadIsFatal) {
+    FakeDesktop desktop;
+    EXPECT_DEATH(std::thread([] { (void)SharedInstance<First>::get(); }).join(), "main thread");
 }
 
 TEST(PlatformDeathTest, InstallingASecondPlatformIsFatal) {

@@ -54,6 +54,7 @@ Platform::Installation::~Installation() {
 }
 
 void detail::whenUninstalled(std::function<void()> destroy) {
+    assertMainThread(__FILE__, __LINE__);
     if (!installedPlatform)
         fail("a shared instance was used while no platform is installed");
     uninstallActions().push_back(std::move(destroy));

@@ -86,7 +86,7 @@ void whenUninstalled(std::function<void()> destroy);
 
 /// The one instance of a service type, for as long as a platform is installed: created on the first
 /// call of `get()` and destroyed, in reverse order of creation, when the platform is uninstalled.
-/// `T` names `SharedInstance<T>` a friend when its constructor is private.
+/// `T` names `SharedInstance<T>` a friend when its constructor is private. Main thread only.
 template<class T>
 class SharedInstance {
 public:

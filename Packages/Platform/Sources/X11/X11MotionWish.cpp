@@ -17,10 +17,11 @@ X11MotionWish::X11MotionWish(X11Connection& connection, X11EventSelection& selec
 
 void X11MotionWish::follow(xcb_window_t manager) {
     manager_ = manager;
-    if (manager_ == XCB_NONE) {
-        interest_.reset();
-        propertyListener_.reset();
-    } else {
+    // Before the new ones: the next manager's window may have the number of the former one's, of
+    // which the server has forgotten what was selected.
+    interest_.reset();
+    propertyListener_.reset();
+    if (manager_ != XCB_NONE) {
         interest_ = selection_.select(manager_, XCB_EVENT_MASK_PROPERTY_CHANGE);
         propertyListener_ = connection_.listen(
             X11EventFilter::window(manager_), [this](const xcb_generic_event_t& event) {

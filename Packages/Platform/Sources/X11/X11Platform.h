@@ -20,7 +20,8 @@ enum class X11Session {
 class X11Platform final : public Platform {
 public:
     /// Null when there is no X server to speak to.
-    [[nodiscard]] static std::unique_ptr<X11Platform> open(X11Session session = X11Session::ofItsOwn);
+    [[nodiscard]] static std::unique_ptr<X11Platform>
+    open(X11Session session = X11Session::ofItsOwn);
     ~X11Platform() override;
 
     StatusItem& statusItem() override;

@@ -20,11 +20,6 @@ constexpr std::chrono::milliseconds longestBurst{400};
 /// In pixels. Window managers differ; the widest margin seen is half of this.
 constexpr double tilingMargin = 50;
 
-QRect rectFrom(const std::vector<std::uint32_t>& items, std::size_t at) {
-    return {static_cast<int>(items[at]), static_cast<int>(items[at + 1]),
-            static_cast<int>(items[at + 2]), static_cast<int>(items[at + 3])};
-}
-
 QString nameFor(const QString& connector, const std::optional<X11Edid>& edid) {
     if (!edid)
         return connector;
@@ -271,16 +266,20 @@ X11WorkAreaHints X11Screens::readWorkAreas(QSize screen) {
         const auto struts = strutsFrom(partialItems, wholeItems, screen);
         hints.struts.insert(hints.struts.end(), struts.begin(), struts.end());
     }
+    // A number that no window manager has would only leave an atom behind on the server.
+    constexpr std::size_t mostDesktops = 256;
     const std::size_t current = desktop.empty() ? 0 : desktop[0];
+    if (current >= mostDesktops)
+        return hints;
     // Window managers leave these behind when they end: they count only while one vouches for them.
-    if (windowManager_.supports(X11Atom::netWorkarea) && together.size() >= 4 * (current + 1))
-        hints.together = rectFrom(together, 4 * current);
+    if (windowManager_.supports(X11Atom::netWorkarea))
+        hints.together = workAreaAt(together, current);
     if (windowManager_.supports(X11Atom::gtkWorkareas)) {
         const xcb_atom_t atom =
             connection_.intern("_GTK_WORKAREAS_D" + QByteArray::number(qulonglong(current)));
         const auto areas = takeItems(connection_, requestProperty(connection_, root, atom, 256));
-        for (std::size_t at = 0; at + 4 <= areas.size(); at += 4)
-            hints.perMonitor.push_back(rectFrom(areas, at));
+        for (std::size_t i = 0; const auto area = workAreaAt(areas, i); ++i)
+            hints.perMonitor.push_back(*area);
     }
     return hints;
 }

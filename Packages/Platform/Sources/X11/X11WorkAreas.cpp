@@ -9,6 +9,11 @@ namespace {
 constexpr std::array edges{X11Strut::Edge::left, X11Strut::Edge::right, X11Strut::Edge::top,
                            X11Strut::Edge::bottom};
 
+/// X screens are measured in 16 bits. Whoever says more, in whatever property, says nothing.
+int bounded(std::uint32_t value) {
+    return static_cast<int>(std::min<std::uint32_t>(value, 65535));
+}
+
 /// Panels reserve from the edges of the whole X screen. One that sits on an inner edge, between two
 /// monitors, thereby seems to reserve all of the monitor behind it: it means the one in which its
 /// strip ends.
@@ -49,11 +54,16 @@ QRect without(QRect area, const QRect& monitor, const X11Strut& strut, QSize scr
 
 } // namespace
 
+std::optional<QRect> workAreaAt(const std::vector<std::uint32_t>& items, std::size_t index) {
+    constexpr std::size_t numbers = 4;
+    if (items.size() / numbers <= index)
+        return std::nullopt;
+    const auto at = [&](std::size_t i) { return bounded(items[numbers * index + i]); };
+    return QRect(at(0), at(1), at(2), at(3));
+}
+
 std::vector<X11Strut> strutsFrom(const std::vector<std::uint32_t>& partial,
                                  const std::vector<std::uint32_t>& whole, QSize screen) {
-    const auto bounded = [](std::uint32_t value) {
-        return static_cast<int>(std::min<std::uint32_t>(value, 65535));
-    };
     const bool isPartial = partial.size() >= 12;
     const std::vector<std::uint32_t>& items = isPartial ? partial : whole;
     std::vector<X11Strut> struts;

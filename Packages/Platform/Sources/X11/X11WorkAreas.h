@@ -26,6 +26,11 @@ struct X11Strut {
                                                const std::vector<std::uint32_t>& whole,
                                                QSize screen);
 
+/// Reads one of the areas in `_NET_WORKAREA` or `_GTK_WORKAREAS_Dn`; none where there are not as
+/// many. Numbers beyond any X screen are cut to its utmost.
+[[nodiscard]] std::optional<QRect> workAreaAt(const std::vector<std::uint32_t>& items,
+                                              std::size_t index);
+
 /// What the window manager says of the space that panels leave.
 struct X11WorkAreaHints {
     /// `_GTK_WORKAREAS_Dn` of the current desktop: one area or more for each monitor; empty where

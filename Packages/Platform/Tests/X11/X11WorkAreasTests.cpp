@@ -1,5 +1,7 @@
 #include <X11/X11WorkAreas.h>
 
+#include <array>
+#include <cstdint>
 #include <gtest/gtest.h>
 
 using namespace tilewright;
@@ -88,4 +90,46 @@ TEST(X11WorkAreas, ReadsPartialStrutsBeforeWholeOnes) {
     EXPECT_EQ(strutsFrom({}, whole, both),
               (std::vector<X11Strut>{{X11Strut::Edge::top, 30, 0, 3839}}));
     EXPECT_TRUE(strutsFrom({}, {1, 2}, both).empty());
+}
+
+TEST(X11WorkAreas, ReadsAreasInTheirOrder) {
+    const std::vector<std::uint32_t> items{0, 30, 1920, 1050, 5, 6, 7, 8, 9};
+    EXPECT_EQ(workAreaAt(items, 0), QRect(0, 30, 1920, 1050));
+    EXPECT_EQ(workAreaAt(items, 1), QRect(5, 6, 7, 8));
+    EXPECT_EQ(workAreaAt(items, 2), std::nullopt);
+    EXPECT_EQ(workAreaAt(items, SIZE_MAX), std::nullopt);
+}
+
+TEST(X11WorkAreas, CutsNumbersBeyondAnyScreen) {
+    for (const std::uint32_t extreme : {65536U, 0x7fffffffU, 0x80000000U, 0xffffffffU}) {
+        EXPECT_EQ(workAreaAt({extreme, extreme, extreme, extreme}, 0),
+                  QRect(65535, 65535, 65535, 65535));
+        for (std::size_t place = 0; place < 4; ++place) {
+            std::vector<std::uint32_t> items{0, 0, 1920, 1080};
+            items[place] = extreme;
+            X11WorkAreaHints hints;
+            hints.together = workAreaAt(items, 0);
+            EXPECT_EQ(visibleAreas({left}, left.size(), hints), std::vector<QRect>{left});
+        }
+    }
+}
+
+TEST(X11WorkAreas, LeavesEveryMonitorWithinItselfWhateverStrutsSay) {
+    constexpr std::array extremes{0U,     1U,          1080U,       1920U,      32767U,
+                                  65536U, 0x7fffffffU, 0x80000000U, 0xffffffffU};
+    for (std::size_t place = 0; place < 12; ++place) {
+        for (const std::uint32_t extreme : extremes) {
+            for (const std::uint32_t others : extremes) {
+                std::vector<std::uint32_t> partial(12, others);
+                partial[place] = extreme;
+                for (const auto& struts :
+                     {strutsFrom(partial, {}, both),
+                      strutsFrom({}, {partial[0], partial[1], partial[2], partial[3]}, both)}) {
+                    const auto areas = areasWith(struts);
+                    EXPECT_TRUE(!areas[0].isEmpty() && left.contains(areas[0]));
+                    EXPECT_TRUE(!areas[1].isEmpty() && right.contains(areas[1]));
+                }
+            }
+        }
+    }
 }
