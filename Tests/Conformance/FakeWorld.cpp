@@ -4,6 +4,8 @@
 
 #include <FakePlatform.h>
 
+#include <QDir>
+
 namespace tilewright::testing {
 
 namespace {
@@ -15,7 +17,7 @@ public:
         fakes().fakeAccessibility.elementAt = [this](AXPoint point) { return elementAt(point); };
     }
 
-    FakePlatform& platform() override { return desktop_.platform; }
+    FakePlatform& platform() override { return desktop_->platform; }
     bool waitUntil(const std::function<bool()>& condition) override {
         for (int turns = 0; turns < 1000 && !condition(); ++turns)
             fakes().fakeMainLoop.advance(std::chrono::milliseconds(1));
@@ -56,12 +58,60 @@ public:
         fakes().fakeScreens.change({makeScreen(values)});
     }
     bool showsPanel() const override {
-        const FakePanelSurface* panel = desktop_.platform.panel;
+        const FakePanelSurface* panel = desktop_->platform.panel;
         return panel && panel->view && panel->view->isVisible();
     }
 
+    std::optional<AppKitRect> overlayFrame() const override {
+        const FakeOverlaySurface::Record& overlay = desktop_->platform.overlay;
+        return overlay.isVisible && overlay.screen ? std::optional(overlay.screen->frame())
+                                                   : std::nullopt;
+    }
+    // A note of what was asked for is in nobody's way.
+    bool overlayTakesPresses() const override { return false; }
+    bool drawsOverlays() const override { return false; }
+    bool isThisApplicationInFront() const override {
+        return desktop_->platform.fakeWorkspace.activations > 0;
+    }
+
+    std::optional<ShownItem> shownItem() override {
+        if (!desktop_ || fakes().fakeStatusItem.symbols.empty())
+            return std::nullopt;
+        const FakeStatusItem& item = fakes().fakeStatusItem;
+        return ShownItem{item.accessibleName, item.icon.pixmap(64, 64).toImage()};
+    }
+    AppKitPoint clickItem() override {
+        fakes().fakeStatusItem.click(AppKitRect{600, 876, 24, 24});
+        return {612, 888};
+    }
+
+    void startEarlierInstance() override {
+        fakes().fakeInstanceActivation.answer = InstanceActivation::Claim::another;
+    }
+    bool isEarlierInstanceAsked() override { return true; }
+    void startLaterInstance() override {
+        Q_EMIT fakes().fakeInstanceActivation.activationRequested();
+    }
+    void endPlatform() override { desktop_.reset(); }
+
+    void wishReducedMotion(bool isReduced) override {
+        fakes().fakeAppearance.changeReducedMotion(isReduced);
+    }
+    bool wishDark(bool isDark) override {
+        fakes().fakeAppearance.changeDark(isDark);
+        return true;
+    }
+    bool blendsWindows() const override { return desktop_->platform.fakeAppearance.blends; }
+    void startBlending() override { fakes().fakeAppearance.blends = true; }
+
+    void setTrust(bool isGranted) override { fakes().fakeAccessibility.changeTrust(isGranted); }
+    int heldAssertions() override {
+        return static_cast<int>(fakes().fakePowerAssertions.held.size());
+    }
+    QString home() const override { return QDir::tempPath(); }
+
 private:
-    FakePlatform& fakes() { return desktop_.platform; }
+    FakePlatform& fakes() { return desktop_->platform; }
     void dismissPanel(PanelDismissal why) {
         if (fakes().panel)
             fakes().panel->dismiss(why);
@@ -77,7 +127,7 @@ private:
         return area.contains({point.x, point.y}) ? window_ : nullptr;
     }
 
-    FakeDesktop desktop_;
+    std::unique_ptr<FakeDesktop> desktop_ = std::make_unique<FakeDesktop>();
     const ScreenPtr screen_ = makeScreen();
     std::shared_ptr<FakeElement> window_;
     std::shared_ptr<FakeElement> application_;

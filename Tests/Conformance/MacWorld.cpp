@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QWidget>
+#include <unistd.h>
 
 namespace tilewright::testing {
 
@@ -16,16 +17,18 @@ namespace {
 class MacWorld final : public PlatformWorld {
 public:
     MacWorld() {
-        desktop_.appKit.screens = {makeFacts({0, 0, 1440, 900}, 1)};
-        desktop_.appKit.mainScreen = 0;
-        desktop_.system.displayUUIDs[1] = QStringLiteral("37D8832A-2D66-02CA-B9F7-8F30A301B230");
-        desktop_.system.elementAt = [this](AXPoint point) { return elementAt(point); };
+        appKit_.screens = {makeFacts({0, 0, 1440, 900}, 1)};
+        appKit_.mainScreen = 0;
+        system_.displayUUIDs[1] = QStringLiteral("37D8832A-2D66-02CA-B9F7-8F30A301B230");
+        system_.elementAt = [this](AXPoint point) { return elementAt(point); };
+        platform_ = std::make_unique<MacTestPlatform>();
+        installation_.emplace(*platform_);
     }
 
-    MacTestPlatform& platform() override { return desktop_.platform; }
+    MacTestPlatform& platform() override { return *platform_; }
     bool waitUntil(const std::function<bool()>& condition) override {
         for (int turns = 0; turns < 1000 && !condition(); ++turns)
-            desktop_.platform.loop().advance(std::chrono::milliseconds(1));
+            platform_->loop().advance(std::chrono::milliseconds(1));
         return condition();
     }
 
@@ -37,10 +40,10 @@ public:
         const auto application = FakeMacSystem::makeElement("application");
         application->attributes["AXFocusedWindow"] = window_;
         application->attributes["AXEnhancedUserInterface"] = true;
-        desktop_.system.applications[7] = application;
-        desktop_.appKit.frontmost = 7;
-        desktop_.appKit.names[7] = QStringLiteral("Editor");
-        desktop_.appKit.announce(appkit::Notification::applicationActivated);
+        system_.applications[7] = application;
+        appKit_.frontmost = 7;
+        appKit_.names[7] = QStringLiteral("Editor");
+        appKit_.announce(appkit::Notification::applicationActivated);
         return 7;
     }
     void closeWindow() override {
@@ -49,7 +52,7 @@ public:
     }
     WindowFrame windowFrame() const override { return {window_->position, window_->size}; }
 
-    void movePointer(AppKitPoint to) override { desktop_.appKit.mouse = to; }
+    void movePointer(AppKitPoint to) override { appKit_.mouse = to; }
     void holdControl() override { send({EventType::flagsChanged, {ModifierFlag::control}}); }
     void releaseControl() override { send({EventType::flagsChanged, {}}); }
     void pressButton() override { send({EventType::leftMouseDown, {}}); }
@@ -63,13 +66,68 @@ public:
         QCoreApplication::sendEvent(receiver, &press);
     }
     void addPanel() override {
-        desktop_.appKit.screens[0].visibleFrame.height -= 40;
-        desktop_.appKit.announce(appkit::Notification::screenParametersChanged);
+        appKit_.screens[0].visibleFrame.height -= 40;
+        appKit_.announce(appkit::Notification::screenParametersChanged);
     }
     bool showsPanel() const override { return QApplication::activePopupWidget() != nullptr; }
 
+    std::optional<AppKitRect> overlayFrame() const override {
+        if (appKit_.windows.empty() || !appKit_.windows.back()->isShown)
+            return std::nullopt;
+        // An empty window shows nothing.
+        EXPECT_TRUE(appKit_.windows.back()->content);
+        return appKit_.windows.back()->frame;
+    }
+    bool overlayTakesPresses() const override {
+        return !appKit_.windows.back()->properties.ignoresMouseEvents;
+    }
+    bool drawsOverlays() const override { return true; }
+    bool isThisApplicationInFront() const override { return appKit_.activations > 0; }
+
+    std::optional<ShownItem> shownItem() override {
+        if (!appKit_.statusItem)
+            return std::nullopt;
+        ShownItem shown;
+        shown.name = appKit_.statusItem->accessibleName;
+        if (!appKit_.statusItem->images.empty())
+            shown.picture = QImage::fromData(appKit_.statusItem->images.back(), "PNG");
+        return shown;
+    }
+    AppKitPoint clickItem() override {
+        appKit_.statusItem->frame = AppKitRect{600, 876, 24, 24};
+        appKit_.statusItem->clicked();
+        return {612, 888};
+    }
+
+    void startEarlierInstance() override {
+        appKit_.instances = {{getpid(), 20}, {getpid() + 1, 10}};
+    }
+    bool isEarlierInstanceAsked() override { return appKit_.panelRequests == 1; }
+    void startLaterInstance() override { appKit_.announce(appkit::Notification::panelRequested); }
+    void endPlatform() override {
+        installation_.reset();
+        platform_.reset();
+    }
+
+    void wishReducedMotion(bool isReduced) override {
+        appKit_.reducesMotion = isReduced;
+        appKit_.announce(appkit::Notification::displayOptionsChanged);
+    }
+    // Qt follows the system's colours by itself.
+    bool wishDark(bool) override { return false; }
+    // This system has blended windows from its beginning.
+    bool blendsWindows() const override { return true; }
+    void startBlending() override {}
+
+    void setTrust(bool isGranted) override {
+        system_.isTrusted = isGranted;
+        appKit_.announce(appkit::Notification::accessibilityPermissionChanged);
+    }
+    int heldAssertions() override { return static_cast<int>(system_.assertions.size()); }
+    QString home() const override { return appKit_.applicationSupport.path(); }
+
 private:
-    void send(const Event& event) { desktop_.appKit.send(appkit::MonitorKind::global, event); }
+    void send(const Event& event) { appKit_.send(appkit::MonitorKind::global, event); }
     /// A button in the window, as applications have them, or nothing.
     [[nodiscard]] std::shared_ptr<MacNode> elementAt(AXPoint point) const {
         if (!window_)
@@ -84,7 +142,10 @@ private:
         return button;
     }
 
-    MacDesktop desktop_;
+    FakeMacSystem system_;
+    FakeAppKit appKit_;
+    std::unique_ptr<MacTestPlatform> platform_;
+    std::optional<Platform::Installation> installation_;
     std::shared_ptr<MacNode> window_;
 };
 

@@ -2,9 +2,13 @@
 
 #include <Platform/Platform.h>
 
+#include <QColor>
+#include <QImage>
+#include <QString>
 #include <functional>
 #include <gtest/gtest.h>
 #include <memory>
+#include <optional>
 
 namespace tilewright::testing {
 
@@ -15,6 +19,16 @@ struct WindowFrame {
 
     friend bool operator==(const WindowFrame&, const WindowFrame&) = default;
 };
+
+/// The status item as the menu bar, or the tray, shows it.
+struct ShownItem {
+    QString name;
+    /// The symbol; what is not transparent in it is its shape.
+    QImage picture;
+};
+
+/// What the overlay views of the suite show everywhere: a colour that nothing else has.
+inline const QColor overlayColor(201, 19, 87);
 
 /// A desktop with a platform under test, and the hands of a user and of other applications on it.
 /// What the hands do may reach the platform only some turns of the loop later.
@@ -51,6 +65,48 @@ public:
     /// Whether a panel surface's content, 300 points wide, is on the display, by the word of
     /// somebody else than the surface where there is such a one.
     [[nodiscard]] virtual bool showsPanel() const = 0;
+
+    /// Where an overlay surface is, if it is shown and nothing covers its middle, by the word of
+    /// somebody else than the surface; none otherwise.
+    [[nodiscard]] virtual std::optional<AppKitRect> overlayFrame() const = 0;
+    /// Whether a press in the middle of the overlay would go to it and not to what is beneath.
+    [[nodiscard]] virtual bool overlayTakesPresses() const = 0;
+    /// Whether overlay surfaces show their views at all, and so end the views' animations. A fake
+    /// that notes what it is told does neither.
+    [[nodiscard]] virtual bool drawsOverlays() const = 0;
+    /// Whether this program has come before the application whose window was opened.
+    [[nodiscard]] virtual bool isThisApplicationInFront() const = 0;
+
+    /// The status item, none while none is shown. May turn the loop.
+    [[nodiscard]] virtual std::optional<ShownItem> shownItem() = 0;
+    /// The user clicks on the item that is shown. Where.
+    [[nodiscard]] virtual AppKitPoint clickItem() = 0;
+
+    /// Another instance of the program has been running for a while.
+    virtual void startEarlierInstance() = 0;
+    /// Whether that instance was asked to show itself. Where a platform only answers, and there is
+    /// nobody to be asked, it was.
+    [[nodiscard]] virtual bool isEarlierInstanceAsked() = 0;
+    /// The user starts the program once more. Returns when that instance has found this one.
+    virtual void startLaterInstance() = 0;
+    /// The platform ends, as when the program quits: nothing may ask for it from then on.
+    virtual void endPlatform() = 0;
+
+    /// The user asks the desktop for less motion, or for all of it.
+    virtual void wishReducedMotion(bool isReduced) = 0;
+    /// The user asks the desktop for dark or for light colours. Whether it is the platform's matter
+    /// to tell of that: it is not where Qt hears of it by itself.
+    [[nodiscard]] virtual bool wishDark(bool isDark) = 0;
+    /// Whether the desktop blends windows, and from when on it does for certain.
+    [[nodiscard]] virtual bool blendsWindows() const = 0;
+    virtual void startBlending() = 0;
+
+    /// The permission to move windows, or whatever it rests on, is taken away or given back.
+    virtual void setTrust(bool isGranted) = 0;
+    /// How many power assertions the desktop counts as held.
+    [[nodiscard]] virtual int heldAssertions() = 0;
+    /// The folder in which everything of the user's is.
+    [[nodiscard]] virtual QString home() const = 0;
 };
 
 /// Makes a world; null, with a failed test, when it cannot be made.

@@ -3,6 +3,7 @@
 // seen.
 
 #include "PlatformWorld.h"
+#include "SessionHands.h"
 
 #include <BareClient.h>
 #include <DesktopSession.h>
@@ -36,8 +37,8 @@ public:
             installation_.emplace(*platform_);
     }
     ~X11World() override {
-        installation_.reset();
-        platform_.reset();
+        X11World::endPlatform();
+        desktop_.stopCompositor();
         if (client_.process)
             client_.process->stop();
         desktop_.killWindowManager();
@@ -87,10 +88,67 @@ public:
         return openPanelFrame(desktop_.inspector(), getpid()).has_value();
     }
 
+    std::optional<AppKitRect> overlayFrame() const override {
+        const XInspector& look = desktop_.inspector();
+        const auto overlay = overlayWindow(look, getpid());
+        if (!overlay || !look.isMapped(*overlay))
+            return std::nullopt;
+        const QRect frame = look.clientFrame(*overlay);
+        if (look.pixel(frame.center()) != overlayColor)
+            return std::nullopt;
+        const int rows = look.screenSize().height();
+        return AppKitRect{double(frame.x()), double(rows - frame.y() - frame.height()),
+                          double(frame.width()), double(frame.height())};
+    }
+    bool overlayTakesPresses() const override {
+        const XInspector& look = desktop_.inspector();
+        const auto overlay = overlayWindow(look, getpid());
+        return overlay && look.toplevelAt(look.clientFrame(*overlay).center()) == *overlay;
+    }
+    bool drawsOverlays() const override { return true; }
+    bool isThisApplicationInFront() const override {
+        const XInspector& look = desktop_.inspector();
+        return look.processID(look.activeWindow()) == quint32(getpid());
+    }
+
+    std::optional<ShownItem> shownItem() override { return session_.shownItem(); }
+    AppKitPoint clickItem() override {
+        const QPoint at(600, 10);
+        session_.clickItem(at);
+        // The middle of the pixel.
+        return {at.x() + 0.5, desktop_.inspector().screenSize().height() - at.y() - 0.5};
+    }
+
+    void startEarlierInstance() override { session_.startEarlierInstance(); }
+    bool isEarlierInstanceAsked() override { return session_.isEarlierInstanceAsked(); }
+    void startLaterInstance() override { session_.startLaterInstance(); }
+    void endPlatform() override {
+        installation_.reset();
+        platform_.reset();
+    }
+
+    void wishReducedMotion(bool isReduced) override { session_.wishReducedMotion(isReduced); }
+    bool wishDark(bool isDark) override {
+        session_.wishDark(isDark);
+        return true;
+    }
+    bool blendsWindows() const override { return desktop_.inspector().hasCompositor(); }
+    void startBlending() override { EXPECT_TRUE(desktop_.startCompositor()); }
+
+    void setTrust(bool isGranted) override {
+        if (!isGranted)
+            desktop_.killWindowManager();
+        else if (!desktop_.startWindowManager(WindowManagerKind::openbox))
+            ADD_FAILURE() << "there is no window manager";
+    }
+    int heldAssertions() override { return session_.heldInhibitions(); }
+    QString home() const override { return desktop_.home(); }
+
 private:
     DesktopSession& desktop_ = *desktopOfThisRun;
     std::unique_ptr<X11Platform> platform_;
     std::optional<Platform::Installation> installation_;
+    SessionHands session_{desktop_.busAddress(), desktop_.display()};
     TestClient client_;
     std::unique_ptr<BareClient> panel_;
 };

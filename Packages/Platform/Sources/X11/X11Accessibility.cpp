@@ -16,7 +16,9 @@ X11Accessibility::X11Accessibility(X11Connection& connection,
     , screens_(screens)
     , trust_(trust)
     , context_(std::make_shared<X11ElementContext>(
-          X11ElementContext{connection, activeWindow, frameSetter})) {}
+          X11ElementContext{connection, activeWindow, frameSetter})) {
+    connect(&trust_, &X11Trust::changed, this, &X11Accessibility::trustChanged);
+}
 
 AccessibilityElement X11Accessibility::systemWideElement() const {
     return AccessibilityElement(std::make_shared<X11ApplicationElement>(context_, std::nullopt));
