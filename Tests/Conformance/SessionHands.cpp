@@ -4,16 +4,12 @@
 #include "FakeNotifierWatcher.h"
 #include "FakePortal.h"
 
-#include <FreeDesktop/FreeDesktopInstanceActivation.h>
 #include <FreeDesktop/StatusNotifierPixmap.h>
 #include <Waiting.h>
 
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusVariant>
-#include <QThread>
-#include <atomic>
-#include <thread>
 
 namespace tilewright::testing {
 
@@ -33,42 +29,13 @@ QString itemInterface() {
 
 } // namespace
 
-/// An instance that answers on a thread of its own, as another process does.
-class SessionHands::EarlierInstance {
-public:
-    EarlierInstance(const QString& display, const QDBusConnection& bus)
-        : activation_(display, bus) {
-        QObject::connect(
-            &activation_, &InstanceActivation::activationRequested, &activation_,
-            [this] { ++requests_; }, Qt::DirectConnection);
-        activation_.moveToThread(&thread_);
-        thread_.start();
-        EXPECT_EQ(activation_.claim(), InstanceActivation::Claim::first);
-    }
-    ~EarlierInstance() {
-        thread_.quit();
-        thread_.wait();
-    }
-    EarlierInstance(const EarlierInstance&) = delete;
-    EarlierInstance& operator=(const EarlierInstance&) = delete;
-
-    [[nodiscard]] int requests() const { return requests_; }
-
-private:
-    std::atomic<int> requests_ = 0;
-    QThread thread_;
-    FreeDesktopInstanceActivation activation_;
-};
-
-SessionHands::SessionHands(QString busAddress, QString display)
-    : busAddress_(std::move(busAddress))
-    , display_(std::move(display)) {}
+SessionHands::SessionHands(QString busAddress)
+    : busAddress_(std::move(busAddress)) {}
 
 SessionHands::~SessionHands() {
     watcher_.reset();
     portal_.reset();
     idleService_.reset();
-    earlierInstance_.reset();
     for (const QString& name : connections_)
         QDBusConnection::disconnectFromBus(name);
 }
@@ -109,26 +76,6 @@ void SessionHands::clickItem(QPoint at) {
     QDBusConnection(connections_.front())
         .asyncCall(callToItem(watcher_->items.back(), itemInterface(), QStringLiteral("Activate"),
                               {at.x(), at.y()}));
-}
-
-void SessionHands::startEarlierInstance() {
-    earlierInstance_ = std::make_unique<EarlierInstance>(display_, connect());
-}
-
-bool SessionHands::isEarlierInstanceAsked() const {
-    return earlierInstance_->requests() == 1;
-}
-
-void SessionHands::startLaterInstance() {
-    const QDBusConnection bus = connect();
-    std::atomic<bool> isDone = false;
-    std::thread later([&] {
-        EXPECT_EQ(FreeDesktopInstanceActivation(display_, bus).claim(),
-                  InstanceActivation::Claim::another);
-        isDone = true;
-    });
-    EXPECT_TRUE(waitUntil([&] { return isDone.load(); }));
-    later.join();
 }
 
 void SessionHands::wishReducedMotion(bool isReduced) {

@@ -10,6 +10,8 @@
 #include <ProgramWindows.h>
 #include <TestClients.h>
 #include <Waiting.h>
+#include <X11/X11Connection.h>
+#include <X11/X11InstanceActivation.h>
 #include <X11/X11Platform.h>
 
 #include <QApplication>
@@ -22,6 +24,20 @@ namespace {
 
 /// The desktop of this run. Qt connects to its server before the first test, and to no other.
 DesktopSession* desktopOfThisRun = nullptr;
+
+/// Another start of the program, as far as it is about being the one.
+struct Instance {
+    explicit Instance(const QString& display)
+        : connection(X11Connection::open(display))
+        , activation(*connection) {
+        QObject::connect(&activation, &InstanceActivation::activationRequested, &activation,
+                         [this] { ++requests; });
+    }
+
+    std::unique_ptr<X11Connection> connection;
+    X11InstanceActivation activation;
+    int requests = 0;
+};
 
 class X11World final : public PlatformWorld {
 public:
@@ -119,9 +135,15 @@ public:
         return {at.x() + 0.5, desktop_.inspector().screenSize().height() - at.y() - 0.5};
     }
 
-    void startEarlierInstance() override { session_.startEarlierInstance(); }
-    bool isEarlierInstanceAsked() override { return session_.isEarlierInstanceAsked(); }
-    void startLaterInstance() override { session_.startLaterInstance(); }
+    void startEarlierInstance() override {
+        earlier_ = std::make_unique<Instance>(desktop_.display());
+        EXPECT_EQ(earlier_->activation.claim(), InstanceActivation::Claim::first);
+    }
+    bool isEarlierInstanceAsked() override { return earlier_->requests == 1; }
+    void startLaterInstance() override {
+        Instance later(desktop_.display());
+        EXPECT_EQ(later.activation.claim(), InstanceActivation::Claim::another);
+    }
     void endPlatform() override {
         installation_.reset();
         platform_.reset();
@@ -148,7 +170,8 @@ private:
     DesktopSession& desktop_ = *desktopOfThisRun;
     std::unique_ptr<X11Platform> platform_;
     std::optional<Platform::Installation> installation_;
-    SessionHands session_{desktop_.busAddress(), desktop_.display()};
+    SessionHands session_{desktop_.busAddress()};
+    std::unique_ptr<Instance> earlier_;
     TestClient client_;
     std::unique_ptr<BareClient> panel_;
 };

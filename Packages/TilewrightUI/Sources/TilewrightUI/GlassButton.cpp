@@ -5,6 +5,7 @@
 
 #include <QFontMetricsF>
 #include <QKeyEvent>
+#include <QMenu>
 #include <QPainter>
 #include <algorithm>
 #include <cmath>
@@ -169,6 +170,20 @@ void GlassButton::paintEvent(QPaintEvent*) {
                         symbolGap, shown);
     if (look::showsFocus(*this))
         paintFocus(painter, bezel, radius);
+}
+
+void GlassButton::setMenu(QMenu* menu) {
+    QPushButton::setMenu(menu);
+    // Qt would run an event loop of its own for as long as the menu is open.
+    disconnect(this, SIGNAL(pressed()), this, nullptr);
+    connect(this, &QAbstractButton::pressed, this, &GlassButton::popUpMenu);
+    connect(menu, &QMenu::aboutToHide, this, [this] { setDown(false); });
+}
+
+void GlassButton::popUpMenu() {
+    const int shift =
+        layoutDirection() == Qt::RightToLeft ? width() - menu()->sizeHint().width() : 0;
+    menu()->popup(mapToGlobal(QPoint(shift, height() + 2)));
 }
 
 void GlassButton::keyPressEvent(QKeyEvent* event) {

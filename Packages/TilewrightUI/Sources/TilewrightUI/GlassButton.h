@@ -40,6 +40,8 @@ public:
     /// A destructive button is red.
     void setRole(Role role);
     void setControlSize(ControlSize size);
+    /// As QPushButton's, save that a press shows the menu and comes back at once.
+    void setMenu(QMenu* menu);
 
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
@@ -53,6 +55,7 @@ private:
     [[nodiscard]] double symbolRoom() const;
     [[nodiscard]] double chevronRoom() const;
     [[nodiscard]] QColor textColor() const;
+    void popUpMenu();
     void applyFont();
     void paintBezel(QPainter& painter, const QRectF& bezel, double radius) const;
     void paintFocus(QPainter& painter, const QRectF& bezel, double radius) const;
