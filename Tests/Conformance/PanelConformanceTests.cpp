@@ -30,7 +30,8 @@ private:
     const QSize wanted_;
 };
 
-/// A panel of a world's platform, and what it has told and shown so far.
+/// A panel of a world's platform, and what it has told and shown so far. To be opened once the
+/// world is at rest: a window that is just becoming the active one would dismiss it.
 struct PanelInHand {
     explicit PanelInHand(PlatformWorld& theWorld, int contentHeight = 200)
         : world(theWorld)
@@ -75,6 +76,7 @@ private:
 } // namespace
 
 TEST_P(PlatformConformance, ShowsThePanelsContentFromItsOpeningToItsClosing) {
+    ASSERT_TRUE(openKnownWindow());
     PanelInHand hand(*world);
     EXPECT_FALSE(hand.panel->isOpen());
     EXPECT_FALSE(world->showsPanel());
@@ -95,6 +97,7 @@ TEST_P(PlatformConformance, ShowsThePanelsContentFromItsOpeningToItsClosing) {
 }
 
 TEST_P(PlatformConformance, ShowsNewContentAtEachOpeningOfThePanel) {
+    ASSERT_TRUE(openKnownWindow());
     PanelInHand hand(*world);
     ASSERT_TRUE(hand.open());
     const QPointer<QWidget> first = hand.view;
@@ -109,6 +112,7 @@ TEST_P(PlatformConformance, ShowsNewContentAtEachOpeningOfThePanel) {
 }
 
 TEST_P(PlatformConformance, GivesThePanelsContentNoMoreHeightThanItsDisplayHas) {
+    ASSERT_TRUE(openKnownWindow());
     PanelInHand hand(*world, 20'000);
     ASSERT_TRUE(hand.open());
     EXPECT_EQ(hand.view->width(), 300);
@@ -117,6 +121,7 @@ TEST_P(PlatformConformance, GivesThePanelsContentNoMoreHeightThanItsDisplayHas) 
 }
 
 TEST_P(PlatformConformance, OpensAndClosesThePanelByClicksOnTheItem) {
+    ASSERT_TRUE(openKnownWindow());
     const AppKitRect item{600, 700, 24, 24};
     PanelInHand hand(*world);
     for (int round = 1; round <= 2; ++round) {
@@ -130,6 +135,7 @@ TEST_P(PlatformConformance, OpensAndClosesThePanelByClicksOnTheItem) {
 }
 
 TEST_P(PlatformConformance, DismissesThePanelOnEscape) {
+    ASSERT_TRUE(openKnownWindow());
     PanelInHand hand(*world);
     ASSERT_TRUE(hand.open());
     // Another client may hold the keyboard for a while.
@@ -158,9 +164,10 @@ TEST_P(PlatformConformance, DismissesThePanelOnAPressOutsideIt) {
 }
 
 TEST_P(PlatformConformance, DismissesThePanelWhenAnotherWindowBecomesTheActiveOne) {
+    ASSERT_TRUE(openKnownWindow());
     PanelInHand hand(*world);
     ASSERT_TRUE(hand.open());
-    static_cast<void>(world->openWindow(opened));
+    static_cast<void>(world->openWindow({{150, 170}, {400, 300}}));
     EXPECT_TRUE(hand.isGoneSoon());
     EXPECT_EQ(hand.dismissals, std::vector{PanelDismissal::anotherWindow});
 }

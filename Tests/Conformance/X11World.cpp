@@ -55,8 +55,10 @@ public:
     ~X11World() override {
         X11World::endPlatform();
         desktop_.stopCompositor();
-        if (client_.process)
-            client_.process->stop();
+        for (const TestClient& client : clients_) {
+            if (client.process)
+                client.process->stop();
+        }
         desktop_.killWindowManager();
     }
 
@@ -70,16 +72,17 @@ public:
     ProcessID openWindow(const WindowFrame& frame) override {
         const QRect area(static_cast<int>(frame.position.x), static_cast<int>(frame.position.y),
                          static_cast<int>(frame.size.width), static_cast<int>(frame.size.height));
-        client_ = startClient(desktop_, ClientKind::qt, area);
+        const TestClient& client =
+            clients_.emplace_back(startClient(desktop_, ClientKind::qt, area));
         static_cast<void>(
             outputOf(QStringLiteral("wmctrl"),
-                     {QStringLiteral("-i"), QStringLiteral("-a"), QString::number(client_.window)},
+                     {QStringLiteral("-i"), QStringLiteral("-a"), QString::number(client.window)},
                      desktop_.environment()));
-        return client_.process ? client_.process->pid() : 0;
+        return client.process ? client.process->pid() : 0;
     }
-    void closeWindow() override { client_.process->stop(); }
+    void closeWindow() override { clients_.back().process->stop(); }
     WindowFrame windowFrame() const override {
-        const QRect frame = desktop_.inspector().outerFrame(client_.window);
+        const QRect frame = desktop_.inspector().outerFrame(clients_.back().window);
         return {{double(frame.x()), double(frame.y())},
                 {double(frame.width()), double(frame.height())}};
     }
@@ -172,7 +175,7 @@ private:
     std::optional<Platform::Installation> installation_;
     SessionHands session_{desktop_.busAddress()};
     std::unique_ptr<Instance> earlier_;
-    TestClient client_;
+    std::vector<TestClient> clients_;
     std::unique_ptr<BareClient> panel_;
 };
 
