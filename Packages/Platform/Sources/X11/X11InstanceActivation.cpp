@@ -70,8 +70,8 @@ void X11InstanceActivation::ask(xcb_window_t first) {
     xcb_send_event(connection_.xcb(), 0, first, XCB_EVENT_MASK_NO_EVENT,
                    static_cast<const char*>(static_cast<const void*>(&message)));
     // What a client that has gone by then sent last may be passed over, and this process ends next.
-    static_cast<void>(connection_.reply<xcb_get_input_focus_reply_t>(
-        xcb_get_input_focus(connection_.xcb())));
+    static_cast<void>(
+        connection_.reply<xcb_get_input_focus_reply_t>(xcb_get_input_focus(connection_.xcb())));
 }
 
 void X11InstanceActivation::heard(const xcb_generic_event_t& event) {
