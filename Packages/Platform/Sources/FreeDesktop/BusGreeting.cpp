@@ -22,7 +22,7 @@ QByteArray pathIn(const QByteArray& address) {
     const QList<QByteArray> entries = address.mid(transport.size()).split(',');
     for (const QByteArray& entry : entries) {
         const qsizetype equals = entry.indexOf('=');
-        const QByteArray value = QByteArray::fromPercentEncoding(entry.mid(equals + 1));
+        QByteArray value = QByteArray::fromPercentEncoding(entry.mid(equals + 1));
         if (entry.left(equals) == "path")
             return value;
         if (entry.left(equals) == "abstract")
