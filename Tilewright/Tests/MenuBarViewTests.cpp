@@ -143,6 +143,16 @@ TEST_F(MenuBarViewTest, ScrollsTheLayoutsAloneWhereItIsGivenLessHeight) {
     EXPECT_EQ(place(middle->viewport(), view).left(), 16);
 }
 
+TEST_F(MenuBarViewTest, FollowsTheLayoutsThatComeWhileItIsShown) {
+    MenuBarView view;
+    layOut(view);
+    const int before = view.sizeHint().height();
+    addLayouts(6);
+    layOut(view);
+    EXPECT_GT(view.sizeHint().height(), before);
+    EXPECT_EQ(view.findChild<QScrollArea*>()->verticalScrollBar()->maximum(), 0);
+}
+
 TEST_F(MenuBarViewTest, ScrollsTheFocusIntoViewWhicheverKeyMovesIt) {
     addLayouts(30);
     MenuBarView view;

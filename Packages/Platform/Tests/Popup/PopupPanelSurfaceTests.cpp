@@ -216,6 +216,17 @@ TEST_F(PopupPanelSurfaceTest, StaysClosedWhenTheHostPassesOnTheClickThatClosedIt
     EXPECT_TRUE(isOpen()) << "by the next click";
 }
 
+TEST_F(PopupPanelSurfaceTest, StaysClosedWhenQtTellsOfThePressFirstAndTheHostPassesOnItsClick) {
+    clickItem();
+    movePointer(itemPlace.center());
+    QTest::mousePress(&surface->window(), Qt::LeftButton, {}, QPoint(-200, -200));
+    ASSERT_FALSE(isOpen());
+    clickItem();
+    EXPECT_FALSE(isOpen());
+    clickItem();
+    EXPECT_TRUE(isOpen()) << "by the next click";
+}
+
 TEST_F(PopupPanelSurfaceTest, OpensOnAClickThatFollowsOneThatTheHostKeptToItself) {
     clickItem();
     pressElsewhere(itemPlace.center());
@@ -397,6 +408,13 @@ TEST_F(PopupPanelSurfaceTest, WatchesPressesOnceHoweverOftenItIsOpened) {
     }
 }
 
+TEST_F(PopupPanelSurfaceTest, WatchesNothingWhereItWasClosedBeforeItsWatchBegan) {
+    surface->open(std::nullopt);
+    surface->close();
+    platform.fakeMainLoop.runPosted();
+    EXPECT_TRUE(platform.fakeEventMonitors.monitors.empty());
+}
+
 TEST_F(PopupPanelSurfaceTest, IsNotDismissedByThePressThatOpenedIt) {
     surface->open(std::nullopt);
     movePointer({900, 500});
@@ -418,7 +436,8 @@ TEST_F(PopupPanelSurfaceTest, ClosesOnEachButtonThatIsPressedElsewhere) {
 }
 
 TEST_F(PopupPanelSurfaceTest, HasItsChromeAroundTheContent) {
-    for (const bool blends : {false, true}) {
+    // Twice the same size at the end: the content is a new one all the same.
+    for (const bool blends : {false, true, true}) {
         platform.fakeAppearance.blends = blends;
         clickItem();
         const QRect window = surface->window().geometry();
