@@ -26,7 +26,7 @@ QIcon trayIcon(const QIcon& icon) {
     constexpr std::array sizes{16, 20, 22, 24, 28, 32, 36, 40, 44, 48, 64};
     QIcon tray;
     for (const int size : sizes)
-        tray.addPixmap(QPixmap::fromImage(recoloured(icon, size, toneForAnyBar())));
+        tray.addPixmap(QPixmap::fromImage(recoloured(icon, size, iconColorForAnyBar())));
     return tray;
 }
 

@@ -152,7 +152,7 @@ void StatusNotifierItem::leaveWatcher() {
 }
 
 void StatusNotifierItem::setIcon(const QString& themeName, const QIcon& icon) {
-    adaptor_->setIcon(themeName, statusNotifierPixmaps(icon, toneForAnyBar()));
+    adaptor_->setIcon(themeName, statusNotifierPixmaps(icon, iconColorForAnyBar()));
 }
 
 void StatusNotifierItem::setTitle(const QString& title) {

@@ -54,7 +54,7 @@ QImage recoloured(const QIcon& icon, int size, const QColor& color) {
     return image;
 }
 
-QColor toneForAnyBar() {
+QColor iconColorForAnyBar() {
     // Contrast 3.2 : 1 against white, 4.4 : 1 against a usual dark bar (#2b2b2b).
     return QColor(0x90, 0x90, 0x90);
 }

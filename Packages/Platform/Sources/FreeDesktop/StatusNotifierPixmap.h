@@ -38,7 +38,7 @@ struct StatusNotifierToolTip {
 /// The shape of the icon in one colour.
 [[nodiscard]] QImage recoloured(const QIcon& icon, int size, const QColor& color);
 /// A tone that stands out against a light bar as well as against a dark one.
-[[nodiscard]] QColor toneForAnyBar();
+[[nodiscard]] QColor iconColorForAnyBar();
 /// Makes the types above known to the bus; may be called again.
 void registerStatusNotifierTypes();
 

@@ -21,8 +21,8 @@ public:
     [[nodiscard]] virtual bool isValid() const = 0;
 };
 
-/// The main thread's event loop. All deferred work of the program goes through it, so that tests
-/// can advance time. Main thread only.
+/// The main thread's event loop. Whatever waits for a time or, in the core, for a later turn goes
+/// through it, so that tests can advance time. Main thread only.
 class MainLoop {
 public:
     using Task = std::function<void()>;

@@ -2,12 +2,14 @@
 
 namespace tilewright {
 
-X11Appearance::X11Appearance(const X11Compositor& compositor, const X11MotionWish& screenMotionWish,
+X11Appearance::X11Appearance(const X11Compositor& compositor,
+                             const X11ReducedMotion& screenReducedMotion,
                              const FreeDesktopAppearance& session)
     : compositor_(compositor)
-    , screenMotionWish_(screenMotionWish)
+    , screenReducedMotion_(screenReducedMotion)
     , session_(session) {
-    connect(&screenMotionWish_, &X11MotionWish::changed, this, &X11Appearance::updateReducedMotion);
+    connect(&screenReducedMotion_, &X11ReducedMotion::changed, this,
+            &X11Appearance::updateReducedMotion);
     connect(&session_, &FreeDesktopAppearance::reducedMotionChanged, this,
             &X11Appearance::updateReducedMotion);
     connect(&session_, &FreeDesktopAppearance::darkChanged, this,
@@ -16,7 +18,7 @@ X11Appearance::X11Appearance(const X11Compositor& compositor, const X11MotionWis
 }
 
 void X11Appearance::updateReducedMotion() {
-    const std::optional<bool> wish = combinedMotionWish(screenMotionWish_.prefersReducedMotion(),
+    const std::optional<bool> wish = combinedMotionWish(screenReducedMotion_.prefersReducedMotion(),
                                                         session_.prefersReducedMotion());
     if (wish == reducedMotion_)
         return;

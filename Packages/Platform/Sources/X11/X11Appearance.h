@@ -1,7 +1,7 @@
 #pragma once
 
 #include "X11Compositor.h"
-#include "X11MotionWish.h"
+#include "X11ReducedMotion.h"
 
 #include <FreeDesktop/FreeDesktopAppearance.h>
 #include <Platform/Appearance.h>
@@ -14,7 +14,7 @@ class X11Appearance final : public Appearance {
     Q_OBJECT
 
 public:
-    X11Appearance(const X11Compositor& compositor, const X11MotionWish& screenMotionWish,
+    X11Appearance(const X11Compositor& compositor, const X11ReducedMotion& screenReducedMotion,
                   const FreeDesktopAppearance& session);
 
     bool blendsWindows() const override { return compositor_.isRunning(); }
@@ -25,7 +25,7 @@ private:
     void updateReducedMotion();
 
     const X11Compositor& compositor_;
-    const X11MotionWish& screenMotionWish_;
+    const X11ReducedMotion& screenReducedMotion_;
     const FreeDesktopAppearance& session_;
     std::optional<bool> reducedMotion_;
 };

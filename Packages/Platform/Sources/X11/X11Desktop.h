@@ -32,9 +32,9 @@ public:
         , trust_(connection, windowManager_, loop, notifications, isWaylandSession)
         , accessibility_(connection, windowManager_, screens_, trust_, activeWindow_, frameSetter_)
         , guidance_(notifications, environment)
-        , screenMotionWish_(connection, selection_)
+        , screenReducedMotion_(connection, selection_)
         , sessionAppearance_(sessionBus)
-        , appearance_(compositor_, screenMotionWish_, sessionAppearance_)
+        , appearance_(compositor_, screenReducedMotion_, sessionAppearance_)
         , workspace_(connection, activeWindow_, trust_, guidance_) {}
 
     [[nodiscard]] X11EventSelection& selection() { return selection_; }
@@ -66,7 +66,7 @@ private:
     X11Trust trust_;
     X11Accessibility accessibility_;
     FreeDesktopGuidance guidance_;
-    X11MotionWish screenMotionWish_;
+    X11ReducedMotion screenReducedMotion_;
     FreeDesktopAppearance sessionAppearance_;
     X11Appearance appearance_;
     X11Workspace workspace_;

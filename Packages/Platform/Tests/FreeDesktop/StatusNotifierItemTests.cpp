@@ -241,7 +241,7 @@ TEST_F(StatusNotifierItemTest, OffersItsIconInSeveralSizes) {
         ASSERT_FALSE(image.isNull());
         EXPECT_EQ(image.size(), QSize(pixmap.width, pixmap.width));
         EXPECT_EQ(image.pixelColor(0, 0).alpha(), 0);
-        EXPECT_EQ(image.pixelColor(pixmap.width / 2, pixmap.width / 2), toneForAnyBar());
+        EXPECT_EQ(image.pixelColor(pixmap.width / 2, pixmap.width / 2), iconColorForAnyBar());
     }
 }
 
@@ -277,7 +277,7 @@ TEST(StatusNotifierPixmap, StandsOutAgainstLightAndDarkBars) {
         return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) +
                0.0722 * linear(color.blueF());
     };
-    const double tone = luminance(toneForAnyBar());
+    const double tone = luminance(iconColorForAnyBar());
     EXPECT_GE((luminance(Qt::white) + 0.05) / (tone + 0.05), 3.0);
     EXPECT_GE((tone + 0.05) / (luminance(QColor(0x2b, 0x2b, 0x2b)) + 0.05), 3.0);
 }

@@ -1,21 +1,21 @@
-#include "X11MotionWish.h"
+#include "X11ReducedMotion.h"
 
 #include "X11Properties.h"
 #include "XSettings.h"
 
 namespace tilewright {
 
-X11MotionWish::X11MotionWish(X11Connection& connection, X11EventSelection& selection)
+X11ReducedMotion::X11ReducedMotion(X11Connection& connection, X11EventSelection& selection)
     : connection_(connection)
     , selection_(selection)
     , owner_(connection,
              connection.intern("_XSETTINGS_S" + QByteArray::number(connection.screenNumber()))) {
     connect(&owner_, &X11SelectionOwner::changed, this, [this] { follow(owner_.window()); });
-    connect(&connection_, &X11Connection::answersAgain, this, &X11MotionWish::read);
+    connect(&connection_, &X11Connection::answersAgain, this, &X11ReducedMotion::read);
     follow(owner_.window());
 }
 
-void X11MotionWish::follow(xcb_window_t manager) {
+void X11ReducedMotion::follow(xcb_window_t manager) {
     manager_ = manager;
     // Before the new ones: the next manager's window may have the number of the former one's, of
     // which the server has forgotten what was selected.
@@ -34,7 +34,7 @@ void X11MotionWish::follow(xcb_window_t manager) {
     read();
 }
 
-void X11MotionWish::read() {
+void X11ReducedMotion::read() {
     std::optional<bool> wish;
     if (manager_ != XCB_NONE) {
         // All desktops' settings together take a few kilobytes.

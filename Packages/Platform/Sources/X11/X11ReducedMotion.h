@@ -11,11 +11,11 @@ namespace tilewright {
 /// Whether the user wishes reduced motion, as the X screen's settings manager (XSETTINGS) tells it,
 /// followed while the manager changes, comes and goes. Main thread only; the arguments have to
 /// outlive it.
-class X11MotionWish final : public QObject {
+class X11ReducedMotion final : public QObject {
     Q_OBJECT
 
 public:
-    X11MotionWish(X11Connection& connection, X11EventSelection& selection);
+    X11ReducedMotion(X11Connection& connection, X11EventSelection& selection);
 
     /// None while no manager says anything about it.
     [[nodiscard]] std::optional<bool> prefersReducedMotion() const { return wish_; }
