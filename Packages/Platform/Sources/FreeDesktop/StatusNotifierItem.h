@@ -2,6 +2,7 @@
 
 #include "BusNameOwner.h"
 #include "MessageBus.h"
+#include "NativePixel.h"
 
 #include <Platform/Geometry.h>
 #include <Platform/MainLoop.h>

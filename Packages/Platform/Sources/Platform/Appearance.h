@@ -18,7 +18,7 @@ public:
     [[nodiscard]] virtual bool blendsWindows() const = 0;
     /// Whether the user asked the desktop for reduced motion; none where the desktop does not tell.
     [[nodiscard]] virtual std::optional<bool> prefersReducedMotion() const = 0;
-    /// Whether the user asked the desktop for dark colours, and Qt may not have heard of it.
+    /// True when the desktop asks for dark colours through a channel that Qt may not read.
     [[nodiscard]] virtual bool prefersDark() const = 0;
 
 Q_SIGNALS:

@@ -54,7 +54,7 @@ public:
         const AXError error = frameOf(window, frame);
         if (frame) {
             frame->size = size;
-            // Whoever writes the frame may have much else to do in this turn.
+            // Both are known: finish now, not at the end of the turn.
             if (frame->position)
                 finish(window);
         }

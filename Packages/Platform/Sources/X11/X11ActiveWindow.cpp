@@ -69,7 +69,7 @@ bool X11ActiveWindow::takeExists(xcb_get_property_cookie_t state) const {
 }
 
 std::optional<xcb_window_t> X11ActiveWindow::lastActive() {
-    // A change whose event has not been handed out yet counts too.
+    // The property may have changed before its event is dispatched: read it again.
     const auto activeCookie = requestActive();
     const auto stateCookie =
         requestProperty(connection_, visits_.empty() ? connection_.root() : visits_.front().window,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <FreeDesktop/NativePixel.h>
 #include <Platform/Geometry.h>
 
 #include <QPoint>

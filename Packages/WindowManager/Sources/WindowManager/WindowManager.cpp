@@ -97,8 +97,8 @@ void WindowManager::setFrame(const AccessibilityElement& window, const ZoneRect&
     const auto size = accessibility.makeValue(AXSize{rect.width, rect.height});
     if (!size)
         throw WindowManagerError::axValueCreationFailed();
-    // Before the move as well: where it stands, a window may be held to a size that its new place
-    // allows, and the other way round. Only the last word counts.
+    // Size, move, size: a window may be held to what the display that it is on allows. Only the
+    // last two results count.
     window.setValue(AXAttribute::size, *size);
     const AXError positionError = window.setValue(AXAttribute::position, *position);
     const AXError sizeError = window.setValue(AXAttribute::size, *size);

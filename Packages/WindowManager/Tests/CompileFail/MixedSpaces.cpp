@@ -1,5 +1,6 @@
 // Compiled by tests only. With MIX_SPACES defined, each line marked as refused has to be an error.
 
+#include <FreeDesktop/NativePixel.h>
 #include <WindowManager/CoordinateConverter.h>
 #include <WindowManager/WindowManager.h>
 #include <WindowManager/ZoneHitTesting.h>
