@@ -30,7 +30,8 @@ QString itemInterface() {
 } // namespace
 
 SessionHands::SessionHands(QString busAddress)
-    : busAddress_(std::move(busAddress)) {}
+    : busAddress_(std::move(busAddress))
+    , watcher_(std::make_unique<FakeNotifierWatcher>(connect())) {}
 
 SessionHands::~SessionHands() {
     watcher_.reset();
@@ -47,8 +48,6 @@ QDBusConnection SessionHands::connect() {
 }
 
 std::optional<ShownItem> SessionHands::shownItem() {
-    if (!watcher_)
-        watcher_ = std::make_unique<FakeNotifierWatcher>(connect());
     const auto name = itemsProperty("Title");
     const auto pictures = itemsProperty("IconPixmap");
     if (!name || !pictures)

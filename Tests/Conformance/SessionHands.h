@@ -12,8 +12,9 @@ class FakeNotifierWatcher;
 class FakePortal;
 
 /// What a session's message bus has besides the program, for any backend of Linux: the tray's host,
-/// the portal, who blanks the display. Each is there from when it is first asked
-/// for, with a connection of its own.
+/// the portal, who blanks the display; each with a connection of its own. The tray is there before
+/// the program: without one Qt makes an icon of its own, and waits for a tray that comes that very
+/// moment and has to answer on the same thread. The others are there once they are asked for.
 class SessionHands {
 public:
     explicit SessionHands(QString busAddress);
