@@ -43,7 +43,7 @@ QDBusMessage callToBus(const QString& method) {
 }
 
 QByteArray MessageBus::addresses(Kind kind) {
-    const QByteArray told =
+    QByteArray told =
         qgetenv(kind == Kind::session ? "DBUS_SESSION_BUS_ADDRESS" : "DBUS_SYSTEM_BUS_ADDRESS");
     if (!told.isEmpty())
         return told;
