@@ -61,8 +61,8 @@ OverlayPicture SnapOverlayView::picture(const ScreenPtr& display) const {
     picture.display = display;
     const AppKitRect frame = display->frame();
     for (const OverlayTile& tile : tilesOfModel({frame.width, frame.height})) {
-        if (auto values = tile.values())
-            picture.tiles.push_back(std::move(*values));
+        if (const auto values = tile.values())
+            picture.tiles.push_back(*values);
     }
     if (!look::prefersReducedMotion())
         picture.transition = HighlightFade::duration;
