@@ -8,6 +8,9 @@ target_compile_options(tilewright_options INTERFACE
 target_compile_definitions(tilewright_options INTERFACE
   QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS QT_NO_FOREACH
   QT_NO_URL_CAST_FROM_STRING)
+# A product and a sum round as they are written, on processors that could do both in one step, too:
+# where a window goes does not depend on the processor.
+target_compile_options(tilewright_options INTERFACE -ffp-contract=off)
 if(TILEWRIGHT_WARNINGS_AS_ERRORS)
   target_compile_options(tilewright_options INTERFACE -Werror)
 endif()
@@ -18,6 +21,7 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     target_compile_options(tilewright_options INTERFACE -Wno-maybe-uninitialized)
   endif()
 endif()
+include(TilewrightHardening)
 if(TILEWRIGHT_SANITIZE)
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined
     -fno-omit-frame-pointer)
