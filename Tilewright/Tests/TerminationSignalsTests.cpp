@@ -21,9 +21,18 @@ Handler handlerOf(int signal) {
     return sigaction(signal, nullptr, &now) == 0 ? now.sa_handler : nullptr;
 }
 
+/// Begins without whatever the tests were started to ignore, as by nohup.
+class TerminationSignalsTest : public ::testing::Test {
+protected:
+    TerminationSignalsTest() {
+        for (const int number : {SIGTERM, SIGINT, SIGHUP})
+            std::signal(number, SIG_DFL);
+    }
+};
+
 } // namespace
 
-TEST(TerminationSignals, TurnsEachSignalIntoACallFromTheEventLoop) {
+TEST_F(TerminationSignalsTest, TurnsEachSignalIntoACallFromTheEventLoop) {
     const TerminationSignals termination;
     QSignalSpy requested(&termination, &TerminationSignals::terminationRequested);
     int expected = 0;
@@ -35,7 +44,7 @@ TEST(TerminationSignals, TurnsEachSignalIntoACallFromTheEventLoop) {
     }
 }
 
-TEST(TerminationSignals, LeaveTheErrorOfTheCallThatTheyInterruptAsItWas) {
+TEST_F(TerminationSignalsTest, LeaveTheErrorOfTheCallThatTheyInterruptAsItWas) {
     const TerminationSignals termination;
     // Before so many are raised, nothing more can be written down for the event loop.
     for (int i = 0; i < 100'000; ++i) {
@@ -46,7 +55,7 @@ TEST(TerminationSignals, LeaveTheErrorOfTheCallThatTheyInterruptAsItWas) {
     }
 }
 
-TEST(TerminationSignals, PutsTheFormerHandlersBack) {
+TEST_F(TerminationSignalsTest, PutsTheFormerHandlersBack) {
     std::signal(SIGHUP, formerHandler);
     {
         const TerminationSignals termination;
@@ -56,7 +65,7 @@ TEST(TerminationSignals, PutsTheFormerHandlersBack) {
     std::signal(SIGHUP, SIG_DFL);
 }
 
-TEST(TerminationSignals, LeavesASignalIgnoredThatTheProcessWasStartedToIgnore) {
+TEST_F(TerminationSignalsTest, LeavesASignalIgnoredThatTheProcessWasStartedToIgnore) {
     std::signal(SIGHUP, SIG_IGN);
     {
         const TerminationSignals termination;

@@ -101,6 +101,8 @@ TEST_F(TilewrightAppTest, QuittingDuringASessionEndsTheSessionBeforeTheProcessEx
 TEST_F(TilewrightAppTest, EndsInTheSameOrderOnEachTerminationSignal) {
     for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
         sessionEndedWhileWatching = false;
+        // The tests may have been started to ignore it, as by nohup.
+        std::signal(number, SIG_DFL);
         EXPECT_EQ(run([&](TilewrightApp&) {
                       startSession();
                       EXPECT_EQ(std::raise(number), 0);

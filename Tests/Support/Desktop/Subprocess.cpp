@@ -13,6 +13,9 @@ namespace {
 
 void becomeOwnSession() {
     ::setsid();
+    // The tests may themselves have been started so that a signal is nothing to them.
+    for (const int number : {SIGTERM, SIGINT, SIGHUP})
+        ::signal(number, SIG_DFL);
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
 }
 
