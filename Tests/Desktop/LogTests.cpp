@@ -3,51 +3,18 @@
 #include "SnapBench.h"
 
 #include <BareClient.h>
-
-#include <QLoggingCategory>
-#include <utility>
-#include <vector>
+#include <KeptMessages.h>
+#include <gmock/gmock.h>
 
 using namespace tilewright;
 using namespace tilewright::testing;
 using namespace Qt::StringLiterals;
+using ::testing::ElementsAre;
 
 namespace {
 
-/// Keeps the program's own messages for as long as it lives.
-class KeptMessages {
-public:
-    KeptMessages() {
-        messages().clear();
-        before_ = qInstallMessageHandler(keep);
-    }
-    KeptMessages(const KeptMessages&) = delete;
-    ~KeptMessages() { qInstallMessageHandler(before_); }
-
-    /// Those of one category, a line each.
-    [[nodiscard]] static QString of(const char* category) {
-        QString lines;
-        for (const auto& [name, text] : messages()) {
-            if (name.startsWith(QLatin1StringView(category)))
-                lines += text + u'\n';
-        }
-        return lines;
-    }
-
-private:
-    static std::vector<std::pair<QString, QString>>& messages() {
-        static std::vector<std::pair<QString, QString>> kept;
-        return kept;
-    }
-    static void keep(QtMsgType, const QMessageLogContext& context, const QString& text) {
-        messages().emplace_back(QString::fromUtf8(context.category), text);
-    }
-    QtMessageHandler before_ = nullptr;
-};
-
 struct Log : ::testing::Test {
     Log() { EXPECT_TRUE(desktop.startWindowManager(WindowManagerKind::openbox)); }
-    ~Log() override { QLoggingCategory::setFilterRules({}); }
 
     /// Finds a window, and sets it to the left half.
     void snap() {
@@ -77,14 +44,13 @@ struct Log : ::testing::Test {
 TEST_F(Log, TellsNothingUnlessItIsAskedTo) {
     const KeptMessages messages;
     snap();
-    EXPECT_EQ(KeptMessages::of("tilewright"), QString());
+    EXPECT_EQ(messages.of("tilewright"), QStringList());
 }
 
 TEST_F(Log, TellsOfAFrameThatWasAskedForAndOfWhatCameOfIt) {
-    QLoggingCategory::setFilterRules(QStringLiteral("tilewright.*=true"));
-    const KeptMessages messages;
+    const KeptMessages messages(u"tilewright.*=true"_s);
     snap();
-    const QString frames = KeptMessages::of("tilewright.x11.frames");
+    const QString frames = messages.of("tilewright.x11.frames").join(u'\n');
     const QString name = u"Window 0x"_s + QString::number(window, 16);
     const QString where = QString::fromStdString(text(goal));
     EXPECT_TRUE(frames.contains(name + u" is to fill "_s + where + u" and fills "_s))
@@ -94,6 +60,44 @@ TEST_F(Log, TellsOfAFrameThatWasAskedForAndOfWhatCameOfIt) {
     EXPECT_TRUE(frames.contains(name + u" fills "_s + where + u" in the end, asked for "_s + where +
                                 u": as asked"_s))
         << frames.toStdString();
-    EXPECT_TRUE(KeptMessages::of("tilewright.x11.displays").contains(u", free of panels "_s))
-        << frames.toStdString();
+    EXPECT_TRUE(
+        messages.of("tilewright.x11.displays").join(u'\n').contains(u", free of panels "_s));
+}
+
+TEST_F(Log, TellsOfButtonsAndModifierKeysAndOfNoOtherKey) {
+    const KeptMessages messages(u"tilewright.x11.input=true"_s);
+    X11TestPlatform platform(desktop.display());
+    const BareClient client(desktop.display(), QRect(300, 200, 500, 300));
+    int heard = 0;
+    ASSERT_TRUE(platform.eventMonitors.addGlobalMonitor(
+        {EventType::leftMouseDown, EventType::leftMouseDragged, EventType::leftMouseUp,
+         EventType::flagsChanged},
+        [&](const Event&) { ++heard; }));
+    XInputInjector& input = desktop.input();
+    const auto hear = [&](int count, const auto& act) {
+        act();
+        return waitUntil([&] { return heard >= count; });
+    };
+    input.move({400, 300});
+    input.tapKey(U'a');
+    ASSERT_TRUE(hear(1, [&] { input.pressKey(keysym::control); }));
+    ASSERT_TRUE(hear(2, [&] { input.press(); }));
+    ASSERT_TRUE(hear(3, [&] { input.move({420, 320}); }));
+    ASSERT_TRUE(hear(4, [&] { input.move({440, 340}); }));
+    ASSERT_TRUE(hear(5, [&] { input.release(); }));
+    ASSERT_TRUE(hear(6, [&] { input.releaseKey(keysym::control); }));
+    input.tapKey(U'b');
+    ASSERT_TRUE(hear(7, [&] { input.pressKey(keysym::shift); }));
+    ASSERT_TRUE(hear(8, [&] { input.releaseKey(keysym::shift); }));
+    const auto line = [](const QString& what, const QString& held) {
+        return u"In another application: "_s + what + u". Modifiers held: "_s + held;
+    };
+    EXPECT_THAT(messages.of("tilewright.x11.input"),
+                ElementsAre(line(u"modifier keys changed"_s, u"Control"_s),
+                            line(u"left button pressed"_s, u"Control"_s),
+                            line(u"moved with the left button held"_s, u"Control"_s),
+                            line(u"left button released"_s, u"Control"_s),
+                            line(u"modifier keys changed"_s, u"none"_s),
+                            line(u"modifier keys changed"_s, u"Shift"_s),
+                            line(u"modifier keys changed"_s, u"none"_s)));
 }

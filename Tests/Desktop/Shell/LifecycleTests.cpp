@@ -32,7 +32,7 @@ protected:
 } // namespace
 
 TEST_P(LifecycleSignal, EndsTheSessionAndTheProcessInOrder) {
-    IdleService idle(desktop.session().busAddress());
+    RecordingIdleService idle(desktop.session().busAddress());
     desktop.startTray(TrayHost::systemTray);
     Subprocess& program = desktop.startProgram();
     desktop.startSession();
@@ -93,7 +93,7 @@ TEST_F(Lifecycle, IsFoundByASecondStartThoughTheSessionsBusIsGone) {
 }
 
 TEST_F(Lifecycle, WorksWhileTheSessionsBusSaysNothingAndJoinsItWhenItAnswers) {
-    IdleService idle(desktop.session().busAddress());
+    RecordingIdleService idle(desktop.session().busAddress());
     desktop.startTray(TrayHost::systemTray);
     desktop.session().bus().signal(SIGSTOP);
     Subprocess& program = desktop.startProgram();
@@ -123,7 +123,7 @@ TEST(LifecycleOnASilentBus, BeginsWithSnappingWindows) {
 }
 
 TEST_F(Lifecycle, StartsAgainAfterItWasKilled) {
-    IdleService idle(desktop.session().busAddress());
+    RecordingIdleService idle(desktop.session().busAddress());
     desktop.startTray(TrayHost::systemTray);
     Subprocess& first = desktop.startProgram();
     const QRect panel = desktop.openPanel();
@@ -146,7 +146,7 @@ TEST_F(Lifecycle, StartsAgainAfterItWasKilled) {
 }
 
 TEST_F(Lifecycle, EndsWithoutACrashWhenTheDisplayServerIsGone) {
-    IdleService idle(desktop.session().busAddress());
+    RecordingIdleService idle(desktop.session().busAddress());
     desktop.startTray(TrayHost::systemTray);
     Subprocess& program = desktop.startProgram();
     desktop.startSession();

@@ -77,7 +77,7 @@ bool isAmber(QColor color) {
 
 } // namespace
 
-IdleService::IdleService(const QString& busAddress)
+RecordingIdleService::RecordingIdleService(const QString& busAddress)
     : name_(QStringLiteral("idle-service-%1").arg(quintptr(this)))
     , bus_(QDBusConnection::connectToBus(busAddress, name_)) {
     for (const QString& path :
@@ -92,17 +92,17 @@ IdleService::IdleService(const QString& busAddress)
     });
 }
 
-IdleService::~IdleService() {
+RecordingIdleService::~RecordingIdleService() {
     QDBusConnection::disconnectFromBus(name_);
 }
 
-uint IdleService::Inhibit(const QString& /*application*/, const QString& /*reason*/) {
+uint RecordingIdleService::Inhibit(const QString& /*application*/, const QString& /*reason*/) {
     watch_->addWatchedService(message().service());
     holders_[++lastCookie_] = message().service();
     return lastCookie_;
 }
 
-void IdleService::UnInhibit(uint cookie) {
+void RecordingIdleService::UnInhibit(uint cookie) {
     if (holders_.erase(cookie) > 0)
         ++releases_;
 }

@@ -18,13 +18,13 @@ enum class TrayHost { none, statusNotifier, systemTray };
 
 /// An idle service on a desktop's bus that records who inhibits it; as a real one does, it forgets
 /// a peer that leaves the bus.
-class IdleService final : public QObject, protected QDBusContext {
+class RecordingIdleService final : public QObject, protected QDBusContext {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.ScreenSaver")
 
 public:
-    explicit IdleService(const QString& busAddress);
-    ~IdleService() override;
+    explicit RecordingIdleService(const QString& busAddress);
+    ~RecordingIdleService() override;
 
     [[nodiscard]] bool isInhibited() const { return !holders_.empty(); }
     /// How often a holder has asked for the end of what it holds, rather than left the bus with it.

@@ -52,7 +52,7 @@ protected:
 } // namespace
 
 TEST_F(WholeProgram, IsUsedFromItsFirstStartToItsEnd) {
-    IdleService idle(desktop.session().busAddress());
+    RecordingIdleService idle(desktop.session().busAddress());
     desktop.startTray(TrayHost::systemTray);
 
     // A user who has never run it.

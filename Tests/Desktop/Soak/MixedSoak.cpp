@@ -272,7 +272,7 @@ private:
     static constexpr quint32 keysymF4 = 0xffc1;
 
     ShellDesktop desktop_;
-    IdleService idle_{desktop_.session().busAddress()};
+    RecordingIdleService idle_{desktop_.session().busAddress()};
     Places panelPlaces_;
     Places settingsPlaces_;
     Subprocess* program_ = nullptr;

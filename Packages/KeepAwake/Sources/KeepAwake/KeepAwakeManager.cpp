@@ -1,7 +1,5 @@
 #include "KeepAwakeManager.h"
 
-#include <QPointer>
-
 using namespace std::chrono_literals;
 
 namespace tilewright {
@@ -51,12 +49,8 @@ void KeepAwakeManager::deactivate() {
 void KeepAwakeManager::scheduleCountdown() {
     // The timer may outlive both this object and the platform's installation, but never its loop.
     MainLoop& loop = Platform::current().mainLoop;
-    timer_ = loop.scheduleRepeating(1s, [&loop, self = QPointer<KeepAwakeManager>(this)] {
-        loop.post([self] {
-            if (self)
-                self->tick();
-        });
-    });
+    timer_ = loop.scheduleRepeating(
+        1s, [&loop, tick = life_.guard([this] { this->tick(); })] { loop.post(tick); });
 }
 
 void KeepAwakeManager::tick() {

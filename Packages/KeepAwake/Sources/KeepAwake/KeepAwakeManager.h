@@ -48,6 +48,7 @@ private:
     Published<double> remainingSeconds_{*this, 0};
     PowerAssertionID assertionID_ = 0;
     std::shared_ptr<Timer> timer_;
+    Lifetime life_;
 };
 
 } // namespace tilewright

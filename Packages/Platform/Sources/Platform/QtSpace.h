@@ -8,8 +8,8 @@ class QScreen;
 
 namespace tilewright {
 
-/// A point in Qt space: Qt's own whole points, origin at the top-left of its desktop,
-/// y downward. Widgets live here.
+/// A point in Qt space: Qt's own whole points, origin at the top-left of its desktop, y downward.
+/// Widgets live here.
 struct QtPoint {
     int x = 0;
     int y = 0;
@@ -37,14 +37,14 @@ struct QtRect {
     friend bool operator==(const QtRect&, const QtRect&) = default;
 };
 
-/// The only way between AppKit screen space and Qt space, on one of Qt's screens: Qt
-///  scales each about the screen's top-left corner.
+/// The only way between AppKit screen space and Qt space, on one of Qt's screens: Qt scales each
+/// about the screen's top-left corner.
 class QtSpace {
 public:
     /// Counts like AppKit screen space on no screen of Qt's.
     QtSpace() = default;
-    /// `corner` is the top-left corner of Qt's screen, `scale` how many points of AppKit
-    /// screen space one point of Qt is long.
+    /// `corner` is the top-left corner of Qt's screen, `scale` how many points of AppKit screen
+    /// space one point of Qt is long.
     QtSpace(QScreen* screen, AppKitPoint corner, QtPoint qtCorner, double scale)
         : screen_(screen)
         , corner_(corner)

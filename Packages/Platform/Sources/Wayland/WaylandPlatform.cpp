@@ -27,7 +27,7 @@ namespace {
 
 QString explanation() {
     return QCoreApplication::translate(
-        "tilewright::X11Trust",
+        "tilewright::WaylandPlatform",
         "Windows can be moved in an X11 session only. Choose one when you log in.");
 }
 
@@ -76,9 +76,10 @@ public:
         return std::nullopt;
     }
     void openAccessibilitySettings() override {
-        guidance_.show({FreeDesktopGuidance::Setting::none, QStringLiteral("x11-session.html"),
-                        QCoreApplication::translate("tilewright::X11Workspace", "Window control"),
-                        explanation()});
+        guidance_.show(
+            {FreeDesktopGuidance::Setting::none, QStringLiteral("x11-session.html"),
+             QCoreApplication::translate("tilewright::WaylandPlatform", "Window control"),
+             explanation()});
     }
     void activateThisApplication() override {
         const QWindowList windows = QGuiApplication::topLevelWindows();
@@ -131,9 +132,9 @@ struct WaylandPlatform::Parts {
     WaylandPointer pointer{screens};
     NoEventMonitors eventMonitors;
     UntrustedAccessibility accessibility{[this] {
-        userNotifications.show(
-            QCoreApplication::translate("tilewright::X11Trust", "Tilewright cannot move windows"),
-            explanation());
+        userNotifications.show(QCoreApplication::translate("tilewright::WaylandPlatform",
+                                                           "Tilewright cannot move windows"),
+                               explanation());
     }};
     WaylandWorkspace workspace{userNotifications};
     WaylandAppearance appearance{sessionBus};

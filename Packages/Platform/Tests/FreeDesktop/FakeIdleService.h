@@ -10,6 +10,7 @@
 #include <QThread>
 #include <functional>
 #include <gtest/gtest.h>
+#include <memory>
 #include <vector>
 
 namespace tilewright::testing {
@@ -37,16 +38,14 @@ public:
 
     FakeIdleService(const QDBusConnection& bus, Answer answer)
         : bus_(bus)
-        , object_(new Object(*this))
+        , object_(std::make_unique<Object>(*this))
         , answer_(std::move(answer)) {
         object_->moveToThread(&thread_);
         thread_.start();
         for (const IdleService& service : idleServices()) {
             for (const QString& path : service.paths)
-                bus_.registerVirtualObject(path, object_, QDBusConnection::SingleNode);
+                bus_.registerVirtualObject(path, object_.get(), QDBusConnection::SingleNode);
         }
-        object_->moveToThread(&thread_);
-        thread_.start();
     }
     ~FakeIdleService() {
         for (const QString& name : names_)
@@ -54,7 +53,6 @@ public:
         bus_.unregisterObject(QStringLiteral("/"), QDBusConnection::UnregisterTree);
         thread_.quit();
         thread_.wait();
-        delete object_;
     }
     FakeIdleService(const FakeIdleService&) = delete;
     FakeIdleService& operator=(const FakeIdleService&) = delete;
@@ -124,7 +122,7 @@ private:
     QDBusConnection bus_;
     QStringList names_;
     QThread thread_;
-    Object* object_;
+    std::unique_ptr<Object> object_;
     mutable QMutex mutex_;
     Answer answer_;
     std::vector<QDBusMessage> asked_;
