@@ -20,15 +20,6 @@ constexpr std::chrono::milliseconds longestBurst{400};
 /// In pixels. Window managers differ; the widest margin seen is half of this.
 constexpr double tilingMargin = 50;
 
-QString nameFor(const QString& connector, const std::optional<X11Edid>& edid) {
-    if (!edid)
-        return connector;
-    if (!edid->name.isEmpty())
-        return edid->name;
-    const QString letters = edid->manufacturerLetters();
-    return letters.isEmpty() ? connector : letters + u' ' + connector;
-}
-
 void tell(const std::vector<ScreenPtr>& screens, const std::vector<QRect>& visible) {
     qCDebug(x11DisplaysLog, "Displays now: %zu, the primary one first", screens.size());
     for (std::size_t i = 0; i < screens.size(); ++i) {
@@ -239,8 +230,8 @@ std::vector<X11Screens::Monitor> X11Screens::readMonitors() {
         if (edid && edid->format == 8) {
             const auto* bytes = xcb_randr_get_output_property_data(edid.get());
             monitor.edid =
-                X11Edid::parse(QByteArray(static_cast<const char*>(static_cast<const void*>(bytes)),
-                                          xcb_randr_get_output_property_data_length(edid.get())));
+                Edid::parse(QByteArray(static_cast<const char*>(static_cast<const void*>(bytes)),
+                                       xcb_randr_get_output_property_data_length(edid.get())));
         }
     }
     return monitors;
@@ -297,7 +288,7 @@ void X11Screens::refresh() {
     std::remove_copy_if(found.begin(), found.end(), std::back_inserter(monitors), isPrimary);
 
     std::vector<QRect> areas;
-    std::vector<X11DisplayKeys::Display> displays;
+    std::vector<DisplayKeys::Display> displays;
     for (const Monitor& monitor : monitors) {
         areas.push_back(monitor.area);
         displays.push_back({monitor.connector, monitor.edid});
@@ -316,7 +307,7 @@ void X11Screens::refresh() {
                                        coordinates_.toAppKit(visible[i]),
                                        displayNumber(monitors[i].connector),
                                        keys[i],
-                                       nameFor(monitors[i].connector, monitors[i].edid),
+                                       displayName(monitors[i].connector, monitors[i].edid),
                                        monitors[i].connector,
                                        areas[i]};
         const auto same = std::find_if(screens_.begin(), screens_.end(), [&](const ScreenPtr& old) {

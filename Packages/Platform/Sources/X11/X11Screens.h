@@ -2,11 +2,11 @@
 
 #include "X11ActiveWindow.h"
 #include "X11Coordinates.h"
-#include "X11DisplayKeys.h"
 #include "X11EventSelection.h"
 #include "X11WindowManagerWatch.h"
 #include "X11WorkAreas.h"
 
+#include <FreeDesktop/DisplayKeys.h>
 #include <Platform/MainLoop.h>
 #include <Platform/Screens.h>
 
@@ -75,7 +75,7 @@ private:
         QRect area;
         bool isPrimary = false;
         QString connector;
-        std::optional<X11Edid> edid;
+        std::optional<Edid> edid;
     };
 
     void watchRandr();
@@ -102,7 +102,7 @@ private:
         X11Listener listener;
     };
     std::map<xcb_window_t, Client> clients_;
-    X11DisplayKeys keys_;
+    DisplayKeys keys_;
     X11Coordinates coordinates_;
     std::vector<ScreenPtr> screens_;
     bool areClientsDirty_ = false;

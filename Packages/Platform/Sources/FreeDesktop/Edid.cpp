@@ -1,4 +1,4 @@
-#include "X11Edid.h"
+#include "Edid.h"
 
 namespace tilewright {
 namespace {
@@ -28,11 +28,11 @@ QString descriptorText(const QByteArray& block, qsizetype at) {
 
 } // namespace
 
-std::optional<X11Edid> X11Edid::parse(const QByteArray& block) {
+std::optional<Edid> Edid::parse(const QByteArray& block) {
     static const QByteArray header("\x00\xff\xff\xff\xff\xff\xff\x00", 8);
     if (block.size() < blockLength || !block.startsWith(header))
         return std::nullopt;
-    X11Edid edid;
+    Edid edid;
     edid.manufacturer = static_cast<quint16>((byteAt(block, 8) << 8) | byteAt(block, 9));
     edid.product = static_cast<quint16>(byteAt(block, 10) | (byteAt(block, 11) << 8));
     edid.serialNumber = quint32{byteAt(block, 12)} | (quint32{byteAt(block, 13)} << 8U) |
@@ -50,7 +50,7 @@ std::optional<X11Edid> X11Edid::parse(const QByteArray& block) {
     return edid;
 }
 
-QString X11Edid::manufacturerLetters() const {
+QString Edid::manufacturerLetters() const {
     QString letters;
     for (const int shift : {10, 5, 0}) {
         const int letter = (manufacturer >> shift) & 0x1f;
@@ -61,7 +61,7 @@ QString X11Edid::manufacturerLetters() const {
     return letters;
 }
 
-QByteArray X11Edid::identity() const {
+QByteArray Edid::identity() const {
     return QByteArray::number(manufacturer) + '/' + QByteArray::number(product) + '/' +
            QByteArray::number(serialNumber) + '/' + serialText.toUtf8();
 }

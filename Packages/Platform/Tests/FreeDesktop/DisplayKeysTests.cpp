@@ -1,4 +1,4 @@
-#include <X11/X11DisplayKeys.h>
+#include <FreeDesktop/DisplayKeys.h>
 
 #include <QUuid>
 #include <gtest/gtest.h>
@@ -7,8 +7,8 @@ using namespace tilewright;
 
 namespace {
 
-X11Edid monitor(quint16 product, quint32 serial, const QString& serialText = {}) {
-    X11Edid edid;
+Edid monitor(quint16 product, quint32 serial, const QString& serialText = {}) {
+    Edid edid;
     edid.manufacturer = 0x10ac;
     edid.product = product;
     edid.serialNumber = serial;
@@ -16,7 +16,7 @@ X11Edid monitor(quint16 product, quint32 serial, const QString& serialText = {})
     return edid;
 }
 
-X11DisplayKeys::Display at(const char* connector, std::optional<X11Edid> edid) {
+DisplayKeys::Display at(const char* connector, std::optional<Edid> edid) {
     return {QString::fromLatin1(connector), std::move(edid)};
 }
 
@@ -24,7 +24,7 @@ using Keys = std::vector<std::optional<QString>>;
 
 /// What a monitor with such a block gets at a connector, with nothing else connected.
 std::optional<QString> keyAt(const char* connector, const char* block) {
-    return X11DisplayKeys().update({at(connector, X11Edid::parse(QByteArray::fromHex(block)))})[0];
+    return DisplayKeys().update({at(connector, Edid::parse(QByteArray::fromHex(block)))})[0];
 }
 
 // Whole blocks: of a monitor with both serials, of one with none, and of one with a number only.
@@ -46,25 +46,25 @@ constexpr const char* withASerialNumber =
 
 } // namespace
 
-TEST(X11DisplayKeys, NamesAMonitorWithASerialWhereverItIsPluggedIn) {
-    X11DisplayKeys here;
-    X11DisplayKeys there;
+TEST(DisplayKeys, NamesAMonitorWithASerialWhereverItIsPluggedIn) {
+    DisplayKeys here;
+    DisplayKeys there;
     const Keys one = here.update({at("DP-1", monitor(7, 42))});
     const Keys other = there.update({at("HDMI-2", monitor(7, 42))});
     ASSERT_TRUE(one[0].has_value());
     EXPECT_EQ(one, other);
 }
 
-TEST(X11DisplayKeys, GivesUpperCaseUuidsOfVersionFive) {
-    X11DisplayKeys keys;
+TEST(DisplayKeys, GivesUpperCaseUuidsOfVersionFive) {
+    DisplayKeys keys;
     const QString uuid = keys.update({at("DP-1", monitor(7, 42))})[0].value();
     EXPECT_EQ(uuid, uuid.toUpper());
     EXPECT_EQ(uuid.size(), 36);
     EXPECT_EQ(QUuid(uuid).version(), QUuid::Sha1);
 }
 
-TEST(X11DisplayKeys, TellsMonitorsApartByEveryFieldOfTheirIdentity) {
-    X11DisplayKeys keys;
+TEST(DisplayKeys, TellsMonitorsApartByEveryFieldOfTheirIdentity) {
+    DisplayKeys keys;
     const Keys all =
         keys.update({at("A", monitor(7, 42)), at("B", monitor(8, 42)), at("C", monitor(7, 43)),
                      at("D", monitor(7, 42, QStringLiteral("X1")))});
@@ -74,21 +74,21 @@ TEST(X11DisplayKeys, TellsMonitorsApartByEveryFieldOfTheirIdentity) {
     }
 }
 
-TEST(X11DisplayKeys, TellsMonitorsWithoutASerialApartByTheirConnectors) {
-    X11DisplayKeys keys;
+TEST(DisplayKeys, TellsMonitorsWithoutASerialApartByTheirConnectors) {
+    DisplayKeys keys;
     const Keys both = keys.update({at("DP-1", monitor(7, 0)), at("DP-2", monitor(7, 0))});
     EXPECT_NE(both[0], both[1]);
-    X11DisplayKeys later;
+    DisplayKeys later;
     EXPECT_EQ(later.update({at("DP-2", monitor(7, 0))})[0], both[1]);
 }
 
-TEST(X11DisplayKeys, GivesNoneWithoutAnEdid) {
-    X11DisplayKeys keys;
+TEST(DisplayKeys, GivesNoneWithoutAnEdid) {
+    DisplayKeys keys;
     EXPECT_EQ(keys.update({at("DP-1", std::nullopt)})[0], std::nullopt);
 }
 
-TEST(X11DisplayKeys, KeepsEverybodysKeyWhileATwinComesAndGoes) {
-    X11DisplayKeys keys;
+TEST(DisplayKeys, KeepsEverybodysKeyWhileATwinComesAndGoes) {
+    DisplayKeys keys;
     const auto first = keys.update({at("DP-2", monitor(7, 42))})[0];
     // The newcomer's connector comes first in name order; it is the newcomer all the same.
     const Keys both = keys.update({at("DP-1", monitor(7, 42)), at("DP-2", monitor(7, 42))});
@@ -100,30 +100,30 @@ TEST(X11DisplayKeys, KeepsEverybodysKeyWhileATwinComesAndGoes) {
     EXPECT_EQ(again[1], both[0]);
 }
 
-TEST(X11DisplayKeys, KeepsATwinsKeyWhenTheFirstIsUnplugged) {
-    X11DisplayKeys keys;
+TEST(DisplayKeys, KeepsATwinsKeyWhenTheFirstIsUnplugged) {
+    DisplayKeys keys;
     const Keys both = keys.update({at("DP-1", monitor(7, 42)), at("DP-2", monitor(7, 42))});
     EXPECT_EQ(keys.update({at("DP-2", monitor(7, 42))})[0], both[1]);
 }
 
-TEST(X11DisplayKeys, GivesTwinsTheSameKeysAtEveryStartWhateverTheServersOrder) {
-    X11DisplayKeys first;
-    X11DisplayKeys second;
+TEST(DisplayKeys, GivesTwinsTheSameKeysAtEveryStartWhateverTheServersOrder) {
+    DisplayKeys first;
+    DisplayKeys second;
     const Keys one = first.update({at("DP-1", monitor(7, 42)), at("DP-2", monitor(7, 42))});
     const Keys other = second.update({at("DP-2", monitor(7, 42)), at("DP-1", monitor(7, 42))});
     EXPECT_EQ(one[0], other[1]);
     EXPECT_EQ(one[1], other[0]);
 }
 
-TEST(X11DisplayKeys, GivesAnotherMonitorAtTheSameConnectorItsOwnKey) {
-    X11DisplayKeys keys;
+TEST(DisplayKeys, GivesAnotherMonitorAtTheSameConnectorItsOwnKey) {
+    DisplayKeys keys;
     const auto before = keys.update({at("DP-1", monitor(7, 42))})[0];
     const auto after = keys.update({at("DP-1", monitor(7, 43))})[0];
     EXPECT_NE(before, after);
     EXPECT_EQ(keys.update({at("DP-1", monitor(7, 42))})[0], before);
 }
 
-TEST(X11DisplayKeys, NumbersDisplaysByTheirConnectorsNeverWithZero) {
+TEST(DisplayKeys, NumbersDisplaysByTheirConnectorsNeverWithZero) {
     EXPECT_EQ(displayNumber(QStringLiteral("DP-1")), displayNumber(QStringLiteral("DP-1")));
     EXPECT_NE(displayNumber(QStringLiteral("DP-1")), displayNumber(QStringLiteral("DP-2")));
     EXPECT_NE(displayNumber(QString()), 0U);
@@ -131,7 +131,7 @@ TEST(X11DisplayKeys, NumbersDisplaysByTheirConnectorsNeverWithZero) {
 
 // The two tests below hold for good: another key for a monitor loses its user's choice of layout.
 
-TEST(X11DisplayKeys, AreTheseForTheseMonitorsInEveryVersion) {
+TEST(DisplayKeys, AreTheseForTheseMonitorsInEveryVersion) {
     const auto whole = QStringLiteral("996C7887-280F-5AFA-8308-6C0611A5DF6E");
     EXPECT_EQ(keyAt("DP-1", withBothSerials), whole);
     EXPECT_EQ(keyAt("HDMI-2", withBothSerials), whole);
@@ -141,12 +141,12 @@ TEST(X11DisplayKeys, AreTheseForTheseMonitorsInEveryVersion) {
     EXPECT_EQ(keyAt("HDMI-2", withoutSerial),
               QStringLiteral("85CAB162-8020-532C-8EDA-B3FDD143577E"));
 
-    const auto edid = X11Edid::parse(QByteArray::fromHex(withBothSerials));
-    EXPECT_EQ(X11DisplayKeys().update({at("HDMI-2", edid), at("DP-1", edid)}),
+    const auto edid = Edid::parse(QByteArray::fromHex(withBothSerials));
+    EXPECT_EQ(DisplayKeys().update({at("HDMI-2", edid), at("DP-1", edid)}),
               (Keys{QStringLiteral("4C3388DB-329F-5245-986D-12F73509E1ED"), whole}));
 }
 
-TEST(X11DisplayKeys, NumberTheseConnectorsLikeThisInEveryVersion) {
+TEST(DisplayKeys, NumberTheseConnectorsLikeThisInEveryVersion) {
     EXPECT_EQ(displayNumber(QStringLiteral("DP-1")), 498784119U);
     EXPECT_EQ(displayNumber(QStringLiteral("HDMI-2")), 444614412U);
     EXPECT_EQ(displayNumber(QStringLiteral("eDP-1")), 3327778526U);

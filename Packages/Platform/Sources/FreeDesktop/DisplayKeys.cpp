@@ -1,4 +1,4 @@
-#include "X11DisplayKeys.h"
+#include "DisplayKeys.h"
 
 #include <QUuid>
 #include <algorithm>
@@ -21,7 +21,7 @@ QString uuidFor(const QByteArray& identity) {
 
 } // namespace
 
-std::vector<std::optional<QString>> X11DisplayKeys::update(const std::vector<Display>& displays) {
+std::vector<std::optional<QString>> DisplayKeys::update(const std::vector<Display>& displays) {
     std::map<QString, Held> next;
     const auto isTaken = [&](const QString& uuid) {
         return std::any_of(next.begin(), next.end(),
@@ -66,6 +66,15 @@ quint32 displayNumber(const QString& connector) {
     for (const char byte : connector.toUtf8())
         hash = (hash ^ static_cast<quint8>(byte)) * 16777619U;
     return hash == 0 ? 1 : hash;
+}
+
+QString displayName(const QString& connector, const std::optional<Edid>& edid) {
+    if (!edid)
+        return connector;
+    if (!edid->name.isEmpty())
+        return edid->name;
+    const QString letters = edid->manufacturerLetters();
+    return letters.isEmpty() ? connector : letters + u' ' + connector;
 }
 
 } // namespace tilewright

@@ -1,4 +1,4 @@
-#include <X11/X11Edid.h>
+#include <FreeDesktop/Edid.h>
 
 #include <gtest/gtest.h>
 
@@ -27,8 +27,8 @@ QByteArray block(quint32 serial, const std::vector<std::pair<quint8, QByteArray>
 
 } // namespace
 
-TEST(X11Edid, ReadsWhoMadeWhatAndItsSerials) {
-    const auto edid = X11Edid::parse(block(0x01020304, {{0xfc, "U2720Q\n"}, {0xff, "AB12\n"}}));
+TEST(Edid, ReadsWhoMadeWhatAndItsSerials) {
+    const auto edid = Edid::parse(block(0x01020304, {{0xfc, "U2720Q\n"}, {0xff, "AB12\n"}}));
     ASSERT_TRUE(edid.has_value());
     EXPECT_EQ(edid->manufacturerLetters(), QStringLiteral("DEL"));
     EXPECT_EQ(edid->product, 0x40f1);
@@ -37,35 +37,35 @@ TEST(X11Edid, ReadsWhoMadeWhatAndItsSerials) {
     EXPECT_EQ(edid->name, QStringLiteral("U2720Q"));
 }
 
-TEST(X11Edid, KnowsWhetherThereIsASerialOfEitherKind) {
-    EXPECT_FALSE(X11Edid::parse(block(0, {}))->hasSerial());
-    EXPECT_TRUE(X11Edid::parse(block(1, {}))->hasSerial());
-    EXPECT_TRUE(X11Edid::parse(block(0, {{0xff, "S\n"}}))->hasSerial());
-    EXPECT_FALSE(X11Edid::parse(block(0, {{0xff, "   \n"}}))->hasSerial());
+TEST(Edid, KnowsWhetherThereIsASerialOfEitherKind) {
+    EXPECT_FALSE(Edid::parse(block(0, {}))->hasSerial());
+    EXPECT_TRUE(Edid::parse(block(1, {}))->hasSerial());
+    EXPECT_TRUE(Edid::parse(block(0, {{0xff, "S\n"}}))->hasSerial());
+    EXPECT_FALSE(Edid::parse(block(0, {{0xff, "   \n"}}))->hasSerial());
 }
 
-TEST(X11Edid, TakesNoTimingForAText) {
+TEST(Edid, TakesNoTimingForAText) {
     QByteArray bytes = block(0, {{0xfc, "Fake\n"}});
     bytes[54] = char(0x02);
-    EXPECT_TRUE(X11Edid::parse(bytes)->name.isEmpty());
+    EXPECT_TRUE(Edid::parse(bytes)->name.isEmpty());
 }
 
-TEST(X11Edid, ReadsATextThatFillsItsDescriptorAndLeavesOutWhatIsNoText) {
-    EXPECT_EQ(X11Edid::parse(block(0, {{0xfc, "ThirteenChars"}}))->name,
+TEST(Edid, ReadsATextThatFillsItsDescriptorAndLeavesOutWhatIsNoText) {
+    EXPECT_EQ(Edid::parse(block(0, {{0xfc, "ThirteenChars"}}))->name,
               QStringLiteral("ThirteenChars"));
-    EXPECT_EQ(X11Edid::parse(block(0, {{0xfc, "A\x01\xff"
-                                              "B\n"}}))
+    EXPECT_EQ(Edid::parse(block(0, {{0xfc, "A\x01\xff"
+                                           "B\n"}}))
                   ->name,
               QStringLiteral("AB"));
 }
 
-TEST(X11Edid, RefusesWhatIsNoBlock) {
-    EXPECT_FALSE(X11Edid::parse({}).has_value());
-    EXPECT_FALSE(X11Edid::parse(block(1, {}).left(127)).has_value());
-    EXPECT_FALSE(X11Edid::parse(QByteArray(128, '\0')).has_value());
-    EXPECT_FALSE(X11Edid::parse(QByteArray(256, char(0xff))).has_value());
+TEST(Edid, RefusesWhatIsNoBlock) {
+    EXPECT_FALSE(Edid::parse({}).has_value());
+    EXPECT_FALSE(Edid::parse(block(1, {}).left(127)).has_value());
+    EXPECT_FALSE(Edid::parse(QByteArray(128, '\0')).has_value());
+    EXPECT_FALSE(Edid::parse(QByteArray(256, char(0xff))).has_value());
 }
 
-TEST(X11Edid, ReadsABlockWithExtensionsAsItsFirstPart) {
-    EXPECT_EQ(X11Edid::parse(block(5, {}) + QByteArray(128, 'x')), X11Edid::parse(block(5, {})));
+TEST(Edid, ReadsABlockWithExtensionsAsItsFirstPart) {
+    EXPECT_EQ(Edid::parse(block(5, {}) + QByteArray(128, 'x')), Edid::parse(block(5, {})));
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "X11Edid.h"
+#include "Edid.h"
 
 #include <QString>
 #include <map>
@@ -14,12 +14,12 @@ namespace tilewright {
 /// The UUID stands for the physical monitor, made from its EDID's identity; where that has no
 /// serial, or a connected twin already has that UUID, for the monitor at its connector. A display
 /// keeps its UUID for as long as it stays connected.
-class X11DisplayKeys {
+class DisplayKeys {
 public:
     struct Display {
         QString connector;
         /// None where the monitor tells nothing.
-        std::optional<X11Edid> edid;
+        std::optional<Edid> edid;
     };
 
     /// Takes notice of what is connected now, in any order; answers the UUIDs in that order, in
@@ -37,5 +37,8 @@ private:
 
 /// The number of the display at a connector: the same in every run, never 0.
 [[nodiscard]] quint32 displayNumber(const QString& connector);
+
+/// What users call the display at a connector: its model, as far as it tells one.
+[[nodiscard]] QString displayName(const QString& connector, const std::optional<Edid>& edid);
 
 } // namespace tilewright

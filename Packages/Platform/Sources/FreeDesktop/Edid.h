@@ -7,7 +7,7 @@
 namespace tilewright {
 
 /// What a monitor tells of itself in its EDID block.
-struct X11Edid {
+struct Edid {
     /// Manufacturer and product, as the block has them.
     quint16 manufacturer = 0;
     quint16 product = 0;
@@ -20,7 +20,7 @@ struct X11Edid {
 
     /// Reads a block of any length; none when it is no EDID block. Damaged descriptors are left
     /// out.
-    [[nodiscard]] static std::optional<X11Edid> parse(const QByteArray& block);
+    [[nodiscard]] static std::optional<Edid> parse(const QByteArray& block);
 
     /// Whether two monitors of the same model can be told apart by it.
     [[nodiscard]] bool hasSerial() const { return serialNumber != 0 || !serialText.isEmpty(); }
@@ -29,7 +29,7 @@ struct X11Edid {
     /// What is the same for one physical monitor wherever it is plugged in.
     [[nodiscard]] QByteArray identity() const;
 
-    friend bool operator==(const X11Edid&, const X11Edid&) = default;
+    friend bool operator==(const Edid&, const Edid&) = default;
 };
 
 } // namespace tilewright
