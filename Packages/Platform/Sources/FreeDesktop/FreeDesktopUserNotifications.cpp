@@ -1,13 +1,40 @@
 #include "FreeDesktopUserNotifications.h"
 
 #include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
 #include <QVariantMap>
+#include <utility>
 
 namespace tilewright {
 
 namespace {
 constexpr quint32 replacesNone = 0;
 constexpr qint32 expiresAsTheServiceLikes = -1;
+
+QString service() {
+    return QStringLiteral("org.freedesktop.Notifications");
+}
+
+QString path() {
+    return QStringLiteral("/org/freedesktop/Notifications");
+}
+
+/// What a click on the message itself stands for.
+QString clickAction() {
+    return QStringLiteral("default");
+}
+
+QDBusMessage notify(const QString& title, const QString& text, const QStringList& actions) {
+    QDBusMessage call =
+        QDBusMessage::createMethodCall(service(), path(), service(), QStringLiteral("Notify"));
+    const QVariantMap hints{
+        {QStringLiteral("desktop-entry"), QStringLiteral("org.tilewright.Tilewright")},
+    };
+    // The body may be read as markup.
+    call << QStringLiteral("Tilewright") << replacesNone << QStringLiteral("tilewright") << title
+         << text.toHtmlEscaped() << actions << hints << expiresAsTheServiceLikes;
+    return call;
+}
 } // namespace
 
 FreeDesktopUserNotifications::FreeDesktopUserNotifications(const MessageBus& bus)
@@ -16,17 +43,47 @@ FreeDesktopUserNotifications::FreeDesktopUserNotifications(const MessageBus& bus
 void FreeDesktopUserNotifications::show(const QString& title, const QString& text) {
     if (!bus_.isJoined())
         return;
-    QDBusMessage call = QDBusMessage::createMethodCall(
-        QStringLiteral("org.freedesktop.Notifications"),
-        QStringLiteral("/org/freedesktop/Notifications"),
-        QStringLiteral("org.freedesktop.Notifications"), QStringLiteral("Notify"));
-    const QVariantMap hints{
-        {QStringLiteral("desktop-entry"), QStringLiteral("org.tilewright.Tilewright")},
-    };
-    // The body may be read as markup.
-    call << QStringLiteral("Tilewright") << replacesNone << QStringLiteral("tilewright") << title
-         << text.toHtmlEscaped() << QStringList() << hints << expiresAsTheServiceLikes;
-    bus_.connection().send(call);
+    bus_.connection().send(notify(title, text, {}));
+}
+
+void FreeDesktopUserNotifications::show(const QString& title, const QString& text,
+                                        std::function<void()> chosen) {
+    if (!bus_.isJoined())
+        return;
+    const QDBusMessage call = notify(title, text, {clickAction(), tr("Show")});
+    auto* pending = new QDBusPendingCallWatcher(bus_.connection().asyncCall(call), this);
+    connect(pending, &QDBusPendingCallWatcher::finished, this,
+            [this, chosen = std::move(chosen)](QDBusPendingCallWatcher* finished) {
+                finished->deleteLater();
+                const QDBusMessage reply = finished->reply();
+                if (reply.type() != QDBusMessage::ReplyMessage)
+                    return;
+                shown_ = reply.arguments().value(0).toUInt();
+                chosen_ = chosen;
+                listenTo(reply.service());
+            });
+}
+
+void FreeDesktopUserNotifications::listenTo(const QString& sender) {
+    const QString signal = QStringLiteral("ActionInvoked");
+    const char* const slot = SLOT(actionInvoked(QDBusMessage));
+    QDBusConnection bus = bus_.connection();
+    if (!heard_.isEmpty())
+        bus.disconnect(heard_, path(), service(), signal, this, slot);
+    heard_ = sender;
+    if (!heard_.isEmpty())
+        bus.connect(heard_, path(), service(), signal, this, slot);
+}
+
+void FreeDesktopUserNotifications::actionInvoked(const QDBusMessage& notice) {
+    const QVariantList told = notice.arguments();
+    if (notice.service() != heard_ || shown_ == 0 || told.value(0).toUInt() != shown_ ||
+        told.value(1).toString() != clickAction())
+        return;
+    shown_ = 0;
+    // It may show another one.
+    if (const auto chosen = std::exchange(chosen_, nullptr))
+        chosen();
 }
 
 } // namespace tilewright

@@ -3,18 +3,38 @@
 #include "MessageBus.h"
 #include "UserNotifications.h"
 
+#include <QObject>
+#include <QString>
+#include <functional>
+
+class QDBusMessage;
+
 namespace tilewright {
 
 /// Messages shown by the desktop's notification service (org.freedesktop.Notifications).
-class FreeDesktopUserNotifications final : public UserNotifications {
+class FreeDesktopUserNotifications final : public QObject, public UserNotifications {
+    Q_OBJECT
+
 public:
     /// The bus has to outlive this. While it does not answer nothing is shown.
     explicit FreeDesktopUserNotifications(const MessageBus& bus);
 
     void show(const QString& title, const QString& text) override;
+    /// The same; `chosen` is called when the user clicks the message, the latest of all alone.
+    void show(const QString& title, const QString& text, std::function<void()> chosen);
+
+private Q_SLOTS:
+    void actionInvoked(const QDBusMessage& notice);
 
 private:
+    void listenTo(const QString& service);
+
     const MessageBus& bus_;
+    std::function<void()> chosen_;
+    /// The message that can be clicked, and who shows it; none and empty while there is no such
+    /// one.
+    quint32 shown_ = 0;
+    QString heard_;
 };
 
 } // namespace tilewright
