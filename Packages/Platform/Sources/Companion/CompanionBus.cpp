@@ -1,0 +1,210 @@
+#include "CompanionBus.h"
+
+#include "CompanionDecoder.h"
+
+#include <QDBusVirtualObject>
+#include <algorithm>
+#include <utility>
+
+namespace tilewright {
+
+namespace {
+
+/// Nobody who may stand in the way is let: the name is had at once or not at all.
+constexpr quint32 doNotQueue = 4;
+/// A companion has one call on its way, and the odd one beside it.
+constexpr std::size_t mostCalls = 16;
+
+constexpr const char* accessDenied = "org.freedesktop.DBus.Error.AccessDenied";
+constexpr const char* limitsExceeded = "org.freedesktop.DBus.Error.LimitsExceeded";
+constexpr const char* invalidArguments = "org.freedesktop.DBus.Error.InvalidArgs";
+
+QString nothingToDo() {
+    return QStringLiteral("{}");
+}
+
+} // namespace
+
+/// What is on the bus. Calls of the interface's methods are handed on, whoever makes them.
+class CompanionBus::Object final : public QDBusVirtualObject {
+public:
+    explicit Object(CompanionBus& companion)
+        : companion_(companion) {}
+
+    [[nodiscard]] QString introspect(const QString& /*path*/) const override { return {}; }
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection& /*bus*/) override {
+        if (message.type() != QDBusMessage::MethodCallMessage ||
+            message.interface() != interfaceName())
+            return false;
+        message.setDelayedReply(true);
+        companion_.receive(message);
+        return true;
+    }
+
+private:
+    CompanionBus& companion_;
+};
+
+QString CompanionBus::serviceName() {
+    return QStringLiteral("org.tilewright.Companion");
+}
+
+QString CompanionBus::objectPath() {
+    return QStringLiteral("/org/tilewright/Companion");
+}
+
+QString CompanionBus::interfaceName() {
+    return QStringLiteral("org.tilewright.Companion1");
+}
+
+CompanionBus::CompanionBus(MainLoop& loop, MessageBus& bus, CompanionOutbox& outbox,
+                           QString compositor)
+    : loop_(loop)
+    , bus_(bus)
+    , outbox_(outbox)
+    , compositorName_(std::move(compositor))
+    , object_(std::make_unique<Object>(*this))
+    , counted_(loop.now()) {
+    outbox_.onNews(life_.guard([this] {
+        // The answer of the call that brings it about follows anyway.
+        if (!isReceiving_)
+            postAnswers();
+    }));
+    connect(&bus_, &MessageBus::joined, this, &CompanionBus::join);
+    connect(&bus_, &MessageBus::left, this, &CompanionBus::leave);
+    if (bus_.isJoined())
+        join();
+}
+
+CompanionBus::~CompanionBus() {
+    if (!bus_.isJoined())
+        return;
+    QDBusConnection bus = bus_.connection();
+    bus.unregisterObject(objectPath());
+    QDBusMessage release = callToBus(QStringLiteral("ReleaseName"));
+    release << serviceName();
+    bus.send(release);
+}
+
+void CompanionBus::join() {
+    leave();
+    // Before the name, so that whoever sees the name can call the object.
+    QDBusConnection bus = bus_.connection();
+    bus.registerVirtualObject(objectPath(), object_.get());
+    owner_ = std::make_unique<BusNameOwner>(bus_.connection(), compositorName_);
+    connect(owner_.get(), &BusNameOwner::changed, this, &CompanionBus::compositorChanged);
+    ownName_ = std::make_unique<BusNameOwner>(bus_.connection(), serviceName());
+    connect(ownName_.get(), &BusNameOwner::changed, this, &CompanionBus::requestName);
+}
+
+void CompanionBus::leave() {
+    owner_.reset();
+    ownName_.reset();
+    compositorChanged();
+}
+
+void CompanionBus::compositorChanged() {
+    const QString now = compositor();
+    if (std::exchange(heard_, now) != now) {
+        calls_.clear();
+        poll_.reset();
+        outbox_.clear();
+        Q_EMIT lost();
+    }
+    requestName();
+}
+
+void CompanionBus::requestName() {
+    // A companion greets as soon as it sees the name, and has to be known by then.
+    if (heard_.isEmpty() || !ownName_ || !ownName_->owner().isEmpty())
+        return;
+    QDBusMessage request = callToBus(QStringLiteral("RequestName"));
+    request << serviceName() << doNotQueue;
+    bus_.connection().send(request);
+}
+
+void CompanionBus::refuse(const QDBusMessage& call, const char* error, const char* why) {
+    bus_.connection().send(
+        call.createErrorReply(QString::fromLatin1(error), QString::fromLatin1(why)));
+}
+
+bool CompanionBus::spendMessage() {
+    const MainLoop::Interval now = loop_.now();
+    const double earned = static_cast<double>((now - counted_).count()) * mostMessagesASecond /
+                          static_cast<double>(std::chrono::milliseconds(1000).count());
+    counted_ = now;
+    allowance_ = std::min<double>(mostMessagesASecond, allowance_ + earned);
+    if (allowance_ < 1)
+        return false;
+    allowance_ -= 1;
+    return true;
+}
+
+void CompanionBus::receive(const QDBusMessage& call) {
+    if (heard_.isEmpty() || call.service() != heard_) {
+        refuse(call, accessDenied, "Only the compositor's companion may call.");
+        return;
+    }
+    if (!spendMessage()) {
+        Q_EMIT overrun();
+        refuse(call, limitsExceeded, "Too many calls.");
+        return;
+    }
+    const QVariantList arguments = call.arguments();
+    const bool isText = arguments.size() == 1 &&
+                        arguments[0].metaType() == QMetaType::fromType<QString>() &&
+                        arguments[0].toString().size() <= CompanionDecoder::longestMessage;
+    const auto message =
+        isText ? CompanionDecoder::decode(call.member(), arguments[0].toString().toUtf8())
+               : std::nullopt;
+    if (!message) {
+        refuse(call, invalidArguments, "This call makes no sense.");
+        return;
+    }
+    if (std::holds_alternative<CompanionPoll>(*message)) {
+        if (const auto former = std::exchange(poll_, call))
+            send(*former, nothingToDo());
+        if (!outbox_.isEmpty())
+            postAnswers();
+        return;
+    }
+    if (std::holds_alternative<CompanionHello>(*message))
+        outbox_.clear();
+    calls_.push_back(call);
+    isReceiving_ = true;
+    Q_EMIT told(*message);
+    isReceiving_ = false;
+    if (const auto* hello = std::get_if<CompanionHello>(&*message);
+        hello && hello->protocol != CompanionDecoder::protocol && !calls_.empty()) {
+        calls_.pop_back();
+        send(call, QStringLiteral("{\"protocol\":%1}").arg(CompanionDecoder::protocol));
+        return;
+    }
+    postAnswers();
+}
+
+void CompanionBus::postAnswers() {
+    // What they have been calling for is answered at once, without what may yet come of it.
+    while (calls_.size() > mostCalls) {
+        send(calls_.front(), nothingToDo());
+        calls_.pop_front();
+    }
+    if (std::exchange(areAnswersPosted_, true))
+        return;
+    loop_.post(life_.guard([this] { answer(); }));
+}
+
+void CompanionBus::answer() {
+    areAnswersPosted_ = false;
+    const std::deque<QDBusMessage> calls = std::exchange(calls_, {});
+    for (std::size_t i = 0; i < calls.size(); ++i)
+        send(calls[i], i + 1 == calls.size() ? outbox_.take() : nothingToDo());
+    if (!outbox_.isEmpty() && poll_)
+        send(*std::exchange(poll_, std::nullopt), outbox_.take());
+}
+
+void CompanionBus::send(const QDBusMessage& call, const QString& text) {
+    bus_.connection().send(call.createReply(text));
+}
+
+} // namespace tilewright

@@ -1,0 +1,88 @@
+#pragma once
+
+#include "CompanionMessage.h"
+#include "CompanionOutbox.h"
+
+#include <FreeDesktop/BusNameOwner.h>
+#include <FreeDesktop/MessageBus.h>
+#include <Platform/Lifetime.h>
+#include <Platform/MainLoop.h>
+
+#include <QDBusMessage>
+#include <QObject>
+#include <QString>
+#include <deque>
+#include <memory>
+#include <optional>
+
+namespace tilewright {
+
+/// The object on the session bus that a companion calls, and the only one who is let: whoever owns
+/// the compositor's own name there. All others get an error, and are kept no word of. What the
+/// companion is to do goes into the answers: into that of the call that brought it about, a turn of
+/// the loop later, else into that of the call that waits for commands. Nothing here waits. Main
+/// thread only.
+class CompanionBus final : public QObject {
+    Q_OBJECT
+
+public:
+    /// A companion that calls more often than this in a second is not listened to until it has
+    /// calmed down. The fastest has one call on its way at a time.
+    static constexpr int mostMessagesASecond = 1000;
+
+    [[nodiscard]] static QString serviceName();
+    [[nodiscard]] static QString objectPath();
+    [[nodiscard]] static QString interfaceName();
+
+    /// `compositor` is the name on the bus whose owner runs the companion. The loop, the bus and
+    /// the outbox have to outlive this.
+    CompanionBus(MainLoop& loop, MessageBus& bus, CompanionOutbox& outbox, QString compositor);
+    ~CompanionBus() override;
+
+    /// The compositor's own address on the bus; empty while it is not known.
+    [[nodiscard]] QString compositor() const { return owner_ ? owner_->owner() : QString(); }
+
+Q_SIGNALS:
+    /// The companion told something.
+    void told(const tilewright::CompanionMessage& message);
+    /// What it told was too much to be listened to: something that matters may have been among it.
+    void overrun();
+    /// Whoever has been listened to is gone, or has changed.
+    void lost();
+
+private:
+    class Object;
+
+    void join();
+    void leave();
+    void compositorChanged();
+    void requestName();
+    void receive(const QDBusMessage& call);
+    void refuse(const QDBusMessage& call, const char* error, const char* why);
+    [[nodiscard]] bool spendMessage();
+    void postAnswers();
+    void answer();
+    void send(const QDBusMessage& call, const QString& text);
+
+    MainLoop& loop_;
+    MessageBus& bus_;
+    CompanionOutbox& outbox_;
+    const QString compositorName_;
+    std::unique_ptr<Object> object_;
+    std::unique_ptr<BusNameOwner> owner_;
+    /// Of this program's own name there, which another process may have.
+    std::unique_ptr<BusNameOwner> ownName_;
+    QString heard_;
+    /// Calls that are answered at the end of the turn.
+    std::deque<QDBusMessage> calls_;
+    /// The call that waits for commands.
+    std::optional<QDBusMessage> poll_;
+    bool isReceiving_ = false;
+    bool areAnswersPosted_ = false;
+    /// How many messages may still come now, and when that was counted.
+    double allowance_ = mostMessagesASecond;
+    MainLoop::Interval counted_{0};
+    Lifetime life_;
+};
+
+} // namespace tilewright

@@ -1,0 +1,152 @@
+#include "CompanionOutbox.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <algorithm>
+#include <cmath>
+
+namespace tilewright {
+
+namespace {
+
+constexpr double mostOfAChannel = 255;
+
+QJsonObject command(const char* name) {
+    return {{QStringLiteral("c"), QLatin1String(name)}};
+}
+
+QJsonArray numbers(const CompanionRect& rect) {
+    return {rect.x, rect.y, rect.width, rect.height};
+}
+
+QJsonArray numbers(const OverlayColor& color) {
+    const auto channel = [](double value) {
+        return std::round(std::clamp(value, 0.0, 1.0) * mostOfAChannel);
+    };
+    return {channel(color.red), channel(color.green), channel(color.blue),
+            std::clamp(color.opacity, 0.0, 1.0)};
+}
+
+QJsonObject written(const CompanionOverlay& overlay) {
+    QJsonArray tiles;
+    for (const CompanionTile& tile : overlay.tiles) {
+        tiles.append(QJsonArray{tile.place.x, tile.place.y, tile.place.width, tile.place.height,
+                                tile.cornerRadius, numbers(tile.fill), numbers(tile.border),
+                                tile.borderWidth, tile.opacity});
+    }
+    QJsonObject object = command("overlay");
+    object[QStringLiteral("area")] = numbers(overlay.area);
+    object[QStringLiteral("transition")] = static_cast<qint64>(overlay.transition.count());
+    object[QStringLiteral("tiles")] = tiles;
+    return object;
+}
+
+QJsonObject written(CompanionWindowID window, const CompanionRect& frame) {
+    QJsonObject object = command("frame");
+    object[QStringLiteral("window")] = static_cast<qint64>(window);
+    object[QStringLiteral("frame")] = numbers(frame);
+    return object;
+}
+
+QJsonObject written(const CompanionItem& item) {
+    QJsonObject object = command("item");
+    object[QStringLiteral("shown")] = true;
+    object[QStringLiteral("icon")] = item.icon;
+    object[QStringLiteral("name")] = item.name;
+    return object;
+}
+
+QJsonObject written(const CompanionPanel& panel) {
+    QJsonObject object = command("panel");
+    object[QStringLiteral("title")] = panel.title;
+    object[QStringLiteral("margins")] = QJsonArray{panel.margins.left(), panel.margins.top(),
+                                                   panel.margins.right(), panel.margins.bottom()};
+    object[QStringLiteral("shown")] = panel.isShown;
+    if (panel.isShown) {
+        object[QStringLiteral("area")] = numbers(panel.area);
+        object[QStringLiteral("anchor")] = numbers(panel.anchor);
+    }
+    return object;
+}
+
+} // namespace
+
+void CompanionOutbox::showOverlay(const CompanionOverlay& overlay) {
+    CompanionOverlay shown = overlay;
+    if (shown.tiles.size() > mostTiles)
+        shown.tiles.resize(mostTiles);
+    overlay_ = Overlay{std::move(shown)};
+    tell();
+}
+
+void CompanionOutbox::hideOverlay() {
+    overlay_ = Overlay{};
+    tell();
+}
+
+void CompanionOutbox::setFrame(CompanionWindowID window, const CompanionRect& frame) {
+    if (!frames_.contains(window) && frames_.size() >= mostFrames)
+        return;
+    frames_[window] = frame;
+    tell();
+}
+
+void CompanionOutbox::showItem(const CompanionItem& item) {
+    item_ = item;
+    tell();
+}
+
+void CompanionOutbox::setPanel(const CompanionPanel& panel) {
+    panel_ = panel;
+    tell();
+}
+
+void CompanionOutbox::bringForward(const QString& title) {
+    front_ = title;
+    tell();
+}
+
+void CompanionOutbox::askForPointer() {
+    wantsPointer_ = true;
+    tell();
+}
+
+void CompanionOutbox::clear() {
+    overlay_.reset();
+    frames_.clear();
+    item_.reset();
+    panel_.reset();
+    front_.reset();
+    wantsPointer_ = false;
+}
+
+bool CompanionOutbox::isEmpty() const {
+    return !overlay_ && frames_.empty() && !item_ && !panel_ && !front_ && !wantsPointer_;
+}
+
+QString CompanionOutbox::take() {
+    QJsonArray commands;
+    for (const auto& [window, frame] : frames_)
+        commands.append(written(window, frame));
+    if (overlay_)
+        commands.append(overlay_->shown ? written(*overlay_->shown) : command("overlayGone"));
+    if (item_)
+        commands.append(written(*item_));
+    if (panel_)
+        commands.append(written(*panel_));
+    if (front_) {
+        QJsonObject object = command("front");
+        object[QStringLiteral("title")] = *front_;
+        commands.append(object);
+    }
+    if (wantsPointer_)
+        commands.append(command("pointer"));
+    clear();
+    QJsonObject answer;
+    if (!commands.isEmpty())
+        answer[QStringLiteral("do")] = commands;
+    return QString::fromUtf8(QJsonDocument(answer).toJson(QJsonDocument::Compact));
+}
+
+} // namespace tilewright

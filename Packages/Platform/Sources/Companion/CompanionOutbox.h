@@ -1,0 +1,59 @@
+#pragma once
+
+#include "CompanionCommand.h"
+
+#include <QByteArray>
+#include <functional>
+#include <map>
+#include <optional>
+
+namespace tilewright {
+
+/// What a companion is to do next. A later wish takes the place of an earlier one for the same
+/// thing, so that no answer is long, however late it is fetched. Main thread only.
+class CompanionOutbox {
+public:
+    /// Neither more tiles, nor frames of more windows, are sent at once.
+    static constexpr std::size_t mostTiles = 64;
+    static constexpr std::size_t mostFrames = 16;
+
+    /// Registers the one listener, called whenever something has been put in.
+    void onNews(std::function<void()> callback) { onNews_ = std::move(callback); }
+
+    void showOverlay(const CompanionOverlay& overlay);
+    void hideOverlay();
+    void setFrame(CompanionWindowID window, const CompanionRect& frame);
+    void showItem(const CompanionItem& item);
+    void setPanel(const CompanionPanel& panel);
+    /// Brings this program's window with the title before all others.
+    void bringForward(const QString& title);
+    /// Has the companion tell where the pointer is.
+    void askForPointer();
+    /// Drops everything: nobody is there to do it, or somebody new who knows nothing of it.
+    void clear();
+
+    [[nodiscard]] bool isEmpty() const;
+    /// Takes everything out, as the JSON text of an answer.
+    [[nodiscard]] QString take();
+
+private:
+    struct Overlay {
+        /// None where it is to go.
+        std::optional<CompanionOverlay> shown;
+    };
+
+    void tell() const {
+        if (onNews_)
+            onNews_();
+    }
+
+    std::function<void()> onNews_;
+    std::optional<Overlay> overlay_;
+    std::map<CompanionWindowID, CompanionRect> frames_;
+    std::optional<CompanionItem> item_;
+    std::optional<CompanionPanel> panel_;
+    std::optional<QString> front_;
+    bool wantsPointer_ = false;
+};
+
+} // namespace tilewright

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "CompanionOutbox.h"
+#include "CompanionScreens.h"
+
+#include <Platform/PanelSurface.h>
+#include <Platform/Pointer.h>
+
+#include <memory>
+
+namespace tilewright {
+
+/// The panel as an ordinary frameless window that a companion places, raises and focuses before its
+/// first frame. It goes on Escape, on a press outside, in the overview, once another window has the
+/// focus, and with the companion. Where none is there it is a window like others. Main thread only.
+class CompanionPanelSurface final : public PanelSurface {
+    Q_OBJECT
+
+public:
+    /// How far the panel keeps from the edges of its display's free part, in Qt's points.
+    static constexpr int gap = 4;
+
+    /// The title by which the window is known; no other window of this program has it.
+    [[nodiscard]] static QString title();
+
+    /// All but the factory and the chrome have to outlive this.
+    CompanionPanelSurface(CompanionState& state, const CompanionScreens& screens,
+                          const Pointer& pointer, CompanionOutbox& outbox, ViewFactory makeView,
+                          std::unique_ptr<PanelChrome> chrome);
+    ~CompanionPanelSurface() override;
+
+    void open(const Anchor& anchor) override;
+    void close() override;
+    void toggle(const Anchor& item) override;
+    [[nodiscard]] bool isOpen() const override { return window_ != nullptr; }
+
+    /// The window, while it is open; else null.
+    [[nodiscard]] QWidget* window() const;
+
+private:
+    class Window;
+
+    void dismiss(PanelDismissal why);
+    void focusChanged();
+    void fit();
+    void introduce();
+    [[nodiscard]] CompanionPanel description() const;
+
+    CompanionState& state_;
+    const CompanionScreens& screens_;
+    const Pointer& pointer_;
+    CompanionOutbox& outbox_;
+    ViewFactory makeView_;
+    std::unique_ptr<PanelChrome> chrome_;
+    std::unique_ptr<Window> window_;
+    AppKitRect anchor_;
+    /// Whether the companion has told, since the opening, that the panel has the focus.
+    bool hasHadFocus_ = false;
+};
+
+} // namespace tilewright

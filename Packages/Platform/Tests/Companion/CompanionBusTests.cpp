@@ -1,0 +1,173 @@
+#include "MockCompanion.h"
+#include "PrivateBus.h"
+
+#include <Companion/CompanionDecoder.h>
+#include <FakeMainLoop.h>
+#include <Platform/QtMainLoop.h>
+
+#include <QSignalSpy>
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <vector>
+
+namespace tilewright::testing {
+namespace {
+
+class CompanionBusTest : public ::testing::Test {
+protected:
+    CompanionBusTest() {
+        QObject::connect(&companion, &CompanionBus::told, &companion,
+                         [this](const CompanionMessage& message) { told.push_back(message); });
+    }
+    /// A shell whose companion may call.
+    [[nodiscard]] std::unique_ptr<MockCompanion> makeShell() {
+        auto shell = std::make_unique<MockCompanion>(bus.connect());
+        EXPECT_TRUE(waitUntil([&] { return shell->seesProgram(); }));
+        return shell;
+    }
+    [[nodiscard]] std::size_t drags() const {
+        return static_cast<std::size_t>(
+            std::count_if(told.begin(), told.end(), [](const CompanionMessage& message) {
+                return std::holds_alternative<CompanionDrag>(message);
+            }));
+    }
+
+    PrivateBus bus;
+    QtMainLoop loop;
+    MessageBus own{bus.connect()};
+    CompanionOutbox outbox;
+    CompanionBus companion{loop, own, outbox, QStringLiteral("org.gnome.Shell")};
+    std::vector<CompanionMessage> told;
+};
+
+} // namespace
+
+TEST_F(CompanionBusTest, TakesItsNameOnlyWhileThereIsACompositorToBeCalledBy) {
+    const QDBusConnection other = bus.connect();
+    PrivateBus::takeAllIn(own.connection());
+    EXPECT_TRUE(companion.compositor().isEmpty());
+    const auto shell = makeShell();
+    EXPECT_FALSE(companion.compositor().isEmpty());
+}
+
+TEST_F(CompanionBusTest, HandsOnWhatTheCompanionTellsAndAnswersWithWhatCameOfIt) {
+    const auto shell = makeShell();
+    QObject::connect(&companion, &CompanionBus::told, &companion, [this] {
+        // Something follows at once, and something on a later turn.
+        outbox.setFrame(CompanionWindowID{7}, {1, 2, 3, 4});
+        loop.post([this] { outbox.showOverlay({}); });
+    });
+    shell->call("DragBegin", dragText(1, "[1,2]", 0));
+    ASSERT_TRUE(waitUntil([&] { return shell->isAnswered(); }));
+    EXPECT_EQ(drags(), 1U);
+    EXPECT_TRUE(shell->frames.contains(7));
+    EXPECT_TRUE(shell->overlay) << "what the event brings about by the turn's end is in the answer";
+    EXPECT_TRUE(outbox.isEmpty());
+}
+
+TEST_F(CompanionBusTest, AnswersTheOneWhoWaitsWhenThereIsSomethingToDoAndNotBefore) {
+    const auto shell = makeShell();
+    shell->greet();
+    ASSERT_TRUE(waitUntil([&] { return shell->isAnswered(); }));
+    const auto answersBefore = shell->answers.size();
+    shell->call("Focus", R"({"focus":null})");
+    ASSERT_TRUE(waitUntil([&] { return shell->isAnswered(); }));
+    EXPECT_EQ(shell->answers.size(), answersBefore + 1) << "the waiting call is not answered";
+    for (int id = 1; id <= 3; ++id) {
+        outbox.setFrame(CompanionWindowID{static_cast<quint64>(id)}, {1, 2, 3, 4});
+        ASSERT_TRUE(waitUntil([&] { return shell->frames.contains(id); }));
+    }
+}
+
+TEST_F(CompanionBusTest, LetsOneCallWaitAtATime) {
+    const auto shell = makeShell();
+    shell->call("NextCommand", "{}");
+    shell->call("NextCommand", "{}");
+    ASSERT_TRUE(waitUntil([&] { return shell->answered == 1; }));
+    EXPECT_EQ(shell->answers, QStringList{QStringLiteral("{}")});
+    outbox.hideOverlay();
+    EXPECT_TRUE(waitUntil([&] { return shell->answered == 2; }));
+}
+
+TEST_F(CompanionBusTest, BelievesNobodyButTheCompositor) {
+    const auto shell = makeShell();
+    QDBusConnection stranger = bus.connect();
+    QDBusMessage message =
+        QDBusMessage::createMethodCall(CompanionBus::serviceName(), CompanionBus::objectPath(),
+                                       CompanionBus::interfaceName(), QStringLiteral("Hello"));
+    message << QString::fromUtf8(helloText());
+    const QDBusPendingCallWatcher pending(stranger.asyncCall(message));
+    ASSERT_TRUE(waitUntil([&] { return pending.isFinished(); }));
+    EXPECT_EQ(pending.reply().errorName(),
+              QStringLiteral("org.freedesktop.DBus.Error.AccessDenied"));
+    EXPECT_TRUE(told.empty());
+}
+
+TEST_F(CompanionBusTest, RefusesWhatMakesNoSense) {
+    const auto shell = makeShell();
+    shell->call("Hello", "{}");
+    shell->call("Hello", QByteArray(100'000, ' '));
+    shell->call("Quit", "{}");
+    ASSERT_TRUE(waitUntil([&] { return shell->isAnswered(); }));
+    EXPECT_EQ(shell->errors,
+              QStringList(3, QStringLiteral("org.freedesktop.DBus.Error.InvalidArgs")));
+    EXPECT_TRUE(told.empty());
+}
+
+TEST_F(CompanionBusTest, SaysWhichProtocolItSpeaksToWhoSpeaksAnother) {
+    const auto shell = makeShell();
+    outbox.hideOverlay();
+    shell->call("Hello", R"({"protocol":2})");
+    ASSERT_TRUE(waitUntil([&] { return shell->isAnswered(); }));
+    EXPECT_EQ(shell->answers, QStringList{QStringLiteral("{\"protocol\":1}")});
+}
+
+TEST_F(CompanionBusTest, ForgetsWhatWasToBeDoneAtAGreetingAndWithTheCompositorsEnd) {
+    auto shell = makeShell();
+    outbox.setFrame(CompanionWindowID{7}, {1, 2, 3, 4});
+    shell->call("Hello", helloText());
+    ASSERT_TRUE(waitUntil([&] { return shell->isAnswered(); }));
+    EXPECT_TRUE(shell->frames.empty());
+    QSignalSpy lost(&companion, &CompanionBus::lost);
+    outbox.setFrame(CompanionWindowID{8}, {1, 2, 3, 4});
+    shell.reset();
+    EXPECT_TRUE(waitUntil([&] { return lost.size() == 1; }));
+    EXPECT_TRUE(outbox.isEmpty());
+    const auto next = makeShell();
+    next->greet();
+    EXPECT_TRUE(waitUntil([&] { return next->isAnswered(); }));
+    EXPECT_TRUE(next->frames.empty());
+}
+
+TEST_F(CompanionBusTest, GetsItsNameOnceAnotherProcessHasGivenItUp) {
+    QDBusConnection former = bus.connect();
+    ASSERT_TRUE(former.registerService(CompanionBus::serviceName()));
+    MockCompanion shell(bus.connect());
+    ASSERT_TRUE(waitUntil([&] { return !companion.compositor().isEmpty(); }));
+    former.unregisterService(CompanionBus::serviceName());
+    ASSERT_TRUE(waitUntil([&] { return shell.seesProgram(); }));
+    shell.greet();
+    EXPECT_TRUE(waitUntil([&] { return told.size() == 1; }));
+}
+
+TEST_F(CompanionBusTest, TellsThatACompanionWhoCallsAllTheTimeIsNotListenedTo) {
+    const auto shell = makeShell();
+    QSignalSpy overrun(&companion, &CompanionBus::overrun);
+    // So much can be told at once, and in no time at all so much is not earned anew.
+    const int calls = 20 * CompanionBus::mostMessagesASecond;
+    for (int i = 0; i < calls; ++i)
+        shell->call("DragMotion", dragText(1, "[1,2]", 0));
+    ASSERT_TRUE(waitUntil([&] { return shell->isAnswered(); }));
+    EXPECT_GT(overrun.size(), 0);
+    EXPECT_LT(drags(), static_cast<std::size_t>(calls));
+    EXPECT_TRUE(
+        shell->errors.contains(QStringLiteral("org.freedesktop.DBus.Error.LimitsExceeded")));
+    ASSERT_TRUE(waitUntil([&] {
+        // It is listened to again as soon as it has calmed down.
+        const std::size_t before = drags();
+        shell->call("DragMotion", dragText(1, "[1,2]", 0));
+        return waitUntil([&] { return shell->isAnswered(); }) && drags() > before;
+    }));
+}
+
+} // namespace tilewright::testing
