@@ -1,7 +1,10 @@
 #include "DesktopBackend.h"
 
+#include <FreeDesktop/BusNameQuestion.h>
 #include <FreeDesktop/BusPrecaution.h>
 #include <FreeDesktop/WaylandSocket.h>
+#include <Gnome/GnomeExtension.h>
+#include <Gnome/GnomePlatform.h>
 #include <Tilewright/DesktopChoice.h>
 #include <Wayland/WaylandPlatform.h>
 #include <X11/X11Platform.h>
@@ -41,13 +44,14 @@ private:
     X11Session session_;
 };
 
+template<class Desktop>
 class WaylandBackend final : public LinuxBackend {
 public:
     [[nodiscard]] std::vector<std::string> qtArguments() const override {
         return {"-platform", "wayland"};
     }
     [[nodiscard]] std::unique_ptr<Platform> open() const override {
-        return std::make_unique<WaylandPlatform>();
+        return std::make_unique<Desktop>();
     }
 };
 
@@ -72,13 +76,17 @@ std::unique_ptr<DesktopBackend> DesktopBackend::find() {
     facts.hasWaylandCompositor = isWaylandCompositorThere(environment);
     facts.isCalledWayland =
         environment.value(QStringLiteral("XDG_SESSION_TYPE")) == QStringLiteral("wayland");
+    // Asked only where the answer matters.
+    facts.hasGnomeShell = facts.hasWaylandCompositor && isOnSessionBus(GnomeExtension::shellName());
     switch (chooseDesktop(facts)) {
     case DesktopChoice::x11:
         return std::make_unique<X11Backend>(X11Session::ofItsOwn);
     case DesktopChoice::x11BesideWayland:
         return std::make_unique<X11Backend>(X11Session::besideWayland);
     case DesktopChoice::wayland:
-        return std::make_unique<WaylandBackend>();
+        return std::make_unique<WaylandBackend<WaylandPlatform>>();
+    case DesktopChoice::gnome:
+        return std::make_unique<WaylandBackend<GnomePlatform>>();
     case DesktopChoice::none:
         break;
     }

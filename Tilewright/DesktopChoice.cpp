@@ -4,15 +4,14 @@ namespace tilewright {
 
 DesktopChoice chooseDesktop(const SessionFacts& facts) {
     using XServer = SessionFacts::XServer;
-    switch (facts.xServer) {
-    case XServer::besideWayland:
+    // A compositor may run in a window of an X11 session, GNOME's as well as others.
+    if (facts.xServer == XServer::independent &&
+        !(facts.hasWaylandCompositor && facts.isCalledWayland))
+        return DesktopChoice::x11;
+    if (facts.hasWaylandCompositor && facts.hasGnomeShell)
+        return DesktopChoice::gnome;
+    if (facts.xServer != XServer::none)
         return DesktopChoice::x11BesideWayland;
-    case XServer::independent:
-        return facts.hasWaylandCompositor && facts.isCalledWayland ? DesktopChoice::x11BesideWayland
-                                                                   : DesktopChoice::x11;
-    case XServer::none:
-        break;
-    }
     return facts.hasWaylandCompositor ? DesktopChoice::wayland : DesktopChoice::none;
 }
 

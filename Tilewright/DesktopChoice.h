@@ -18,6 +18,8 @@ struct SessionFacts {
     bool hasWaylandCompositor = false;
     /// The environment calls this a Wayland session: mere words, which may be stale.
     bool isCalledWayland = false;
+    /// Somebody owns GNOME Shell's name on the session bus, by the bus's word.
+    bool hasGnomeShell = false;
 };
 
 /// The desktop that serves a session.
@@ -30,6 +32,8 @@ enum class DesktopChoice {
     x11BesideWayland,
     /// A Wayland compositor alone, as far as Qt knows it: nothing can be moved.
     wayland,
+    /// GNOME on Wayland: its shell lets a companion in.
+    gnome,
 };
 
 /// The desktop for what was found. What is really there counts; the environment's word only where

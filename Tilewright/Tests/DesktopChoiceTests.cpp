@@ -13,9 +13,11 @@ constexpr bool compositor = true;
 constexpr bool noCompositor = false;
 constexpr bool calledWayland = true;
 constexpr bool notCalledWayland = false;
+constexpr bool gnomeShell = true;
 
-DesktopChoice choiceFor(XServer server, bool hasWaylandCompositor, bool isCalledWayland) {
-    return chooseDesktop({server, hasWaylandCompositor, isCalledWayland});
+DesktopChoice choiceFor(XServer server, bool hasWaylandCompositor, bool isCalledWayland,
+                        bool hasGnomeShell = false) {
+    return chooseDesktop({server, hasWaylandCompositor, isCalledWayland, hasGnomeShell});
 }
 
 } // namespace
@@ -58,6 +60,33 @@ TEST(DesktopChoice, IsWaylandWithoutAnXServer) {
 TEST(DesktopChoice, IsNoneWhereNothingAnswersWhateverTheEnvironmentSays) {
     EXPECT_EQ(choiceFor(XServer::none, noCompositor, notCalledWayland), DesktopChoice::none);
     EXPECT_EQ(choiceFor(XServer::none, noCompositor, calledWayland), DesktopChoice::none);
+}
+
+TEST(DesktopChoice, IsGnomeInAWaylandSessionOfItWithOrWithoutAnXServer) {
+    for (const bool isCalled : {calledWayland, notCalledWayland}) {
+        EXPECT_EQ(choiceFor(XServer::besideWayland, compositor, isCalled, gnomeShell),
+                  DesktopChoice::gnome);
+        EXPECT_EQ(choiceFor(XServer::none, compositor, isCalled, gnomeShell), DesktopChoice::gnome);
+    }
+    EXPECT_EQ(choiceFor(XServer::independent, compositor, calledWayland, gnomeShell),
+              DesktopChoice::gnome)
+        << "the server does not say whose it is";
+}
+
+TEST(DesktopChoice, IsX11InAnX11SessionOfGnome) {
+    for (const bool isCalled : {calledWayland, notCalledWayland})
+        EXPECT_EQ(choiceFor(XServer::independent, noCompositor, isCalled, gnomeShell),
+                  DesktopChoice::x11);
+    EXPECT_EQ(choiceFor(XServer::independent, compositor, notCalledWayland, gnomeShell),
+              DesktopChoice::x11)
+        << "a compositor in a window";
+}
+
+TEST(DesktopChoice, IsNotGnomeWhereItsCompositorCannotBeReached) {
+    EXPECT_EQ(choiceFor(XServer::besideWayland, noCompositor, calledWayland, gnomeShell),
+              DesktopChoice::x11BesideWayland);
+    EXPECT_EQ(choiceFor(XServer::none, noCompositor, calledWayland, gnomeShell),
+              DesktopChoice::none);
 }
 
 TEST(NoDesktopMessage, SaysWhatWasLookedForAndWhere) {

@@ -1,0 +1,204 @@
+#include "GnomeExtension.h"
+
+#include <QDBusArgument>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusVariant>
+#include <QFileInfo>
+#include <QStandardPaths>
+#include <algorithm>
+#include <utility>
+
+namespace tilewright {
+
+namespace {
+
+// As the shell numbers the states of extensions.
+constexpr int shellsActive = 1;
+constexpr int shellsInactive = 2;
+constexpr int shellsError = 3;
+constexpr int shellsOutOfDate = 4;
+constexpr int shellsInitialized = 6;
+constexpr int shellsDeactivating = 7;
+constexpr int shellsActivating = 8;
+
+QString extensionsInterface() {
+    return QStringLiteral("org.gnome.Shell.Extensions");
+}
+
+QString shellPath() {
+    return QStringLiteral("/org/gnome/Shell");
+}
+
+/// Calls go to the shell itself: the name of the interface belongs to a program that the bus
+/// starts.
+QDBusMessage callToShell(const QString& shell, const QString& interface, const QString& method) {
+    QDBusMessage message = QDBusMessage::createMethodCall(shell, shellPath(), interface, method);
+    message.setAutoStartService(false);
+    return message;
+}
+
+GnomeExtension::State stateFor(int told) {
+    using State = GnomeExtension::State;
+    switch (told) {
+    case shellsActive:
+    case shellsActivating:
+        return State::active;
+    case shellsInactive:
+    case shellsInitialized:
+    case shellsDeactivating:
+        return State::off;
+    case shellsError:
+    case shellsOutOfDate:
+        return State::refused;
+    default:
+        return State::unknown;
+    }
+}
+
+} // namespace
+
+QString GnomeExtension::shellName() {
+    return QStringLiteral("org.gnome.Shell");
+}
+
+QStringList GnomeExtension::names() {
+    return {QStringLiteral("tilewright@tilewright.org"),
+            QStringLiteral("tilewright-run@tilewright.org")};
+}
+
+QStringList GnomeExtension::installedFolders() {
+    return QStandardPaths::locateAll(QStandardPaths::GenericDataLocation,
+                                     QStringLiteral("gnome-shell/extensions"),
+                                     QStandardPaths::LocateDirectory);
+}
+
+GnomeExtension::GnomeExtension(MessageBus& bus, QStringList folders)
+    : bus_(bus)
+    , folders_(std::move(folders)) {
+    connect(&bus_, &MessageBus::joined, this, &GnomeExtension::joinBus);
+    connect(&bus_, &MessageBus::left, this, &GnomeExtension::leaveBus);
+    if (bus_.isJoined())
+        joinBus();
+}
+
+GnomeExtension::~GnomeExtension() = default;
+
+void GnomeExtension::joinBus() {
+    shell_ = std::make_unique<BusNameOwner>(bus_.connection(), shellName());
+    connect(shell_.get(), &BusNameOwner::changed, this, &GnomeExtension::shellChanged);
+}
+
+void GnomeExtension::leaveBus() {
+    shell_.reset();
+    heard_.clear();
+    refresh();
+}
+
+void GnomeExtension::shellChanged() {
+    listenTo(shell_->owner());
+    refresh();
+}
+
+void GnomeExtension::listenTo(const QString& shell) {
+    const QString signal = QStringLiteral("ExtensionStateChanged");
+    const char* const slot = SLOT(stateChanged(QDBusMessage));
+    QDBusConnection bus = bus_.connection();
+    if (!heard_.isEmpty())
+        bus.disconnect(heard_, shellPath(), extensionsInterface(), signal, this, slot);
+    heard_ = shell;
+    if (!heard_.isEmpty())
+        bus.connect(heard_, shellPath(), extensionsInterface(), signal, this, slot);
+}
+
+void GnomeExtension::stateChanged(const QDBusMessage& notice) {
+    if (notice.service() == heard_ && names().contains(notice.arguments().value(0).toString()))
+        refresh();
+}
+
+void GnomeExtension::refresh() {
+    ++generation_;
+    awaited_ = 0;
+    found_ = State::unknown;
+    if (heard_.isEmpty()) {
+        settle();
+        return;
+    }
+    const QStringList all = names();
+    awaited_ = static_cast<int>(all.size());
+    for (const QString& name : all)
+        ask(name);
+}
+
+void GnomeExtension::ask(const QString& name) {
+    QDBusMessage get =
+        callToShell(heard_, extensionsInterface(), QStringLiteral("GetExtensionInfo"));
+    get << name;
+    call(get, [this, name, generation = generation_](const QDBusMessage& reply) {
+        if (generation != generation_)
+            return;
+        take(name, reply);
+        if (--awaited_ == 0)
+            settle();
+    });
+}
+
+void GnomeExtension::take(const QString& name, const QDBusMessage& reply) {
+    State told = State::unknown;
+    if (reply.type() == QDBusMessage::ReplyMessage) {
+        const auto info = qdbus_cast<QVariantMap>(reply.arguments().value(0));
+        bool isNumber = false;
+        const int number = info.value(QStringLiteral("state")).toInt(&isNumber);
+        // Nothing at all is said of what is not known.
+        told = isNumber ? stateFor(number) : stateOfFiles();
+    }
+    if (told > found_) {
+        found_ = told;
+        known_ = name;
+    }
+}
+
+GnomeExtension::State GnomeExtension::stateOfFiles() const {
+    const QStringList all = names();
+    const bool isThere = std::any_of(folders_.begin(), folders_.end(), [&](const QString& folder) {
+        return std::any_of(all.begin(), all.end(), [&](const QString& name) {
+            return QFileInfo(folder + u'/' + name + QStringLiteral("/metadata.json")).isFile();
+        });
+    });
+    return isThere ? State::notSeen : State::notInstalled;
+}
+
+void GnomeExtension::settle() {
+    const State before = std::exchange(state_, found_);
+    if (before == state_)
+        return;
+    if (before == State::active)
+        Q_EMIT stopped();
+    Q_EMIT changed();
+}
+
+void GnomeExtension::turnOn() {
+    if (state_ != State::off)
+        return;
+    QDBusMessage set = callToShell(heard_, QStringLiteral("org.freedesktop.DBus.Properties"),
+                                   QStringLiteral("Set"));
+    set << extensionsInterface() << QStringLiteral("UserExtensionsEnabled")
+        << QVariant::fromValue(QDBusVariant(true));
+    bus_.connection().send(set);
+    QDBusMessage enable =
+        callToShell(heard_, extensionsInterface(), QStringLiteral("EnableExtension"));
+    enable << known_;
+    call(enable, [this](const QDBusMessage&) { refresh(); });
+}
+
+void GnomeExtension::call(const QDBusMessage& message,
+                          std::function<void(const QDBusMessage&)> then) {
+    auto* pending = new QDBusPendingCallWatcher(bus_.connection().asyncCall(message), this);
+    connect(pending, &QDBusPendingCallWatcher::finished, this,
+            [then = std::move(then)](QDBusPendingCallWatcher* finished) {
+                finished->deleteLater();
+                then(finished->reply());
+            });
+}
+
+} // namespace tilewright

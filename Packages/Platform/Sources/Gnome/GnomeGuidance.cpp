@@ -1,0 +1,94 @@
+#include "GnomeGuidance.h"
+
+#include "GnomeGuidanceWindow.h"
+
+namespace tilewright {
+
+GnomeGuidance::Step GnomeGuidance::stepFor(GnomeExtension::State state, bool isConnected) {
+    using State = GnomeExtension::State;
+    if (isConnected)
+        return {tr("Everything is in place"),
+                tr("Hold the snap modifier and drag a window: the zones appear."),
+                {}};
+    switch (state) {
+    case State::notInstalled:
+        return {tr("The companion is not installed"),
+                tr("On this desktop, Tilewright sees and moves windows with the help of a small "
+                   "companion inside GNOME Shell. It comes with Tilewright's package. Install "
+                   "that, then log out and in once."),
+                {}};
+    case State::notSeen:
+        return {tr("Log out and in once"),
+                tr("Tilewright's companion for GNOME Shell is installed. The shell finds it when "
+                   "you log in the next time."),
+                {}};
+    case State::off:
+        return {tr("The companion is turned off"),
+                tr("Tilewright sees and moves windows with the help of its companion inside GNOME "
+                   "Shell. Turn it on here, or at any time in the Extensions app."),
+                tr("Turn On")};
+    case State::refused:
+        return {tr("GNOME Shell does not run the companion"),
+                tr("It is made for other versions of GNOME Shell, or has failed. The Extensions "
+                   "app tells more; a newer Tilewright may help."),
+                {}};
+    case State::active:
+        return {tr("The companion is running"),
+                tr("It has not reached this Tilewright yet. If that does not change soon, the "
+                   "companion belongs to another installation of Tilewright, or is older than "
+                   "this one: log out and in once."),
+                {}};
+    case State::unknown:
+        break;
+    }
+    return {tr("GNOME Shell does not answer"),
+            tr("Tilewright's companion runs inside GNOME Shell, which has not said anything about "
+               "it yet."),
+            {}};
+}
+
+GnomeGuidance::GnomeGuidance(CompanionState& state, GnomeExtension& extension,
+                             FreeDesktopUserNotifications& notifications,
+                             std::function<void()> bringForward)
+    : state_(state)
+    , extension_(extension)
+    , notifications_(notifications)
+    , bringForward_(std::move(bringForward)) {
+    connect(&state_, &CompanionState::connectedChanged, this, &GnomeGuidance::update);
+    connect(&extension_, &GnomeExtension::changed, this, &GnomeGuidance::update);
+}
+
+GnomeGuidance::~GnomeGuidance() = default;
+
+GnomeGuidance::Step GnomeGuidance::step() const {
+    return stepFor(extension_.state(), state_.isConnected());
+}
+
+void GnomeGuidance::notify() {
+    notifications_.show(tr("Tilewright cannot move windows"), step().title, [this] { show(); });
+}
+
+void GnomeGuidance::show() {
+    // What was put in its place since is news that the shell does not tell by itself.
+    extension_.refresh();
+    if (!window_) {
+        window_ = std::make_unique<GnomeGuidanceWindow>();
+        connect(window_.get(), &GnomeGuidanceWindow::actionChosen, this,
+                [this] { extension_.turnOn(); });
+        // The window is what is closing: it has to outlive this call.
+        connect(window_.get(), &GnomeGuidanceWindow::closed, this,
+                [this] { window_.release()->deleteLater(); });
+        update();
+    }
+    window_->show();
+    window_->raise();
+    window_->activateWindow();
+    bringForward_();
+}
+
+void GnomeGuidance::update() {
+    if (window_)
+        window_->setStep(step());
+}
+
+} // namespace tilewright
