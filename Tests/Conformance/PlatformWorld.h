@@ -77,6 +77,9 @@ public:
     /// Whether this program has come before the application whose window was opened.
     [[nodiscard]] virtual bool isThisApplicationInFront() const = 0;
 
+    /// Whether the item shows every symbol that it is given. Where the desktop draws it, it knows
+    /// the program's own alone; then the picture is null.
+    [[nodiscard]] virtual bool showsEverySymbol() const { return true; }
     /// The status item, none while none is shown. May turn the loop.
     [[nodiscard]] virtual std::optional<ShownItem> shownItem() = 0;
     /// The user clicks on the item that is shown. Where.

@@ -125,7 +125,8 @@ TEST_P(PlatformConformance, ShowsTheItemFromItsMakingToThePlatformsEnd) {
         item.setAccessibleName(name);
         EXPECT_TRUE(world->waitUntil([&] {
             const auto shown = world->shownItem();
-            return shown && shown->name == name && isHalfFilled(shown->picture, isLeft);
+            return shown && shown->name == name &&
+                   (!world->showsEverySymbol() || isHalfFilled(shown->picture, isLeft));
         })) << name.toStdString();
     }
     world->endPlatform();

@@ -31,6 +31,12 @@ public:
         view_->show();
     }
 
+    /// Nobody is told of it any longer.
+    void retire() {
+        dismiss_ = nullptr;
+        hide();
+        deleteLater();
+    }
     /// Makes the window as large as its content wants to be, but for what is higher than that, in
     /// Qt's points.
     void fit(int mostHeight) {
@@ -55,14 +61,14 @@ protected:
     }
     void keyPressEvent(QKeyEvent* event) override {
         if (event->matches(QKeySequence::Cancel))
-            dismiss_(PanelDismissal::escape);
+            tell(PanelDismissal::escape);
         else
             QWidget::keyPressEvent(event);
     }
     bool event(QEvent* event) override {
         const bool isHandled = QWidget::event(event);
         if (event->type() == QEvent::WindowDeactivate)
-            dismiss_(PanelDismissal::anotherWindow);
+            tell(PanelDismissal::anotherWindow);
         return isHandled;
     }
     bool eventFilter(QObject* object, QEvent* event) override {
@@ -73,12 +79,18 @@ protected:
     }
     void closeEvent(QCloseEvent* event) override {
         QWidget::closeEvent(event);
-        dismiss_(PanelDismissal::desktop);
+        tell(PanelDismissal::desktop);
     }
 
 private:
+    void tell(PanelDismissal why) {
+        // It may be the end of this.
+        if (const Dismiss dismiss = dismiss_)
+            dismiss(why);
+    }
+
     PanelChrome& chrome_;
-    const Dismiss dismiss_;
+    Dismiss dismiss_;
     QWidget* const view_;
     int mostHeight_ = QWIDGETSIZE_MAX;
 };
@@ -196,9 +208,7 @@ void CompanionPanelSurface::dismiss(PanelDismissal why) {
     if (!window_)
         return;
     // Perhaps called by the window itself, or by a button in it.
-    Window* window = window_.release();
-    window->hide();
-    window->deleteLater();
+    window_.release()->retire();
     if (state_.isConnected())
         outbox_.setPanel(description());
     Q_EMIT dismissed(why);
