@@ -92,12 +92,12 @@ void GnomeExtension::joinBus() {
 void GnomeExtension::leaveBus() {
     shell_.reset();
     heard_.clear();
-    refresh();
+    askForAll();
 }
 
 void GnomeExtension::shellChanged() {
     listenTo(shell_->owner());
-    refresh();
+    askForAll();
 }
 
 void GnomeExtension::listenTo(const QString& shell) {
@@ -117,8 +117,17 @@ void GnomeExtension::stateChanged(const QDBusMessage& notice) {
 }
 
 void GnomeExtension::refresh() {
+    // One question at a time, however often things change.
+    if (awaited_ > 0)
+        isStale_ = true;
+    else
+        askForAll();
+}
+
+void GnomeExtension::askForAll() {
     ++generation_;
     awaited_ = 0;
+    isStale_ = false;
     found_ = State::unknown;
     if (heard_.isEmpty()) {
         settle();
@@ -138,8 +147,11 @@ void GnomeExtension::ask(const QString& name) {
         if (generation != generation_)
             return;
         take(name, reply);
-        if (--awaited_ == 0)
-            settle();
+        if (--awaited_ > 0)
+            return;
+        settle();
+        if (isStale_)
+            askForAll();
     });
 }
 

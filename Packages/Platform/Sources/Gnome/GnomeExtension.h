@@ -67,6 +67,7 @@ private:
     void leaveBus();
     void shellChanged();
     void listenTo(const QString& shell);
+    void askForAll();
     void ask(const QString& name);
     void take(const QString& name, const QDBusMessage& reply);
     void settle();
@@ -78,9 +79,12 @@ private:
     std::unique_ptr<BusNameOwner> shell_;
     /// The shell's own address, whose signals are listened to; empty while there is none.
     QString heard_;
-    /// Counts the shells and the questions, so that a late answer to a former one is told apart.
+    /// Counts the shells, so that a late answer of a former one is told apart.
     int generation_ = 0;
+    /// How many answers are on their way, and whether things have changed since they were asked
+    /// for.
     int awaited_ = 0;
+    bool isStale_ = false;
     /// The best of what the names stand for, while answers come in; then as it is.
     State found_ = State::unknown;
     /// The name that is to be turned on.

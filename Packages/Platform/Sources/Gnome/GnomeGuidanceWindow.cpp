@@ -2,9 +2,9 @@
 
 #include <QCloseEvent>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
-#include <QShortcut>
 #include <QVBoxLayout>
 
 namespace tilewright {
@@ -58,8 +58,6 @@ GnomeGuidanceWindow::GnomeGuidanceWindow()
     column->addLayout(row);
     connect(action_, &QAbstractButton::clicked, this, &GnomeGuidanceWindow::actionChosen);
     connect(close_, &QAbstractButton::clicked, this, &QWidget::close);
-    connect(new QShortcut(QKeySequence::Cancel, this), &QShortcut::activated, this,
-            &QWidget::close);
 }
 
 GnomeGuidanceWindow::~GnomeGuidanceWindow() = default;
@@ -72,6 +70,13 @@ void GnomeGuidanceWindow::setStep(const GnomeGuidance::Step& step) {
     QPushButton* usual = step.action.isEmpty() ? close_ : action_;
     usual->setDefault(true);
     usual->setFocus();
+}
+
+void GnomeGuidanceWindow::keyPressEvent(QKeyEvent* event) {
+    if (event->matches(QKeySequence::Cancel) || event->matches(QKeySequence::Close))
+        close();
+    else
+        QWidget::keyPressEvent(event);
 }
 
 void GnomeGuidanceWindow::closeEvent(QCloseEvent* event) {

@@ -26,6 +26,7 @@ Q_SIGNALS:
     void closed();
 
 protected:
+    void keyPressEvent(QKeyEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
 private:

@@ -1,0 +1,92 @@
+#include "MockCompanion.h"
+#include "PrivateBus.h"
+
+#include <Companion/CompanionDecoder.h>
+#include <Gnome/GnomeGuidance.h>
+#include <Gnome/GnomeGuidanceWindow.h>
+
+#include <QLabel>
+#include <QPointer>
+#include <QPushButton>
+#include <QTest>
+#include <gtest/gtest.h>
+#include <set>
+
+namespace tilewright::testing {
+namespace {
+
+using State = GnomeExtension::State;
+
+class GnomeGuidanceTest : public ::testing::Test {
+protected:
+    [[nodiscard]] bool stands(State wanted) {
+        return waitUntil([&] { return extension.state() == wanted; });
+    }
+    [[nodiscard]] QString title() const {
+        return guidance.window()->findChild<QLabel*>(QStringLiteral("title"))->text();
+    }
+    [[nodiscard]] QPushButton* action() const {
+        return guidance.window()->findChild<QPushButton*>(QStringLiteral("action"));
+    }
+
+    PrivateBus bus;
+    MessageBus own{bus.connect()};
+    CompanionState state;
+    GnomeExtension extension{own, {QStringLiteral("/nonexistent")}};
+    FreeDesktopUserNotifications notifications{own};
+    int forward = 0;
+    GnomeGuidance guidance{state, extension, notifications, [this] { ++forward; }};
+};
+
+} // namespace
+
+TEST(GnomeGuidanceSteps, SayWhatIsMissingInWordsOfTheirOwn) {
+    std::set<QString> titles;
+    for (const State state : {State::unknown, State::notInstalled, State::notSeen, State::off,
+                              State::refused, State::active}) {
+        const GnomeGuidance::Step step = GnomeGuidance::stepFor(state, false);
+        EXPECT_FALSE(step.title.isEmpty());
+        EXPECT_FALSE(step.text.isEmpty());
+        EXPECT_EQ(step.action.isEmpty(), state != State::off) << "one click turns it on";
+        titles.insert(step.title);
+        EXPECT_TRUE(GnomeGuidance::stepFor(state, true).action.isEmpty());
+    }
+    EXPECT_EQ(titles.size(), 6U);
+}
+
+TEST_F(GnomeGuidanceTest, FollowsTheStateWhileItsWindowIsOpenAndTurnsTheExtensionOn) {
+    MockCompanion shell(bus.connect());
+    ASSERT_TRUE(stands(State::notInstalled));
+    guidance.show();
+    ASSERT_NE(guidance.window(), nullptr);
+    EXPECT_EQ(forward, 1);
+    EXPECT_EQ(title(), GnomeGuidance::stepFor(State::notInstalled, false).title);
+    EXPECT_FALSE(action()->isVisible());
+    shell.extensionState = 2;
+    shell.announceExtension();
+    ASSERT_TRUE(stands(State::off));
+    EXPECT_EQ(title(), GnomeGuidance::stepFor(State::off, false).title);
+    ASSERT_TRUE(action()->isVisible());
+    action()->click();
+    ASSERT_TRUE(stands(State::active));
+    EXPECT_EQ(shell.enablings, 1);
+    EXPECT_FALSE(action()->isVisible());
+    state.take(*CompanionDecoder::decode(u"Hello", helloText()));
+    EXPECT_EQ(title(), GnomeGuidance::stepFor(State::active, true).title);
+}
+
+TEST_F(GnomeGuidanceTest, HasOneWindowAtATime) {
+    guidance.show();
+    const QPointer<GnomeGuidanceWindow> first = guidance.window();
+    guidance.show();
+    EXPECT_EQ(guidance.window(), first);
+    EXPECT_EQ(forward, 2);
+    QTest::keyClick(first, Qt::Key_Escape);
+    EXPECT_EQ(guidance.window(), nullptr);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(first.isNull());
+    guidance.show();
+    EXPECT_NE(guidance.window(), nullptr);
+}
+
+} // namespace tilewright::testing
