@@ -10,8 +10,11 @@
 #include <X11/X11Platform.h>
 #include <X11/X11ServerProbe.h>
 
+#include <QDir>
 #include <QFile>
+#include <QLibraryInfo>
 #include <QProcessEnvironment>
+#include <algorithm>
 #include <cstdio>
 
 namespace tilewright {
@@ -67,6 +70,18 @@ SessionFacts::XServer factOf(X11Server server) {
     return SessionFacts::XServer::none;
 }
 
+/// Whether Qt finds its plug-in for Wayland compositors, without which it would end the process.
+bool hasQtWaylandPlugin(const QProcessEnvironment& environment) {
+    QStringList folders = environment.value(QStringLiteral("QT_PLUGIN_PATH"))
+                              .split(QDir::listSeparator(), Qt::SkipEmptyParts);
+    folders.append(QLibraryInfo::path(QLibraryInfo::PluginsPath));
+    return std::any_of(folders.begin(), folders.end(), [](const QString& folder) {
+        return !QDir(folder + QStringLiteral("/platforms"))
+                    .entryList({QStringLiteral("libqwayland*.so")}, QDir::Files)
+                    .isEmpty();
+    });
+}
+
 } // namespace
 
 std::unique_ptr<DesktopBackend> DesktopBackend::find() {
@@ -78,6 +93,7 @@ std::unique_ptr<DesktopBackend> DesktopBackend::find() {
         environment.value(QStringLiteral("XDG_SESSION_TYPE")) == QStringLiteral("wayland");
     // Asked only where the answer matters.
     facts.hasGnomeShell = facts.hasWaylandCompositor && isOnSessionBus(GnomeExtension::shellName());
+    facts.hasQtWayland = hasQtWaylandPlugin(environment);
     switch (chooseDesktop(facts)) {
     case DesktopChoice::x11:
         return std::make_unique<X11Backend>(X11Session::ofItsOwn);

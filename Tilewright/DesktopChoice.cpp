@@ -8,7 +8,7 @@ DesktopChoice chooseDesktop(const SessionFacts& facts) {
     if (facts.xServer == XServer::independent &&
         !(facts.hasWaylandCompositor && facts.isCalledWayland))
         return DesktopChoice::x11;
-    if (facts.hasWaylandCompositor && facts.hasGnomeShell)
+    if (facts.hasWaylandCompositor && facts.hasGnomeShell && facts.hasQtWayland)
         return DesktopChoice::gnome;
     if (facts.xServer != XServer::none)
         return DesktopChoice::x11BesideWayland;

@@ -20,6 +20,8 @@ struct SessionFacts {
     bool isCalledWayland = false;
     /// Somebody owns GNOME Shell's name on the session bus, by the bus's word.
     bool hasGnomeShell = false;
+    /// Qt can be a client of a Wayland compositor: what it needs for that is a package of its own.
+    bool hasQtWayland = true;
 };
 
 /// The desktop that serves a session.

@@ -17,7 +17,10 @@ constexpr bool gnomeShell = true;
 
 DesktopChoice choiceFor(XServer server, bool hasWaylandCompositor, bool isCalledWayland,
                         bool hasGnomeShell = false) {
-    return chooseDesktop({server, hasWaylandCompositor, isCalledWayland, hasGnomeShell});
+    return chooseDesktop({.xServer = server,
+                          .hasWaylandCompositor = hasWaylandCompositor,
+                          .isCalledWayland = isCalledWayland,
+                          .hasGnomeShell = hasGnomeShell});
 }
 
 } // namespace
@@ -87,6 +90,14 @@ TEST(DesktopChoice, IsNotGnomeWhereItsCompositorCannotBeReached) {
               DesktopChoice::x11BesideWayland);
     EXPECT_EQ(choiceFor(XServer::none, noCompositor, calledWayland, gnomeShell),
               DesktopChoice::none);
+}
+
+TEST(DesktopChoice, IsTheServerBesideGnomeWhereQtIsNoClientOfCompositors) {
+    EXPECT_EQ(chooseDesktop({.xServer = XServer::besideWayland,
+                             .hasWaylandCompositor = true,
+                             .hasGnomeShell = true,
+                             .hasQtWayland = false}),
+              DesktopChoice::x11BesideWayland);
 }
 
 TEST(NoDesktopMessage, SaysWhatWasLookedForAndWhere) {
