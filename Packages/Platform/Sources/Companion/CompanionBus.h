@@ -27,8 +27,8 @@ class CompanionBus final : public QObject {
 
 public:
     /// A companion that calls more often than this in a second is not listened to until it has
-    /// calmed down. The fastest has one call on its way at a time.
-    static constexpr int mostMessagesASecond = 1000;
+    /// calmed down. One call on its way at a time and the fastest of mice stay below.
+    static constexpr int mostMessagesASecond = 5000;
 
     [[nodiscard]] static QString serviceName();
     [[nodiscard]] static QString objectPath();

@@ -1,5 +1,6 @@
 #include "CompanionPanelSurface.h"
 
+#include <QApplication>
 #include <QEvent>
 #include <QKeyEvent>
 #include <QLayout>
@@ -67,7 +68,8 @@ protected:
     }
     bool event(QEvent* event) override {
         const bool isHandled = QWidget::event(event);
-        if (event->type() == QEvent::WindowDeactivate)
+        // What pops up from the panel belongs to it.
+        if (event->type() == QEvent::WindowDeactivate && !QApplication::activePopupWidget())
             tell(PanelDismissal::anotherWindow);
         return isHandled;
     }

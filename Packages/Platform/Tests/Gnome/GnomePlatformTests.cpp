@@ -211,6 +211,21 @@ TEST_F(GnomePartsTest, APanelGoesInTheOverviewWithTheFocusAndWithTheCompanion) {
                                        PanelDismissal::desktop, PanelDismissal::desktop}));
 }
 
+TEST_F(GnomePartsTest, APanelStaysWhileSomethingOfItsOwnHasPoppedUp) {
+    tell("Hello", helloText());
+    const auto panel = makePanel();
+    panel->open(std::nullopt);
+    QEvent deactivation(QEvent::WindowDeactivate);
+    {
+        QWidget popup(view, Qt::Popup);
+        popup.show();
+        QCoreApplication::sendEvent(panel->window(), &deactivation);
+        EXPECT_TRUE(panel->isOpen());
+    }
+    QCoreApplication::sendEvent(panel->window(), &deactivation);
+    EXPECT_FALSE(panel->isOpen());
+}
+
 TEST_F(GnomePartsTest, AnItemIsTheCompanionsAndAnotherOnlyWhileThatIsAway) {
     PrivateBus bus;
     const FakeNotifierWatcher watcher(bus.connect());
