@@ -4,9 +4,6 @@
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusVariant>
-#include <QFileInfo>
-#include <QStandardPaths>
-#include <algorithm>
 #include <utility>
 
 namespace tilewright {
@@ -62,20 +59,9 @@ QString GnomeExtension::shellName() {
     return QStringLiteral("org.gnome.Shell");
 }
 
-QStringList GnomeExtension::names() {
-    return {QStringLiteral("tilewright@tilewright.org"),
-            QStringLiteral("tilewright-run@tilewright.org")};
-}
-
-QStringList GnomeExtension::installedFolders() {
-    return QStandardPaths::locateAll(QStandardPaths::GenericDataLocation,
-                                     QStringLiteral("gnome-shell/extensions"),
-                                     QStandardPaths::LocateDirectory);
-}
-
-GnomeExtension::GnomeExtension(MessageBus& bus, QStringList folders)
+GnomeExtension::GnomeExtension(MessageBus& bus, GnomeCompanionFiles files)
     : bus_(bus)
-    , folders_(std::move(folders)) {
+    , files_(std::move(files)) {
     connect(&bus_, &MessageBus::joined, this, &GnomeExtension::joinBus);
     connect(&bus_, &MessageBus::left, this, &GnomeExtension::leaveBus);
     if (bus_.isJoined())
@@ -92,12 +78,12 @@ void GnomeExtension::joinBus() {
 void GnomeExtension::leaveBus() {
     shell_.reset();
     heard_.clear();
-    askForAll();
+    ask();
 }
 
 void GnomeExtension::shellChanged() {
     listenTo(shell_->owner());
-    askForAll();
+    ask();
 }
 
 void GnomeExtension::listenTo(const QString& shell) {
@@ -112,76 +98,53 @@ void GnomeExtension::listenTo(const QString& shell) {
 }
 
 void GnomeExtension::stateChanged(const QDBusMessage& notice) {
-    if (notice.service() == heard_ && names().contains(notice.arguments().value(0).toString()))
+    if (notice.service() == heard_ && notice.arguments().value(0).toString() == files_.name())
         refresh();
 }
 
 void GnomeExtension::refresh() {
     // One question at a time, however often things change.
-    if (awaited_ > 0)
+    if (isAsked_)
         isStale_ = true;
     else
-        askForAll();
+        ask();
 }
 
-void GnomeExtension::askForAll() {
+void GnomeExtension::ask() {
     ++generation_;
-    awaited_ = 0;
     isStale_ = false;
-    found_ = State::unknown;
-    if (heard_.isEmpty()) {
-        settle();
+    isAsked_ = !heard_.isEmpty();
+    if (!isAsked_) {
+        settle(State::unknown);
         return;
     }
-    const QStringList all = names();
-    awaited_ = static_cast<int>(all.size());
-    for (const QString& name : all)
-        ask(name);
-}
-
-void GnomeExtension::ask(const QString& name) {
     QDBusMessage get =
         callToShell(heard_, extensionsInterface(), QStringLiteral("GetExtensionInfo"));
-    get << name;
-    call(get, [this, name, generation = generation_](const QDBusMessage& reply) {
+    get << files_.name();
+    call(get, [this, generation = generation_](const QDBusMessage& reply) {
         if (generation != generation_)
             return;
-        take(name, reply);
-        if (--awaited_ > 0)
-            return;
-        settle();
+        isAsked_ = false;
+        settle(stateIn(reply));
         if (isStale_)
-            askForAll();
+            ask();
     });
 }
 
-void GnomeExtension::take(const QString& name, const QDBusMessage& reply) {
-    State told = State::unknown;
-    if (reply.type() == QDBusMessage::ReplyMessage) {
-        const auto info = qdbus_cast<QVariantMap>(reply.arguments().value(0));
-        bool isNumber = false;
-        const int number = info.value(QStringLiteral("state")).toInt(&isNumber);
-        // Nothing at all is said of what is not known.
-        told = isNumber ? stateFor(number) : stateOfFiles();
-    }
-    if (told > found_) {
-        found_ = told;
-        known_ = name;
-    }
+GnomeExtension::State GnomeExtension::stateIn(const QDBusMessage& reply) const {
+    if (reply.type() != QDBusMessage::ReplyMessage)
+        return State::unknown;
+    const auto info = qdbus_cast<QVariantMap>(reply.arguments().value(0));
+    bool isNumber = false;
+    const int told = info.value(QStringLiteral("state")).toInt(&isNumber);
+    if (isNumber)
+        return stateFor(told);
+    // Nothing at all is said of what is not known.
+    return files_.areInstalled() ? State::notSeen : State::notInstalled;
 }
 
-GnomeExtension::State GnomeExtension::stateOfFiles() const {
-    const QStringList all = names();
-    const bool isThere = std::any_of(folders_.begin(), folders_.end(), [&](const QString& folder) {
-        return std::any_of(all.begin(), all.end(), [&](const QString& name) {
-            return QFileInfo(folder + u'/' + name + QStringLiteral("/metadata.json")).isFile();
-        });
-    });
-    return isThere ? State::notSeen : State::notInstalled;
-}
-
-void GnomeExtension::settle() {
-    const State before = std::exchange(state_, found_);
+void GnomeExtension::settle(State state) {
+    const State before = std::exchange(state_, state);
     if (before == state_)
         return;
     if (before == State::active)
@@ -199,7 +162,7 @@ void GnomeExtension::turnOn() {
     bus_.connection().send(set);
     QDBusMessage enable =
         callToShell(heard_, extensionsInterface(), QStringLiteral("EnableExtension"));
-    enable << known_;
+    enable << files_.name();
     call(enable, [this](const QDBusMessage&) { refresh(); });
 }
 

@@ -1,11 +1,12 @@
 #pragma once
 
+#include "GnomeCompanionFiles.h"
+
 #include <FreeDesktop/BusNameOwner.h>
 #include <FreeDesktop/MessageBus.h>
 
 #include <QObject>
 #include <QString>
-#include <QStringList>
 #include <functional>
 #include <memory>
 
@@ -36,20 +37,19 @@ public:
 
     /// The name on the bus whose owner is the shell.
     [[nodiscard]] static QString shellName();
-    /// By these names the shell knows it, the one that packages install first.
-    [[nodiscard]] static QStringList names();
-    /// Where the shell looks for extensions, the user's own first.
-    [[nodiscard]] static QStringList installedFolders();
 
-    /// The bus has to outlive this. `folders` are looked at anew whenever the shell does not know
+    /// The bus has to outlive this. The files are looked at anew whenever the shell does not know
     /// the extension.
-    explicit GnomeExtension(MessageBus& bus, QStringList folders = installedFolders());
+    explicit GnomeExtension(MessageBus& bus,
+                            GnomeCompanionFiles files = GnomeCompanionFiles::ofThisProgram());
     ~GnomeExtension() override;
 
     [[nodiscard]] State state() const { return state_; }
     /// Has the shell run the extension, also where it runs none at all by the user's choice. Does
     /// nothing unless it is `off`.
     void turnOn();
+    /// The extension's files.
+    [[nodiscard]] const GnomeCompanionFiles& files() const { return files_; }
     /// Asks the shell anew, for what it does not tell by itself.
     void refresh();
 
@@ -67,28 +67,21 @@ private:
     void leaveBus();
     void shellChanged();
     void listenTo(const QString& shell);
-    void askForAll();
-    void ask(const QString& name);
-    void take(const QString& name, const QDBusMessage& reply);
-    void settle();
-    [[nodiscard]] State stateOfFiles() const;
+    void ask();
+    [[nodiscard]] State stateIn(const QDBusMessage& reply) const;
+    void settle(State state);
     void call(const QDBusMessage& message, std::function<void(const QDBusMessage&)> then);
 
     MessageBus& bus_;
-    const QStringList folders_;
+    const GnomeCompanionFiles files_;
     std::unique_ptr<BusNameOwner> shell_;
     /// The shell's own address, whose signals are listened to; empty while there is none.
     QString heard_;
     /// Counts the shells, so that a late answer of a former one is told apart.
     int generation_ = 0;
-    /// How many answers are on their way, and whether things have changed since they were asked
-    /// for.
-    int awaited_ = 0;
+    bool isAsked_ = false;
+    /// Whether things have changed since the question that is on its way.
     bool isStale_ = false;
-    /// The best of what the names stand for, while answers come in; then as it is.
-    State found_ = State::unknown;
-    /// The name that is to be turned on.
-    QString known_;
     State state_ = State::unknown;
 };
 

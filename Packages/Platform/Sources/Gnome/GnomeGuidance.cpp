@@ -2,9 +2,24 @@
 
 #include "GnomeGuidanceWindow.h"
 
+#include <QDir>
+
 namespace tilewright {
 
-GnomeGuidance::Step GnomeGuidance::stepFor(GnomeExtension::State state, bool isConnected) {
+namespace {
+
+/// A path as users write it, which may be broken after each of its folders.
+QString forReading(QString path) {
+    const QString home = QDir::homePath();
+    if (path.startsWith(home + u'/'))
+        path.replace(0, home.size(), u'~');
+    return path.replace(u'/', QStringLiteral("/\u200B"));
+}
+
+} // namespace
+
+GnomeGuidance::Step GnomeGuidance::stepFor(GnomeExtension::State state, bool isConnected,
+                                           const QString& place) {
     using State = GnomeExtension::State;
     if (isConnected)
         return {tr("Everything is in place"),
@@ -12,6 +27,14 @@ GnomeGuidance::Step GnomeGuidance::stepFor(GnomeExtension::State state, bool isC
                 {}};
     switch (state) {
     case State::notInstalled:
+        if (!place.isEmpty())
+            return {tr("The companion is not installed"),
+                    tr("On this desktop, Tilewright sees and moves windows with the help of a "
+                       "small companion inside GNOME Shell. It can be installed for you alone, in "
+                       "%1; delete that folder to remove it. GNOME Shell finds it when you log in "
+                       "the next time.")
+                        .arg(forReading(place)),
+                    tr("Install")};
         return {tr("The companion is not installed"),
                 tr("On this desktop, Tilewright sees and moves windows with the help of a small "
                    "companion inside GNOME Shell. It comes with Tilewright's package. Install "
@@ -61,7 +84,9 @@ GnomeGuidance::GnomeGuidance(CompanionState& state, GnomeExtension& extension,
 GnomeGuidance::~GnomeGuidance() = default;
 
 GnomeGuidance::Step GnomeGuidance::step() const {
-    return stepFor(extension_.state(), state_.isConnected());
+    const GnomeCompanionFiles& files = extension_.files();
+    return stepFor(extension_.state(), state_.isConnected(),
+                   files.canBeInstalled() ? files.place() : QString());
 }
 
 void GnomeGuidance::notify() {
@@ -73,8 +98,7 @@ void GnomeGuidance::show() {
     extension_.refresh();
     if (!window_) {
         window_ = std::make_unique<GnomeGuidanceWindow>();
-        connect(window_.get(), &GnomeGuidanceWindow::actionChosen, this,
-                [this] { extension_.turnOn(); });
+        connect(window_.get(), &GnomeGuidanceWindow::actionChosen, this, &GnomeGuidance::act);
         // The window is what is closing: it has to outlive this call.
         connect(window_.get(), &GnomeGuidanceWindow::closed, this,
                 [this] { window_.release()->deleteLater(); });
@@ -84,6 +108,13 @@ void GnomeGuidance::show() {
     window_->raise();
     window_->activateWindow();
     bringForward_();
+}
+
+void GnomeGuidance::act() {
+    if (extension_.state() != GnomeExtension::State::notInstalled)
+        extension_.turnOn();
+    else if (extension_.files().install())
+        extension_.refresh();
 }
 
 void GnomeGuidance::update() {

@@ -30,7 +30,9 @@ public:
         friend bool operator==(const Step&, const Step&) = default;
     };
 
-    [[nodiscard]] static Step stepFor(GnomeExtension::State state, bool isConnected);
+    /// `place` is where the companion could be installed for the user; empty where it could not.
+    [[nodiscard]] static Step stepFor(GnomeExtension::State state, bool isConnected,
+                                      const QString& place = {});
 
     /// All of them have to outlive this. `bringForward` is called with the window on the display.
     GnomeGuidance(CompanionState& state, GnomeExtension& extension,
@@ -46,6 +48,7 @@ public:
 
 private:
     void update();
+    void act();
     [[nodiscard]] Step step() const;
 
     CompanionState& state_;

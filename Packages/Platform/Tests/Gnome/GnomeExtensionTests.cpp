@@ -16,7 +16,7 @@ using State = GnomeExtension::State;
 class GnomeExtensionTest : public ::testing::Test {
 protected:
     void putFilesThere() const {
-        const QString place = folder.filePath(GnomeExtension::names().constFirst());
+        const QString place = folder.filePath(GnomeCompanionFiles::packagedName());
         EXPECT_TRUE(QDir().mkpath(place));
         QFile file(place + QStringLiteral("/metadata.json"));
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
@@ -28,7 +28,8 @@ protected:
     PrivateBus bus;
     QTemporaryDir folder;
     MessageBus own{bus.connect()};
-    GnomeExtension extension{own, {QStringLiteral("/nonexistent"), folder.path()}};
+    GnomeExtension extension{
+        own, GnomeCompanionFiles({QStringLiteral("/nonexistent"), folder.path()}, {})};
 };
 
 } // namespace
@@ -105,7 +106,7 @@ TEST_F(GnomeExtensionTest, HearsNobodyButTheShell) {
     QDBusMessage signal = QDBusMessage::createSignal(QStringLiteral("/org/gnome/Shell"),
                                                      QStringLiteral("org.gnome.Shell.Extensions"),
                                                      QStringLiteral("ExtensionStateChanged"));
-    signal << GnomeExtension::names().constFirst() << QVariantMap();
+    signal << GnomeCompanionFiles::packagedName() << QVariantMap();
     const QDBusConnection stranger = bus.connect();
     stranger.send(signal);
     PrivateBus::takeAllIn(stranger);

@@ -5,9 +5,12 @@
 #include <Gnome/GnomeGuidance.h>
 #include <Gnome/GnomeGuidanceWindow.h>
 
+#include <QDir>
+#include <QFile>
 #include <QLabel>
 #include <QPointer>
 #include <QPushButton>
+#include <QTemporaryDir>
 #include <QTest>
 #include <gtest/gtest.h>
 #include <set>
@@ -32,7 +35,9 @@ protected:
     PrivateBus bus;
     MessageBus own{bus.connect()};
     CompanionState state;
-    GnomeExtension extension{own, {QStringLiteral("/nonexistent")}};
+    QTemporaryDir folder;
+    GnomeExtension extension{own, GnomeCompanionFiles({folder.filePath(QStringLiteral("data"))},
+                                                      folder.filePath(QStringLiteral("offer")))};
     FreeDesktopUserNotifications notifications{own};
     int forward = 0;
     GnomeGuidance guidance{state, extension, notifications, [this] { ++forward; }};
@@ -73,6 +78,24 @@ TEST_F(GnomeGuidanceTest, FollowsTheStateWhileItsWindowIsOpenAndTurnsTheExtensio
     EXPECT_FALSE(action()->isVisible());
     state.take(*CompanionDecoder::decode(u"Hello", helloText()));
     EXPECT_EQ(title(), GnomeGuidance::stepFor(State::active, true).title);
+}
+
+TEST_F(GnomeGuidanceTest, InstallsWhatTheBuildBringsAlongOnceTheUserWantsIt) {
+    const QString offer = folder.filePath(QStringLiteral("offer"));
+    ASSERT_TRUE(QDir().mkpath(offer));
+    QFile description(offer + QStringLiteral("/metadata.json"));
+    ASSERT_TRUE(description.open(QIODevice::WriteOnly));
+    description.close();
+    MockCompanion shell(bus.connect());
+    ASSERT_TRUE(stands(State::notInstalled));
+    guidance.show();
+    ASSERT_TRUE(waitUntil([&] { return action()->isVisible(); }));
+    EXPECT_FALSE(extension.files().areInstalled()) << "not before that";
+    action()->click();
+    EXPECT_TRUE(stands(State::notSeen));
+    EXPECT_TRUE(extension.files().areInstalled());
+    EXPECT_EQ(title(), GnomeGuidance::stepFor(State::notSeen, false).title);
+    EXPECT_FALSE(action()->isVisible());
 }
 
 TEST_F(GnomeGuidanceTest, HasOneWindowAtATime) {
