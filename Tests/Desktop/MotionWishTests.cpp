@@ -5,6 +5,7 @@
 #include <X11TestPlatform.h>
 #include <XClient.h>
 
+#include <QDeadlineTimer>
 #include <QSignalSpy>
 #include <QtEndian>
 #include <gmock/gmock.h>
@@ -37,6 +38,7 @@ public:
         xcb_ungrab_server(client_.xcb());
         client_.sync();
     }
+    [[nodiscard]] xcb_window_t window() const { return window_; }
     void setAnimations(qint32 areEnabled) {
         ++serial_;
         const QByteArray name("Gtk/EnableAnimations");
@@ -61,6 +63,11 @@ private:
     xcb_window_t window_;
     quint32 serial_ = 0;
 };
+
+bool exists(const XClient& client, xcb_window_t window) {
+    return XReply<xcb_get_window_attributes_reply_t>(xcb_get_window_attributes_reply(
+               client.xcb(), xcb_get_window_attributes(client.xcb(), window), nullptr)) != nullptr;
+}
 
 class MotionWishOnScreen : public ::testing::Test {
 protected:
@@ -92,6 +99,28 @@ TEST_F(MotionWishOnScreen, FollowsTheSettingsManagerAsItChangesAndComesAndGoes) 
     EXPECT_EQ(changes.size(), 4);
     SettingsManager successor(desktop.display());
     successor.setAnimations(0);
+    expect(true);
+}
+
+TEST_F(MotionWishOnScreen, IsHeardOfAManagerWhoseWindowHasTheNumberOfTheFormerOnes) {
+    platform.emplace(desktop.display());
+    auto manager = std::make_unique<SettingsManager>(desktop.display());
+    manager->setAnimations(1);
+    expect(false);
+    const xcb_window_t number = manager->window();
+    const XClient looking(desktop.display());
+    manager.reset();
+    // All of it before the platform looks: a number is given out again once its client has gone.
+    const QDeadlineTimer deadline(patience);
+    while (exists(looking, number) && !deadline.hasExpired())
+        looking.sync();
+    manager = std::make_unique<SettingsManager>(desktop.display());
+    ASSERT_EQ(manager->window(), number);
+    manager->setAnimations(1);
+    // The platform has heard of the manager now, and what changes is told by its window alone.
+    QCoreApplication::processEvents();
+    expect(false);
+    manager->setAnimations(0);
     expect(true);
 }
 
