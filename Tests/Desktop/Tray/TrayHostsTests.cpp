@@ -2,6 +2,7 @@
 // that draws the installed symbol in its own colour.
 
 #include "FakeNotifierWatcher.h"
+#include "SilentNotifierWatcher.h"
 #include "TrayDesktop.h"
 
 #include <Bars.h>
@@ -81,6 +82,37 @@ TEST(WatcherWithoutAHost, LeavesTheItemInTheSystemTrayUntilAHostComes) {
         EXPECT_TRUE(waitUntil([&] { return !desktop.item(); })) << "never on two bars";
         watcher.setHost(false);
         EXPECT_FALSE(desktop.waitForItem().isEmpty());
+    }
+    QDBusConnection::disconnectFromBus(name);
+}
+
+TEST(WatcherThatNeverAnswers, LeavesTheItemInTheSystemTray) {
+    TrayDesktop desktop;
+    const QString name = QStringLiteral("silent watcher");
+    {
+        const SilentNotifierWatcher watcher(
+            QDBusConnection::connectToBus(desktop.session().busAddress(), name));
+        startTint2(desktop.session());
+        desktop.startProgram();
+        ASSERT_TRUE(waitUntil([&] { return !watcher.asked.empty(); }));
+        desktop.input().click(desktop.waitForItem().center());
+        EXPECT_FALSE(desktop.waitForPanel().isEmpty());
+    }
+    QDBusConnection::disconnectFromBus(name);
+}
+
+TEST(WatcherThatMakesNoSense, LeavesTheItemInTheSystemTray) {
+    TrayDesktop desktop;
+    const QString name = QStringLiteral("senseless watcher");
+    {
+        SilentNotifierWatcher watcher(
+            QDBusConnection::connectToBus(desktop.session().busAddress(), name));
+        startTint2(desktop.session());
+        desktop.startProgram();
+        ASSERT_TRUE(waitUntil([&] { return !watcher.asked.empty(); }));
+        watcher.answer(QStringLiteral("true"));
+        desktop.input().click(desktop.waitForItem().center());
+        EXPECT_FALSE(desktop.waitForPanel().isEmpty());
     }
     QDBusConnection::disconnectFromBus(name);
 }

@@ -6,6 +6,8 @@
 #include <QStandardPaths>
 #include <QSystemTrayIcon>
 #include <array>
+#include <dlfcn.h>
+#include <sys/socket.h>
 
 namespace tilewright {
 
@@ -30,12 +32,21 @@ QIcon trayIcon(const QIcon& icon) {
     return tray;
 }
 
-/// Qt asks the watcher for its host too before it makes its first tray icon, and believes whatever
-/// it says, or waits for 25 s.
-void detachQtFromSessionBus() {
-    const QDBusConnection bus = QDBusConnection::sessionBus();
-    if (bus.isConnected())
-        QDBusConnection::disconnectFromBus(bus.name());
+/// Ends a connection for all who hold it, as when its bus dies; giving up its name would leave it
+/// open to the others. Whether it is about to tell them.
+bool end(const QDBusConnection& connection) {
+    // The library that Qt has loaded by then, wherever it has it from.
+    void* library = dlopen("libdbus-1.so.3", RTLD_LAZY | RTLD_NOLOAD);
+    if (!library)
+        return false;
+    using GetSocket = unsigned int (*)(void* connection, int* socket);
+    const auto getSocket =
+        reinterpret_cast<GetSocket>(dlsym(library, "dbus_connection_get_unix_fd"));
+    int socket = -1;
+    const bool isEnding = getSocket && getSocket(connection.internalPointer(), &socket) != 0 &&
+                          shutdown(socket, SHUT_RDWR) == 0;
+    dlclose(library);
+    return isEnding;
 }
 
 } // namespace
@@ -83,14 +94,30 @@ void FreeDesktopStatusItem::chooseHost() {
         systemTray_.reset();
         return;
     }
-    if (notifierItem_.trust() == StatusNotifierItem::Trust::none)
-        detachQtFromSessionBus();
+    if (notifierItem_.trust() == StatusNotifierItem::Trust::none && endBusOfQt())
+        return;
     systemTray_ = std::make_unique<QSystemTrayIcon>();
     systemTray_->setIcon(systemTrayIcon());
     systemTray_->setToolTip(name_);
     connect(systemTray_.get(), &QSystemTrayIcon::activated, this,
             [this] { Q_EMIT activated(systemTrayPlace()); });
     systemTray_->show();
+}
+
+bool FreeDesktopStatusItem::endBusOfQt() {
+    // Qt asks the watcher for its host too before it makes its first tray icon, and believes
+    // whatever it says, or waits for 25 s. It leaves that out where its bus is gone.
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected())
+        return false;
+    bus.connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
+                QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,
+                SLOT(busOfQtEnded()));
+    return end(bus);
+}
+
+void FreeDesktopStatusItem::busOfQtEnded() {
+    chooseHost();
 }
 
 const QIcon& FreeDesktopStatusItem::systemTrayIcon() {

@@ -37,8 +37,13 @@ public:
     /// Whether the item is offered to the X11 system tray now.
     [[nodiscard]] bool isInSystemTray() const { return systemTray_ != nullptr; }
 
+private Q_SLOTS:
+    void busOfQtEnded();
+
 private:
     void chooseHost();
+    /// Whether Qt's bus is about to end, and `busOfQtEnded` to be called.
+    [[nodiscard]] bool endBusOfQt();
     [[nodiscard]] std::optional<AppKitRect> notifierPlace(NativePixel click) const;
     [[nodiscard]] std::optional<AppKitRect> systemTrayPlace() const;
     [[nodiscard]] const QIcon& systemTrayIcon();

@@ -1,5 +1,6 @@
 #include "FakeNotifierWatcher.h"
 #include "PrivateBus.h"
+#include "SilentNotifierWatcher.h"
 
 #include <FakeMainLoop.h>
 #include <FakeScreens.h>
@@ -11,7 +12,6 @@
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusVariant>
-#include <QDBusVirtualObject>
 #include <QIcon>
 #include <QPainter>
 #include <QSignalSpy>
@@ -52,30 +52,6 @@ public:
                  {QStringLiteral("org.kde.StatusNotifierItem"), name});
         return reply.arguments().value(0).value<QDBusVariant>().variant();
     }
-
-private:
-    QDBusConnection bus_;
-};
-
-/// Holds the watcher's place and answers nothing.
-class SilentWatcher final : public QDBusVirtualObject {
-public:
-    explicit SilentWatcher(QDBusConnection bus)
-        : bus_(std::move(bus)) {
-        bus_.registerVirtualObject(QStringLiteral("/StatusNotifierWatcher"), this);
-        EXPECT_TRUE(bus_.registerService(QStringLiteral("org.kde.StatusNotifierWatcher")));
-    }
-    QString introspect(const QString&) const override { return {}; }
-    bool handleMessage(const QDBusMessage& message, const QDBusConnection&) override {
-        if (message.member() == QStringLiteral("Get"))
-            asked.push_back(message);
-        return true;
-    }
-    void answer(const QVariant& value) {
-        bus_.send(asked.back().createReply(QVariant::fromValue(QDBusVariant(value))));
-    }
-
-    std::vector<QDBusMessage> asked;
 
 private:
     QDBusConnection bus_;
@@ -294,7 +270,7 @@ TEST_F(StatusNotifierItemTest, TakesTheSystemTrayOnlyWhereNoHostShowsItems) {
 }
 
 TEST_F(StatusNotifierItemTest, TakesTheSystemTrayWhereTheWatcherNeverAnswersUntilItDoes) {
-    SilentWatcher watcher(bus.connect());
+    SilentNotifierWatcher watcher(bus.connect());
     FreeDesktopStatusItem item(screens, centerOf, loop, own);
     item.setSymbol(QStringLiteral("cup.and.saucer"), discIcon());
     ASSERT_TRUE(waitUntil([&] { return watcher.asked.size() == 1; }));
@@ -307,7 +283,7 @@ TEST_F(StatusNotifierItemTest, TakesTheSystemTrayWhereTheWatcherNeverAnswersUnti
 }
 
 TEST_F(StatusNotifierItemTest, TakesTheSystemTrayWhereTheWatcherSaysWhatMakesNoSense) {
-    SilentWatcher watcher(bus.connect());
+    SilentNotifierWatcher watcher(bus.connect());
     FreeDesktopStatusItem item(screens, centerOf, loop, own);
     item.setSymbol(QStringLiteral("cup.and.saucer"), discIcon());
     ASSERT_TRUE(waitUntil([&] { return watcher.asked.size() == 1; }));
