@@ -3,13 +3,18 @@
 
 #include <FakeMainLoop.h>
 #include <FreeDesktop/BusGreeting.h>
+#include <FreeDesktop/BusPrecaution.h>
 #include <FreeDesktop/FreeDesktopAppearance.h>
 #include <FreeDesktop/MessageBus.h>
 #include <Waiting.h>
 
 #include <QSignalSpy>
+#include <cstring>
 #include <gtest/gtest.h>
 #include <optional>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 using namespace std::chrono_literals;
 
@@ -20,6 +25,53 @@ class MessageBusTest : public ::testing::Test {
 protected:
     PrivateBus bus;
     FakeMainLoop loop;
+};
+
+/// Has the environment name a session bus, for as long as it lives.
+class SessionBusInTheEnvironment {
+public:
+    explicit SessionBusInTheEnvironment(const QByteArray& address)
+        : before_(now()) {
+        qputenv(variable, address);
+    }
+    ~SessionBusInTheEnvironment() {
+        if (before_.isNull())
+            qunsetenv(variable);
+        else
+            qputenv(variable, before_);
+    }
+    SessionBusInTheEnvironment(const SessionBusInTheEnvironment&) = delete;
+    SessionBusInTheEnvironment& operator=(const SessionBusInTheEnvironment&) = delete;
+
+    [[nodiscard]] static QByteArray now() { return qgetenv(variable); }
+
+private:
+    static constexpr auto variable = "DBUS_SESSION_BUS_ADDRESS";
+    const QByteArray before_;
+};
+
+/// A socket that takes connections and says nothing.
+class MuteSocket {
+public:
+    /// `path` begins with a zero byte where it is no file's.
+    explicit MuteSocket(const QByteArray& path)
+        : socket_(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+        sockaddr_un place{};
+        place.sun_family = AF_UNIX;
+        std::memcpy(place.sun_path, path.constData(), static_cast<std::size_t>(path.size()));
+        const auto length = offsetof(sockaddr_un, sun_path) + static_cast<std::size_t>(path.size());
+        const auto* address = static_cast<const sockaddr*>(static_cast<const void*>(&place));
+        EXPECT_EQ(::bind(socket_, address, static_cast<socklen_t>(length)), 0);
+        EXPECT_EQ(::listen(socket_, 4), 0);
+    }
+    ~MuteSocket() { ::close(socket_); }
+    MuteSocket(const MuteSocket&) = delete;
+    MuteSocket& operator=(const MuteSocket&) = delete;
+
+    void hangUp() const { ::close(::accept(socket_, nullptr, nullptr)); }
+
+private:
+    const int socket_;
 };
 
 } // namespace
@@ -80,7 +132,25 @@ TEST_F(MessageBusTest, IsLeftWhenItGoesAndTheNextOneIsJoined) {
         EXPECT_EQ(joined.size(), round);
         EXPECT_TRUE(following.connection().isConnected());
         EXPECT_NE(following.connection().name(), former);
+        EXPECT_EQ(QDBusConnection(former).name(), QString()) << "it is not kept";
     }
+}
+
+TEST_F(MessageBusTest, IsLeftAlsoWhereTheNextOneIsThereAtOnce) {
+    const MessageBus following(loop, bus.address());
+    ASSERT_TRUE(waitUntil([&] { return following.isJoined(); }));
+    QSignalSpy left(&following, &MessageBus::left);
+    QSignalSpy joined(&following, &MessageBus::joined);
+    bus.stop();
+    bus.start();
+    ASSERT_TRUE(waitUntil([&] { return joined.size() == 1; }));
+    EXPECT_EQ(left.size(), 1);
+}
+
+TEST_F(MessageBusTest, OfTheEnvironmentIsJoinedAtOnceWhereItAnswers) {
+    const SessionBusInTheEnvironment told(bus.address());
+    // On a machine that is busy the answer may be late: then the next one is joined at once.
+    EXPECT_TRUE(waitUntil([&] { return MessageBus(loop, MessageBus::Kind::session).isJoined(); }));
 }
 
 TEST_F(MessageBusTest, HasNoSuccessorWhereAnybodyMightBeIt) {
@@ -144,6 +214,44 @@ TEST(BusGreeting, SaysThatABusIsThereThatCannotBeGreeted) {
 TEST(BusGreeting, FindsNobodyAtAPathThatIsNoSocketOrTooLong) {
     EXPECT_EQ(BusGreeting("unix:path=/dev/null").look(), BusGreeting::State::absent);
     EXPECT_EQ(BusGreeting("unix:path=/" + QByteArray(200, 'x')).look(), BusGreeting::State::absent);
+}
+
+TEST(BusGreeting, FindsSomebodyBehindANameThatIsNoFiles) {
+    const QByteArray name = "tilewright-test-" + QByteArray::number(getpid());
+    const MuteSocket socket('\0' + name);
+    EXPECT_EQ(BusGreeting("unix:abstract=" + name).look(), BusGreeting::State::unanswered);
+}
+
+TEST(BusGreeting, GoesOnToTheNextAddressWhereNobodyIsAtTheFirst) {
+    PrivateBus bus;
+    EXPECT_EQ(BusGreeting("unix:path=/dev/null/none;" + bus.address()).wait(patience),
+              BusGreeting::State::answered);
+}
+
+TEST(BusGreeting, FindsNobodyWhereTheOtherSideHangsUp) {
+    const QTemporaryDir folder;
+    const QByteArray path = folder.filePath(QStringLiteral("bus")).toUtf8();
+    const MuteSocket socket(path);
+    BusGreeting greeting("unix:path=" + path);
+    EXPECT_EQ(greeting.look(), BusGreeting::State::unanswered);
+    socket.hangUp();
+    EXPECT_EQ(greeting.wait(patience), BusGreeting::State::absent);
+}
+
+TEST(BusPrecaution, TellsQtOfNoBusWhereItIsSilentAndLeavesTheEnvironmentAsItWas) {
+    PrivateBus bus;
+    const SessionBusInTheEnvironment told(bus.address());
+    bus.pause();
+    {
+        const BusPrecaution precaution;
+        EXPECT_NE(SessionBusInTheEnvironment::now(), bus.address());
+    }
+    bus.resume();
+    EXPECT_EQ(SessionBusInTheEnvironment::now(), bus.address());
+    EXPECT_TRUE(waitUntil([&] {
+        const BusPrecaution precaution;
+        return SessionBusInTheEnvironment::now() == bus.address();
+    })) << "one that answers is Qt's as well";
 }
 
 } // namespace tilewright::testing
