@@ -143,7 +143,9 @@ X11Connection::X11Connection(xcb_connection_t* connection, int screenNumber)
     : connection_(connection)
     , replies_(connection)
     , screenNumber_(screenNumber)
-    , screen_(screenAt(connection, screenNumber)) {
+    , screen_(screenAt(connection, screenNumber))
+    , stash_(xcb_get_setup(connection)->resource_id_base,
+             xcb_get_setup(connection)->resource_id_mask) {
     queryServer();
     notifier_ = std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(connection_),
                                                   QSocketNotifier::Read);
@@ -195,6 +197,9 @@ void X11Connection::queryServer() {
     randr_ = presence(connection_, xcb_randr_id);
     shape_ = presence(connection_, xcb_shape_id);
     xfixes_ = presence(connection_, xcb_xfixes_id);
+    if (xfixes_.isPresent)
+        stash_.setSelectionNotice(
+            static_cast<std::uint8_t>(xfixes_.firstEvent + XCB_XFIXES_SELECTION_NOTIFY));
     xinput_ = presence(connection_, xcb_input_id);
     xkb_ = presence(connection_, xcb_xkb_id);
     // An absent extension's request would break the connection.
@@ -307,16 +312,16 @@ void X11Connection::takeAnswers() {
     replies_.takeArrived();
     // Looking for a reply may read events too; the descriptor does not tell of those.
     while (xcb_generic_event_t* event = xcb_poll_for_queued_event(connection_))
-        stash_.emplace_back(event);
+        stash_.push(X11EventQueue::Event(event));
 }
 
 bool X11Connection::isAnswerNext() const {
-    return replies_.isNext(stash_.empty() ? nullptr : stash_.front().get());
+    return replies_.isNext(stash_.front());
 }
 
 void X11Connection::stashQueuedEvents() {
     takeAnswers();
-    if (!stash_.empty() || isAnswerNext())
+    if (!stash_.isEmpty() || isAnswerNext())
         scheduleDispatch();
     noticeLoss();
 }
@@ -336,15 +341,14 @@ void X11Connection::scheduleDispatch() {
 
 void X11Connection::dispatchEvents() {
     while (xcb_generic_event_t* event = xcb_poll_for_event(connection_))
-        stash_.emplace_back(event);
+        stash_.push(X11EventQueue::Event(event));
     takeAnswers();
     bool dispatchedAny = false;
     for (;;) {
         if (isAnswerNext()) {
             replies_.handOver();
-        } else if (!stash_.empty()) {
-            const X11Reply<xcb_generic_event_t> event = std::move(stash_.front());
-            stash_.pop_front();
+        } else if (!stash_.isEmpty()) {
+            const X11EventQueue::Event event = stash_.take();
             dispatch(*event);
             dispatchedAny = true;
         } else {
@@ -353,6 +357,7 @@ void X11Connection::dispatchEvents() {
     }
     if (dispatchedAny)
         Q_EMIT eventsDispatched();
+    flood_.note(stash_.leftOut() - std::exchange(leftOutBefore_, stash_.leftOut()));
     noticeLoss();
 }
 

@@ -1,13 +1,14 @@
 #pragma once
 
 #include "X11Atoms.h"
+#include "X11EventQueue.h"
+#include "X11Flood.h"
 #include "X11Replies.h"
 
 #include <QObject>
 #include <QSocketNotifier>
 #include <QString>
 #include <chrono>
-#include <deque>
 #include <functional>
 #include <memory>
 #include <utility>
@@ -169,6 +170,8 @@ public:
     /// How often this connection has sent requests and then waited for their answers. Waiting for
     /// what an earlier wait has fetched does not count. For tests and measurements.
     [[nodiscard]] std::uint64_t roundTrips() const { return roundTrips_; }
+    /// How many events were left out for later ones that say the same. For tests.
+    [[nodiscard]] std::uint64_t eventsLeftOut() const { return stash_.leftOut(); }
     /// Called each time before this connection waits for the server. For tests and measurements.
     void setWaitObserver(std::function<void()> observer) { waitObserver_ = std::move(observer); }
 
@@ -215,11 +218,13 @@ private:
     X11Extension xinput_;
     X11Extension xkb_;
     std::unique_ptr<QSocketNotifier> notifier_;
-    std::deque<X11Reply<xcb_generic_event_t>> stash_;
+    X11EventQueue stash_;
+    X11Flood flood_;
     std::vector<std::shared_ptr<X11Listener::Entry>> listeners_;
     std::function<void()> waitObserver_;
     std::uint64_t roundTrips_ = 0;
     std::uint64_t moment_ = 0;
+    std::uint64_t leftOutBefore_ = 0;
     int dispatchDepth_ = 0;
     bool isDispatchScheduled_ = false;
     bool isStuck_ = false;

@@ -7,6 +7,7 @@
 #include "X11OverlaySurface.h"
 #include "X11Qt.h"
 #include "X11ScreenSaver.h"
+#include "X11StaleNotices.h"
 
 #include <FreeDesktop/FreeDesktopApplicationSupport.h>
 #include <FreeDesktop/FreeDesktopStatusItem.h>
@@ -47,6 +48,7 @@ struct X11Platform::Parts {
     X11InputBarrier inputBarrier{desktop.pointer(), mainLoop};
     std::optional<FreeDesktopStatusItem> statusItem;
     X11AwaitedReply answerBeforeForgetting;
+    std::optional<X11StaleNotices> staleNotices;
 
     [[nodiscard]] PlatformServices services();
     void forgetSentTitles();
@@ -77,6 +79,8 @@ std::unique_ptr<X11Platform> X11Platform::open(X11Session session) {
 X11Platform::X11Platform(std::unique_ptr<Parts> parts)
     : Platform(parts->services())
     , parts_(std::move(parts)) {
+    if (xcb_connection_t* qtConnection = x11qt::connection())
+        qGuiApp->installNativeEventFilter(&parts_->staleNotices.emplace(qtConnection));
     // Every window of ours has a title and the focus once it is open.
     if (qGuiApp)
         QObject::connect(qGuiApp, &QGuiApplication::focusWindowChanged, parts_->connection.get(),

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstdint>
+
+namespace tilewright {
+
+/// Gives memory back to the system after a flood of events, of which the heap has grown. Cheap
+/// where there is none.
+class X11Flood {
+public:
+    /// So many events at once are no desktop's everyday life.
+    static constexpr std::uint64_t least = 10'000;
+
+    /// Counts events that were left out for later ones; each `least` of them the heap gives back
+    /// what is free. Between floods that leaves less than the events of one such count.
+    void note(std::uint64_t events);
+
+    /// How often memory was given back. For tests.
+    [[nodiscard]] std::uint64_t timesGivenBack() const { return timesGivenBack_; }
+
+private:
+    std::uint64_t events_ = 0;
+    std::uint64_t timesGivenBack_ = 0;
+};
+
+} // namespace tilewright
