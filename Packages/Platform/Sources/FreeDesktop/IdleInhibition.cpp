@@ -186,11 +186,14 @@ void IdleInhibition::askAgainShortly() {
 
 void IdleInhibition::portalAnswered(uint response, const QVariantMap& /*results*/,
                                     const QDBusMessage& message) {
-    // Before the method has returned nobody knows who the portal is: a few candidates are kept.
+    // Before the method has returned nobody knows who the portal is: a few candidates are kept, and
+    // of each his first word.
     constexpr std::size_t mostResponses = 16;
     if (state_ != State::unanswered)
         return;
-    if (grantedBy_.isEmpty() && responses_.size() < mostResponses)
+    const bool isKnown = std::ranges::any_of(
+        responses_, [&](const auto& known) { return known.first == message.service(); });
+    if (grantedBy_.isEmpty() && !isKnown && responses_.size() < mostResponses)
         responses_.emplace_back(message.service(), response);
     else if (message.service() == grantedBy_)
         takeResponse(response);

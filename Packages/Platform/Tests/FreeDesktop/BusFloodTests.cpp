@@ -1,5 +1,6 @@
 // What anybody on the session's bus may send, and too much of it.
 
+#include "FakeIdleService.h"
 #include "FakeNotifierWatcher.h"
 #include "FakePortal.h"
 #include "PrivateBus.h"
@@ -8,10 +9,16 @@
 #include <FreeDesktop/BusNameOwner.h>
 #include <FreeDesktop/FreeDesktopAppearance.h>
 #include <FreeDesktop/FreeDesktopInstanceActivation.h>
+#include <FreeDesktop/IdleInhibition.h>
 #include <FreeDesktop/StatusNotifierItem.h>
 #include <Waiting.h>
 
+#include <QDBusArgument>
+#include <QDBusObjectPath>
+#include <QIcon>
+#include <QPixmap>
 #include <QSignalSpy>
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <malloc.h>
 
@@ -51,6 +58,14 @@ protected:
     PrivateBus bus;
     FakeMainLoop loop;
 };
+
+const IdleService& screenSaver() {
+    return idleServices().front();
+}
+
+const IdleService& portalService() {
+    return *std::ranges::find(idleServices(), IdleService::Grant::request, &IdleService::grant);
+}
 
 } // namespace
 
@@ -183,6 +198,94 @@ TEST_F(BusFlood, OfOwnersThatTheBusDidNotTellOfIsNotHeard) {
     EXPECT_TRUE(other.registerService(name));
     EXPECT_TRUE(waitUntil([&] { return owner.owner() == other.baseService(); }));
     EXPECT_EQ(changes.size(), 2);
+}
+
+TEST_F(BusFlood, OfSettingsToldAtOnceIsReadOnceAndNotKept) {
+    FakePortal portal(bus.connect());
+    const QString value(500, u'x');
+    for (int i = 0; i < 20'000; ++i)
+        portal.set(interfaceSettings, QByteArray("key-" + QByteArray::number(i)).constData(),
+                   value);
+    portal.set("org.freedesktop.appearance", "color-scheme", 1U);
+    MessageBus ownBus(bus.connect());
+    const FreeDesktopAppearance appearance(ownBus);
+    PrivateBus::takeAllIn(ownBus.connection());
+    const std::size_t before = heapInUse();
+    portal.appear();
+    EXPECT_TRUE(waitUntil([&] { return appearance.prefersDark(); }));
+    EXPECT_EQ(portal.reads, 1);
+    constexpr std::size_t little = 2'000'000;
+    EXPECT_TRUE(waitUntil([&] { return heapInUse() < before + little; }));
+}
+
+TEST_F(BusFlood, OfQuestionsForTheItemLeavesNothingBehind) {
+    const FakeNotifierWatcher watcher(bus.connect());
+    const QDBusConnection own = bus.connect();
+    MessageBus ownBus(own);
+    StatusNotifierItem item(loop, ownBus);
+    QPixmap pixmap(64, 64);
+    pixmap.fill(Qt::red);
+    item.setIcon(QString(), QIcon(pixmap));
+    ASSERT_TRUE(waitUntil([&] { return item.isHosted(); }));
+    const auto flood = [&] {
+        call(own.baseService(), QStringLiteral("/StatusNotifierItem"),
+             QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"),
+             {QStringLiteral("org.kde.StatusNotifierItem"), QStringLiteral("IconPixmap")}, 1000);
+        PrivateBus::takeAllIn(own);
+        QCoreApplication::processEvents();
+        PrivateBus::takeAllIn(own);
+    };
+    // Queues grow to their size.
+    flood();
+    const std::size_t before = heapInUse();
+    flood();
+    flood();
+    constexpr std::size_t little = 2'000'000;
+    EXPECT_TRUE(waitUntil([&] { return heapInUse() < before + little; }));
+}
+
+TEST_F(BusFlood, OfOwnersOfAnIdleServiceLeadsToAFewQuestions) {
+    const QDBusConnection own = bus.connect();
+    FakeIdleService service(bus.connect(), FakeIdleService::granting(7U));
+    QObject parent;
+    IdleInhibition inhibition(loop, screenSaver(), own, QStringLiteral("reason"), &parent);
+    ASSERT_TRUE(waitUntil([&] { return inhibition.state() == IdleInhibition::State::absent; }));
+    for (int i = 0; i < 300; ++i) {
+        service.queueFor(screenSaver().name);
+        service.giveUp(screenSaver().name);
+    }
+    service.queueFor(screenSaver().name);
+    PrivateBus::takeAllIn(own);
+    EXPECT_TRUE(waitUntil([&] { return inhibition.state() == IdleInhibition::State::held; }));
+    EXPECT_LE(service.asked().size(), 3U);
+}
+
+TEST_F(BusFlood, OfWordsInThePortalsPlaceDoesNotKeepThePortalsOwnFromBeingHeard) {
+    const QDBusConnection own = bus.connect();
+    FakeIdleService service(bus.connect(), FakeIdleService::silent());
+    service.queueFor(portalService().name);
+    QObject parent;
+    IdleInhibition inhibition(loop, portalService(), own, QStringLiteral("reason"), &parent);
+    ASSERT_TRUE(waitUntil([&] { return service.asked().size() == 1; }));
+    const QDBusMessage question = service.asked().front();
+    const QString token = qdbus_cast<QVariantMap>(question.arguments().value(2))
+                              .value(QStringLiteral("handle_token"))
+                              .toString();
+    const QString request = QStringLiteral("/org/freedesktop/portal/desktop/request/%1/%2")
+                                .arg(own.baseService().mid(1).replace(u'.', u'_'), token);
+    const auto respond = [&](QDBusConnection from, uint response, int times) {
+        QDBusMessage message = QDBusMessage::createTargetedSignal(
+            own.baseService(), request, QStringLiteral("org.freedesktop.portal.Request"),
+            QStringLiteral("Response"));
+        message << response << QVariantMap();
+        for (int i = 0; i < times; ++i)
+            from.send(message);
+        PrivateBus::takeAllIn(from);
+    };
+    respond(bus.connect(), 1U, 1000);
+    respond(service.bus(), 0U, 1);
+    service.bus().send(question.createReply(QVariant::fromValue(QDBusObjectPath(request))));
+    EXPECT_TRUE(waitUntil([&] { return inhibition.state() == IdleInhibition::State::held; }));
 }
 
 } // namespace tilewright::testing
