@@ -43,7 +43,7 @@ protected:
     [[nodiscard]] qsizetype count(const char* line) { return report().split('\n').count(line); }
 
     ShellDesktop desktop;
-    IdleService idle{desktop.session().busAddress()};
+    RecordingIdleService idle{desktop.session().busAddress()};
     QProcess manager;
     Subprocess* program = nullptr;
 };

@@ -154,7 +154,7 @@ TEST_P(UnderTrayHost, DeletesALayoutOfTheUsersByItsContextMenu) {
 }
 
 TEST_P(UnderTrayHost, EndsTheSessionAndTheProcessOnQuit) {
-    IdleService idle(desktop.session().busAddress());
+    RecordingIdleService idle(desktop.session().busAddress());
     desktop.startTray(GetParam());
     Subprocess& program = desktop.startProgram();
     desktop.startSession();
