@@ -33,7 +33,11 @@ public:
     [[nodiscard]] AXPoint toAX(CompanionPoint point) const {
         return {point.x - primary_.x, point.y - primary_.y};
     }
+    /// The nearest rectangle; for an empty one, the unit that holds it, without a size.
     [[nodiscard]] CompanionRect toCompanion(const AppKitRect& rect) const {
+        if (rect.isEmpty())
+            return {std::floor(rect.minX() + primary_.x),
+                    std::floor(primary_.y + primary_.height - rect.maxY()), 0, 0};
         return withRoundEdges(rect.minX() + primary_.x, primary_.y + primary_.height - rect.maxY(),
                               rect.maxX() + primary_.x, primary_.y + primary_.height - rect.minY());
     }
