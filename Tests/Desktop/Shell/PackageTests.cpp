@@ -108,6 +108,14 @@ TEST_F(DebianPackage, NamesWhatItNeedsInstallsRunsAndLeavesNothingBehind) {
             QStringLiteral("/usr/share/tilewright/help/%1.html").arg(QString::fromLatin1(page))))
             << page;
     EXPECT_TRUE(files.contains(QStringLiteral("/usr/share/man/man1/tilewright.1.gz")));
+    // Both forms, what the shell asks for, and the icons.
+    for (const char* part :
+         {"extension.js", "__init__.js", "metadata.json", "icons/tilewright-symbolic.svg",
+          "icons/tilewright-awake-symbolic.svg"})
+        EXPECT_TRUE(files.contains(
+            QStringLiteral("/usr/share/gnome-shell/extensions/tilewright@tilewright.org/%1")
+                .arg(QString::fromLatin1(part))))
+            << part;
 
     const QString share = root() + QStringLiteral("/usr/share");
     EXPECT_EQ(
