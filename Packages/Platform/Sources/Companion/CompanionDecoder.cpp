@@ -71,7 +71,7 @@ public:
     }
     /// Empty where there is none.
     [[nodiscard]] QString text(Key key) {
-        const QString value = object_[key].toString();
+        QString value = object_[key].toString();
         require((!has(key) || object_[key].isString()) &&
                 value.size() <= CompanionDecoder::longestText);
         return value;

@@ -44,7 +44,7 @@ TEST(DrmConnectors, KnowTheNamesThatTheDriverForAmdsCardsHas) {
 TEST(DrmConnectors, KeepTheNameOfADisplayThatTheKernelDoesNotKnow) {
     const DrmFolder folder;
     folder.add("card0-DP-1", withBothSerials);
-    folder.add("card0-DP-2", QByteArray(), nullptr, "disconnected\n");
+    folder.add("card0-DP-2", withBothSerials, nullptr, "disconnected\n");
     const DrmConnectors connectors(folder.path());
     for (const char* name : {"Meta-0", "DP-2", "", "../DP-1", "DP-1/edid"}) {
         const auto found = connectors.connector(QString::fromLatin1(name));

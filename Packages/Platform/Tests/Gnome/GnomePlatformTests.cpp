@@ -240,8 +240,7 @@ TEST_F(GnomePartsTest, AnItemIsTheCompanionsAndAnotherOnlyWhileThatIsAway) {
     const QJsonObject shown = command("item");
     EXPECT_EQ(shown[QStringLiteral("icon")].toString(), QStringLiteral("tilewright-symbolic"));
     EXPECT_EQ(shown[QStringLiteral("name")].toString(), QStringLiteral("Tilewright"));
-    loop.advance(CompanionStatusItem::patience * 2);
-    EXPECT_FALSE(isShownElsewhere());
+    EXPECT_EQ(loop.activeTimerCount(), 0U) << "nothing waits to take its place";
     item.setSymbol(QStringLiteral("cup.and.saucer.fill"), QIcon());
     EXPECT_EQ(command("item")[QStringLiteral("icon")].toString(),
               QStringLiteral("tilewright-awake-symbolic"));
