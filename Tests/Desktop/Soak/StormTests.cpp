@@ -1,0 +1,225 @@
+// Input, windows, displays, window managers and compositors without rest and without sense, for as
+// long as TILEWRIGHT_STORM_SECONDS says (an hour unless it does); the program may run under what
+// TILEWRIGHT_STORM_UNDER names, such as a memory checker.
+
+#include <BareClient.h>
+#include <Displays.h>
+#include <DragScript.h>
+#include <ProcessFigures.h>
+#include <RunningProgram.h>
+#include <Waiting.h>
+
+#include <QElapsedTimer>
+#include <array>
+#include <csignal>
+#include <cstdio>
+#include <gtest/gtest.h>
+#include <random>
+#include <xcb/xtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace tilewright::testing {
+namespace {
+
+class Storm {
+public:
+    explicit Storm(DesktopSession& desktop)
+        : desktop_(desktop)
+        , hands_(desktop.display()) {}
+
+    /// A few hundred events at once.
+    void gust() {
+        const int count = 100 + below(200);
+        for (int i = 0; i < count; ++i)
+            input();
+        hands_.sync();
+        windows();
+    }
+    /// What lasts longer ends or begins anew.
+    void catastrophe() {
+        switch (below(4)) {
+        case 0:
+            desktop_.killWindowManager();
+            // Held keys and buttons would be taken for a wish about its menus.
+            letGo();
+            EXPECT_TRUE(desktop_.startWindowManager(below(2) == 0 ? WindowManagerKind::openbox
+                                                                  : WindowManagerKind::icewm));
+            ++managers;
+            break;
+        case 1:
+            desktop_.stopCompositor();
+            ++compositors;
+            break;
+        case 2:
+            EXPECT_TRUE(desktop_.startCompositor());
+            ++compositors;
+            break;
+        default: {
+            letGo();
+            const int middle = 600 + below(700);
+            splitIntoMonitors(desktop_, QRect(0, 0, middle, 1080),
+                              QRect(middle, 0, 1920 - middle, 1080));
+            ++displays;
+        }
+        }
+    }
+    void letGo() {
+        for (quint8 button = 1; button <= 3; ++button)
+            fake(XCB_BUTTON_RELEASE, button);
+        for (const quint8 key : keys)
+            fake(XCB_KEY_RELEASE, key);
+        hands_.sync();
+    }
+    void end() {
+        letGo();
+        windows_.clear();
+    }
+
+    long events = 0;
+    int managers = 0;
+    int compositors = 0;
+    int displays = 0;
+
+private:
+    /// The usual places of the modifiers, Escape, Tab, Enter, Space and some letters.
+    static constexpr std::array<quint8, 12> keys{37, 50, 64, 133, 9, 23, 36, 65, 38, 39, 40, 41};
+
+    int below(int end) { return std::uniform_int_distribution(0, end - 1)(random_); }
+
+    void fake(quint8 type, quint8 detail, qint16 x = 0, qint16 y = 0) {
+        xcb_test_fake_input(hands_.xcb(), type, detail, XCB_CURRENT_TIME, hands_.root(), x, y, 0);
+        ++events;
+    }
+    void input() {
+        const int what = below(20);
+        if (what < 14)
+            fake(XCB_MOTION_NOTIFY, 0, static_cast<qint16>(below(1920)),
+                 static_cast<qint16>(below(1080)));
+        else if (what < 17)
+            fake(below(2) == 0 ? XCB_BUTTON_PRESS : XCB_BUTTON_RELEASE,
+                 static_cast<quint8>(1 + below(3)));
+        else
+            fake(below(2) == 0 ? XCB_KEY_PRESS : XCB_KEY_RELEASE,
+                 keys[static_cast<std::size_t>(below(static_cast<int>(keys.size())))]);
+    }
+    void windows() {
+        if (windows_.size() < 6 && below(4) == 0) {
+            windows_.push_back(std::make_unique<BareClient>(
+                desktop_.display(),
+                QRect(below(1500), below(800), 100 + below(400), 100 + below(300)),
+                BareClientTraits{{}, 0, false, 0}));
+            ++events;
+        } else if (!windows_.empty() && below(5) == 0) {
+            windows_.erase(windows_.begin() + below(static_cast<int>(windows_.size())));
+            ++events;
+        }
+    }
+
+    DesktopSession& desktop_;
+    const XClient hands_;
+    std::mt19937 random_{20260101};
+    std::vector<std::unique_ptr<BareClient>> windows_;
+};
+
+bool canBeGrabbed(const XClient& anybody) {
+    const XReply<xcb_grab_pointer_reply_t> pointer(xcb_grab_pointer_reply(
+        anybody.xcb(),
+        xcb_grab_pointer(anybody.xcb(), 0, anybody.root(), 0, XCB_GRAB_MODE_ASYNC,
+                         XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE, XCB_CURRENT_TIME),
+        nullptr));
+    const XReply<xcb_grab_keyboard_reply_t> keyboard(xcb_grab_keyboard_reply(
+        anybody.xcb(),
+        xcb_grab_keyboard(anybody.xcb(), 0, anybody.root(), XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC,
+                          XCB_GRAB_MODE_ASYNC),
+        nullptr));
+    xcb_ungrab_pointer(anybody.xcb(), XCB_CURRENT_TIME);
+    xcb_ungrab_keyboard(anybody.xcb(), XCB_CURRENT_TIME);
+    anybody.sync();
+    return pointer && pointer->status == XCB_GRAB_STATUS_SUCCESS && keyboard &&
+           keyboard->status == XCB_GRAB_STATUS_SUCCESS;
+}
+
+Subprocess& startProgram(DesktopSession& desktop) {
+    writeFile(desktop.home() + u"/.config/Tilewright/Tilewright.conf"_s,
+              "[General]\nsnapActivationModifier=control\n");
+    QStringList command =
+        qEnvironmentVariable("TILEWRIGHT_STORM_UNDER").split(u' ', Qt::SkipEmptyParts);
+    command.append(QStringLiteral(TILEWRIGHT_PROGRAM));
+    const QString first = command.takeFirst();
+    return desktop.start(first, command);
+}
+
+/// A drag with the key held shows the overlay, and its end hides it, wherever the displays are.
+void expectOverlayComesAndGoes(DesktopSession& desktop, RunningProgram& program) {
+    const TestClient client = startClient(desktop, ClientKind::qt, {300, 300, 400, 300});
+    ASSERT_NE(client.window, 0U);
+    XInputInjector& input = desktop.input();
+    const QRect outer = desktop.inspector().outerFrame(client.window);
+    const QPoint grip(outer.x() + outer.width() / 3, outer.y() + 8);
+    input.move(grip);
+    program.pressKey();
+    input.press();
+    EXPECT_TRUE(waitUntil([&] {
+        input.move(grip + QPoint(30, 30));
+        input.move(grip + QPoint(31, 31));
+        return program.overlayShows();
+    })) << desktop.describe();
+    input.release();
+    program.releaseKey();
+    EXPECT_TRUE(waitUntil([&] { return !program.overlayShows(); }));
+}
+
+} // namespace
+
+TEST(LongStorm, LeavesNothingShownGrabbedOrGrown) {
+    DesktopSession desktop;
+    ASSERT_TRUE(desktop.startWindowManager(WindowManagerKind::openbox));
+    assignLayouts(desktop, {ZoneLayout::thirds()});
+    RunningProgram program(desktop, startProgram(desktop), RunningProgram::defaultModifier());
+    expectOverlayComesAndGoes(desktop, program);
+    const bool isWatched = qEnvironmentVariableIsSet("TILEWRIGHT_STORM_UNDER");
+    Storm storm(desktop);
+    const int told = qEnvironmentVariableIntValue("TILEWRIGHT_STORM_SECONDS");
+    const int seconds = told > 0 ? told : 3600;
+    QElapsedTimer timer;
+    timer.start();
+    long memory = 0;
+    qint64 nextCatastrophe = 2000;
+    while (timer.elapsed() < qint64{seconds} * 1000 && program.isRunning() &&
+           !::testing::Test::HasFailure()) {
+        storm.gust();
+        if (timer.elapsed() > nextCatastrophe) {
+            storm.catastrophe();
+            nextCatastrophe = timer.elapsed() + 2000;
+        }
+        // What is loaded once is loaded in the first quarter.
+        if (memory == 0 && timer.elapsed() > qint64{seconds} * 250)
+            memory = processFigures(program.pid()).anonymousKiB;
+    }
+    storm.end();
+    ASSERT_TRUE(program.isRunning());
+    std::printf(
+        "%ld events in %lld s; %d window managers, %d compositors and %d displays changed\n",
+        storm.events, timer.elapsed() / 1000, storm.managers, storm.compositors, storm.displays);
+    ASSERT_TRUE(desktop.startWindowManager(WindowManagerKind::openbox));
+    EXPECT_TRUE(waitUntil([&] { return !program.overlayShows(); }, std::chrono::minutes(2)));
+    const XClient anybody(desktop.display());
+    EXPECT_TRUE(waitUntil([&] { return canBeGrabbed(anybody); }));
+    if (!isWatched) {
+        constexpr long littleKiB = 2048;
+        long after = 0;
+        EXPECT_TRUE(waitUntil([&] {
+            after = processFigures(program.pid()).anonymousKiB;
+            return after < memory + littleKiB;
+        })) << memory
+            << " KiB then, " << after << " KiB now";
+        std::printf("%ld KiB after a quarter, %ld KiB in the end\n", memory, after);
+    }
+    expectOverlayComesAndGoes(desktop, program);
+    program.process().signal(SIGTERM);
+    EXPECT_TRUE(program.process().waitForEnd(60'000));
+    EXPECT_EQ(program.process().exitCode(), 0);
+}
+
+} // namespace tilewright::testing
