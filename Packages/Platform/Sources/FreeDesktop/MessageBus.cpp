@@ -2,7 +2,6 @@
 
 #include <QFileInfo>
 #include <QFileSystemWatcher>
-#include <QRegularExpression>
 
 namespace tilewright {
 
@@ -13,8 +12,15 @@ constexpr MainLoop::Interval firstRetryInterval{50};
 
 /// Without the identity of one bus: another at the same place is as good.
 QByteArray withoutIdentity(const QByteArray& addresses) {
-    static const QRegularExpression identity(QStringLiteral(",guid=[^,;]*"));
-    return QString::fromUtf8(addresses).remove(identity).toUtf8();
+    QList<QByteArray> kept;
+    const QList<QByteArray> all = addresses.split(';');
+    for (const QByteArray& address : all) {
+        const qsizetype entriesFrom = address.indexOf(':') + 1;
+        QList<QByteArray> entries = address.mid(entriesFrom).split(',');
+        entries.removeIf([](const QByteArray& entry) { return entry.startsWith("guid="); });
+        kept.append(address.left(entriesFrom) + entries.join(','));
+    }
+    return kept.join(';');
 }
 
 /// The folders where a socket of the addresses would be and where only this user, or the system,
