@@ -8,16 +8,21 @@ using namespace tilewright;
 
 namespace {
 
-/// The files of the corpus, and what each holds.
-std::vector<std::pair<QString, QByteArray>> corpus() {
+/// The files of a corpus, and what each holds.
+std::vector<std::pair<QString, QByteArray>> filesIn(const char* path) {
     std::vector<std::pair<QString, QByteArray>> files;
-    const QDir folder(QString::fromUtf8(TILEWRIGHT_CORPUS));
+    const QDir folder(QString::fromUtf8(path));
     for (const QString& name : folder.entryList(QDir::Files, QDir::Name)) {
         QFile file(folder.filePath(name));
         EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name.toStdString();
         files.emplace_back(name, file.readAll());
     }
     return files;
+}
+
+/// What was written by hand.
+std::vector<std::pair<QString, QByteArray>> corpus() {
+    return filesIn(TILEWRIGHT_CORPUS);
 }
 
 } // namespace
@@ -33,6 +38,16 @@ TEST(LayoutsCorpus, HoldsFilesOfBothKindsWhichAreToldApart) {
     }
     EXPECT_GE(valid, 8);
     EXPECT_GE(invalid, 20);
+}
+
+TEST(LayoutsCorpus, IsReadSafelyInAllWaysThatTheFuzzerFound) {
+    const auto found = filesIn(TILEWRIGHT_CORPUS "-found");
+    EXPECT_GE(found.size(), 300U);
+    int valid = 0;
+    for (const auto& [name, bytes] : found)
+        valid += checkLayoutsFile(bytes) ? 1 : 0;
+    EXPECT_GT(valid, 0);
+    EXPECT_LT(valid, static_cast<int>(found.size()));
 }
 
 TEST(LayoutsCorpus, IsReadSafelyWhenCutOffAnywhere) {
