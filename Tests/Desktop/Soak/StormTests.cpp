@@ -2,7 +2,6 @@
 // long as TILEWRIGHT_STORM_SECONDS says (an hour unless it does); the program may run under what
 // TILEWRIGHT_STORM_UNDER names, such as a memory checker.
 
-#include <BareClient.h>
 #include <Displays.h>
 #include <DragScript.h>
 #include <ProcessFigures.h>
@@ -73,7 +72,10 @@ public:
     }
     void end() {
         letGo();
+        for (const xcb_window_t window : windows_)
+            xcb_destroy_window(hands_.xcb(), window);
         windows_.clear();
+        hands_.sync();
     }
 
     long events = 0;
@@ -103,15 +105,23 @@ private:
             fake(below(2) == 0 ? XCB_KEY_PRESS : XCB_KEY_RELEASE,
                  keys[static_cast<std::size_t>(below(static_cast<int>(keys.size())))]);
     }
+    /// Comes and goes without waiting for a window manager, which may just be ending.
     void windows() {
+        xcb_connection_t* xcb = hands_.xcb();
         if (windows_.size() < 6 && below(4) == 0) {
-            windows_.push_back(std::make_unique<BareClient>(
-                desktop_.display(),
-                QRect(below(1500), below(800), 100 + below(400), 100 + below(300)),
-                BareClientTraits{{}, 0, false, 0}));
+            const xcb_window_t window = xcb_generate_id(xcb);
+            xcb_create_window(xcb, XCB_COPY_FROM_PARENT, window, hands_.root(),
+                              static_cast<qint16>(below(1500)), static_cast<qint16>(below(800)),
+                              static_cast<quint16>(100 + below(400)),
+                              static_cast<quint16>(100 + below(300)), 0,
+                              XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+            xcb_map_window(xcb, window);
+            windows_.push_back(window);
             ++events;
         } else if (!windows_.empty() && below(5) == 0) {
-            windows_.erase(windows_.begin() + below(static_cast<int>(windows_.size())));
+            const auto which = windows_.begin() + below(static_cast<int>(windows_.size()));
+            xcb_destroy_window(xcb, *which);
+            windows_.erase(which);
             ++events;
         }
     }
@@ -119,7 +129,7 @@ private:
     DesktopSession& desktop_;
     const XClient hands_;
     std::mt19937 random_{20260101};
-    std::vector<std::unique_ptr<BareClient>> windows_;
+    std::vector<xcb_window_t> windows_;
 };
 
 bool canBeGrabbed(const XClient& anybody) {
