@@ -196,6 +196,9 @@ void CompanionBus::postAnswers() {
 
 void CompanionBus::answer() {
     areAnswersPosted_ = false;
+    // Other answers are dropped where they come late, as after this process was stopped.
+    if (poll_ && outbox_.hasLasting())
+        send(*std::exchange(poll_, std::nullopt), outbox_.takeLasting());
     const std::deque<QDBusMessage> calls = std::exchange(calls_, {});
     for (std::size_t i = 0; i < calls.size(); ++i)
         send(calls[i], i + 1 == calls.size() ? outbox_.take() : nothingToDo());

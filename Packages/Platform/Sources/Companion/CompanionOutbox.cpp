@@ -5,6 +5,7 @@
 #include <QJsonObject>
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace tilewright {
 
@@ -70,6 +71,13 @@ QJsonObject written(const CompanionPanel& panel) {
     return object;
 }
 
+QString answerWith(const QJsonArray& commands) {
+    QJsonObject answer;
+    if (!commands.isEmpty())
+        answer[QStringLiteral("do")] = commands;
+    return QString::fromUtf8(QJsonDocument(answer).toJson(QJsonDocument::Compact));
+}
+
 } // namespace
 
 void CompanionOutbox::showOverlay(const CompanionOverlay& overlay) {
@@ -122,7 +130,11 @@ void CompanionOutbox::clear() {
 }
 
 bool CompanionOutbox::isEmpty() const {
-    return !overlay_ && frames_.empty() && !item_ && !panel_ && !front_ && !wantsPointer_;
+    return !overlay_ && frames_.empty() && !hasLasting();
+}
+
+bool CompanionOutbox::hasLasting() const {
+    return item_ || panel_ || front_ || wantsPointer_;
 }
 
 QString CompanionOutbox::take() {
@@ -131,22 +143,29 @@ QString CompanionOutbox::take() {
         commands.append(written(window, frame));
     if (overlay_)
         commands.append(overlay_->shown ? written(*overlay_->shown) : command("overlayGone"));
-    if (item_)
-        commands.append(written(*item_));
-    if (panel_)
-        commands.append(written(*panel_));
-    if (front_) {
+    appendLasting(commands);
+    clear();
+    return answerWith(commands);
+}
+
+QString CompanionOutbox::takeLasting() {
+    QJsonArray commands;
+    appendLasting(commands);
+    return answerWith(commands);
+}
+
+void CompanionOutbox::appendLasting(QJsonArray& commands) {
+    if (const auto item = std::exchange(item_, std::nullopt))
+        commands.append(written(*item));
+    if (const auto panel = std::exchange(panel_, std::nullopt))
+        commands.append(written(*panel));
+    if (const auto title = std::exchange(front_, std::nullopt)) {
         QJsonObject object = command("front");
-        object[QStringLiteral("title")] = *front_;
+        object[QStringLiteral("title")] = *title;
         commands.append(object);
     }
-    if (wantsPointer_)
+    if (std::exchange(wantsPointer_, false))
         commands.append(command("pointer"));
-    clear();
-    QJsonObject answer;
-    if (!commands.isEmpty())
-        answer[QStringLiteral("do")] = commands;
-    return QString::fromUtf8(QJsonDocument(answer).toJson(QJsonDocument::Compact));
 }
 
 } // namespace tilewright

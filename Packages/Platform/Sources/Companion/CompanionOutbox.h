@@ -2,10 +2,11 @@
 
 #include "CompanionCommand.h"
 
-#include <QByteArray>
 #include <functional>
 #include <map>
 #include <optional>
+
+class QJsonArray;
 
 namespace tilewright {
 
@@ -33,8 +34,12 @@ public:
     void clear();
 
     [[nodiscard]] bool isEmpty() const;
+    /// Whether there is something that `takeLasting` would take.
+    [[nodiscard]] bool hasLasting() const;
     /// Takes everything out, as the JSON text of an answer.
     [[nodiscard]] QString take();
+    /// Takes out what matters however late it comes: all but the overlay and the frames.
+    [[nodiscard]] QString takeLasting();
 
 private:
     struct Overlay {
@@ -42,6 +47,7 @@ private:
         std::optional<CompanionOverlay> shown;
     };
 
+    void appendLasting(QJsonArray& commands);
     void tell() const {
         if (onNews_)
             onNews_();

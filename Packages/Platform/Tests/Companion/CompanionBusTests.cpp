@@ -96,6 +96,24 @@ TEST_F(CompanionBusTest, AnswersTheOneWhoWaitsWhenThereIsSomethingToDoAndNotBefo
     }
 }
 
+TEST_F(CompanionBusTest, LeavesWhatIsToLastToTheOneWhoWaitsWhoseAnswerIsNeverTooLate) {
+    const auto shell = makeShell();
+    shell->greet();
+    ASSERT_TRUE(waitUntil([&] { return shell->isAnswered(); }));
+    shell->answers.clear();
+    QObject::connect(&companion, &CompanionBus::told, &companion, [this] {
+        outbox.setFrame(CompanionWindowID{7}, {1, 2, 3, 4});
+        outbox.showItem({QStringLiteral("icon"), QStringLiteral("name")});
+    });
+    shell->call("DragBegin", dragText(1, "[1,2]", 0));
+    ASSERT_TRUE(waitUntil([&] { return shell->isAnswered(); }));
+    ASSERT_EQ(shell->answers.size(), 2);
+    EXPECT_TRUE(shell->answers[0].contains(QStringLiteral("item")));
+    EXPECT_FALSE(shell->answers[0].contains(QStringLiteral("frame")));
+    EXPECT_TRUE(shell->answers[1].contains(QStringLiteral("frame")));
+    EXPECT_FALSE(shell->answers[1].contains(QStringLiteral("item")));
+}
+
 TEST_F(CompanionBusTest, LetsOneCallWaitAtATime) {
     const auto shell = makeShell();
     shell->call("NextCommand", "{}");
