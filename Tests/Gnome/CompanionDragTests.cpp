@@ -1,0 +1,155 @@
+// Windows of all kinds dragged in GNOME Shell: what the companion tells of it, shows and does.
+
+#include "CompanionBench.h"
+
+namespace tilewright::testing {
+namespace {
+
+const QString dragBegin = QStringLiteral("DragBegin");
+const QString dragMotion = QStringLiteral("DragMotion");
+const QString dragEnd = QStringLiteral("DragEnd");
+
+struct CompanionDrag : CompanionTest, ::testing::WithParamInterface<GnomeClient> {};
+
+INSTANTIATE_TEST_SUITE_P(Of, CompanionDrag,
+                         ::testing::Values(GnomeClient::qt, GnomeClient::gtk4,
+                                           GnomeClient::xwayland),
+                         [](const auto& client) { return std::string(name(client.param)); });
+
+TEST_P(CompanionDrag, ShowsTheZonesExactlyAndEndsInTheZonesFrame) {
+    greet();
+    snapWithControl();
+    const QString title = session.startClient(GetParam(), start);
+    dragToLeftZone(title);
+
+    const QImage picture = session.picture();
+    EXPECT_EQ(picture.pixelColor(onLeftBorder).name(), border.name());
+    EXPECT_TRUE(isNear(picture.pixelColor(inRightTile), plain));
+    // Between the zones, and in the corner that the radius leaves free.
+    EXPECT_EQ(picture.pixelColor(960, 1000).name(), ground.name());
+    EXPECT_EQ(picture.pixelColor(8, 1071).name(), ground.name());
+    EXPECT_EQ(picture.pixelColor(8, 1000).name(), border.name());
+    EXPECT_EQ(picture.pixelColor(7, 1000).name(), ground.name());
+
+    session.input().glide({1500, 500});
+    EXPECT_TRUE(waitUntil([&] { return isHighlighted(inRightTile); }));
+    session.input().release();
+    EXPECT_TRUE(waitUntil([&] { return session.frame(title) == rightZone; })) << session.describe();
+    session.input().releaseKey(KernelKey::control);
+    EXPECT_TRUE(isBare({100, 1000}));
+    ASSERT_TRUE(program->waitFor(QStringLiteral("FrameSettled")));
+    EXPECT_EQ(program->last(QStringLiteral("FrameSettled"))[QStringLiteral("frame")].toArray(),
+              (QJsonArray{rightZone.x(), rightZone.y(), rightZone.width(), rightZone.height()}));
+    EXPECT_EQ(session.frame(title), rightZone);
+    const QJsonObject window = program->last(dragEnd)[QStringLiteral("window")].toObject();
+    EXPECT_EQ(window[QStringLiteral("x11")].toBool(), GetParam() == GnomeClient::xwayland);
+    EXPECT_FALSE(window[QStringLiteral("ours")].toBool());
+}
+
+TEST_P(CompanionDrag, OfAMaximizedWindowEndsInTheZonesFrame) {
+    greet();
+    snapWithControl();
+    const QString title = session.startClient(GetParam(), start);
+    session.tell(QStringLiteral("global.display.focus_window.maximize("
+                                "imports.gi.Meta.MaximizeFlags.BOTH)"));
+    ASSERT_TRUE(waitUntil([&] { return session.frame(title).width() == 1920; }));
+    dragToLeftZone(title);
+    session.input().release();
+    EXPECT_TRUE(waitUntil([&] { return session.frame(title) == leftZone; })) << session.describe();
+    session.input().releaseKey(KernelKey::control);
+}
+
+} // namespace
+
+TEST_F(CompanionTest, TellsAKeyThatGoesDownOrUpWhileThePointerRests) {
+    greet();
+    const QString title = session.startClient(GnomeClient::qt, start);
+    session.grab(title);
+    const std::pair<KernelKey, int> keys[] = {
+        {KernelKey::shift, 1}, {KernelKey::control, 2}, {KernelKey::alt, 4}, {KernelKey::super, 8}};
+    for (const auto& [key, bit] : keys) {
+        session.input().pressKey(key);
+        EXPECT_TRUE(waitUntil([&, bit = bit] {
+            return program->last(dragMotion)[QStringLiteral("keys")].toInt() == bit;
+        })) << bit;
+        session.input().releaseKey(key);
+        EXPECT_TRUE(waitUntil(
+            [&] { return program->last(dragMotion)[QStringLiteral("keys")].toInt() == 0; }));
+    }
+    session.input().release();
+}
+
+TEST_F(CompanionTest, TellsThatEscapeCancelsADragAndShowsNothingMore) {
+    greet();
+    snapWithControl();
+    const QString title = session.startClient(GnomeClient::gtk4, start);
+    dragToLeftZone(title);
+    session.input().tap(KernelKey::escape);
+    ASSERT_TRUE(program->waitFor(dragEnd));
+    EXPECT_TRUE(program->last(dragEnd)[QStringLiteral("cancelled")].toBool());
+    EXPECT_TRUE(waitUntil([&] { return isBare(inLeftTile); }));
+    EXPECT_TRUE(waitUntil([&] { return session.frame(title) == start; }));
+    session.input().release();
+    session.input().releaseKey(KernelKey::control);
+    EXPECT_EQ(program->count(dragBegin), 1);
+}
+
+TEST_F(CompanionTest, DoesNotHoldUpADragForAProgramThatHangsAndTellsItTheNewestAfterwards) {
+    greet();
+    snapWithControl();
+    const QString title = session.startClient(GnomeClient::qt, start);
+    dragToLeftZone(title);
+    program->isHung = true;
+    program->forgetCalls();
+    session.input().glide({1200, 700}, 20);
+    // The window goes along, and next to nothing has been asked of who does not answer.
+    EXPECT_TRUE(waitUntil([&] { return session.frame(title).contains(1200, 710); }));
+    EXPECT_LE(program->count(dragMotion), 2);
+    session.input().release();
+    EXPECT_TRUE(waitUntil([&] { return !session.isDragging(); }));
+    EXPECT_TRUE(waitUntil([&] { return isBare(inLeftTile); }));
+    program->isHung = false;
+    EXPECT_TRUE(program->waitFor(dragEnd));
+    EXPECT_EQ(program->last(dragEnd)[QStringLiteral("pointer")].toArray(), (QJsonArray{1200, 700}));
+    session.input().releaseKey(KernelKey::control);
+}
+
+TEST_F(CompanionTest, TakesEverythingAwayWhenTheProgramGoesInMidDrag) {
+    greet();
+    snapWithControl();
+    program->command({{QStringLiteral("c"), QStringLiteral("item")},
+                      {QStringLiteral("shown"), true},
+                      {QStringLiteral("icon"), QStringLiteral("tilewright-symbolic")},
+                      {QStringLiteral("name"), QStringLiteral("Tilewright")}});
+    ASSERT_TRUE(waitUntil([&] { return hasItem(); }));
+    const int actors = actorsOnStage();
+    const QString title = session.startClient(GnomeClient::qt, start);
+    dragToLeftZone(title);
+    program.reset();
+    EXPECT_TRUE(waitUntil([&] { return isBare(inLeftTile); }));
+    EXPECT_FALSE(hasItem());
+    EXPECT_EQ(actorsOnStage(), actors);
+    session.input().glide({1000, 600});
+    session.input().release();
+    EXPECT_TRUE(waitUntil([&] { return !session.isDragging(); }));
+    session.input().releaseKey(KernelKey::control);
+    // A program that comes again is greeted again.
+    greet();
+}
+
+TEST_F(CompanionTest, ForgetsADragOnRequest) {
+    greet();
+    snapWithControl();
+    const QString title = session.startClient(GnomeClient::qt, start);
+    dragToLeftZone(title);
+    program->command({{QStringLiteral("c"), QStringLiteral("forgetDrag")}});
+    EXPECT_TRUE(waitUntil([&] { return isBare(inLeftTile); }));
+    program->forgetCalls();
+    session.input().glide({1000, 600});
+    session.input().release();
+    EXPECT_TRUE(waitUntil([&] { return !session.isDragging(); }));
+    session.input().releaseKey(KernelKey::control);
+    EXPECT_EQ(program->count(dragMotion) + program->count(dragEnd), 0);
+}
+
+} // namespace tilewright::testing

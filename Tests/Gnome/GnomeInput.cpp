@@ -1,0 +1,89 @@
+#include "GnomeInput.h"
+
+#include <QDBusMessage>
+#include <QDBusObjectPath>
+#include <Waiting.h>
+#include <gtest/gtest.h>
+
+namespace tilewright::testing {
+
+namespace {
+
+const QString service = QStringLiteral("org.gnome.Mutter.RemoteDesktop");
+constexpr int leftButton = 0x110;
+
+} // namespace
+
+GnomeInput::GnomeInput(const QDBusConnection& bus, std::function<QPoint()> pointer)
+    : bus_(bus)
+    , pointer_(std::move(pointer)) {
+    const QDBusMessage answer = bus_.call(
+        QDBusMessage::createMethodCall(service, QStringLiteral("/org/gnome/Mutter/RemoteDesktop"),
+                                       service, QStringLiteral("CreateSession")));
+    EXPECT_EQ(answer.type(), QDBusMessage::ReplyMessage) << answer.errorMessage().toStdString();
+    if (!answer.arguments().isEmpty())
+        session_ = answer.arguments().first().value<QDBusObjectPath>().path();
+    call(QStringLiteral("Start"));
+}
+
+GnomeInput::~GnomeInput() {
+    call(QStringLiteral("Stop"));
+}
+
+void GnomeInput::move(QPoint to) {
+    constexpr std::chrono::milliseconds oneStep{200};
+    EXPECT_TRUE(waitUntil([&] {
+        const QPoint from = pointer_();
+        if (from == to)
+            return true;
+        call(QStringLiteral("NotifyPointerMotionRelative"),
+             {double(to.x() - from.x()), double(to.y() - from.y())});
+        // The shell takes the step a little later; a second one before it would lead beyond.
+        static_cast<void>(waitUntil([&] { return pointer_() != from; }, oneStep));
+        return false;
+    })) << "the pointer does not get to "
+        << to.x() << ", " << to.y();
+}
+
+void GnomeInput::glide(QPoint to, int steps) {
+    const QPoint from = pointer_();
+    for (int step = 1; step <= steps; ++step)
+        move(from + (to - from) * step / steps);
+}
+
+void GnomeInput::press() {
+    call(QStringLiteral("NotifyPointerButton"), {leftButton, true});
+}
+
+void GnomeInput::release() {
+    call(QStringLiteral("NotifyPointerButton"), {leftButton, false});
+}
+
+void GnomeInput::click() {
+    press();
+    release();
+}
+
+void GnomeInput::pressKey(KernelKey key) {
+    call(QStringLiteral("NotifyKeyboardKeycode"), {unsigned(key), true});
+}
+
+void GnomeInput::releaseKey(KernelKey key) {
+    call(QStringLiteral("NotifyKeyboardKeycode"), {unsigned(key), false});
+}
+
+void GnomeInput::tap(KernelKey key) {
+    pressKey(key);
+    releaseKey(key);
+}
+
+void GnomeInput::call(const QString& method, const QVariantList& arguments) {
+    QDBusMessage message = QDBusMessage::createMethodCall(
+        service, session_, service + QStringLiteral(".Session"), method);
+    message.setArguments(arguments);
+    const QDBusMessage answer = bus_.call(message);
+    EXPECT_EQ(answer.type(), QDBusMessage::ReplyMessage)
+        << method.toStdString() << ": " << answer.errorMessage().toStdString();
+}
+
+} // namespace tilewright::testing
