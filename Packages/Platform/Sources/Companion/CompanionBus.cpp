@@ -168,8 +168,12 @@ void CompanionBus::receive(const QDBusMessage& call) {
             postAnswers();
         return;
     }
-    if (std::holds_alternative<CompanionHello>(*message))
+    if (std::holds_alternative<CompanionHello>(*message)) {
         outbox_.clear();
+        // Whoever called it listens no more: what it were answered would be lost.
+        if (const auto former = std::exchange(poll_, std::nullopt))
+            send(*former, nothingToDo());
+    }
     calls_.push_back(call);
     isReceiving_ = true;
     Q_EMIT told(*message);
