@@ -8,21 +8,27 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <xcb/xinput.h>
+#include <xcb/xtest.h>
 
 using namespace tilewright;
 using namespace tilewright::testing;
+using ::testing::Contains;
 using ::testing::ElementsAre;
+using ::testing::Not;
 
 namespace {
 
 constexpr EventMask all{EventType::leftMouseDown, EventType::leftMouseUp,
                         EventType::leftMouseDragged, EventType::flagsChanged};
 
+/// Where PC keyboards have F5.
+constexpr std::uint8_t f5 = 71;
+
 struct EventMonitorsAlone : ::testing::Test {
     EventMonitorsAlone() {
         const std::uint8_t xinput = platform.connection().xinput().majorOpcode;
-        for (const int number :
-             {XCB_INPUT_RAW_BUTTON_PRESS, XCB_INPUT_RAW_BUTTON_RELEASE, XCB_INPUT_RAW_MOTION})
+        for (const int number : {XCB_INPUT_RAW_BUTTON_PRESS, XCB_INPUT_RAW_BUTTON_RELEASE,
+                                 XCB_INPUT_RAW_MOTION, XCB_INPUT_RAW_KEY_PRESS})
             listeners.push_back(platform.connection().listen(
                 X11EventFilter::generic(xinput, static_cast<std::uint16_t>(number)),
                 [this](const auto&) { ++rawEvents; }));
@@ -128,6 +134,74 @@ TEST_F(EventMonitorsAlone, TellOfAModifierOnlyWhereOneChanged) {
     EXPECT_FALSE(flags.contains(ModifierFlag::control));
     catchUp();
     EXPECT_EQ(types.size(), 2U);
+}
+
+TEST_F(EventMonitorsAlone, HearOfOrdinaryKeysOnlyWhileTheLeftButtonIsHeld) {
+    watch();
+    input.tapKey('a');
+    input.tapKey(keysym::escape);
+    input.press(3);
+    input.tapKey('a');
+    input.release(3);
+    catchUp();
+    // The right button's own press and release.
+    EXPECT_EQ(rawEvents, 2);
+    input.press();
+    ASSERT_TRUE(waitUntil([&] { return hasHeard(EventType::leftMouseDown); }));
+    // Keys are heard of from here on.
+    catchUp();
+    input.tapKey('a');
+    input.release();
+    ASSERT_TRUE(waitUntil([&] { return hasHeard(EventType::leftMouseUp); }));
+    catchUp();
+    const int afterDrag = rawEvents;
+    EXPECT_EQ(afterDrag, 5);
+    input.tapKey('a');
+    input.tapKey(keysym::escape);
+    catchUp();
+    EXPECT_EQ(rawEvents, afterDrag);
+    EXPECT_THAT(types, Not(Contains(EventType::flagsChanged)));
+}
+
+TEST_F(EventMonitorsAlone, TellOfNoModifierFromEscapeUntilTheButtonIsLetGo) {
+    watch();
+    input.pressKey(keysym::control);
+    input.press();
+    ASSERT_TRUE(waitUntil([&] { return hasHeard(EventType::leftMouseDown); }));
+    EXPECT_TRUE(flags.contains(ModifierFlag::control));
+    catchUp();
+    types.clear();
+    input.tapKey(keysym::escape);
+    ASSERT_TRUE(waitUntil([&] { return hasHeard(EventType::flagsChanged); }));
+    EXPECT_EQ(flags, ModifierFlags());
+    input.move({300, 300});
+    ASSERT_TRUE(waitUntil([&] { return hasHeard(EventType::leftMouseDragged); }));
+    EXPECT_EQ(flags, ModifierFlags());
+    types.clear();
+    input.release();
+    ASSERT_TRUE(waitUntil([&] { return hasHeard(EventType::flagsChanged); }));
+    EXPECT_TRUE(flags.contains(ModifierFlag::control));
+    EXPECT_THAT(types, ElementsAre(EventType::leftMouseUp, EventType::flagsChanged));
+    input.releaseKey(keysym::control);
+}
+
+TEST_F(EventMonitorsAlone, FollowTheKeyThatBearsEscape) {
+    watch();
+    static_cast<void>(outputOf(QStringLiteral("xmodmap"),
+                               {QStringLiteral("-e"), QStringLiteral("keycode 71 = Escape")},
+                               desktop.environment()));
+    input.pressKey(keysym::control);
+    input.press();
+    ASSERT_TRUE(waitUntil([&] { return hasHeard(EventType::leftMouseDown); }));
+    catchUp();
+    types.clear();
+    xcb_test_fake_input(input.connection(), XCB_KEY_PRESS, f5, 0, XCB_NONE, 0, 0, 0);
+    xcb_test_fake_input(input.connection(), XCB_KEY_RELEASE, f5, 0, XCB_NONE, 0, 0, 0);
+    xcb_flush(input.connection());
+    ASSERT_TRUE(waitUntil([&] { return hasHeard(EventType::flagsChanged); }));
+    EXPECT_EQ(flags, ModifierFlags());
+    input.release();
+    input.releaseKey(keysym::control);
 }
 
 TEST_F(EventMonitorsAlone, ManyMovesThatWaitTogetherAreOneAndThePlaceIsTheLast) {

@@ -104,7 +104,9 @@ private:
     xcb_window_t window_;
 };
 
-const std::vector<X11Atom> whatIsNeeded{X11Atom::netActiveWindow, X11Atom::netMoveresizeWindow};
+// How windows are moved need not be announced: every window manager lets clients ask.
+const std::vector<X11Atom> whatIsNeeded{X11Atom::netActiveWindow};
+const std::vector<X11Atom> tooLittle{X11Atom::netMoveresizeWindow};
 
 class TrustInADesktop : public ::testing::Test {
 protected:
@@ -247,7 +249,7 @@ TEST_F(TrustInADesktop, WaitsNoSecondTimeAfterAWindowManagerThatCameInTimeHasDie
 TEST_F(TrustInADesktop, IsAskedAgainWhileItWaitsForOffersWithoutTellingTwice) {
     ASSERT_NO_FATAL_FAILURE(start());
     EXPECT_FALSE(trust->request());
-    const Manager manager = startManager({X11Atom::netActiveWindow});
+    const Manager manager = startManager(tooLittle);
     EXPECT_TRUE(becomes(Lack::windowManagerSupport));
     EXPECT_FALSE(trust->request());
     EXPECT_TRUE(told().empty());
@@ -258,7 +260,7 @@ TEST_F(TrustInADesktop, IsAskedAgainWhileItWaitsForOffersWithoutTellingTwice) {
 TEST_F(TrustInADesktop, JudgesAWindowManagerThatTellsItsOffersLateAtTheDeadline) {
     ASSERT_NO_FATAL_FAILURE(start());
     EXPECT_FALSE(trust->request());
-    const Manager manager = startManager({X11Atom::netActiveWindow});
+    const Manager manager = startManager(tooLittle);
     EXPECT_TRUE(becomes(Lack::windowManagerSupport));
     loop.advance(std::chrono::seconds(9));
     EXPECT_TRUE(told().empty());
@@ -271,21 +273,18 @@ TEST_F(TrustInADesktop, JudgesAWindowManagerThatTellsItsOffersLateAtTheDeadline)
 TEST_F(TrustInADesktop, TellsAtTheDeadlineWhatTheWindowManagerThatCameLacks) {
     ASSERT_NO_FATAL_FAILURE(start());
     EXPECT_FALSE(trust->request());
-    const Manager manager = startManager({X11Atom::netActiveWindow});
+    const Manager manager = startManager(tooLittle);
     EXPECT_TRUE(becomes(Lack::windowManagerSupport));
     loop.advance(std::chrono::seconds(10));
     EXPECT_EQ(told(), only(Lack::windowManagerSupport));
 }
 
 TEST_F(TrustInADesktop, TellsAtOnceWhatARunningWindowManagerLacks) {
-    for (const X11Atom offered : whatIsNeeded) {
-        const Manager manager = startManager({offered});
-        notifications.shown.clear();
-        ASSERT_NO_FATAL_FAILURE(start());
-        EXPECT_TRUE(becomes(Lack::windowManagerSupport));
-        EXPECT_FALSE(trust->request());
-        EXPECT_EQ(told(), only(Lack::windowManagerSupport));
-    }
+    const Manager manager = startManager(tooLittle);
+    ASSERT_NO_FATAL_FAILURE(start());
+    EXPECT_TRUE(becomes(Lack::windowManagerSupport));
+    EXPECT_FALSE(trust->request());
+    EXPECT_EQ(told(), only(Lack::windowManagerSupport));
 }
 
 TEST_F(TrustInADesktop, TellsTheUserEachTimeThatItIsAskedAndWaitsOnlyTheFirst) {
@@ -296,7 +295,7 @@ TEST_F(TrustInADesktop, TellsTheUserEachTimeThatItIsAskedAndWaitsOnlyTheFirst) {
     loop.advance(std::chrono::seconds(60));
     EXPECT_EQ(told().size(), 1U) << "nobody has asked again";
     {
-        const Manager manager = startManager({X11Atom::netActiveWindow});
+        const Manager manager = startManager(tooLittle);
         EXPECT_TRUE(becomes(Lack::windowManagerSupport));
         EXPECT_FALSE(trust->request());
         EXPECT_EQ(told().size(), 2U) << "what is missing by now";

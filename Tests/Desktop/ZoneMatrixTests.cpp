@@ -123,7 +123,8 @@ INSTANTIATE_TEST_SUITE_P(Under, ZoneMatrix,
                                            WindowManagerKind::kwin, WindowManagerKind::marco,
                                            WindowManagerKind::mutter, WindowManagerKind::muffin,
                                            WindowManagerKind::icewm, WindowManagerKind::fluxbox,
-                                           WindowManagerKind::i3),
+                                           WindowManagerKind::i3, WindowManagerKind::awesome,
+                                           WindowManagerKind::pekwm, WindowManagerKind::wmaker),
                          managerName);
 
 class ZoneMatrixComposited : public ::testing::TestWithParam<WindowManagerKind> {};

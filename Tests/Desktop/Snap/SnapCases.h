@@ -25,7 +25,8 @@ public:
     void dropInZonesInTurn(ClientKind kind, KeyTiming timing, std::size_t first, int count);
     /// With the key let go before the button nothing is snapped, in one drag for each timing.
     void releaseTheKeyFirst(ClientKind kind, std::initializer_list<KeyTiming> timings);
-    /// Escape in mid-drag changes nothing of the snap.
+    /// Escape in mid-drag ends it: nothing is snapped then, wherever the window manager leaves the
+    /// window. The next drag does snap.
     void pressEscape(ClientKind kind, KeyTiming timing, std::size_t zone);
     /// A window that closes in mid-drag costs nothing, neither another window's place. It opens at
     /// this place.
@@ -41,6 +42,9 @@ public:
 private:
     /// Opens a window and waits until it is the active one, in its place.
     [[nodiscard]] TestClient open(ClientKind kind, const QRect& area = {300, 200, 640, 420}) const;
+    /// Opens a window where no other one of a case lies, neither before nor after its drag: some
+    /// window managers put a window beneath others when a modifier and a button are pressed on it.
+    [[nodiscard]] TestClient openBeside() const;
     [[nodiscard]] QRect frame(std::size_t zone) const;
     /// Waits until the window that was dragged is the active one.
     void expectActive(const TestClient& client) const;

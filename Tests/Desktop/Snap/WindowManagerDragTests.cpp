@@ -45,8 +45,8 @@ TEST_P(WindowManagerDrag, SnapsByControl) {
     SnapCases cases(desktop, QStringLiteral("control"));
     cases.dropInAZone(ClientKind::xterm, KeyTiming::beforeThePress, 0);
     cases.dropInAZone(ownBar(), KeyTiming::afterTheDragBegan, 1);
-    // i3's floating windows know no such state.
-    if (GetParam().kind == WindowManagerKind::i3)
+    // i3's floating windows know no such state, and awesome lets nobody but its user end it.
+    if (GetParam().kind == WindowManagerKind::i3 || GetParam().kind == WindowManagerKind::awesome)
         cases.dropInAZone(ClientKind::qt, KeyTiming::beforeThePress, 2);
     else
         cases.pullOffMaximised(ClientKind::qt, KeyTiming::beforeThePress, 2);
@@ -90,7 +90,10 @@ INSTANTIATE_TEST_SUITE_P(Under, WindowManagerDrag,
                                            Desk{WindowManagerKind::fluxbox, Compositing::off},
                                            Desk{WindowManagerKind::i3, Compositing::off},
                                            Desk{WindowManagerKind::icewm, Compositing::off},
-                                           Desk{WindowManagerKind::icewm, Compositing::on}),
+                                           Desk{WindowManagerKind::icewm, Compositing::on},
+                                           Desk{WindowManagerKind::awesome, Compositing::off},
+                                           Desk{WindowManagerKind::pekwm, Compositing::off},
+                                           Desk{WindowManagerKind::wmaker, Compositing::off}),
                          nameOf);
 
 } // namespace

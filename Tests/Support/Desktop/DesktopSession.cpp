@@ -63,6 +63,15 @@ Command commandFor(WindowManagerKind kind, bool composited, const QString& home)
     case WindowManagerKind::i3:
         return {
             QStringLiteral("i3"), {QStringLiteral("-c"), home + QStringLiteral("/i3.conf")}, {}};
+    case WindowManagerKind::awesome:
+        return {QStringLiteral("awesome"), {}, {}};
+    case WindowManagerKind::pekwm:
+        return {QStringLiteral("pekwm"), {}, {}};
+    case WindowManagerKind::wmaker:
+        return {QStringLiteral("wmaker"),
+                {QStringLiteral("--no-dock"), QStringLiteral("--no-clip"),
+                 QStringLiteral("--no-drawer"), QStringLiteral("--no-autolaunch")},
+                {}};
     }
     return {};
 }
@@ -93,6 +102,12 @@ const char* name(WindowManagerKind kind) {
         return "jwm";
     case WindowManagerKind::i3:
         return "i3";
+    case WindowManagerKind::awesome:
+        return "awesome";
+    case WindowManagerKind::pekwm:
+        return "pekwm";
+    case WindowManagerKind::wmaker:
+        return "wmaker";
     }
     return "";
 }
@@ -196,6 +211,14 @@ void DesktopSession::writeWindowManagerConfiguration() const {
               "OnTitlebar Move1 :StartMoving\n");
     // No wallpaper: where it finds no program to draw one, it says so in a window of its own.
     writeFile(home + QStringLiteral("/.fluxbox/overlay"), "background: none\n");
+    // Stays on its desktop, as openbox does.
+    QFile pekwm(QStringLiteral("/etc/pekwm/config"));
+    if (pekwm.open(QIODevice::ReadOnly))
+        writeFile(home + QStringLiteral("/.pekwm/config"),
+                  pekwm.readAll() + "\nScreen { EdgeSize = \"0 0 0 0\" }\n");
+    // A press on its desktop draws a rectangle with the whole server held.
+    writeFile(home + QStringLiteral("/GNUstep/Defaults/WindowMaker"),
+              "{ DisableWSMouseActions = YES; }\n");
     writeFile(home + QStringLiteral("/.config/glib-2.0/settings/keyfile"),
               // The shell's own key freezes the keyboard until the shell has looked at it; a button
               // pressed meanwhile, and mutter, with no shell around it, forgets to thaw it.

@@ -20,7 +20,10 @@ enum class WindowManagerKind {
     icewm,
     fluxbox,
     jwm,
-    i3
+    i3,
+    awesome,
+    pekwm,
+    wmaker
 };
 
 /// Its name, as in a test's name.

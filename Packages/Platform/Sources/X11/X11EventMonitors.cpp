@@ -3,6 +3,8 @@
 #include "X11Log.h"
 #include "XcbXkb.h"
 
+#include <algorithm>
+#include <span>
 #include <xcb/xinput.h>
 
 namespace tilewright {
@@ -10,7 +12,9 @@ namespace {
 
 constexpr std::uint32_t rawButtons =
     XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_RELEASE;
-constexpr std::uint32_t rawMotion = XCB_INPUT_XI_EVENT_MASK_RAW_MOTION;
+/// While the left button is held: also motion, and keys for the sake of Escape.
+constexpr std::uint32_t rawInDrag =
+    rawButtons | XCB_INPUT_XI_EVENT_MASK_RAW_MOTION | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS;
 
 ModifierFlags modifierFlags(unsigned int keyMask) {
     quint32 bits = 0;
@@ -115,8 +119,8 @@ void X11EventMonitors::startWatching() {
         return;
     isWatching_ = true;
     const std::uint8_t xinput = connection_.xinput().majorOpcode;
-    for (const int number :
-         {XCB_INPUT_RAW_BUTTON_PRESS, XCB_INPUT_RAW_BUTTON_RELEASE, XCB_INPUT_RAW_MOTION}) {
+    for (const int number : {XCB_INPUT_RAW_BUTTON_PRESS, XCB_INPUT_RAW_BUTTON_RELEASE,
+                             XCB_INPUT_RAW_MOTION, XCB_INPUT_RAW_KEY_PRESS}) {
         const auto filter = X11EventFilter::generic(xinput, static_cast<std::uint16_t>(number));
         listeners_.push_back(
             connection_.listen(filter, [this](const auto& event) { handleRaw(event); }));
@@ -133,19 +137,21 @@ void X11EventMonitors::startWatching() {
     catchingUp_ =
         QObject::connect(&connection_, &X11Connection::answersAgain, &connection_, [this] {
             readButtonMapping();
+            readEscapeKeys();
             hasNews_ = true;
             askServer();
         });
-    selectModifierEvents(true);
+    selectKeyboardEvents(true);
     selectRawEvents(rawButtons);
     readButtonMapping();
+    readEscapeKeys();
     ownInput_.notePress();
     ownInput_.ask();
     const auto pointer = connection_.reply<xcb_query_pointer_reply_t>(
         xcb_query_pointer(connection_.xcb(), connection_.root()));
     state_.start(stateFrom(pointer).value_or(X11InputServerState{}),
                  ownInput_.take(pointer.get()).pointer);
-    selectRawEvents(state_.isLeftButtonDown() ? rawButtons | rawMotion : rawButtons);
+    selectRawEvents(state_.isLeftButtonDown() ? rawInDrag : rawButtons);
 }
 
 void X11EventMonitors::stopWatching() {
@@ -154,11 +160,12 @@ void X11EventMonitors::stopWatching() {
     isWatching_ = false;
     hasNews_ = false;
     answer_.reset();
+    keyboardMapping_.reset();
     ownInput_.reset();
     QObject::disconnect(settling_);
     QObject::disconnect(catchingUp_);
     listeners_.clear();
-    selectModifierEvents(false);
+    selectKeyboardEvents(false);
     selectRawEvents(0);
     connection_.flush();
 }
@@ -174,12 +181,17 @@ void X11EventMonitors::selectRawEvents(std::uint32_t mask) {
     xcb_input_xi_select_events(connection_.xcb(), connection_.root(), 1, &selection.head);
 }
 
-void X11EventMonitors::selectModifierEvents(bool isWanted) {
+void X11EventMonitors::selectKeyboardEvents(bool isWanted) {
     xcb_xkb_select_events_details_t details{};
     details.affectState = XCB_XKB_STATE_PART_MODIFIER_STATE;
     details.stateDetails = isWanted ? XCB_XKB_STATE_PART_MODIFIER_STATE : 0;
+    // Clients that know this extension hear so of another layout.
+    constexpr std::uint16_t layout =
+        XCB_XKB_EVENT_TYPE_MAP_NOTIFY | XCB_XKB_EVENT_TYPE_NEW_KEYBOARD_NOTIFY;
     xcb_xkb_select_events_aux(connection_.xcb(), XCB_XKB_ID_USE_CORE_KBD,
-                              XCB_XKB_EVENT_TYPE_STATE_NOTIFY, 0, 0, 0, 0, &details);
+                              XCB_XKB_EVENT_TYPE_STATE_NOTIFY | layout, isWanted ? 0 : layout,
+                              isWanted ? layout : 0, XCB_XKB_MAP_PART_KEY_SYMS,
+                              isWanted ? XCB_XKB_MAP_PART_KEY_SYMS : 0, &details);
 }
 
 void X11EventMonitors::handleRaw(const xcb_generic_event_t& event) {
@@ -194,6 +206,11 @@ void X11EventMonitors::handleRaw(const xcb_generic_event_t& event) {
     case XCB_INPUT_RAW_BUTTON_RELEASE:
         state_.released(raw.detail);
         break;
+    case XCB_INPUT_RAW_KEY_PRESS:
+        if (std::find(escapeKeys_.begin(), escapeKeys_.end(), raw.detail) == escapeKeys_.end())
+            return;
+        state_.escapePressed();
+        break;
     default:
         state_.moved();
         break;
@@ -203,8 +220,10 @@ void X11EventMonitors::handleRaw(const xcb_generic_event_t& event) {
 
 void X11EventMonitors::handleKeyboard(const xcb_generic_event_t& event) {
     const auto& notice = eventAs<xcb_xkb_state_notify_event_t>(event);
-    if (notice.xkbType != XCB_XKB_STATE_NOTIFY)
+    if (notice.xkbType != XCB_XKB_STATE_NOTIFY) {
+        readEscapeKeys();
         return;
+    }
     state_.modifiersChanged(modifierFlags(notice.mods));
     hasNews_ = true;
 }
@@ -214,7 +233,7 @@ void X11EventMonitors::askServer() {
         return;
     // What moves after a press must not be missed while the answer is on its way.
     if (state_.isLeftButtonDown())
-        selectRawEvents(rawButtons | rawMotion);
+        selectRawEvents(rawInDrag);
     if (state_.needsOwners())
         ownInput_.ask();
     answer_ = connection_.whenAnswered<xcb_query_pointer_reply_t>(
@@ -226,7 +245,7 @@ void X11EventMonitors::settle(const X11Reply<xcb_query_pointer_reply_t>& answer)
     // All that the server told before it answered has been heard by now.
     hasNews_ = false;
     state_.settle(stateFrom(answer));
-    selectRawEvents(state_.isLeftButtonDown() ? rawButtons | rawMotion : rawButtons);
+    selectRawEvents(state_.isLeftButtonDown() ? rawInDrag : rawButtons);
     const auto reports =
         state_.takeReports(state_.needsOwners() ? ownInput_.take(answer.get()) : X11InputOwners{});
     // Motion that follows must not be missed, whatever the handlers do first.
@@ -262,6 +281,28 @@ void X11EventMonitors::readButtonMapping() {
         return;
     const std::uint8_t* map = xcb_get_pointer_mapping_map(mapping.get());
     state_.setButtonMapping({map, map + xcb_get_pointer_mapping_map_length(mapping.get())});
+}
+
+void X11EventMonitors::readEscapeKeys() {
+    constexpr xcb_keysym_t escape = 0xff1b;
+    const xcb_setup_t* setup = xcb_get_setup(connection_.xcb());
+    const std::uint8_t first = setup->min_keycode;
+    keyboardMapping_ = connection_.whenAnswered<xcb_get_keyboard_mapping_reply_t>(
+        xcb_get_keyboard_mapping(connection_.xcb(), first,
+                                 static_cast<std::uint8_t>(setup->max_keycode - first + 1)),
+        [this, first](const auto& answer) {
+            escapeKeys_.clear();
+            if (!answer || answer->keysyms_per_keycode == 0)
+                return;
+            const std::span keysyms(
+                xcb_get_keyboard_mapping_keysyms(answer.get()),
+                static_cast<std::size_t>(xcb_get_keyboard_mapping_keysyms_length(answer.get())));
+            for (std::size_t i = 0; i < keysyms.size(); ++i) {
+                if (keysyms[i] == escape)
+                    escapeKeys_.push_back(
+                        static_cast<std::uint8_t>(first + i / answer->keysyms_per_keycode));
+            }
+        });
 }
 
 } // namespace tilewright

@@ -22,6 +22,9 @@ namespace tilewright {
 /// pointer is where that answer has it, and nobody asks again. Nothing of this is waited for, but
 /// for presses where a window of this application lies (`X11OwnInput`). Monitors are refused where
 /// the server lacks what is needed.
+///
+/// Of the keyboard it hears the modifier keys, and while the left button is held also the other
+/// ones, of which it looks for Escape alone and keeps nothing.
 class X11EventMonitors final : public EventMonitors {
 public:
     /// The connection and the pointer have to outlive the monitors.
@@ -47,13 +50,14 @@ private:
     void startWatching();
     void stopWatching();
     void selectRawEvents(std::uint32_t mask);
-    void selectModifierEvents(bool isWanted);
+    void selectKeyboardEvents(bool isWanted);
     void handleRaw(const xcb_generic_event_t& event);
     void handleKeyboard(const xcb_generic_event_t& event);
     void askServer();
     void settle(const X11Reply<xcb_query_pointer_reply_t>& answer);
     void deliver(const std::vector<X11InputState::Report>& reports);
     void readButtonMapping();
+    void readEscapeKeys();
 
     X11Connection& connection_;
     X11Pointer& pointer_;
@@ -70,6 +74,9 @@ private:
     /// What was handed out last was a move.
     bool hasToldMove_ = false;
     X11AwaitedReply answer_;
+    /// The codes of the keys that bear Escape.
+    std::vector<std::uint8_t> escapeKeys_;
+    X11AwaitedReply keyboardMapping_;
 };
 
 } // namespace tilewright

@@ -15,7 +15,9 @@ bool X11FramePlacement::isReached(const X11WindowFacts& facts) const {
     const QRect outer = facts.outerFrame();
     if (outer == goal_)
         return true;
-    return outer.topLeft() == goal_.topLeft() && outer.size() == agreedSize(facts);
+    // One that is too large for its place may have been pushed back on the screen.
+    return outer.size() == agreedSize(facts) &&
+           (outer.topLeft() == goal_.topLeft() || outer.contains(goal_));
 }
 
 QSize X11FramePlacement::agreedSize(const X11WindowFacts& facts) const {
@@ -30,14 +32,14 @@ bool X11FramePlacement::learnCornerOffset(const X11WindowFacts& facts) {
     if (!askedWithOffset_.isNull()) {
         // Whatever was learnt no longer leads to the goal: it may have been an accident, such as a
         // panel that came up at that moment.
-        *cornerOffset_ = {};
+        manners_->corner = {};
         return true;
     }
     const bool isWithinDecorations = offset.x() >= 0 && offset.x() <= facts.decorations.left &&
                                      offset.y() >= 0 && offset.y() <= facts.decorations.top;
     if (!isWithinDecorations)
         return false;
-    *cornerOffset_ = {facts.decorations, offset};
+    manners_->corner = {facts.decorations, offset};
     return true;
 }
 
@@ -48,15 +50,15 @@ X11FramePlacement::Action X11FramePlacement::begin(const X11WindowFacts& facts) 
 X11FramePlacement::Action X11FramePlacement::windowChanged(const X11WindowFacts& facts) {
     if (phase_ == Phase::finished)
         return {};
+    if (phase_ == Phase::following)
+        return follow(facts);
     if (phase_ == Phase::clearing)
         return isPinned(facts) ? Action{} : ask(facts);
     if (isPinned(facts))
         return mayAskAgain() ? clear(facts) : Action{};
     // A window loses or gains decorations a moment after its states: what was asked for then is
     // wrong by their difference, and no time need pass to know it.
-    const bool isOutdated =
-        facts.decorations != askedWithDecorations_ || facts.shadow != askedWithShadow_;
-    if (isOutdated && !isReached(facts) && corrections_ < mostCorrections) {
+    if (isOutdated(facts) && !isReached(facts) && corrections_ < mostCorrections) {
         ++corrections_;
         return request(facts);
     }
@@ -66,16 +68,21 @@ X11FramePlacement::Action X11FramePlacement::windowChanged(const X11WindowFacts&
 X11FramePlacement::Action X11FramePlacement::timePassed(const X11WindowFacts& facts) {
     if (phase_ == Phase::finished)
         return {};
+    if (phase_ == Phase::following)
+        return finish(facts);
     if (phase_ == Phase::clearing)
         return ask(facts);
-    if (isReached(facts) && !isPinned(facts))
-        return finish();
     const QRect outer = facts.outerFrame();
+    // This way moves a window that the other one did not.
+    if (outer != origin_)
+        manners_->way = way_;
+    if (isReached(facts) && !isPinned(facts))
+        return finish(facts);
     // One that has not stirred may not have been heard: only where it went somewhere twice is that
     // the window manager's answer.
     const bool isAgreed = lastMiss_ == outer && outer != origin_;
     if (!mayAskAgain() || isAgreed)
-        return finish();
+        return outer == origin_ && way_ == Way::hint ? askTheOtherWay(facts) : finish(facts);
     lastMiss_ = outer;
     if (!isPinned(facts) && learnCornerOffset(facts)) {
         ++attempts_;
@@ -88,6 +95,7 @@ X11FramePlacement::Action X11FramePlacement::clear(const X11WindowFacts& facts) 
     phase_ = Phase::clearing;
     Action action;
     action.removesMaximized = facts.isMaximized;
+    hasChangedMaximized_ = hasChangedMaximized_ || facts.isMaximized;
     action.removesFullscreen = facts.isFullscreen;
     action.removesShaded = facts.isShaded;
     action.startsWaiting = true;
@@ -104,7 +112,14 @@ X11FramePlacement::Action X11FramePlacement::ask(const X11WindowFacts& facts) {
     // after this; and where time alone did not help, the window may be tiled without any.
     action.removesMaximized = tiling_ == Tiling::likely || isPinned(facts) || attempts_ > 1;
     action.addsMaximized = lastMiss_.has_value() && !std::exchange(hasAddedMaximized_, true);
+    hasChangedMaximized_ = hasChangedMaximized_ || action.addsMaximized;
     return action;
+}
+
+X11FramePlacement::Action X11FramePlacement::askTheOtherWay(const X11WindowFacts& facts) {
+    way_ = Way::configure;
+    attempts_ = 1;
+    return isPinned(facts) ? clear(facts) : ask(facts);
 }
 
 X11FramePlacement::Action X11FramePlacement::request(const X11WindowFacts& facts) {
@@ -115,16 +130,40 @@ X11FramePlacement::Action X11FramePlacement::request(const X11WindowFacts& facts
     // The corner is the frame's; a client that draws its own shadow reaches beyond it.
     action.request->translate(-facts.shadow.left, -facts.shadow.top);
     askedWithOffset_ =
-        cornerOffset_->decorations == facts.decorations ? cornerOffset_->offset : QPoint();
+        manners_->corner.decorations == facts.decorations ? manners_->corner.offset : QPoint();
     action.request->translate(askedWithOffset_);
+    action.way = way_;
+    if (way_ == Way::configure)
+        action.request->translate(facts.gravityOffset());
     action.startsWaiting = true;
     return action;
 }
 
-X11FramePlacement::Action X11FramePlacement::finish() {
-    phase_ = Phase::finished;
+bool X11FramePlacement::isOutdated(const X11WindowFacts& facts) const {
+    return facts.decorations != askedWithDecorations_ || facts.shadow != askedWithShadow_;
+}
+
+X11FramePlacement::Action X11FramePlacement::finish(const X11WindowFacts& facts) {
     Action action;
+    if (phase_ != Phase::following && hasChangedMaximized_ && facts.tellsShadow) {
+        phase_ = Phase::following;
+        settledClient_ = facts.client;
+        action.startsFollowing = true;
+        return action;
+    }
+    phase_ = Phase::finished;
     action.isFinished = true;
+    return action;
+}
+
+X11FramePlacement::Action X11FramePlacement::follow(const X11WindowFacts& facts) {
+    // Whoever moves it or maximises it by now does so on purpose.
+    const bool isOurs = facts.client == settledClient_ && !isPinned(facts);
+    if (!isOurs || !isOutdated(facts) || isReached(facts) || corrections_ >= mostCorrections)
+        return {};
+    ++corrections_;
+    Action action = request(facts);
+    action.startsWaiting = false;
     return action;
 }
 

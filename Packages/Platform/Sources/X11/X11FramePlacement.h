@@ -15,9 +15,20 @@ namespace tilewright {
 /// is asked for, and asked for again, twice at most, when the window is elsewhere after a while:
 /// the window manager's own tiling may have acted on the same release of the mouse button. A frame
 /// that the client's size limits explain counts as reached, and so does one in which two attempts
-/// have ended alike; one that has done nothing at all is no answer.
+/// have ended alike; one that has done nothing at all is no answer: the client's own way to ask is
+/// tried last. After a change of maximised states a client may draw its shadow anew long after all
+/// else is done: that is followed.
 class X11FramePlacement {
 public:
+    /// How a window manager is asked for a frame.
+    enum class Way {
+        /// By `_NET_MOVERESIZE_WINDOW`, with the frame's corner.
+        hint,
+        /// By configuring the client's window, with the point that its gravity names. Every window
+        /// manager knows it, since clients ask so; some take the point for another one.
+        configure,
+    };
+
     /// What is to be done now, in the order of the members.
     struct Action {
         /// Add the maximised states before they are removed: where a window is tiled without any
@@ -26,10 +37,14 @@ public:
         bool removesMaximized = false;
         bool removesFullscreen = false;
         bool removesShaded = false;
-        /// Ask for this outer corner and client size.
+        /// Ask for this corner, as `way` takes it, and client size.
         std::optional<QRect> request;
+        Way way = Way::hint;
         /// Call `timePassed` after the patience, unless another action comes first.
         bool startsWaiting = false;
+        /// Call `timePassed` after as long as a client's shadow may take to come back; what else is
+        /// asked for meanwhile changes nothing of that.
+        bool startsFollowing = false;
         /// Nothing is left to do: forget the window.
         bool isFinished = false;
     };
@@ -41,18 +56,25 @@ public:
         QPoint offset;
     };
 
+    /// What is known of the window manager that runs now. What one placement finds out serves those
+    /// that come after it.
+    struct Manners {
+        Way way = Way::hint;
+        CornerOffset corner;
+    };
+
     /// Whether the window manager may be tiling the window at this moment, unseen.
     enum class Tiling { unlikely, likely };
 
-    /// `goal` is the outer frame to reach, in pixels of the X screen. `cornerOffset`, never null,
-    /// is what is known of the window manager; what is found out about it is noted there, for all
+    /// `goal` is the outer frame to reach, in pixels of the X screen. `manners`, never null, is
+    /// what is known of the window manager; what is found out about it is noted there, for all
     /// placements that share it.
-    explicit X11FramePlacement(
-        const QRect& goal,
-        std::shared_ptr<CornerOffset> cornerOffset = std::make_shared<CornerOffset>(),
-        Tiling tiling = Tiling::unlikely)
+    explicit X11FramePlacement(const QRect& goal,
+                               std::shared_ptr<Manners> manners = std::make_shared<Manners>(),
+                               Tiling tiling = Tiling::unlikely)
         : goal_(goal)
-        , cornerOffset_(std::move(cornerOffset))
+        , manners_(std::move(manners))
+        , way_(manners_->way)
         , tiling_(tiling) {}
 
     /// The first thing to do for a window that looks like this.
@@ -67,14 +89,17 @@ public:
     [[nodiscard]] bool isReached(const X11WindowFacts& facts) const;
 
 private:
-    enum class Phase { clearing, settling, finished };
+    enum class Phase { clearing, settling, following, finished };
 
     [[nodiscard]] Action clear(const X11WindowFacts& facts);
     [[nodiscard]] Action ask(const X11WindowFacts& facts);
     [[nodiscard]] Action request(const X11WindowFacts& facts);
-    [[nodiscard]] Action finish();
+    [[nodiscard]] Action finish(const X11WindowFacts& facts);
+    [[nodiscard]] Action follow(const X11WindowFacts& facts);
+    [[nodiscard]] bool isOutdated(const X11WindowFacts& facts) const;
     [[nodiscard]] QSize agreedSize(const X11WindowFacts& facts) const;
     [[nodiscard]] bool learnCornerOffset(const X11WindowFacts& facts);
+    [[nodiscard]] Action askTheOtherWay(const X11WindowFacts& facts);
     [[nodiscard]] bool mayAskAgain() const { return attempts_ < mostAttempts; }
 
     static constexpr int mostAttempts = 3;
@@ -82,7 +107,8 @@ private:
     static constexpr int mostCorrections = 4;
 
     QRect goal_;
-    std::shared_ptr<CornerOffset> cornerOffset_;
+    std::shared_ptr<Manners> manners_;
+    Way way_;
     Tiling tiling_;
     Phase phase_ = Phase::clearing;
     int attempts_ = 0;
@@ -95,6 +121,10 @@ private:
     std::optional<QRect> origin_;
     std::optional<QRect> lastMiss_;
     bool hasAddedMaximized_ = false;
+    /// Whether maximised states were changed for this frame.
+    bool hasChangedMaximized_ = false;
+    /// Where the client was when all else was done.
+    QRect settledClient_;
 };
 
 } // namespace tilewright

@@ -4,6 +4,7 @@
 #include "X11Properties.h"
 
 #include <algorithm>
+#include <array>
 
 namespace tilewright {
 namespace {
@@ -12,6 +13,9 @@ namespace {
 constexpr std::chrono::milliseconds patience{100};
 /// How long it may be busy with other things before.
 constexpr std::chrono::milliseconds busyPatience{3000};
+
+/// How long a client may take to draw its shadow again after it was maximised.
+constexpr std::chrono::milliseconds shadowPatience{1000};
 
 /// A request made in the user's name, as pagers make them: window managers honour those.
 constexpr std::uint32_t sourceIsUser = 2;
@@ -105,7 +109,7 @@ void X11FrameSetter::start(xcb_window_t window, const QRect& goal, const Begun& 
             facts.shadow.bottom, facts.limits.minimum.width(), facts.limits.minimum.height(),
             facts.limits.maximum.width(), facts.limits.maximum.height(),
             facts.limits.increment.width(), facts.limits.increment.height());
-    Running running{X11FramePlacement(goal, cornerOffset_, begun.tiling), {}, {}, {}, {}, false};
+    Running running{X11FramePlacement(goal, manners_, begun.tiling), {}, {}, {}, {}, false};
     running.interest =
         selection_.select(window, XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE);
     running.listener = connection_.listen(
@@ -217,27 +221,42 @@ void X11FrameSetter::perform(xcb_window_t window, const X11FramePlacement::Actio
         changeState(window, false, X11Atom::netWmStateFullscreen);
     if (action.removesShaded)
         changeState(window, false, X11Atom::netWmStateShaded);
-    if (action.request) {
-        constexpr std::uint32_t northWest = XCB_GRAVITY_NORTH_WEST;
-        constexpr std::uint32_t hasAll = 0xFU << 8U;
-        const QRect& frame = *action.request;
-        qCDebug(x11FramesLog,
-                "Window %ls: asked the window manager for the corner %+d%+d and a client of %dx%d",
-                qUtf16Printable(words(window)), frame.x(), frame.y(), frame.width(),
-                frame.height());
-        sendToWindowManager(
-            connection_, window, X11Atom::netMoveresizeWindow,
-            {northWest | hasAll | (sourceIsUser << 12U), static_cast<std::uint32_t>(frame.x()),
-             static_cast<std::uint32_t>(frame.y()), static_cast<std::uint32_t>(frame.width()),
-             static_cast<std::uint32_t>(frame.height())});
-    }
+    if (action.request)
+        request(window, *action.request, action.way);
     if (action.isFinished) {
         end(window);
-    } else if (action.startsWaiting) {
-        if (const auto found = running_.find(window); found != running_.end())
+    } else if (const auto found = running_.find(window); found != running_.end()) {
+        if (action.startsWaiting)
             wait(window, found->second);
+        else if (action.startsFollowing)
+            found->second.timer = ScopedTimer(
+                loop_.scheduleOnce(shadowPatience, [this, window] { timePassed(window); }));
     }
     connection_.flush();
+}
+
+void X11FrameSetter::request(xcb_window_t window, const QRect& frame, X11FramePlacement::Way way) {
+    qCDebug(x11FramesLog,
+            "Window %ls: asked the window manager%s for the %s %+d%+d and a client of %dx%d",
+            qUtf16Printable(words(window)),
+            way == X11FramePlacement::Way::hint ? "" : ", as clients ask,",
+            way == X11FramePlacement::Way::hint ? "corner" : "place", frame.x(), frame.y(),
+            frame.width(), frame.height());
+    const std::array<std::uint32_t, 4> values{
+        static_cast<std::uint32_t>(frame.x()), static_cast<std::uint32_t>(frame.y()),
+        static_cast<std::uint32_t>(frame.width()), static_cast<std::uint32_t>(frame.height())};
+    if (way == X11FramePlacement::Way::configure) {
+        xcb_configure_window(connection_.xcb(), window,
+                             XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH |
+                                 XCB_CONFIG_WINDOW_HEIGHT,
+                             values.data());
+        return;
+    }
+    constexpr std::uint32_t northWest = XCB_GRAVITY_NORTH_WEST;
+    constexpr std::uint32_t hasAll = 0xFU << 8U;
+    sendToWindowManager(
+        connection_, window, X11Atom::netMoveresizeWindow,
+        {northWest | hasAll | (sourceIsUser << 12U), values[0], values[1], values[2], values[3]});
 }
 
 void X11FrameSetter::wait(xcb_window_t window, Running& running) {
@@ -265,10 +284,12 @@ void X11FrameSetter::windowManagerChanged() {
             !windowManager_.isRunning() ? "No window manager runs"
             : windowManager_.supports(X11Atom::netMoveresizeWindow)
                 ? "A window manager runs; it announces that it moves windows when asked"
-                : "A window manager runs; it does not announce that it moves windows when asked");
-    // Another one has an offset of its own. What runs keeps the old one, and alone goes on learning
-    // it.
-    cornerOffset_ = std::make_shared<X11FramePlacement::CornerOffset>();
+                : "A window manager runs; windows are moved as clients ask for it");
+    // Another one has manners of its own. What runs keeps the old ones, and alone goes on learning
+    // them.
+    manners_ = std::make_shared<X11FramePlacement::Manners>();
+    if (!windowManager_.supports(X11Atom::netMoveresizeWindow))
+        manners_->way = X11FramePlacement::Way::configure;
     answersFences_ = false;
     trialFence_.reset();
     if (!windowManager_.supports(X11Atom::netRequestFrameExtents))

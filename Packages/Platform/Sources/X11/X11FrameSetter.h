@@ -79,6 +79,7 @@ private:
     void wait(xcb_window_t window, Running& running);
     void fenceReached(xcb_window_t window);
     void windowManagerChanged();
+    void request(xcb_window_t window, const QRect& frame, X11FramePlacement::Way way);
     void changeState(xcb_window_t window, bool adds, X11Atom first,
                      std::optional<X11Atom> second = {});
     /// Says that a placement has come to its end, with the window as it looks then.
@@ -96,9 +97,9 @@ private:
     std::map<xcb_window_t, Running> running_;
     std::unique_ptr<X11Fence> trialFence_;
     bool answersFences_ = false;
-    /// Of the window manager now: what one placement finds out serves those that run beside it.
-    std::shared_ptr<X11FramePlacement::CornerOffset> cornerOffset_ =
-        std::make_shared<X11FramePlacement::CornerOffset>();
+    /// Of the window manager now.
+    std::shared_ptr<X11FramePlacement::Manners> manners_ =
+        std::make_shared<X11FramePlacement::Manners>();
 };
 
 } // namespace tilewright

@@ -23,6 +23,7 @@ void X11InputState::start(const X11InputServerState& server, X11InputOwner dragO
     isConfirmed_ = true;
     contradictions_ = 0;
     hasMoved_ = false;
+    isCalledOff_ = false;
     dragOwner_ = dragOwner;
 }
 
@@ -76,7 +77,17 @@ void X11InputState::modifiersChanged(ModifierFlags modifiers) {
         return;
     flushMove();
     modifiers_ = modifiers;
-    report(EventType::flagsChanged);
+    if (!isCalledOff_)
+        report(EventType::flagsChanged);
+}
+
+void X11InputState::escapePressed() {
+    if (!isLeftDown_ || isCalledOff_)
+        return;
+    flushMove();
+    isCalledOff_ = true;
+    if (modifiers_ != ModifierFlags())
+        report(EventType::flagsChanged);
 }
 
 void X11InputState::settle(const std::optional<X11InputServerState>& server) {
@@ -126,10 +137,12 @@ void X11InputState::setLeftDown(bool isDown) {
     isLeftDown_ = isDown;
     leftButton_ = 0;
     report(isDown ? EventType::leftMouseDown : EventType::leftMouseUp);
+    if (std::exchange(isCalledOff_, false) && modifiers_ != ModifierFlags())
+        report(EventType::flagsChanged);
 }
 
 void X11InputState::report(EventType type) {
-    events_.push_back({type, modifiers_});
+    events_.push_back({type, modifiers()});
 }
 
 void X11InputState::flushMove() {

@@ -56,6 +56,9 @@ public:
     void released(quint32 button);
     void moved();
     void modifiersChanged(ModifierFlags modifiers);
+    /// Escape was pressed. A drag under way is called off: the window manager puts the window back,
+    /// and no modifier key counts until the left button is let go.
+    void escapePressed();
     /// The raw events at hand are all told: reports the moves as one, and compares with the state
     /// that the server had after all of them; none when it did not answer.
     void settle(const std::optional<X11InputServerState>& server);
@@ -66,7 +69,10 @@ public:
     [[nodiscard]] std::vector<Report> takeReports(const X11InputOwners& owners);
     /// Whether the left button is held, as far as is known: moves matter only then.
     [[nodiscard]] bool isLeftButtonDown() const { return isLeftDown_; }
-    [[nodiscard]] ModifierFlags modifiers() const { return modifiers_; }
+    /// The modifier keys that are told of.
+    [[nodiscard]] ModifierFlags modifiers() const {
+        return isCalledOff_ ? ModifierFlags() : modifiers_;
+    }
 
 private:
     [[nodiscard]] quint32 logicalButton(quint32 button) const;
@@ -81,6 +87,7 @@ private:
 
     std::vector<std::uint8_t> mapping_;
     std::vector<Event> events_;
+    /// Those that are held, told or not.
     ModifierFlags modifiers_;
     bool isLeftDown_ = false;
     /// The physical button that holds the left one down; 0 when that is not known.
@@ -89,6 +96,7 @@ private:
     bool isConfirmed_ = true;
     int contradictions_ = 0;
     bool hasMoved_ = false;
+    bool isCalledOff_ = false;
     X11InputOwner dragOwner_ = X11InputOwner::other;
 };
 

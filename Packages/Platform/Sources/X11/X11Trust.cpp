@@ -31,8 +31,7 @@ X11Trust::Lack X11Trust::lack() const {
         return Lack::inputEvents;
     if (!windowManager_.isRunning())
         return Lack::windowManager;
-    if (!windowManager_.supports(X11Atom::netMoveresizeWindow) ||
-        !windowManager_.supports(X11Atom::netActiveWindow))
+    if (!windowManager_.supports(X11Atom::netActiveWindow))
         return Lack::windowManagerSupport;
     return Lack::nothing;
 }

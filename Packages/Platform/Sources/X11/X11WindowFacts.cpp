@@ -129,6 +129,15 @@ X11SizeLimits X11SizeLimits::fromHints(const std::vector<std::uint32_t>& hints) 
     return limits;
 }
 
+xcb_gravity_t gravityFromHints(const std::vector<std::uint32_t>& hints) {
+    constexpr std::uint32_t hasGravity = 1U << 9U;
+    constexpr std::size_t lengthWithGravity = 18;
+    if (hints.size() < lengthWithGravity || (hints[0] & hasGravity) == 0 ||
+        hints[17] < XCB_GRAVITY_NORTH_WEST || hints[17] > XCB_GRAVITY_STATIC)
+        return XCB_GRAVITY_NORTH_WEST;
+    return static_cast<xcb_gravity_t>(hints[17]);
+}
+
 QSize X11SizeLimits::constrained(QSize wish) const {
     const auto dimension = [](int value, int least, int most, int start, int step) {
         const int within = std::clamp(value, least, most);
@@ -153,6 +162,15 @@ QSize X11WindowFacts::outerSize(QSize clientSize) const {
     return {clientSize.width() + decorations.left + decorations.right - shadow.left - shadow.right,
             clientSize.height() + decorations.top + decorations.bottom - shadow.top -
                 shadow.bottom};
+}
+
+QPoint X11WindowFacts::gravityOffset() const {
+    if (gravity == XCB_GRAVITY_STATIC)
+        return {decorations.left, decorations.top};
+    // The others are three rows of three, from the upper left on.
+    const int place = gravity - XCB_GRAVITY_NORTH_WEST;
+    return {(decorations.left + decorations.right) * (place % 3) / 2,
+            (decorations.top + decorations.bottom) * (place / 3) / 2};
 }
 
 X11WindowFacts readWindowFacts(X11Connection& connection, xcb_window_t window) {
@@ -200,7 +218,9 @@ X11WindowFacts readWindowFacts(X11Connection& connection, xcb_window_t window) {
     facts.processID = process.empty() ? 0 : static_cast<qint64>(process[0]);
     facts.client = QRect(origin->dst_x, origin->dst_y, geometry->width, geometry->height);
     facts.shadow = extentsFrom(shadow);
+    facts.tellsShadow = shadow.size() >= 4;
     facts.limits = X11SizeLimits::fromHints(hints);
+    facts.gravity = gravityFromHints(hints);
     facts.decorations = decorations.size() >= 4 || !facts.isManaged
                             ? extentsFrom(decorations)
                             : extentsFromTree(connection, window, facts.client);

@@ -34,6 +34,10 @@ struct X11SizeLimits {
     friend bool operator==(const X11SizeLimits&, const X11SizeLimits&) = default;
 };
 
+/// The point of a window's frame that lies where the client asks to be, as a client's
+/// WM_NORMAL_HINTS say; the frame's upper left corner where they do not.
+[[nodiscard]] xcb_gravity_t gravityFromHints(const std::vector<std::uint32_t>& hints);
+
 /// What was found out about a window in one look. Coordinates are the X screen's pixels.
 struct X11WindowFacts {
     /// Whether the window exists; nothing else holds where it does not.
@@ -59,7 +63,10 @@ struct X11WindowFacts {
     X11Extents decorations;
     /// The invisible part that the client drew around itself.
     X11Extents shadow;
+    /// Whether the client tells of such a part, be it that there is none now.
+    bool tellsShadow = false;
     X11SizeLimits limits;
+    xcb_gravity_t gravity = XCB_GRAVITY_NORTH_WEST;
 
     /// What the user sees of the window: with decorations, without shadows.
     [[nodiscard]] QRect outerFrame() const;
@@ -67,6 +74,10 @@ struct X11WindowFacts {
     [[nodiscard]] QSize clientSize(QSize outer) const;
     /// The outer frame's size when the client has a size.
     [[nodiscard]] QSize outerSize(QSize client) const;
+    /// How far the point that a client asks for lies from its frame's upper left corner, while it
+    /// asks for a size as well: what the decorations add on both sides goes to the left and above
+    /// of it as its gravity says.
+    [[nodiscard]] QPoint gravityOffset() const;
 };
 
 /// Looks at a window: one round trip. Where the window manager tells of no decorations the window's

@@ -119,6 +119,23 @@ TEST(X11SizeLimits, AreNoneWhereTheHintsAreCutShort) {
     EXPECT_EQ(X11SizeLimits::fromHints({}), X11SizeLimits());
 }
 
+TEST(X11Gravity, IsTheUpperLeftCornerUnlessTheHintsNameAnother) {
+    constexpr std::uint32_t gravityHint = 1U << 9U;
+    auto items = hints(gravityHint, {}, {}, {});
+    EXPECT_EQ(gravityFromHints(items), XCB_GRAVITY_NORTH_WEST) << "none that is known";
+    items[17] = XCB_GRAVITY_SOUTH_EAST;
+    EXPECT_EQ(gravityFromHints(items), XCB_GRAVITY_SOUTH_EAST);
+    items[17] = 4'000'000;
+    EXPECT_EQ(gravityFromHints(items), XCB_GRAVITY_NORTH_WEST);
+    items[17] = XCB_GRAVITY_STATIC;
+    EXPECT_EQ(gravityFromHints(items), XCB_GRAVITY_STATIC);
+    items[0] = 0;
+    EXPECT_EQ(gravityFromHints(items), XCB_GRAVITY_NORTH_WEST) << "not told";
+    items[0] = gravityHint;
+    items.resize(17);
+    EXPECT_EQ(gravityFromHints(items), XCB_GRAVITY_NORTH_WEST) << "cut short";
+}
+
 TEST(X11WindowFacts, CountDecorationsInAndShadowsOut) {
     X11WindowFacts facts;
     facts.client = QRect(100, 100, 500, 300);

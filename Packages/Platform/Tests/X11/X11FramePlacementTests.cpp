@@ -6,6 +6,8 @@ using namespace tilewright;
 
 namespace {
 
+using Way = X11FramePlacement::Way;
+
 const QRect goal(100, 50, 600, 400);
 
 /// A window with server-side decorations whose outer frame is this.
@@ -30,7 +32,7 @@ TEST(X11FramePlacement, AsksForTheFramesCornerAndTheClientsSize) {
 }
 
 TEST(X11FramePlacement, ClearsAtOnceTheStateThatTheWindowManagersTilingMaySetUnseen) {
-    X11FramePlacement placement(goal, std::make_shared<X11FramePlacement::CornerOffset>(),
+    X11FramePlacement placement(goal, std::make_shared<X11FramePlacement::Manners>(),
                                 X11FramePlacement::Tiling::likely);
     const auto action = placement.begin(windowAt({0, 0, 300, 300}));
     EXPECT_TRUE(action.removesMaximized);
@@ -98,8 +100,11 @@ TEST(X11FramePlacement, AsksAgainWhereNothingHasStirred) {
     const X11WindowFacts still = windowAt({0, 0, 300, 300});
     X11FramePlacement placement(goal);
     EXPECT_TRUE(placement.begin(still).request.has_value());
-    EXPECT_TRUE(placement.timePassed(still).request.has_value());
-    EXPECT_TRUE(placement.timePassed(still).request.has_value());
+    EXPECT_EQ(placement.timePassed(still).way, Way::hint);
+    EXPECT_EQ(placement.timePassed(still).way, Way::hint);
+    // What clients themselves ask for is the last thing that may be heard.
+    EXPECT_EQ(placement.timePassed(still).way, Way::configure);
+    EXPECT_EQ(placement.timePassed(still).way, Way::configure);
     EXPECT_TRUE(placement.timePassed(still).isFinished);
 }
 
@@ -154,7 +159,7 @@ TEST(X11FramePlacement, ClearsAStateThatTheWindowManagersOwnTilingBringsBack) {
 }
 
 TEST(X11FramePlacement, LearnsThatTheCornerIsTakenForTheClients) {
-    const auto known = std::make_shared<X11FramePlacement::CornerOffset>();
+    const auto known = std::make_shared<X11FramePlacement::Manners>();
     X11FramePlacement placement(goal, known);
     static_cast<void>(placement.begin(windowAt({0, 0, 300, 300})));
     const auto again = placement.timePassed(windowAt(goal.translated(-2, -20)));
@@ -164,7 +169,7 @@ TEST(X11FramePlacement, LearnsThatTheCornerIsTakenForTheClients) {
 }
 
 TEST(X11FramePlacement, KeepsWhatAnotherLearntWhileItWasUnderWayItself) {
-    const auto known = std::make_shared<X11FramePlacement::CornerOffset>();
+    const auto known = std::make_shared<X11FramePlacement::Manners>();
     X11FramePlacement first(goal, known);
     X11FramePlacement second(goal, known);
     static_cast<void>(first.begin(windowAt({0, 0, 300, 300})));
@@ -175,14 +180,140 @@ TEST(X11FramePlacement, KeepsWhatAnotherLearntWhileItWasUnderWayItself) {
     EXPECT_EQ(second.timePassed(missed).request, QRect(102, 70, 596, 376));
     EXPECT_TRUE(first.timePassed(windowAt(goal)).isFinished);
     EXPECT_TRUE(second.timePassed(windowAt(goal)).isFinished);
-    EXPECT_EQ(known->offset, QPoint(2, 20));
+    EXPECT_EQ(known->corner.offset, QPoint(2, 20));
 }
 
 TEST(X11FramePlacement, ForgetsACornerOffsetThatProvesWrong) {
-    const auto known = std::make_shared<X11FramePlacement::CornerOffset>();
-    *known = {{2, 2, 20, 4}, QPoint(2, 20)};
+    const auto known = std::make_shared<X11FramePlacement::Manners>();
+    known->corner = {{2, 2, 20, 4}, QPoint(2, 20)};
     X11FramePlacement placement(goal, known);
     static_cast<void>(placement.begin(windowAt({0, 0, 300, 300})));
     EXPECT_EQ(placement.timePassed(windowAt(goal.translated(2, 20))).request,
               QRect(100, 50, 596, 376));
+}
+
+TEST(X11FramePlacement, AsksAsClientsDoWhereTheWindowManagerKnowsNoOtherWay) {
+    const auto known = std::make_shared<X11FramePlacement::Manners>();
+    known->way = Way::configure;
+    X11FramePlacement placement(goal, known);
+    const auto action = placement.begin(windowAt({0, 0, 300, 300}));
+    EXPECT_EQ(action.way, Way::configure);
+    EXPECT_EQ(action.request, QRect(100, 50, 596, 376));
+}
+
+TEST(X11FramePlacement, AsksAsClientsDoForThePointThatTheirGravityNames) {
+    const auto known = std::make_shared<X11FramePlacement::Manners>();
+    known->way = Way::configure;
+    const auto askedWith = [&](xcb_gravity_t gravity) {
+        X11WindowFacts facts = windowAt({0, 0, 300, 300});
+        facts.gravity = gravity;
+        return X11FramePlacement(goal, known).begin(facts).request->topLeft() - goal.topLeft();
+    };
+    EXPECT_EQ(askedWith(XCB_GRAVITY_NORTH_WEST), QPoint(0, 0));
+    EXPECT_EQ(askedWith(XCB_GRAVITY_NORTH), QPoint(2, 0));
+    EXPECT_EQ(askedWith(XCB_GRAVITY_NORTH_EAST), QPoint(4, 0));
+    EXPECT_EQ(askedWith(XCB_GRAVITY_WEST), QPoint(0, 12));
+    EXPECT_EQ(askedWith(XCB_GRAVITY_CENTER), QPoint(2, 12));
+    EXPECT_EQ(askedWith(XCB_GRAVITY_EAST), QPoint(4, 12));
+    EXPECT_EQ(askedWith(XCB_GRAVITY_SOUTH_WEST), QPoint(0, 24));
+    EXPECT_EQ(askedWith(XCB_GRAVITY_SOUTH), QPoint(2, 24));
+    EXPECT_EQ(askedWith(XCB_GRAVITY_SOUTH_EAST), QPoint(4, 24));
+    EXPECT_EQ(askedWith(XCB_GRAVITY_STATIC), QPoint(2, 20));
+}
+
+TEST(X11FramePlacement, RemembersWhichWayWasHeard) {
+    const auto known = std::make_shared<X11FramePlacement::Manners>();
+    const X11WindowFacts still = windowAt({0, 0, 300, 300});
+    X11FramePlacement placement(goal, known);
+    static_cast<void>(placement.begin(still));
+    for (int attempt = 0; attempt < 3; ++attempt)
+        static_cast<void>(placement.timePassed(still));
+    EXPECT_EQ(known->way, Way::hint);
+    EXPECT_TRUE(placement.timePassed(windowAt(goal)).isFinished);
+    EXPECT_EQ(known->way, Way::configure);
+    EXPECT_EQ(X11FramePlacement(goal, known).begin(still).way, Way::configure);
+}
+
+TEST(X11FramePlacement, AcceptsThatAWindowTooLargeForItsPlaceIsPushedBackOnTheScreen) {
+    X11FramePlacement placement(goal);
+    X11WindowFacts large = windowAt(QRect(100, 50, 600, 400));
+    large.limits.minimum = {696, 376};
+    large.client.setSize({696, 376});
+    static_cast<void>(placement.begin(large));
+    large.client.translate(-100, 0);
+    EXPECT_TRUE(placement.isReached(large));
+    EXPECT_TRUE(placement.timePassed(large).isFinished);
+    large.client.translate(-1, 0);
+    EXPECT_FALSE(placement.isReached(large)) << "further than to the edge of its place";
+    large.client.translate(101, -1);
+    EXPECT_FALSE(placement.isReached(large)) << "elsewhere in the direction in which it fits";
+}
+
+namespace {
+
+/// A client that draws its own shadow, its visible part like this.
+X11WindowFacts shadowed(const QRect& visible, X11Extents shadow) {
+    X11WindowFacts facts = windowAt(visible, {});
+    facts.tellsShadow = true;
+    facts.shadow = shadow;
+    facts.client = visible.adjusted(-shadow.left, -shadow.top, shadow.right, shadow.bottom);
+    return facts;
+}
+
+const X11Extents broad{26, 26, 23, 29};
+
+/// A placement of a window that was maximised, with all done but that its shadow is not back.
+X11FramePlacement withoutItsShadowYet() {
+    X11FramePlacement placement(goal);
+    X11WindowFacts maximized = shadowed({0, 0, 1920, 1080}, {});
+    maximized.isMaximized = true;
+    static_cast<void>(placement.begin(maximized));
+    static_cast<void>(placement.windowChanged(shadowed({0, 0, 900, 700}, {})));
+    const auto last = placement.timePassed(shadowed(goal, {}));
+    EXPECT_FALSE(last.isFinished);
+    EXPECT_TRUE(last.startsFollowing);
+    return placement;
+}
+
+/// The same window once its client has drawn the shadow within its size.
+X11WindowFacts withTheShadowBack() {
+    X11WindowFacts facts = shadowed(goal, {});
+    facts.shadow = broad;
+    return facts;
+}
+
+} // namespace
+
+TEST(X11FramePlacement, FollowsTheShadowThatComesBackAfterAMaximisedState) {
+    X11FramePlacement placement = withoutItsShadowYet();
+    const auto correction = placement.windowChanged(withTheShadowBack());
+    EXPECT_EQ(correction.request, QRect(74, 27, 652, 452));
+    EXPECT_FALSE(correction.startsWaiting);
+    EXPECT_FALSE(placement.windowChanged(shadowed(goal, broad)).request.has_value());
+    EXPECT_TRUE(placement.timePassed(shadowed(goal, broad)).isFinished);
+}
+
+TEST(X11FramePlacement, LeavesAWindowThatTheUserMovesBeforeItsShadowIsBack) {
+    X11FramePlacement placement = withoutItsShadowYet();
+    X11WindowFacts moved = withTheShadowBack();
+    moved.client.translate(1, 0);
+    EXPECT_FALSE(placement.windowChanged(moved).request.has_value());
+    X11WindowFacts maximized = withTheShadowBack();
+    maximized.isMaximized = true;
+    const auto action = placement.windowChanged(maximized);
+    EXPECT_FALSE(action.request.has_value());
+    EXPECT_FALSE(action.removesMaximized);
+}
+
+TEST(X11FramePlacement, FollowsNoShadowWhereNothingWasMaximisedOrNoneIsDrawn) {
+    X11FramePlacement plain(goal);
+    static_cast<void>(plain.begin(shadowed({0, 0, 300, 300}, broad)));
+    EXPECT_TRUE(plain.timePassed(shadowed(goal, broad)).isFinished);
+
+    X11FramePlacement decorated(goal);
+    X11WindowFacts maximized = windowAt({0, 0, 1920, 1080});
+    maximized.isMaximized = true;
+    static_cast<void>(decorated.begin(maximized));
+    static_cast<void>(decorated.windowChanged(windowAt({0, 0, 300, 300})));
+    EXPECT_TRUE(decorated.timePassed(windowAt(goal)).isFinished);
 }

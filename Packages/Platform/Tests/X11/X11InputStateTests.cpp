@@ -8,9 +8,11 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ::testing::Pair;
 
 constexpr ModifierFlags none;
 constexpr ModifierFlags control{ModifierFlag::control};
+constexpr ModifierFlags shift{ModifierFlag::shift};
 
 struct X11InputStateTest : ::testing::Test {
     std::vector<EventType> told() {
@@ -19,7 +21,20 @@ struct X11InputStateTest : ::testing::Test {
             types.push_back(report.event.type);
         return types;
     }
+    std::vector<std::pair<EventType, ModifierFlags>> toldWithFlags() {
+        std::vector<std::pair<EventType, ModifierFlags>> events;
+        for (const auto& report : state.takeReports(owners))
+            events.emplace_back(report.event.type, report.event.modifierFlags);
+        return events;
+    }
     void settle() { state.settle(server); }
+    void pressAndSettleWith(ModifierFlags held) {
+        static_cast<void>(told());
+        state.pressed(1);
+        server.isLeftButtonDown = true;
+        settle();
+        EXPECT_THAT(toldWithFlags(), ElementsAre(Pair(EventType::leftMouseDown, held)));
+    }
     void pressAndSettle() {
         state.pressed(1);
         server.isLeftButtonDown = true;
@@ -268,6 +283,47 @@ TEST_F(X11InputStateTest, NeedsOwnersForPressesAndKeysAloneSinceADragHasItsOwn) 
     EXPECT_TRUE(state.needsOwners());
 }
 
+TEST_F(X11InputStateTest, EscapeTakesTheKeysAwayUntilTheButtonIsLetGo) {
+    server.modifiers = control;
+    state.modifiersChanged(control);
+    pressAndSettleWith(control);
+    state.escapePressed();
+    state.moved();
+    settle();
+    EXPECT_THAT(toldWithFlags(), ElementsAre(Pair(EventType::flagsChanged, none),
+                                             Pair(EventType::leftMouseDragged, none)));
+    EXPECT_EQ(state.modifiers(), none);
+    server.modifiers = shift;
+    state.modifiersChanged(shift);
+    state.escapePressed();
+    settle();
+    EXPECT_THAT(told(), IsEmpty());
+    state.released(1);
+    server.isLeftButtonDown = false;
+    settle();
+    EXPECT_THAT(toldWithFlags(), ElementsAre(Pair(EventType::leftMouseUp, none),
+                                             Pair(EventType::flagsChanged, shift)));
+    state.escapePressed();
+    settle();
+    EXPECT_THAT(told(), IsEmpty()) << "nothing is dragged";
+    EXPECT_EQ(state.modifiers(), shift);
+}
+
+TEST_F(X11InputStateTest, EscapeWithoutAKeyTellsNothingAndCallsTheDragOffAllTheSame) {
+    pressAndSettle();
+    state.escapePressed();
+    state.modifiersChanged(control);
+    server.modifiers = control;
+    settle();
+    EXPECT_THAT(told(), IsEmpty());
+    state.released(1);
+    server.isLeftButtonDown = false;
+    settle();
+    EXPECT_THAT(toldWithFlags(), ElementsAre(Pair(EventType::leftMouseUp, none),
+                                             Pair(EventType::flagsChanged, control)));
+    pressAndSettleWith(control);
+}
+
 TEST_F(X11InputStateTest, StartsInTheMiddleOfADrag) {
     state.start({true, control}, X11InputOwner::own);
     EXPECT_TRUE(state.isLeftButtonDown());
@@ -288,7 +344,10 @@ public:
     }
 
     void step() {
-        switch (below(6)) {
+        switch (below(7)) {
+        case 6:
+            state_.escapePressed();
+            break;
         case 0:
             setButton(!truth_.isLeftButtonDown);
             break;
@@ -317,6 +376,11 @@ public:
             state_.settle(counted());
         check();
         EXPECT_EQ(state_.isLeftButtonDown(), truth_.isLeftButtonDown);
+        // What Escape has called off ends with the button.
+        truth_.isLeftButtonDown = false;
+        for (int i = 0; i < 300; ++i)
+            state_.settle(counted());
+        check();
         EXPECT_EQ(state_.modifiers(), truth_.modifiers);
     }
 
