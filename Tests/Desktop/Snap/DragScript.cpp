@@ -41,15 +41,17 @@ void DragScript::grab(const TestClient& client, KeyTiming timing) {
         const QRect frame = inspector.outerFrame(client.window);
         return frame.width() > 100 && inspector.isMapped(client.window);
     })) << desktop_.describe();
-    const Grip grip = gripOf(client);
+    Grip grip;
+    // A client that draws its own bar tells the server a moment after it was resized where it takes
+    // the mouse: until then a press goes to the desktop beneath, which takes the focus away. And a
+    // window may be on its way back from a drag that was called off.
+    EXPECT_TRUE(waitUntil([&] {
+        grip = gripOf(client);
+        return inspector.toplevelAt(grip.place) == inspector.toplevelOf(client.window);
+    })) << "another window is at "
+        << grip.place.x() << "," << grip.place.y() << desktop_.describe();
     const QPoint from = grip.place;
     const QRect before = inspector.outerFrame(client.window);
-    // A client that draws its own bar tells the server a moment after it was resized where it takes
-    // the mouse: until then a press goes to the desktop beneath, which takes the focus away.
-    EXPECT_TRUE(waitUntil([&] {
-        return inspector.toplevelAt(from) == inspector.toplevelOf(client.window);
-    })) << "another window is at "
-        << from.x() << "," << from.y() << desktop_.describe();
     input.move(from);
     if (timing == KeyTiming::beforeThePress)
         program_.pressKey();

@@ -23,10 +23,6 @@ TestClient SnapCases::open(ClientKind kind, const QRect& area) const {
     return client;
 }
 
-TestClient SnapCases::openBeside() const {
-    return open(ClientKind::qt, {1400, 100, 440, 360});
-}
-
 QRect SnapCases::frame(std::size_t zone) const {
     const auto& zones = ZoneLayout::bentoBox().zones;
     return zoneFrame(zones[zone % zones.size()], area_);
@@ -71,8 +67,8 @@ void SnapCases::releaseTheKeyFirst(ClientKind kind, std::initializer_list<KeyTim
     }
     // A drag of another window that does snap comes after it: what was to happen first has
     // happened.
-    const TestClient next = openBeside();
-    script_.run(next, KeyTiming::beforeThePress, frame(0).center());
+    const TestClient next = open(ClientKind::qt, {420, 260, 640, 420});
+    script_.run(next, KeyTiming::afterTheDragBegan, frame(0).center());
     expectFills(inspector_, ClientKind::qt, next, frame(0));
     EXPECT_EQ(inspector_.outerFrame(client.window).size(), before) << desktop_.describe();
     next.process->stop();
@@ -90,13 +86,12 @@ void SnapCases::pressEscape(ClientKind kind, KeyTiming timing, std::size_t zone)
     script_.releaseButton();
     script_.releaseKey();
     expectActive(client);
-    // A drag of another window that does snap comes after it: what was to happen first has
-    // happened.
-    const TestClient next = openBeside();
-    script_.run(next, timing, frame(zone).center());
-    expectFills(inspector_, ClientKind::qt, next, frame(zone));
+    // By the time that the overlay shows again, what was to happen at the release has happened.
+    script_.grab(client, timing);
     EXPECT_EQ(inspector_.outerFrame(client.window).size(), before) << desktop_.describe();
-    next.process->stop();
+    script_.dragTo(frame(zone).center());
+    script_.drop();
+    expectFills(inspector_, kind, client, frame(zone));
     client.process->stop();
 }
 

@@ -42,9 +42,6 @@ public:
 private:
     /// Opens a window and waits until it is the active one, in its place.
     [[nodiscard]] TestClient open(ClientKind kind, const QRect& area = {300, 200, 640, 420}) const;
-    /// Opens a window where no other one of a case lies, neither before nor after its drag: some
-    /// window managers put a window beneath others when a modifier and a button are pressed on it.
-    [[nodiscard]] TestClient openBeside() const;
     [[nodiscard]] QRect frame(std::size_t zone) const;
     /// Waits until the window that was dragged is the active one.
     void expectActive(const TestClient& client) const;
