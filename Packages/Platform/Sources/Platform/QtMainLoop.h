@@ -6,8 +6,8 @@
 
 namespace tilewright {
 
-/// Qt's event loop as a `MainLoop`, the same on every desktop. Needs a QCoreApplication for anything
-/// to fire. Tasks still pending when it is destroyed are dropped.
+/// Qt's event loop as a `MainLoop`, the same on every desktop. Needs a QCoreApplication for
+/// anything to fire. Tasks still pending when it is destroyed are dropped.
 class QtMainLoop final : public MainLoop {
 public:
     QtMainLoop();
