@@ -281,7 +281,7 @@ INSTANTIATE_TEST_SUITE_P(Under, WindowStates,
                                            WindowManagerKind::kwin, WindowManagerKind::marco,
                                            WindowManagerKind::mutter, WindowManagerKind::muffin,
                                            WindowManagerKind::icewm, WindowManagerKind::fluxbox,
-                                           WindowManagerKind::i3, WindowManagerKind::wmaker),
+                                           WindowManagerKind::i3),
                          managerName);
 
 INSTANTIATE_TEST_SUITE_P(Under, MinimisedWindows,

@@ -103,12 +103,13 @@ QString CompanionPanelSurface::title() {
 
 CompanionPanelSurface::CompanionPanelSurface(CompanionState& state, const CompanionScreens& screens,
                                              const Pointer& pointer, CompanionOutbox& outbox,
-                                             ViewFactory makeView,
+                                             const MainLoop& loop, ViewFactory makeView,
                                              std::unique_ptr<PanelChrome> chrome)
     : state_(state)
     , screens_(screens)
     , pointer_(pointer)
     , outbox_(outbox)
+    , loop_(loop)
     , makeView_(std::move(makeView))
     , chrome_(std::move(chrome)) {
     connect(&state_, &CompanionState::greeted, this, &CompanionPanelSurface::introduce);
@@ -189,10 +190,11 @@ void CompanionPanelSurface::close() {
 }
 
 void CompanionPanelSurface::toggle(const Anchor& item) {
-    // A press on the item is none outside, and takes no focus from the panel.
+    const auto lostFocusAt = std::exchange(lostFocusAt_, std::nullopt);
     if (window_)
         close();
-    else
+    // A press on the item is none outside; yet at times the shell has the focus by it.
+    else if (!lostFocusAt || loop_.now() - *lostFocusAt > clickPatience)
         open(item);
 }
 
@@ -211,6 +213,8 @@ void CompanionPanelSurface::dismiss(PanelDismissal why) {
         return;
     // Perhaps called by the window itself, or by a button in it.
     window_.release()->retire();
+    if (why == PanelDismissal::anotherWindow)
+        lostFocusAt_ = loop_.now();
     if (state_.isConnected())
         outbox_.setPanel(description());
     Q_EMIT dismissed(why);

@@ -3,10 +3,12 @@
 #include "CompanionOutbox.h"
 #include "CompanionScreens.h"
 
+#include <Platform/MainLoop.h>
 #include <Platform/PanelSurface.h>
 #include <Platform/Pointer.h>
 
 #include <memory>
+#include <optional>
 
 namespace tilewright {
 
@@ -20,13 +22,17 @@ public:
     /// How far the panel keeps from the edges of its display's free part, in Qt's points.
     static constexpr int gap = 4;
 
+    /// How long a click on the item takes at most: where its press has cost the panel the focus,
+    /// and so dismissed it, the click that follows does not open it again.
+    static constexpr MainLoop::Interval clickPatience{500};
+
     /// The title by which the window is known; no other window of this program has it.
     [[nodiscard]] static QString title();
 
     /// All but the factory and the chrome have to outlive this.
     CompanionPanelSurface(CompanionState& state, const CompanionScreens& screens,
-                          const Pointer& pointer, CompanionOutbox& outbox, ViewFactory makeView,
-                          std::unique_ptr<PanelChrome> chrome);
+                          const Pointer& pointer, CompanionOutbox& outbox, const MainLoop& loop,
+                          ViewFactory makeView, std::unique_ptr<PanelChrome> chrome);
     ~CompanionPanelSurface() override;
 
     void open(const Anchor& anchor) override;
@@ -50,12 +56,15 @@ private:
     const CompanionScreens& screens_;
     const Pointer& pointer_;
     CompanionOutbox& outbox_;
+    const MainLoop& loop_;
     ViewFactory makeView_;
     std::unique_ptr<PanelChrome> chrome_;
     std::unique_ptr<Window> window_;
     AppKitRect anchor_;
     /// Whether the companion has told, since the opening, that the panel has the focus.
     bool hasHadFocus_ = false;
+    /// When it went for want of the focus, as the loop counts, and no click has come since.
+    std::optional<MainLoop::Interval> lostFocusAt_;
 };
 
 } // namespace tilewright

@@ -106,8 +106,8 @@ GnomePlatform::makeOverlaySurface(std::shared_ptr<OverlayView> view) {
 std::unique_ptr<PanelSurface> GnomePlatform::makePanelSurface(PanelSurface::ViewFactory makeView,
                                                               std::unique_ptr<PanelChrome> chrome) {
     return std::make_unique<CompanionPanelSurface>(parts_->state, parts_->screens, parts_->pointer,
-                                                   parts_->outbox, std::move(makeView),
-                                                   std::move(chrome));
+                                                   parts_->outbox, parts_->mainLoop,
+                                                   std::move(makeView), std::move(chrome));
 }
 
 } // namespace tilewright

@@ -94,7 +94,7 @@ protected:
     }
     [[nodiscard]] std::unique_ptr<CompanionPanelSurface> makePanel() {
         return std::make_unique<CompanionPanelSurface>(
-            state, screens, pointer, outbox,
+            state, screens, pointer, outbox, loop,
             [this] {
                 auto made = std::make_unique<Content>(viewHeight);
                 view = made.get();
@@ -183,6 +183,30 @@ TEST_F(GnomePartsTest, APanelFollowsTheSizeThatItsContentWants) {
     QEvent wish(QEvent::LayoutRequest);
     QCoreApplication::sendEvent(view, &wish);
     EXPECT_EQ(panel->window()->height(), 260 + 23 + 25);
+}
+
+TEST_F(GnomePartsTest, APanelThatThePressOfAClickCostTheFocusStaysClosedAtThatClick) {
+    tell("Hello", helloText());
+    const auto panel = makePanel();
+    const auto loseTheFocus = [&] {
+        panel->toggle(std::nullopt);
+        ASSERT_TRUE(panel->isOpen());
+        tell("Focus", R"({"focus":)" + windowText(2, "[0,0,9,9]", true) + "}");
+        tell("Focus", R"({"focus":)" + windowText(1) + "}");
+        ASSERT_FALSE(panel->isOpen());
+    };
+    loseTheFocus();
+    loop.advance(CompanionPanelSurface::clickPatience);
+    panel->toggle(std::nullopt);
+    EXPECT_FALSE(panel->isOpen());
+    // The next click is another one, and so is one that comes late.
+    loseTheFocus();
+    loop.advance(CompanionPanelSurface::clickPatience + 1ms);
+    panel->toggle(std::nullopt);
+    EXPECT_TRUE(panel->isOpen());
+    panel->close();
+    panel->toggle(std::nullopt);
+    EXPECT_TRUE(panel->isOpen()) << "closed on purpose";
 }
 
 TEST_F(GnomePartsTest, APanelGoesInTheOverviewWithTheFocusAndWithTheCompanion) {
