@@ -1,5 +1,6 @@
 #include "GnomeSession.h"
 
+#include <DesktopSession.h>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDir>
@@ -34,13 +35,6 @@ QString windowScript(const QString& title, const QString& rest) {
     return QStringLiteral("(() => { const w = global.get_window_actors().map(a => a.meta_window)"
                           ".find(m => m.get_title() === %1); %2 })()")
         .arg(quoted(title), rest);
-}
-
-void writeText(const QString& path, const QByteArray& text) {
-    EXPECT_TRUE(QDir().mkpath(QFileInfo(path).path()));
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::WriteOnly)) << path.toStdString();
-    EXPECT_EQ(file.write(text), text.size());
 }
 
 } // namespace
@@ -114,7 +108,7 @@ void GnomeSession::setUpEnvironment() {
 
 void GnomeSession::writeSettings() const {
     // A plain ground, so that a picture says what lies on it.
-    writeText(home() + QStringLiteral("/.config/glib-2.0/settings/keyfile"),
+    writeFile(home() + QStringLiteral("/.config/glib-2.0/settings/keyfile"),
               QByteArray("[org/gnome/shell]\nenabled-extensions=['") + companionUuid +
                   "']\ndisable-user-extensions=false\nwelcome-dialog-last-shown-version='999'\n"
                   "[org/gnome/desktop/background]\npicture-options='none'\n"
@@ -143,7 +137,7 @@ void GnomeSession::installCompanion(const QString& believedProgram) {
 bool GnomeSession::startBus(Subprocess& bus, const QString& name, const QString& variable) {
     const QString socket = home() + QStringLiteral("/run/") + name;
     const QString configuration = home() + QStringLiteral("/%1.conf").arg(name);
-    writeText(configuration, QString::fromLatin1(busConfiguration).arg(socket).toUtf8());
+    writeFile(configuration, QString::fromLatin1(busConfiguration).arg(socket).toUtf8());
     environment_.insert(variable, QStringLiteral("unix:path=") + socket);
     return bus.start(QStringLiteral("dbus-daemon"),
                      {QStringLiteral("--nofork"), QStringLiteral("--config-file=") + configuration},

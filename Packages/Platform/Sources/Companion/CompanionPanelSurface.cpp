@@ -1,105 +1,9 @@
 #include "CompanionPanelSurface.h"
 
-#include <QApplication>
-#include <QEvent>
-#include <QKeyEvent>
-#include <QLayout>
-#include <QPainter>
-#include <QWidget>
 #include <algorithm>
-#include <functional>
 #include <utility>
 
 namespace tilewright {
-
-class CompanionPanelSurface::Window final : public QWidget {
-public:
-    using Dismiss = std::function<void(PanelDismissal)>;
-
-    Window(std::unique_ptr<QWidget> view, PanelChrome& chrome, Dismiss dismiss)
-        : QWidget(nullptr, Qt::Window | Qt::FramelessWindowHint)
-        , chrome_(chrome)
-        , dismiss_(std::move(dismiss))
-        , view_(view.release()) {
-        setObjectName(QStringLiteral("panel"));
-        setWindowTitle(title());
-        setAccessibleName(title());
-        setAttribute(Qt::WA_TranslucentBackground);
-        setAttribute(Qt::WA_QuitOnClose, false);
-        view_->setParent(this);
-        view_->setAutoFillBackground(false);
-        view_->installEventFilter(this);
-        view_->show();
-    }
-
-    /// Nobody is told of it any longer.
-    void retire() {
-        dismiss_ = nullptr;
-        hide();
-        deleteLater();
-    }
-    /// Makes the window as large as its content wants to be, but for what is higher than that, in
-    /// Qt's points.
-    void fit(int mostHeight) {
-        mostHeight_ = mostHeight;
-        const QMargins margins = chrome_.margins(PanelRendering::translucent);
-        view_->ensurePolished();
-        QSize wanted = view_->sizeHint();
-        if (view_->layout()) {
-            view_->layout()->activate();
-            wanted = view_->layout()->totalSizeHint();
-        }
-        wanted = wanted.expandedTo(view_->minimumSize()).boundedTo(view_->maximumSize());
-        wanted.setHeight(std::min(wanted.height(), mostHeight_));
-        setFixedSize(wanted.grownBy(margins));
-        view_->setGeometry(QRect({margins.left(), margins.top()}, wanted));
-    }
-
-protected:
-    void paintEvent(QPaintEvent* /*event*/) override {
-        QPainter painter(this);
-        chrome_.paint(painter, rect(), palette(), PanelRendering::translucent);
-    }
-    void keyPressEvent(QKeyEvent* event) override {
-        if (event->matches(QKeySequence::Cancel))
-            tell(PanelDismissal::escape);
-        else
-            QWidget::keyPressEvent(event);
-    }
-    bool event(QEvent* event) override {
-        const bool isHandled = QWidget::event(event);
-        // What pops up from the panel belongs to it.
-        if (event->type() == QEvent::WindowDeactivate && !QApplication::activePopupWidget())
-            tell(PanelDismissal::anotherWindow);
-        return isHandled;
-    }
-    bool eventFilter(QObject* object, QEvent* event) override {
-        // The content asks for another size.
-        if (object == view_ && event->type() == QEvent::LayoutRequest && isVisible())
-            fit(mostHeight_);
-        return QWidget::eventFilter(object, event);
-    }
-    void closeEvent(QCloseEvent* event) override {
-        QWidget::closeEvent(event);
-        tell(PanelDismissal::desktop);
-    }
-
-private:
-    void tell(PanelDismissal why) {
-        // It may be the end of this.
-        if (const Dismiss dismiss = dismiss_)
-            dismiss(why);
-    }
-
-    PanelChrome& chrome_;
-    Dismiss dismiss_;
-    QWidget* const view_;
-    int mostHeight_ = QWIDGETSIZE_MAX;
-};
-
-QString CompanionPanelSurface::title() {
-    return QStringLiteral("Tilewright");
-}
 
 CompanionPanelSurface::CompanionPanelSurface(CompanionState& state, const CompanionScreens& screens,
                                              const Pointer& pointer, CompanionOutbox& outbox,
@@ -140,7 +44,7 @@ QWidget* CompanionPanelSurface::window() const {
 CompanionPanel CompanionPanelSurface::description() const {
     CompanionPanel panel;
     panel.isShown = isOpen();
-    panel.title = title();
+    panel.title = ToplevelPanelWindow::title();
     panel.margins = chrome_->margins(PanelRendering::translucent);
     const ScreenPtr screen = screens_.nearest(anchor_.center());
     // Where the desktop counts pixels, Qt's points are more of them.
@@ -165,8 +69,8 @@ void CompanionPanelSurface::open(const Anchor& anchor) {
         return;
     const AppKitPoint pointer = pointer_.location();
     anchor_ = anchor.value_or(AppKitRect{pointer.x, pointer.y, 0, 0});
-    window_ = std::make_unique<Window>(makeView_(), *chrome_,
-                                       [this](PanelDismissal why) { dismiss(why); });
+    window_ = std::make_unique<ToplevelPanelWindow>(makeView_(), *chrome_,
+                                                    [this](PanelDismissal why) { dismiss(why); });
     hasHadFocus_ = false;
     fit();
     if (state_.isConnected())

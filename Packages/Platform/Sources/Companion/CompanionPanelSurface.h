@@ -3,6 +3,7 @@
 #include "CompanionOutbox.h"
 #include "CompanionScreens.h"
 
+#include <FreeDesktop/ToplevelPanelWindow.h>
 #include <Platform/MainLoop.h>
 #include <Platform/PanelSurface.h>
 #include <Platform/Pointer.h>
@@ -26,9 +27,6 @@ public:
     /// and so dismissed it, the click that follows does not open it again.
     static constexpr MainLoop::Interval clickPatience{500};
 
-    /// The title by which the window is known; no other window of this program has it.
-    [[nodiscard]] static QString title();
-
     /// All but the factory and the chrome have to outlive this.
     CompanionPanelSurface(CompanionState& state, const CompanionScreens& screens,
                           const Pointer& pointer, CompanionOutbox& outbox, const MainLoop& loop,
@@ -44,8 +42,6 @@ public:
     [[nodiscard]] QWidget* window() const;
 
 private:
-    class Window;
-
     void dismiss(PanelDismissal why);
     void focusChanged();
     void fit();
@@ -59,7 +55,7 @@ private:
     const MainLoop& loop_;
     ViewFactory makeView_;
     std::unique_ptr<PanelChrome> chrome_;
-    std::unique_ptr<Window> window_;
+    std::unique_ptr<ToplevelPanelWindow> window_;
     AppKitRect anchor_;
     /// Whether the companion has told, since the opening, that the panel has the focus.
     bool hasHadFocus_ = false;

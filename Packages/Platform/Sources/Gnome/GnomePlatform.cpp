@@ -1,6 +1,5 @@
 #include "GnomePlatform.h"
 
-#include "GnomeAppearance.h"
 #include "GnomeExtension.h"
 #include "GnomeGuidance.h"
 #include "GnomeOverlaySurface.h"
@@ -18,6 +17,7 @@
 #include <FreeDesktop/FreeDesktopUserNotifications.h>
 #include <FreeDesktop/InhibitingPowerAssertions.h>
 #include <FreeDesktop/MessageBus.h>
+#include <FreeDesktop/PortalAppearance.h>
 #include <Platform/QtMainLoop.h>
 
 #include <optional>
@@ -33,7 +33,7 @@ struct GnomePlatform::Parts {
     MessageBus systemBus{mainLoop, MessageBus::Kind::system};
     FreeDesktopUserNotifications userNotifications{sessionBus};
     InhibitingPowerAssertions powerAssertions{mainLoop, nullptr, sessionBus, systemBus};
-    GnomeAppearance appearance{sessionBus};
+    PortalAppearance appearance{sessionBus};
 
     CompanionState state;
     CompanionOutbox outbox;

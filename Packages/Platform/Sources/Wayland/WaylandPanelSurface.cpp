@@ -1,61 +1,8 @@
 #include "WaylandPanelSurface.h"
 
-#include <QEvent>
-#include <QKeyEvent>
-#include <QPainter>
-#include <QVBoxLayout>
-#include <QWidget>
-#include <functional>
 #include <utility>
 
 namespace tilewright {
-
-class WaylandPanelSurface::Window final : public QWidget {
-public:
-    using Dismiss = std::function<void(PanelDismissal)>;
-
-    Window(std::unique_ptr<QWidget> view, PanelChrome& chrome, Dismiss dismiss)
-        : QWidget(nullptr, Qt::Window | Qt::FramelessWindowHint)
-        , chrome_(chrome)
-        , dismiss_(std::move(dismiss)) {
-        setObjectName(QStringLiteral("panel"));
-        setWindowTitle(QStringLiteral("Tilewright"));
-        setAccessibleName(QStringLiteral("Tilewright"));
-        setAttribute(Qt::WA_TranslucentBackground);
-        setAttribute(Qt::WA_QuitOnClose, false);
-        auto* column = new QVBoxLayout(this);
-        column->setContentsMargins(chrome_.margins(PanelRendering::translucent));
-        // As large as its content wants to be, also when that changes.
-        column->setSizeConstraint(QLayout::SetFixedSize);
-        column->addWidget(view.release());
-    }
-
-protected:
-    void paintEvent(QPaintEvent*) override {
-        QPainter painter(this);
-        chrome_.paint(painter, rect(), palette(), PanelRendering::translucent);
-    }
-    void keyPressEvent(QKeyEvent* event) override {
-        if (event->key() == Qt::Key_Escape)
-            dismiss_(PanelDismissal::escape);
-        else
-            QWidget::keyPressEvent(event);
-    }
-    bool event(QEvent* event) override {
-        const bool isHandled = QWidget::event(event);
-        if (event->type() == QEvent::WindowDeactivate)
-            dismiss_(PanelDismissal::anotherWindow);
-        return isHandled;
-    }
-    void closeEvent(QCloseEvent* event) override {
-        QWidget::closeEvent(event);
-        dismiss_(PanelDismissal::desktop);
-    }
-
-private:
-    PanelChrome& chrome_;
-    Dismiss dismiss_;
-};
 
 WaylandPanelSurface::WaylandPanelSurface(ViewFactory makeView, std::unique_ptr<PanelChrome> chrome)
     : makeView_(std::move(makeView))
@@ -70,8 +17,9 @@ QWidget* WaylandPanelSurface::window() const {
 void WaylandPanelSurface::open(const Anchor&) {
     if (window_)
         return;
-    window_ = std::make_unique<Window>(makeView_(), *chrome_,
-                                       [this](PanelDismissal why) { dismiss(why); });
+    window_ = std::make_unique<ToplevelPanelWindow>(makeView_(), *chrome_,
+                                                    [this](PanelDismissal why) { dismiss(why); });
+    window_->fit(QWIDGETSIZE_MAX);
     window_->show();
     window_->activateWindow();
     Q_EMIT opened();
@@ -93,9 +41,7 @@ void WaylandPanelSurface::dismiss(PanelDismissal why) {
     if (!window_)
         return;
     // Perhaps called by the window itself.
-    Window* window = window_.release();
-    window->hide();
-    window->deleteLater();
+    window_.release()->retire();
     Q_EMIT dismissed(why);
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <FreeDesktop/ToplevelPanelWindow.h>
 #include <Platform/PanelSurface.h>
 #include <Platform/Platform.h>
 
@@ -25,13 +26,11 @@ public:
     [[nodiscard]] QWidget* window() const;
 
 private:
-    class Window;
-
     void dismiss(PanelDismissal why);
 
     ViewFactory makeView_;
     std::unique_ptr<PanelChrome> chrome_;
-    std::unique_ptr<Window> window_;
+    std::unique_ptr<ToplevelPanelWindow> window_;
 };
 
 } // namespace tilewright

@@ -4,7 +4,6 @@
 #include "WaylandPanelSurface.h"
 #include "WaylandScreens.h"
 
-#include <FreeDesktop/FreeDesktopAppearance.h>
 #include <FreeDesktop/FreeDesktopApplicationSupport.h>
 #include <FreeDesktop/FreeDesktopGuidance.h>
 #include <FreeDesktop/FreeDesktopInstanceActivation.h>
@@ -13,6 +12,7 @@
 #include <FreeDesktop/FreeDesktopUserNotifications.h>
 #include <FreeDesktop/InhibitingPowerAssertions.h>
 #include <FreeDesktop/MessageBus.h>
+#include <FreeDesktop/PortalAppearance.h>
 #include <Platform/QtMainLoop.h>
 
 #include <QCoreApplication>
@@ -96,25 +96,6 @@ private:
     FreeDesktopGuidance guidance_;
 };
 
-class WaylandAppearance final : public Appearance {
-public:
-    explicit WaylandAppearance(MessageBus& bus)
-        : session_(bus) {
-        connect(&session_, &FreeDesktopAppearance::reducedMotionChanged, this,
-                &Appearance::prefersReducedMotionChanged);
-        connect(&session_, &FreeDesktopAppearance::darkChanged, this,
-                &Appearance::prefersDarkChanged);
-    }
-    [[nodiscard]] bool blendsWindows() const override { return true; }
-    [[nodiscard]] std::optional<bool> prefersReducedMotion() const override {
-        return session_.prefersReducedMotion();
-    }
-    [[nodiscard]] bool prefersDark() const override { return session_.prefersDark(); }
-
-private:
-    FreeDesktopAppearance session_;
-};
-
 } // namespace
 
 /// In the order in which they need each other.
@@ -137,7 +118,7 @@ struct WaylandPlatform::Parts {
                                explanation());
     }};
     WaylandWorkspace workspace{userNotifications};
-    WaylandAppearance appearance{sessionBus};
+    PortalAppearance appearance{sessionBus};
     std::optional<FreeDesktopStatusItem> statusItem;
 
     [[nodiscard]] PlatformServices services() {

@@ -150,7 +150,7 @@ TEST_F(GnomePartsTest, APanelIsDescribedBeforeItIsShownAndPlacedByItsAnchor) {
     tell("Hello", helloText());
     const auto panel = makePanel();
     const QJsonObject before = command("panel");
-    EXPECT_EQ(before[QStringLiteral("title")].toString(), CompanionPanelSurface::title());
+    EXPECT_EQ(before[QStringLiteral("title")].toString(), ToplevelPanelWindow::title());
     EXPECT_EQ(before[QStringLiteral("margins")].toArray(), (QJsonArray{22, 23, 24, 25}));
     EXPECT_FALSE(before[QStringLiteral("shown")].toBool());
     panel->open(screens.coordinates().toAppKit(CompanionRect{1800, 0, 24, 32}));
@@ -158,7 +158,7 @@ TEST_F(GnomePartsTest, APanelIsDescribedBeforeItIsShownAndPlacedByItsAnchor) {
     EXPECT_TRUE(shown[QStringLiteral("shown")].toBool());
     EXPECT_EQ(shown[QStringLiteral("anchor")].toArray(), (QJsonArray{1800, 0, 24, 32}));
     EXPECT_EQ(shown[QStringLiteral("area")].toArray(), (QJsonArray{0, 32, 1920, 1048}));
-    EXPECT_EQ(panel->window()->windowTitle(), CompanionPanelSurface::title());
+    EXPECT_EQ(panel->window()->windowTitle(), ToplevelPanelWindow::title());
     EXPECT_EQ(panel->window()->size(), QSize(346, 248));
     panel->close();
     EXPECT_FALSE(command("panel")[QStringLiteral("shown")].toBool());

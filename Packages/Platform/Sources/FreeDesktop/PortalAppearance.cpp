@@ -1,14 +1,14 @@
-#include "GnomeAppearance.h"
+#include "PortalAppearance.h"
 
 namespace tilewright {
 
-GnomeAppearance::GnomeAppearance(MessageBus& bus)
+PortalAppearance::PortalAppearance(MessageBus& bus)
     : session_(bus) {
     connect(&session_, &FreeDesktopAppearance::reducedMotionChanged, this,
             &Appearance::prefersReducedMotionChanged);
     connect(&session_, &FreeDesktopAppearance::darkChanged, this, &Appearance::prefersDarkChanged);
 }
 
-GnomeAppearance::~GnomeAppearance() = default;
+PortalAppearance::~PortalAppearance() = default;
 
 } // namespace tilewright

@@ -1,18 +1,20 @@
 #pragma once
 
-#include <FreeDesktop/FreeDesktopAppearance.h>
+#include "FreeDesktopAppearance.h"
+
 #include <Platform/Appearance.h>
 
 namespace tilewright {
 
-/// The wishes that the desktop portal tells; GNOME always blends windows. Main thread only.
-class GnomeAppearance final : public Appearance {
+/// The wishes that the desktop portal tells, on a Wayland compositor: those always blend windows.
+/// Main thread only.
+class PortalAppearance final : public Appearance {
     Q_OBJECT
 
 public:
     /// The bus has to outlive this.
-    explicit GnomeAppearance(MessageBus& bus);
-    ~GnomeAppearance() override;
+    explicit PortalAppearance(MessageBus& bus);
+    ~PortalAppearance() override;
 
     [[nodiscard]] bool blendsWindows() const override { return true; }
     [[nodiscard]] std::optional<bool> prefersReducedMotion() const override {

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <Platform/PanelSurface.h>
+
+#include <QWidget>
+#include <functional>
+#include <memory>
+
+namespace tilewright {
+
+/// The panel as an ordinary frameless window, for compositors that let no program place a popup. It
+/// tells when it has to go, and goes when it is retired. Main thread only.
+class ToplevelPanelWindow final : public QWidget {
+    Q_OBJECT
+
+public:
+    using Dismiss = std::function<void(PanelDismissal)>;
+
+    /// `chrome` has to outlive this. `dismiss` is called at Escape, once another window has the
+    /// focus, and when the desktop closes this one; it may retire it.
+    ToplevelPanelWindow(std::unique_ptr<QWidget> view, PanelChrome& chrome, Dismiss dismiss);
+    ~ToplevelPanelWindow() override;
+
+    /// The title by which the window is known; no other window of this program has it.
+    [[nodiscard]] static QString title();
+
+    /// Makes the window as large as its content wants to be, and follows that wish from now on, but
+    /// for what is higher than `mostHeight`, in Qt's points without the chrome's margins.
+    void fit(int mostHeight);
+    /// Hides it and deletes it on a later turn; nobody is told of it any longer.
+    void retire();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    bool event(QEvent* event) override;
+    bool eventFilter(QObject* object, QEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void tell(PanelDismissal why);
+
+    PanelChrome& chrome_;
+    Dismiss dismiss_;
+    QWidget* const view_;
+    int mostHeight_ = QWIDGETSIZE_MAX;
+};
+
+} // namespace tilewright
