@@ -122,17 +122,14 @@ void PopupPanelSurface::handle(const Event& event, Receiver receiver) {
         return;
     }
     if (!isOpen()) {
-        if (event.type == EventType::leftMouseDown)
-            pressedWhileClosed();
+        pressedWhileClosed();
         return;
     }
     const bool isInside = window_.isUnderPointer();
-    if (event.type == EventType::leftMouseDown) {
-        if (isInside)
-            press_ = Press::none;
-        else
-            press_ = isPointerOnItem() ? Press::downOnItem : Press::elsewhere;
-    }
+    if (isInside)
+        press_ = Press::none;
+    else
+        press_ = isPointerOnItem() ? Press::downOnItem : Press::elsewhere;
     // A press anywhere counts as one in this application's popup, also before the grab that brings
     // it here has been granted; one beside a menu of the panel's ends only the menu.
     const bool isForQt =

@@ -237,6 +237,31 @@ TEST_F(PopupPanelSurfaceTest, OpensOnAClickThatFollowsOneThatTheHostKeptToItself
     EXPECT_TRUE(isOpen());
 }
 
+TEST_F(PopupPanelSurfaceTest, OpensOnAClickOfAnotherButtonThatFollowsOneThatTheHostKeptToItself) {
+    for (const EventType type : {EventType::rightMouseDown, EventType::otherMouseDown}) {
+        clickItem();
+        pressElsewhere(itemPlace.center());
+        releaseElsewhere();
+        ASSERT_FALSE(isOpen());
+        platform.fakeEventMonitors.send(FakeEventMonitors::Kind::global, {type, {}});
+        clickItem();
+        EXPECT_TRUE(isOpen()) << int(type);
+        surface->close();
+    }
+}
+
+TEST_F(PopupPanelSurfaceTest, StaysClosedWhenTheHostPassesOnTheClickOfAnotherButtonThatClosedIt) {
+    clickItem();
+    movePointer(itemPlace.center());
+    platform.fakeEventMonitors.send(FakeEventMonitors::Kind::global,
+                                    {EventType::rightMouseDown, {}});
+    ASSERT_FALSE(isOpen());
+    clickItem();
+    EXPECT_FALSE(isOpen());
+    clickItem();
+    EXPECT_TRUE(isOpen()) << "by the next click";
+}
+
 TEST_F(PopupPanelSurfaceTest, OpensOnAClickThatFollowsOneWhoseReleaseWasHeardBeforeThePanelClosed) {
     clickItem();
     movePointer(itemPlace.center());
