@@ -12,7 +12,6 @@ MenuBarLabel::MenuBarLabel(QObject* parent)
     , keepAwake_(KeepAwakeManager::shared())
     , item_(Platform::current().statusItem())
     , refresh_([this] { update(); }) {
-    item_.setAccessibleName(QStringLiteral("Tilewright"));
     refresh_.observe(keepAwake_);
     update();
 }
@@ -27,6 +26,9 @@ void MenuBarLabel::update() {
         return;
     symbolName_ = name;
     item_.setSymbol(name, symbols::icon(name, Qt::black));
+    //: The item's name while a keep-awake session runs.
+    item_.setAccessibleName(keepAwake_.isActive() ? tr("Tilewright — awake")
+                                                  : QStringLiteral("Tilewright"));
 }
 
 } // namespace tilewright

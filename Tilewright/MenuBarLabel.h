@@ -5,8 +5,8 @@
 
 namespace tilewright {
 
-/// The menu-bar item's image: a symbol that tells whether a keep-awake session runs. Shows it on
-/// the installed platform's status item for as long as it lives.
+/// The menu-bar item's image and its name: either tells whether a keep-awake session runs. Shows
+/// them on the installed platform's status item for as long as it lives.
 class MenuBarLabel final : public QObject {
     Q_OBJECT
 

@@ -38,6 +38,17 @@ TEST_F(MenuBarLabelTest, ShowsAnEmptyCupAgainWhenATimedSessionEndsByItself) {
     EXPECT_EQ(platform.fakeStatusItem.symbols.size(), 3U) << "not once for every second";
 }
 
+TEST_F(MenuBarLabelTest, TellsOfTheSessionInItsNameAtItsStartAndItsEndAndNeverInBetween) {
+    QString& told = platform.fakeStatusItem.accessibleName;
+    KeepAwakeManager::shared().activate(KeepAwakeSession::timed(3));
+    platform.fakeMainLoop.runPosted();
+    EXPECT_EQ(std::exchange(told, QString()), QStringLiteral("Tilewright — awake"));
+    platform.fakeMainLoop.advance(std::chrono::seconds(2));
+    EXPECT_EQ(told, QString());
+    platform.fakeMainLoop.advance(std::chrono::seconds(2));
+    EXPECT_EQ(told, QStringLiteral("Tilewright"));
+}
+
 TEST_F(MenuBarLabelTest, StaysEmptyWhenTheAssertionIsRefused) {
     platform.fakePowerAssertions.failure = -1;
     KeepAwakeManager::shared().activate(KeepAwakeSession::indefinite());
