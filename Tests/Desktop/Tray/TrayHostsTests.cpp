@@ -86,6 +86,24 @@ TEST(WatcherWithoutAHost, LeavesTheItemInTheSystemTrayUntilAHostComes) {
     QDBusConnection::disconnectFromBus(name);
 }
 
+TEST(HostThatComesJustAfterTheProgramHasAskedForOne, LeavesTheItemToATrayThatTakesItsPlace) {
+    TrayDesktop desktop;
+    const QString name = QStringLiteral("sudden host");
+    {
+        FakeNotifierWatcher watcher(
+            QDBusConnection::connectToBus(desktop.session().busAddress(), name), false);
+        watcher.hostComesAfterQuestion = 1;
+        desktop.startProgram();
+        ASSERT_TRUE(waitUntil([&] { return watcher.timesAsked > 1; }));
+        EXPECT_TRUE(watcher.hasHost);
+        watcher.setHost(false);
+        startTint2(desktop.session());
+        desktop.input().click(desktop.waitForItem().center());
+        EXPECT_FALSE(desktop.waitForPanel().isEmpty());
+    }
+    QDBusConnection::disconnectFromBus(name);
+}
+
 TEST(WatcherThatNeverAnswers, LeavesTheItemInTheSystemTray) {
     TrayDesktop desktop;
     const QString name = QStringLiteral("silent watcher");

@@ -60,7 +60,7 @@ void CompanionStatusItem::makeSubstitute() {
         return screens_.coordinates().toAppKit(
             CompanionPoint{static_cast<double>(pixel.x), static_cast<double>(pixel.y)});
     };
-    substitute_.emplace(screens_, place, loop_, bus_, FreeDesktopStatusItem::Otherwise::nowhere);
+    substitute_.emplace(screens_, place, loop_, bus_);
     connect(&*substitute_, &StatusItem::activated, this, &StatusItem::activated);
     if (!symbolName_.isEmpty())
         substitute_->setSymbol(symbolName_, icon_);

@@ -6,6 +6,7 @@
 #include <QStandardPaths>
 #include <QSystemTrayIcon>
 #include <array>
+#include <cmath>
 #include <dlfcn.h>
 #include <sys/socket.h>
 
@@ -23,6 +24,9 @@ QString themeIcon(const QString& symbolName) {
                                QStringLiteral("icons/hicolor/symbolic/apps/%1.svg").arg(name));
     return path.isEmpty() ? QString() : name;
 }
+
+/// How far an item reaches at most from the place that its host tells of it; in Qt's points.
+constexpr double itemReach = 64;
 
 QIcon trayIcon(const QIcon& icon) {
     constexpr std::array sizes{16, 20, 22, 24, 28, 32, 36, 40, 44, 48, 64};
@@ -52,15 +56,19 @@ bool end(const QDBusConnection& connection) {
 } // namespace
 
 FreeDesktopStatusItem::FreeDesktopStatusItem(const Screens& screens, PixelPlace pixelPlace,
-                                             MainLoop& loop, MessageBus& bus, Otherwise otherwise)
+                                             MainLoop& loop, MessageBus& bus,
+                                             const std::optional<Display>& display)
     : screens_(screens)
     , pixelPlace_(std::move(pixelPlace))
-    , otherwise_(otherwise)
+    , display_(display)
     , notifierItem_(loop, bus) {
     connect(&notifierItem_, &StatusNotifierItem::activated, this,
             [this](NativePixel click) { Q_EMIT activated(notifierPlace(click)); });
     connect(&notifierItem_, &StatusNotifierItem::hostedChanged, this,
             &FreeDesktopStatusItem::chooseHost);
+    if (display_)
+        connect(&display_->systemTray, &SystemTray::changed, this,
+                &FreeDesktopStatusItem::chooseHost);
 }
 
 FreeDesktopStatusItem::~FreeDesktopStatusItem() = default;
@@ -83,9 +91,10 @@ void FreeDesktopStatusItem::setAccessibleName(const QString& name) {
 }
 
 void FreeDesktopStatusItem::chooseHost() {
-    // Qt settles on the X11 tray for good when its first tray icon finds no notifier host,
-    // which is the only moment at which one is made here.
-    const bool wantsSystemTray = otherwise_ == Otherwise::inSystemTray &&
+    // Qt settles on the system tray for good when its first tray icon finds no notifier host, and
+    // on the bus for good when it finds one. So none is made here before there is a tray to take
+    // it: while a session starts a host may come at any moment.
+    const bool wantsSystemTray = display_ && display_->systemTray.isThere() &&
                                  notifierItem_.isSettled() && !notifierItem_.isHosted() &&
                                  !icon_.isNull();
     if (wantsSystemTray == isInSystemTray())
@@ -130,8 +139,23 @@ const QIcon& FreeDesktopStatusItem::systemTrayIcon() {
 std::optional<AppKitRect> FreeDesktopStatusItem::notifierPlace(NativePixel click) const {
     if (click == NativePixel{})
         return std::nullopt;
-    const AppKitPoint at = pixelPlace_(click);
+    AppKitPoint at = pixelPlace_(click);
+    if (!isBelievable(at))
+        at = display_->pointer.location();
     return AppKitRect{at.x, at.y, 0, 0};
+}
+
+bool FreeDesktopStatusItem::isBelievable(AppKitPoint told) const {
+    if (!display_)
+        return true;
+    // Some bars tell of every click that it was in their own corner. One by the keyboard may well
+    // be far from the pointer, which is on no bar then.
+    const AppKitPoint pointer = display_->pointer.location();
+    const ScreenPtr screen = screens_.at(pointer);
+    if (!screen || screen->visibleFrame().contains(pointer))
+        return true;
+    const double point = screens_.qtSpace(*screen).toAppKit({0, 0, 1, 1}).width;
+    return std::hypot(told.x - pointer.x, told.y - pointer.y) <= itemReach * point;
 }
 
 std::optional<AppKitRect> FreeDesktopStatusItem::systemTrayPlace() const {

@@ -151,7 +151,7 @@ StatusItem& WaylandPlatform::statusItem() {
             [&displays](NativePixel pixel) {
                 return displays.toAppKit({pixel.x, pixel.y});
             },
-            parts_->mainLoop, parts_->sessionBus, FreeDesktopStatusItem::Otherwise::nowhere);
+            parts_->mainLoop, parts_->sessionBus);
     }
     return *parts_->statusItem;
 }

@@ -8,6 +8,7 @@
 #include "X11Qt.h"
 #include "X11ScreenSaver.h"
 #include "X11StaleNotices.h"
+#include "X11SystemTray.h"
 
 #include <FreeDesktop/FreeDesktopApplicationSupport.h>
 #include <FreeDesktop/FreeDesktopStatusItem.h>
@@ -46,6 +47,7 @@ struct X11Platform::Parts {
                                    desktop.pointer(),
                                    {x11qt::ownsWindow, x11qt::hasGrab, x11qt::windowsTakingInput}};
     X11InputBarrier inputBarrier{desktop.pointer(), mainLoop};
+    X11SystemTray systemTray{*connection};
     std::optional<FreeDesktopStatusItem> statusItem;
     X11AwaitedReply answerBeforeForgetting;
     std::optional<X11StaleNotices> staleNotices;
@@ -107,7 +109,8 @@ StatusItem& X11Platform::statusItem() {
         parts_->statusItem.emplace(
             monitors,
             [&monitors](NativePixel pixel) { return monitors.coordinates().toAppKit(pixel); },
-            parts_->mainLoop, parts_->sessionBus);
+            parts_->mainLoop, parts_->sessionBus,
+            FreeDesktopStatusItem::Display{parts_->desktop.pointer(), parts_->systemTray});
     }
     return *parts_->statusItem;
 }

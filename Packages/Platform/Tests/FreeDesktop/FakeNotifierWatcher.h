@@ -37,8 +37,14 @@ public:
 
     bool answerAboutHost() {
         ++timesAsked;
+        if (timesAsked == hostComesAfterQuestion)
+            QMetaObject::invokeMethod(
+                this, [this] { setHost(true); }, Qt::QueuedConnection);
         return hasHost;
     }
+
+    /// A host comes as soon as this many have asked for one, and have got their answer.
+    int hostComesAfterQuestion = 0;
 
     bool hasHost;
     /// How often it was asked for its host.

@@ -1,61 +1,19 @@
 #include "FakeNotifierWatcher.h"
+#include "NotifierHost.h"
 #include "PrivateBus.h"
-#include "SilentNotifierWatcher.h"
 
 #include <FakeMainLoop.h>
-#include <FakeScreens.h>
-#include <FreeDesktop/FreeDesktopStatusItem.h>
 #include <FreeDesktop/StatusNotifierItem.h>
 #include <FreeDesktop/StatusNotifierPixmap.h>
 #include <Waiting.h>
 
-#include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
 #include <QDBusVariant>
-#include <QIcon>
-#include <QPainter>
 #include <QSignalSpy>
 #include <gtest/gtest.h>
 #include <optional>
 
 namespace tilewright::testing {
 namespace {
-
-QIcon discIcon() {
-    QPixmap pixmap(64, 64);
-    pixmap.fill(Qt::transparent);
-    QPainter painter(&pixmap);
-    painter.setBrush(Qt::red);
-    painter.drawEllipse(4, 4, 56, 56);
-    painter.end();
-    return QIcon(pixmap);
-}
-
-/// A host's side of the bus: calls an item and waits, turning the event loop that the item shares.
-class Host {
-public:
-    explicit Host(QDBusConnection bus)
-        : bus_(std::move(bus)) {}
-
-    QDBusMessage call(const QString& service, const QString& interface, const QString& method,
-                      const QVariantList& arguments) {
-        QDBusMessage message = QDBusMessage::createMethodCall(
-            service, QStringLiteral("/StatusNotifierItem"), interface, method);
-        message.setArguments(arguments);
-        const QDBusPendingCallWatcher pending(bus_.asyncCall(message));
-        EXPECT_TRUE(waitUntil([&] { return pending.isFinished(); }));
-        return pending.reply();
-    }
-    QVariant property(const QString& service, const QString& name) {
-        const QDBusMessage reply =
-            call(service, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"),
-                 {QStringLiteral("org.kde.StatusNotifierItem"), name});
-        return reply.arguments().value(0).value<QDBusVariant>().variant();
-    }
-
-private:
-    QDBusConnection bus_;
-};
 
 /// Counts a signal as a host receives it.
 class SignalCounter final : public QObject {
@@ -70,15 +28,9 @@ public Q_SLOTS:
 
 class StatusNotifierItemTest : public ::testing::Test {
 protected:
-    /// On a screen 600 pixels high.
-    static AppKitPoint centerOf(NativePixel pixel) {
-        return {pixel.x + 0.5, 600 - (pixel.y + 0.5)};
-    }
-
     PrivateBus bus;
     FakeMainLoop loop;
     MessageBus own{bus.connect()};
-    const FakeScreens screens;
     const QString interface = QStringLiteral("org.kde.StatusNotifierItem");
 };
 
@@ -170,7 +122,7 @@ TEST_F(StatusNotifierItemTest, PassesClicksOnWithTheirPlace) {
     QObject::connect(&item, &StatusNotifierItem::activated,
                      [&](NativePixel place) { places.push_back(place); });
     ASSERT_TRUE(waitUntil([&] { return watcher.items.size() == 1; }));
-    Host host(bus.connect());
+    NotifierHost host(bus.connect());
     const QString service = watcher.items.front();
     host.call(service, interface, QStringLiteral("Activate"), {11, 12});
     host.call(service, interface, QStringLiteral("SecondaryActivate"), {21, 22});
@@ -188,7 +140,7 @@ TEST_F(StatusNotifierItemTest, DescribesItselfToHosts) {
     item.setTitle(QStringLiteral("Tilewright"));
     item.setIcon(QStringLiteral("some-icon-symbolic"), discIcon());
     ASSERT_TRUE(waitUntil([&] { return watcher.items.size() == 1; }));
-    Host host(bus.connect());
+    NotifierHost host(bus.connect());
     const QString service = watcher.items.front();
     EXPECT_EQ(host.property(service, QStringLiteral("Status")).toString(),
               QStringLiteral("Active"));
@@ -208,7 +160,7 @@ TEST_F(StatusNotifierItemTest, OffersItsIconInSeveralSizes) {
     StatusNotifierItem item(loop, own);
     item.setIcon(QString(), discIcon());
     ASSERT_TRUE(waitUntil([&] { return watcher.items.size() == 1; }));
-    Host host(bus.connect());
+    NotifierHost host(bus.connect());
     const auto pixmaps = qdbus_cast<StatusNotifierPixmaps>(
         host.property(watcher.items.front(), QStringLiteral("IconPixmap")));
     ASSERT_GE(pixmaps.size(), 4);
@@ -229,7 +181,7 @@ TEST_F(StatusNotifierItemTest, TellsHostsAtOnceThatTheIconIsNew) {
     QDBusConnection hostBus = bus.connect();
     hostBus.connect(watcher.items.front(), QStringLiteral("/StatusNotifierItem"), interface,
                     QStringLiteral("NewIcon"), &renewed, SLOT(add()));
-    Host host(hostBus);
+    NotifierHost host(hostBus);
     // A round trip, after which the subscription stands.
     static_cast<void>(host.property(watcher.items.front(), QStringLiteral("Status")));
     item.setIcon(QStringLiteral("another-icon-symbolic"), discIcon());
@@ -258,53 +210,6 @@ TEST(StatusNotifierPixmap, StandsOutAgainstLightAndDarkBars) {
     EXPECT_GE((tone + 0.05) / (luminance(QColor(0x2b, 0x2b, 0x2b)) + 0.05), 3.0);
 }
 
-TEST_F(StatusNotifierItemTest, TakesTheSystemTrayOnlyWhereNoHostShowsItems) {
-    FreeDesktopStatusItem item(screens, centerOf, loop, own);
-    item.setSymbol(QStringLiteral("cup.and.saucer"), discIcon());
-    EXPECT_FALSE(item.isInSystemTray()) << "before the bus has answered";
-    EXPECT_TRUE(waitUntil([&] { return item.isInSystemTray(); }));
-    auto watcher = std::make_unique<FakeNotifierWatcher>(bus.connect());
-    EXPECT_TRUE(waitUntil([&] { return !item.isInSystemTray(); }));
-    watcher.reset();
-    EXPECT_TRUE(waitUntil([&] { return item.isInSystemTray(); }));
-}
-
-TEST_F(StatusNotifierItemTest, TakesTheSystemTrayWhereTheWatcherNeverAnswersUntilItDoes) {
-    SilentNotifierWatcher watcher(bus.connect());
-    FreeDesktopStatusItem item(screens, centerOf, loop, own);
-    item.setSymbol(QStringLiteral("cup.and.saucer"), discIcon());
-    ASSERT_TRUE(waitUntil([&] { return watcher.asked.size() == 1; }));
-    loop.advance(StatusNotifierItem::answerBound - MainLoop::Interval(1));
-    EXPECT_FALSE(item.isInSystemTray());
-    loop.advance(MainLoop::Interval(1));
-    EXPECT_TRUE(item.isInSystemTray());
-    watcher.answer(true);
-    EXPECT_TRUE(waitUntil([&] { return !item.isInSystemTray(); }));
-}
-
-TEST_F(StatusNotifierItemTest, TakesTheSystemTrayWhereTheWatcherSaysWhatMakesNoSense) {
-    SilentNotifierWatcher watcher(bus.connect());
-    FreeDesktopStatusItem item(screens, centerOf, loop, own);
-    item.setSymbol(QStringLiteral("cup.and.saucer"), discIcon());
-    ASSERT_TRUE(waitUntil([&] { return watcher.asked.size() == 1; }));
-    watcher.answer(QStringLiteral("true"));
-    EXPECT_TRUE(waitUntil([&] { return item.isInSystemTray(); }));
-}
-
-TEST_F(StatusNotifierItemTest, TakesTheSystemTrayWhereTheBusNeverAnswersUntilItDoes) {
-    const FakeNotifierWatcher watcher(bus.connect());
-    bus.pause();
-    MessageBus silent(loop, bus.address());
-    FreeDesktopStatusItem item(screens, centerOf, loop, silent);
-    item.setSymbol(QStringLiteral("cup.and.saucer"), discIcon());
-    EXPECT_FALSE(item.isInSystemTray());
-    loop.advance(StatusNotifierItem::answerBound);
-    EXPECT_TRUE(item.isInSystemTray());
-    bus.resume();
-    EXPECT_TRUE(waitUntil([&] { return !item.isInSystemTray(); }));
-    EXPECT_EQ(watcher.items.size(), 1);
-}
-
 TEST_F(StatusNotifierItemTest, RegistersAgainOnTheBusThatFollows) {
     MessageBus following(loop, bus.address());
     const StatusNotifierItem item(loop, following);
@@ -318,28 +223,6 @@ TEST_F(StatusNotifierItemTest, RegistersAgainOnTheBusThatFollows) {
     loop.advance(std::chrono::seconds(1));
     const FakeNotifierWatcher watcher(bus.connect());
     EXPECT_TRUE(waitUntil([&] { return watcher.items.size() == 1 && item.isHosted(); }));
-}
-
-TEST_F(StatusNotifierItemTest, TellsWhereItWasClickedWhereItsHostKnows) {
-    const FakeNotifierWatcher watcher(bus.connect());
-    const FreeDesktopStatusItem item(screens, centerOf, loop, own);
-    std::vector<std::optional<AppKitRect>> places;
-    QObject::connect(&item, &StatusItem::activated,
-                     [&](const std::optional<AppKitRect>& place) { places.push_back(place); });
-    ASSERT_TRUE(waitUntil([&] { return watcher.items.size() == 1; }));
-    Host host(bus.connect());
-    host.call(watcher.items.front(), interface, QStringLiteral("Activate"), {400, 12});
-    host.call(watcher.items.front(), interface, QStringLiteral("Activate"), {0, 0});
-    EXPECT_TRUE(waitUntil([&] { return places.size() == 2; }));
-    EXPECT_EQ(places, (std::vector<std::optional<AppKitRect>>{AppKitRect{400.5, 587.5, 0, 0},
-                                                              std::nullopt}));
-}
-
-TEST_F(StatusNotifierItemTest, TakesTheSystemTrayAtOnceWithoutABus) {
-    MessageBus absent(PrivateBus::absent());
-    FreeDesktopStatusItem item(screens, centerOf, loop, absent);
-    item.setSymbol(QStringLiteral("cup.and.saucer"), discIcon());
-    EXPECT_TRUE(item.isInSystemTray());
 }
 
 } // namespace tilewright::testing
