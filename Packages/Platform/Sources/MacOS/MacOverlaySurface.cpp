@@ -22,8 +22,9 @@ MacOverlaySurface::~MacOverlaySurface() {
 
 void MacOverlaySurface::setScreen(const ScreenPtr& screen) {
     const AppKitRect frame = screen->frame();
-    view_->widget().resize(static_cast<int>(frame.width), static_cast<int>(frame.height));
+    // The window before the view: it passes each change of its own size on to the view.
     window_->setFrame(frame);
+    view_->widget().resize(static_cast<int>(frame.width), static_cast<int>(frame.height));
 }
 
 void MacOverlaySurface::orderFront() {

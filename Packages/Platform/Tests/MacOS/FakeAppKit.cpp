@@ -108,6 +108,8 @@ public:
     }
     void setContent(WId view) override {
         record_->content = view;
+        if (QWidget* content = QWidget::find(view))
+            content->resize(int(record_->frame.width), int(record_->frame.height));
         record_->calls.emplace_back("setContent");
     }
     void removeContent() override {
@@ -115,6 +117,7 @@ public:
         record_->calls.emplace_back("removeContent");
     }
     void setFrame(const AppKitRect& frame) override {
+        resizeContent(frame.width - record_->frame.width, frame.height - record_->frame.height);
         record_->frame = frame;
         record_->calls.emplace_back("setFrame");
     }
@@ -128,6 +131,13 @@ public:
     }
 
 private:
+    /// Both of the view's sides are flexible: it takes what the window gains or loses.
+    void resizeContent(double width, double height) const {
+        QWidget* content = record_->content ? QWidget::find(*record_->content) : nullptr;
+        if (content)
+            content->resize(content->size() + QSize(int(width), int(height)));
+    }
+
     const std::shared_ptr<FakeAppKit::Window> record_;
 };
 
