@@ -53,10 +53,10 @@ public:
     WindowFrame windowFrame() const override { return {window_->position, window_->size}; }
 
     void movePointer(AppKitPoint to) override { appKit_.mouse = to; }
-    void holdControl() override { send({EventType::flagsChanged, {ModifierFlag::control}}); }
-    void releaseControl() override { send({EventType::flagsChanged, {}}); }
-    void pressButton() override { send({EventType::leftMouseDown, {}}); }
-    void releaseButton() override { send({EventType::leftMouseUp, {}}); }
+    void holdControl() override { setModifiers({ModifierFlag::control}); }
+    void releaseControl() override { setModifiers({}); }
+    void pressButton() override { send({EventType::leftMouseDown, held_}); }
+    void releaseButton() override { send({EventType::leftMouseUp, held_}); }
     void tapEscape() override {
         // A popup has the keys of this application.
         QWidget* receiver = QApplication::activePopupWidget();
@@ -127,6 +127,10 @@ public:
     QString home() const override { return appKit_.applicationSupport.path(); }
 
 private:
+    void setModifiers(ModifierFlags flags) {
+        held_ = flags;
+        send({EventType::flagsChanged, flags});
+    }
     void send(const Event& event) { appKit_.send(appkit::MonitorKind::global, event); }
     /// A button in the window, as applications have them, or nothing.
     [[nodiscard]] std::shared_ptr<MacNode> elementAt(AXPoint point) const {
@@ -147,6 +151,7 @@ private:
     std::unique_ptr<MacTestPlatform> platform_;
     std::optional<Platform::Installation> installation_;
     std::shared_ptr<MacNode> window_;
+    ModifierFlags held_;
 };
 
 } // namespace

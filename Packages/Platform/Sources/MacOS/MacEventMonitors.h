@@ -13,7 +13,11 @@ namespace tilewright {
 
 /// AppKit's event monitors. A global monitor installed before the user granted the permission stays
 /// deaf to the keyboard, so global monitors are installed afresh, under the tokens they have, when
-/// the permission arrives. Main thread only.
+/// the permission arrives.
+///
+/// The release of a modifier key never arrives where the screen was locked with it held, or where
+/// secure input began: each other event tells the keys that are held, and where those are others
+/// than before, the monitors that watch the keys are told of the change first. Main thread only.
 class MacEventMonitors final : public EventMonitors {
 public:
     explicit MacEventMonitors(const Accessibility& accessibility);
@@ -35,10 +39,17 @@ private:
 
     [[nodiscard]] std::optional<MonitorToken> add(appkit::MonitorKind kind, EventMask mask,
                                                   Handler handler);
+    [[nodiscard]] std::unique_ptr<appkit::EventMonitor> install(MonitorToken token,
+                                                                const Monitor& monitor);
+    /// Remembers the modifier keys of an event that a monitor of the kind received, and tells of
+    /// those that changed unnoticed.
+    void noteModifiers(appkit::MonitorKind kind, const Event& event);
     void installGlobalMonitorsAfresh();
 
     quint64 lastToken_ = 0;
     std::map<MonitorToken, Monitor> monitors_;
+    /// The modifier keys that were held at the latest event.
+    ModifierFlags modifiers_;
     /// Its end disconnects.
     QObject context_;
 };

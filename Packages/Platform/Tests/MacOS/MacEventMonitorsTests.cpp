@@ -24,6 +24,11 @@ protected:
     FakeMainLoop loop;
     int handled = 0;
     EventMonitors::Handler count = [this](const Event&) { ++handled; };
+    using Recorded = std::vector<std::pair<EventType, ModifierFlags>>;
+    Recorded recorded;
+    EventMonitors::Handler record = [this](const Event& event) {
+        recorded.emplace_back(event.type, event.modifierFlags);
+    };
 };
 
 } // namespace
@@ -162,6 +167,78 @@ TEST_F(MacEventMonitorsTest, InstallAMonitorThatWasRefusedOnTheSecondTryAtTheNex
     loop.advance(250ms);
     drag(MonitorKind::global);
     EXPECT_EQ(handled, 1);
+}
+
+TEST_F(MacEventMonitorsTest, TellOfAModifierWhoseReleaseNeverArrivedBeforeTheNextEvent) {
+    const MacAccessibility accessibility(loop);
+    MacEventMonitors monitors(accessibility);
+    ASSERT_TRUE(monitors.addGlobalMonitor(dragMask, record));
+    appKit.send(MonitorKind::global, {EventType::flagsChanged, {ModifierFlag::control}});
+    // The screen is locked with the key held, and unlocked later.
+    appKit.send(MonitorKind::global, {EventType::leftMouseDragged, {}});
+    appKit.send(MonitorKind::global, {EventType::leftMouseUp, {}});
+    EXPECT_EQ(recorded, (Recorded{{EventType::flagsChanged, {ModifierFlag::control}},
+                                  {EventType::flagsChanged, {}},
+                                  {EventType::leftMouseDragged, {}},
+                                  {EventType::leftMouseUp, {}}}));
+}
+
+TEST_F(MacEventMonitorsTest, TellOfAModifierWhosePressNeverArrived) {
+    const MacAccessibility accessibility(loop);
+    MacEventMonitors monitors(accessibility);
+    ASSERT_TRUE(monitors.addLocalMonitor(dragMask, record));
+    const ModifierFlags shift{ModifierFlag::shift};
+    appKit.send(MonitorKind::local, {EventType::leftMouseDragged, shift});
+    appKit.send(MonitorKind::local, {EventType::leftMouseDragged, shift});
+    EXPECT_EQ(recorded, (Recorded{{EventType::flagsChanged, shift},
+                                  {EventType::leftMouseDragged, shift},
+                                  {EventType::leftMouseDragged, shift}}));
+}
+
+TEST_F(MacEventMonitorsTest, TakeNoOtherBitsOfAnEventForModifiers) {
+    const MacAccessibility accessibility(loop);
+    MacEventMonitors monitors(accessibility);
+    ASSERT_TRUE(monitors.addGlobalMonitor(dragMask, record));
+    // Which of two keys it is, and that the keyboard has a caps lock, only keys' events tell.
+    appKit.send(MonitorKind::global, {EventType::flagsChanged, ModifierFlags(0x50101)});
+    appKit.send(MonitorKind::global, {EventType::leftMouseDragged, ModifierFlags(0x40000)});
+    EXPECT_EQ(recorded.size(), 2U);
+}
+
+TEST_F(MacEventMonitorsTest, TellEachMonitorOfAChangeThatOnlyAnotherOneCouldHear) {
+    const MacAccessibility accessibility(loop);
+    MacEventMonitors monitors(accessibility);
+    ASSERT_TRUE(monitors.addGlobalMonitor({EventType::leftMouseDown}, count));
+    ASSERT_TRUE(monitors.addGlobalMonitor({EventType::flagsChanged}, record));
+    ASSERT_TRUE(monitors.addLocalMonitor({EventType::flagsChanged}, count));
+    const ModifierFlags option{ModifierFlag::option};
+    appKit.send(MonitorKind::global, {EventType::leftMouseDown, option});
+    EXPECT_EQ(recorded, (Recorded{{EventType::flagsChanged, option}}));
+    EXPECT_EQ(handled, 1) << "an event of other applications is none of a local monitor's";
+}
+
+TEST_F(MacEventMonitorsTest, KnowTheModifiersFromEitherKindOfMonitor) {
+    const MacAccessibility accessibility(loop);
+    MacEventMonitors monitors(accessibility);
+    ASSERT_TRUE(monitors.addGlobalMonitor(dragMask, record));
+    ASSERT_TRUE(monitors.addLocalMonitor(dragMask, record));
+    appKit.send(MonitorKind::local, {EventType::flagsChanged, {ModifierFlag::control}});
+    appKit.send(MonitorKind::global, {EventType::leftMouseDragged, {}});
+    EXPECT_EQ(recorded, (Recorded{{EventType::flagsChanged, {ModifierFlag::control}},
+                                  {EventType::flagsChanged, {}},
+                                  {EventType::leftMouseDragged, {}}}));
+}
+
+TEST_F(MacEventMonitorsTest, CallNoMonitorThatWasRemovedWhenItWasToldOfTheModifiers) {
+    const MacAccessibility accessibility(loop);
+    MacEventMonitors monitors(accessibility);
+    std::optional<MonitorToken> self;
+    self = monitors.addGlobalMonitor(dragMask, [&](const Event& event) {
+        record(event);
+        monitors.removeMonitor(*self);
+    });
+    appKit.send(MonitorKind::global, {EventType::leftMouseDragged, {ModifierFlag::control}});
+    EXPECT_EQ(recorded, (Recorded{{EventType::flagsChanged, {ModifierFlag::control}}}));
 }
 
 TEST_F(MacEventMonitorsTest, AreAllGoneAtTheEnd) {

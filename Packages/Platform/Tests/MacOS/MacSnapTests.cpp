@@ -37,13 +37,17 @@ protected:
     }
 
     void send(const Event& event) { appKit.send(MonitorKind::global, event); }
-    void pressModifier() { send({EventType::flagsChanged, {ModifierFlag::control}}); }
-    void releaseModifier() { send({EventType::flagsChanged, {}}); }
+    void setModifiers(ModifierFlags flags) {
+        held = flags;
+        send({EventType::flagsChanged, flags});
+    }
+    void pressModifier() { setModifiers({ModifierFlag::control}); }
+    void releaseModifier() { setModifiers({}); }
     void dragTo(AppKitPoint point) {
         appKit.mouse = point;
-        send({EventType::leftMouseDragged, {}});
+        send({EventType::leftMouseDragged, held});
     }
-    void release() { send({EventType::leftMouseUp, {}}); }
+    void release() { send({EventType::leftMouseUp, held}); }
 
     [[nodiscard]] static const SnapOverlayModel& model() {
         return SnapController::shared().overlayModel();
@@ -52,11 +56,17 @@ protected:
     [[nodiscard]] std::shared_ptr<FakeAppKit::Window> overlay() const {
         return appKit.windows.empty() ? nullptr : appKit.windows.front();
     }
+    /// The size of the view in the overlay's window.
+    [[nodiscard]] QSize contentSize() const {
+        const QWidget* content = QWidget::find(overlay()->content.value_or(0));
+        return content ? content->size() : QSize();
+    }
     [[nodiscard]] bool isOverlayShown() const { return overlay() && overlay()->isShown; }
     [[nodiscard]] static bool isUntouched(const MacNode& node) {
         return node.position == AXPoint{} && node.size == AXSize{};
     }
 
+    ModifierFlags held;
     MacDesktop desktop;
     FakeMacSystem& system = desktop.system;
     FakeAppKit& appKit = desktop.appKit;
@@ -156,6 +166,21 @@ TEST_F(MacSnap, FollowsTheDragToAnotherDisplayWithOneWindow) {
     EXPECT_EQ(window->size, (AXSize{960, 1080}));
 }
 
+TEST_F(MacSnap, FillsEachDisplayWithTheViewAsItCrossesThem) {
+    pressModifier();
+    dragTo(inFirst);
+    EXPECT_EQ(contentSize(), QSize(1440, 900));
+    dragTo(inLeftHalfOfSecond);
+    EXPECT_EQ(contentSize(), QSize(1920, 1080));
+    dragTo(inFirst);
+    EXPECT_EQ(contentSize(), QSize(1440, 900));
+    release();
+    // Once more with a view that is hidden while it is placed.
+    pressModifier();
+    dragTo(inRightHalfOfSecond);
+    EXPECT_EQ(contentSize(), QSize(1920, 1080));
+}
+
 TEST_F(MacSnap, StaysOnTheLastDisplayInAGapBetweenThem) {
     pressModifier();
     dragTo(inFirst);
@@ -205,6 +230,16 @@ TEST_F(MacSnap, DoesNothingWithoutTheModifierOrWithoutADrag) {
     EXPECT_TRUE(isUntouched(*window) && isUntouched(*focused));
 }
 
+TEST_F(MacSnap, DoesNothingOnAPlainDragAfterTheModifiersReleaseWasLost) {
+    pressModifier();
+    // Locked with a combination of keys that holds it: nobody tells that it is let go.
+    held = {};
+    dragTo(inFirst);
+    release();
+    EXPECT_EQ(overlay(), nullptr);
+    EXPECT_TRUE(isUntouched(*window) && isUntouched(*focused));
+}
+
 TEST_F(MacSnap, CapturesADragAlsoWhenTheModifierComesLater) {
     dragTo(inFirst);
     pressModifier();
@@ -231,6 +266,7 @@ TEST_F(MacSnap, FollowsDisplaysThatAreRearrangedDuringTheDrag) {
     appKit.screens[1] = makeFacts({1440, 0, 1000, 800}, 2);
     dragTo(inLeftHalfOfSecond);
     EXPECT_EQ(overlay()->frame, (AppKitRect{1440, 0, 1000, 800}));
+    EXPECT_EQ(contentSize(), QSize(1000, 800));
     EXPECT_EQ(model().layout().name, ZoneLayout::halves().name);
     appKit.announce(appkit::Notification::screenParametersChanged);
     release();
@@ -273,7 +309,7 @@ TEST_F(MacSnap, KeepsTheModifierUnderItsKeyInTheDefaults) {
     pressModifier();
     dragTo(inFirst);
     EXPECT_EQ(overlay(), nullptr);
-    send({EventType::flagsChanged, {ModifierFlag::option, ModifierFlag::control}});
+    setModifiers({ModifierFlag::option, ModifierFlag::control});
     dragTo(inFirst);
     EXPECT_TRUE(isOverlayShown());
     release();
