@@ -4,6 +4,11 @@
 
 namespace tilewright {
 
+namespace {
+/// In seconds.
+constexpr float longestAnswer = 1;
+} // namespace
+
 EnhancedInterfacePause::EnhancedInterfacePause(AXUIElementRef element)
     : attribute_(makeCFString(QStringLiteral("AXEnhancedUserInterface"))) {
     pid_t process = 0;
@@ -12,6 +17,8 @@ EnhancedInterfacePause::EnhancedInterfacePause(AXUIElementRef element)
     auto application = CFOwner<AXUIElementRef>::adopt(AXUIElementCreateApplication(process));
     if (!application)
         return;
+    // Holds for this one reference: what moves the window waits for as long as it did.
+    AXUIElementSetMessagingTimeout(application.get(), longestAnswer);
     CFTypeRef copied = nullptr;
     const ::AXError error =
         AXUIElementCopyAttributeValue(application.get(), attribute_.get(), &copied);
@@ -19,9 +26,9 @@ EnhancedInterfacePause::EnhancedInterfacePause(AXUIElementRef element)
     if (error != kAXErrorSuccess || !mode || CFGetTypeID(mode.get()) != CFBooleanGetTypeID() ||
         !CFBooleanGetValue(static_cast<CFBooleanRef>(mode.get())))
         return;
-    if (AXUIElementSetAttributeValue(application.get(), attribute_.get(), kCFBooleanFalse) ==
-        kAXErrorSuccess)
-        application_ = std::move(application);
+    // An application that answers too late, or with an error, may have heard all the same.
+    AXUIElementSetAttributeValue(application.get(), attribute_.get(), kCFBooleanFalse);
+    application_ = std::move(application);
 }
 
 EnhancedInterfacePause::~EnhancedInterfacePause() {

@@ -75,8 +75,11 @@ AXError MacAccessibilityElement::setValue(AXAttribute attribute,
         return AXError::invalidUIElement;
     if (!ours)
         return AXError::illegalArgument;
-    const EnhancedInterfacePause pause(element_.get());
     return fromPlatform(AXUIElementSetAttributeValue(element_.get(), name.get(), ours->get()));
+}
+
+std::shared_ptr<void> MacAccessibilityElement::beginMove() const {
+    return element_ ? std::make_shared<EnhancedInterfacePause>(element_.get()) : nullptr;
 }
 
 AXError MacAccessibilityElement::processID(ProcessID& id) const {

@@ -19,6 +19,8 @@ public:
     [[nodiscard]] AXResult<QString> string(AXAttribute attribute) const override;
     [[nodiscard]] AXResult<AccessibilityElement> element(AXAttribute attribute) const override;
     AXError setValue(AXAttribute attribute, const AccessibilityValue& value) const override;
+    /// Pauses the application's enhanced accessibility mode.
+    [[nodiscard]] std::shared_ptr<void> beginMove() const override;
     AXError processID(ProcessID& id) const override;
     [[nodiscard]] bool isSameElement(const Implementation& other) const override;
 

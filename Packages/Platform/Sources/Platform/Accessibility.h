@@ -107,6 +107,8 @@ public:
         [[nodiscard]] virtual AXResult<AccessibilityElement>
         element(AXAttribute attribute) const = 0;
         virtual AXError setValue(AXAttribute attribute, const AccessibilityValue& value) const = 0;
+        /// See `beginMove`. Null where a desktop moves windows as it is told without it.
+        [[nodiscard]] virtual std::shared_ptr<void> beginMove() const;
         virtual AXError processID(ProcessID& id) const = 0;
         [[nodiscard]] virtual bool isSameElement(const Implementation& other) const = 0;
     };
@@ -127,6 +129,10 @@ public:
     AXError setValue(AXAttribute attribute, const AccessibilityValue& value) const {
         return implementation_->setValue(attribute, value);
     }
+    /// To be held around the writes that together move a window: until it is let go, the
+    /// application does exactly what they say, at once. Null where that takes nothing, or cannot be
+    /// had; the writes are made all the same.
+    [[nodiscard]] std::shared_ptr<void> beginMove() const { return implementation_->beginMove(); }
     /// Reads the process that the element belongs to into `id`, which keeps its value on an error.
     AXError processID(ProcessID& id) const { return implementation_->processID(id); }
 

@@ -63,6 +63,7 @@ SIGNATURE(AXUIElementCreateApplication, AXUIElementRef(pid_t));
 SIGNATURE(AXUIElementCopyAttributeValue, AXError(AXUIElementRef, CFStringRef, CFTypeRef*));
 SIGNATURE(AXUIElementCopyElementAtPosition, AXError(AXUIElementRef, float, float, AXUIElementRef*));
 SIGNATURE(AXUIElementSetAttributeValue, AXError(AXUIElementRef, CFStringRef, CFTypeRef));
+SIGNATURE(AXUIElementSetMessagingTimeout, AXError(AXUIElementRef, float));
 SIGNATURE(AXUIElementGetPid, AXError(AXUIElementRef, pid_t*));
 SIGNATURE(AXUIElementGetTypeID, CFTypeID());
 SIGNATURE(AXValueCreate, AXValueRef(AXValueType, const void*));

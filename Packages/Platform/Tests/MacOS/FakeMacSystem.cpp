@@ -81,6 +81,24 @@ CFTypeRef copyValue(const MacNode::Value& value) {
     return nullptr;
 }
 
+/// Writes a value into a node, as an application does that was asked to.
+::AXError change(MacNode& node, const std::string& name, CFTypeRef value) {
+    if (CFGetTypeID(value) == CFBooleanGetTypeID()) {
+        node.attributes[name] = CFBooleanGetValue(static_cast<CFBooleanRef>(value)) != 0;
+        return kAXErrorSuccess;
+    }
+    const auto& content = fakecf::as<ValueObject>(value, "AXUIElementSetAttributeValue").content;
+    if (const auto* position = std::get_if<tilewright::AXPoint>(&content);
+        position && name == "AXPosition")
+        node.position = *position;
+    else if (const auto* size = std::get_if<tilewright::AXSize>(&content); size && name == "AXSize")
+        node.size = *size;
+    else
+        return name == "AXPosition" || name == "AXSize" ? kAXErrorIllegalArgument
+                                                        : kAXErrorAttributeUnsupported;
+    return kAXErrorSuccess;
+}
+
 bool fails(const char* function) {
     return fakecf::failing().contains(function);
 }
@@ -170,6 +188,8 @@ AXError AXUIElementCopyAttributeValue(AXUIElementRef element, CFStringRef attrib
     FakeMacSystem::current().log(node.name + ".copy " + name);
     if (!value)
         fakecf::die("AXUIElementCopyAttributeValue was given no place for the value");
+    if (const auto failure = FakeMacSystem::current().failureOfThisCall())
+        return toC(*failure);
     if (node.isGone)
         return kAXErrorInvalidUIElement;
     if (const auto error = node.readErrors.find(name); error != node.readErrors.end())
@@ -186,9 +206,10 @@ AXError AXUIElementCopyElementAtPosition(AXUIElementRef application, float x, fl
     auto& system = FakeMacSystem::current();
     const MacNode& asked = nodeOf(application, "AXUIElementCopyElementAtPosition");
     system.log(asked.name + ".elementAt " + tilewright::testing::text(tilewright::AXPoint{x, y}));
-    if (system.elementAtError) {
+    const auto failure = system.failureOfThisCall();
+    if (failure || system.elementAtError) {
         *element = nullptr;
-        return toC(*system.elementAtError);
+        return toC(failure.value_or(system.elementAtError.value_or(TilewrightAXError::failure)));
     }
     const auto found = system.elementAt ? system.elementAt(tilewright::AXPoint{x, y}) : nullptr;
     *element = found ? FakeMacSystem::copyReference(found) : nullptr;
@@ -200,6 +221,10 @@ AXError AXUIElementSetAttributeValue(AXUIElementRef element, CFStringRef attribu
     MacNode& node = nodeOf(element, "AXUIElementSetAttributeValue");
     const std::string name = fakecf::textOf(attribute).toStdString();
     FakeMacSystem::current().log(node.name + ".set " + name + " " + textOfValue(value));
+    if (const auto failure = FakeMacSystem::current().failureOfThisCall()) {
+        change(node, name, value);
+        return toC(*failure);
+    }
     if (node.isGone)
         return kAXErrorInvalidUIElement;
     if (auto& errors = node.writeErrors[name]; !errors.empty()) {
@@ -208,25 +233,24 @@ AXError AXUIElementSetAttributeValue(AXUIElementRef element, CFStringRef attribu
         if (error != TilewrightAXError::success)
             return toC(error);
     }
-    if (CFGetTypeID(value) == CFBooleanGetTypeID()) {
-        node.attributes[name] = CFBooleanGetValue(static_cast<CFBooleanRef>(value)) != 0;
-        return kAXErrorSuccess;
-    }
-    const auto& content = fakecf::as<ValueObject>(value, "AXUIElementSetAttributeValue").content;
-    if (const auto* position = std::get_if<tilewright::AXPoint>(&content);
-        position && name == "AXPosition")
-        node.position = *position;
-    else if (const auto* size = std::get_if<tilewright::AXSize>(&content); size && name == "AXSize")
-        node.size = *size;
-    else
-        return name == "AXPosition" || name == "AXSize" ? kAXErrorIllegalArgument
-                                                        : kAXErrorAttributeUnsupported;
+    return change(node, name, value);
+}
+
+AXError AXUIElementSetMessagingTimeout(AXUIElementRef element, float timeoutInSeconds) {
+    const MacNode& node = nodeOf(element, "AXUIElementSetMessagingTimeout");
+    std::ostringstream seconds;
+    seconds << timeoutInSeconds;
+    FakeMacSystem::current().log(node.name + ".timeout " + seconds.str());
+    if (const auto failure = FakeMacSystem::current().failureOfThisCall())
+        return toC(*failure);
     return kAXErrorSuccess;
 }
 
 AXError AXUIElementGetPid(AXUIElementRef element, pid_t* process) {
     const MacNode& node = nodeOf(element, "AXUIElementGetPid");
     FakeMacSystem::current().log(node.name + ".process");
+    if (const auto failure = FakeMacSystem::current().failureOfThisCall())
+        return toC(*failure);
     if (node.isGone)
         return kAXErrorInvalidUIElement;
     if (!node.process)

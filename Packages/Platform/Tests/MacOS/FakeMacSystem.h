@@ -8,6 +8,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -56,6 +57,17 @@ public:
 
     /// The calls of the accessibility interface in order, such as "window.copy AXRole".
     std::vector<std::string> calls;
+
+    /// What the call with that number, counted from 0 among those that answer with an error,
+    /// answers instead of what it would. A change that it was to make is made all the same: the
+    /// other side may have heard of it and not have answered in time.
+    std::optional<std::pair<int, AXError>> failure;
+    /// Counts a call that answers with an error; the error where it is the one to fail.
+    [[nodiscard]] std::optional<AXError> failureOfThisCall() {
+        const int call = fallibleCalls++;
+        return failure && failure->first == call ? std::optional(failure->second) : std::nullopt;
+    }
+    int fallibleCalls = 0;
 
     bool isTrusted = true;
     /// The options that came with each question for trust, such as

@@ -102,46 +102,61 @@ TEST_F(MacAccessibilityElements, ArePromptedForByNameWhateverIsMissing) {
     EXPECT_EQ(system.prompts, Calls{"AXTrustedCheckOptionPrompt=true"});
 }
 
-TEST_F(MacAccessibilityElements, HaveTheEnhancedModeOfTheirApplicationOffWhileTheyAreMoved) {
+TEST_F(MacAccessibilityElements, HaveTheEnhancedModeOfTheirApplicationOffOnceForAllWritesOfAMove) {
     application->attributes["AXEnhancedUserInterface"] = true;
-    EXPECT_EQ(moveWindow(), AXError::success);
-    EXPECT_EQ(system.calls,
-              (Calls{"window.process", "AXUIElementCreateApplication 7",
-                     "application.copy AXEnhancedUserInterface",
-                     "application.set AXEnhancedUserInterface false", "window.set AXPosition 10,20",
-                     "application.set AXEnhancedUserInterface true"}));
+    const auto element = handle();
+    const auto value = accessibility.makeValue(AXPoint{10, 20});
+    system.calls.clear();
+    {
+        const auto move = element.beginMove();
+        EXPECT_FALSE(isEnhanced());
+        EXPECT_EQ(element.setValue(AXAttribute::position, *value), AXError::success);
+        EXPECT_EQ(element.setValue(AXAttribute::position, *value), AXError::success);
+    }
+    EXPECT_EQ(
+        system.calls,
+        (Calls{"window.process", "AXUIElementCreateApplication 7", "application.timeout 1",
+               "application.copy AXEnhancedUserInterface",
+               "application.set AXEnhancedUserInterface false", "window.set AXPosition 10,20",
+               "window.set AXPosition 10,20", "application.set AXEnhancedUserInterface true"}));
     EXPECT_TRUE(isEnhanced());
-    EXPECT_TRUE(fakecf::live().empty());
 }
 
-TEST_F(MacAccessibilityElements, HaveTheEnhancedModeBackAlsoAfterAMoveThatFails) {
+TEST_F(MacAccessibilityElements, HaveTheEnhancedModeBackAlsoWhereSwitchingItOffTimedOut) {
     application->attributes["AXEnhancedUserInterface"] = true;
-    window->writeErrors["AXPosition"] = {AXError::cannotComplete};
-    EXPECT_EQ(moveWindow(), AXError::cannotComplete);
+    const auto element = handle();
+    // The application hears of it, and answers too late.
+    system.calls.clear();
+    system.fallibleCalls = 0;
+    system.failure = {3, AXError::cannotComplete};
+    {
+        const auto move = element.beginMove();
+        ASSERT_EQ(system.calls.back(), "application.set AXEnhancedUserInterface false");
+        EXPECT_FALSE(isEnhanced());
+    }
     EXPECT_TRUE(isEnhanced());
 }
 
-TEST_F(MacAccessibilityElements, OfAnApplicationInItsOrdinaryModeAreJustMoved) {
+TEST_F(MacAccessibilityElements, OfAnApplicationInItsOrdinaryModeAreLeftInIt) {
     for (const MacNode::Value& mode :
          {MacNode::Value(false), MacNode::Value(u"yes"_s), MacNode::Value(std::monostate())}) {
         application->attributes["AXEnhancedUserInterface"] = mode;
-        EXPECT_EQ(moveWindow(), AXError::success);
-        EXPECT_EQ(system.calls.back(), "window.set AXPosition 10,20");
-        EXPECT_EQ(system.calls.size(), 4U);
+        const auto element = handle();
+        system.calls.clear();
+        const auto move = element.beginMove();
+        EXPECT_EQ(system.calls.back(), "application.copy AXEnhancedUserInterface");
+        EXPECT_EQ(application->attributes["AXEnhancedUserInterface"], mode);
     }
     EXPECT_TRUE(fakecf::live().empty());
 }
 
-TEST_F(MacAccessibilityElements, AreMovedAlsoWhenTheEnhancedModeCannotBeReadOrSwitched) {
-    application->attributes["AXEnhancedUserInterface"] = true;
-    application->writeErrors["AXEnhancedUserInterface"] = {AXError::attributeUnsupported};
-    EXPECT_EQ(moveWindow(), AXError::success);
-    EXPECT_EQ(system.calls.back(), "window.set AXPosition 10,20");
-    application->readErrors["AXEnhancedUserInterface"] = AXError::attributeUnsupported;
-    EXPECT_EQ(moveWindow(), AXError::success);
+TEST_F(MacAccessibilityElements, AreMovedAlsoWhereTheirApplicationIsNotToBeFound) {
     fakecf::failing().insert("AXUIElementCreateApplication");
+    const auto element = handle();
+    const auto move = element.beginMove();
     EXPECT_EQ(moveWindow(), AXError::success);
     window->process.reset();
+    const auto another = element.beginMove();
     EXPECT_EQ(moveWindow(), AXError::success);
 }
 

@@ -98,21 +98,21 @@ protected:
     WindowManager& manager = WindowManager::shared();
 };
 
-/// The calls of one write: the application's mode is looked at first.
-Calls write(const std::string& what) {
-    return {"window.process", "AXUIElementCreateApplication 7",
-            "application.copy AXEnhancedUserInterface", "window.set " + what};
-}
-
 Calls operator+(Calls a, const Calls& b) {
     a.insert(a.end(), b.begin(), b.end());
     return a;
 }
 
-/// The calls that place the window into the right half.
-const Calls placing = Calls{"AXValueCreate 720,25", "AXValueCreate 720x875"} +
-                      write("AXSize 720x875") + write("AXPosition 720,25") +
-                      write("AXSize 720x875");
+/// The calls that place the window into the right half: the application's mode is looked at once.
+const Calls placing{"AXValueCreate 720,25",
+                    "AXValueCreate 720x875",
+                    "window.process",
+                    "AXUIElementCreateApplication 7",
+                    "application.timeout 1",
+                    "application.copy AXEnhancedUserInterface",
+                    "window.set AXSize 720x875",
+                    "window.set AXPosition 720,25",
+                    "window.set AXSize 720x875"};
 const Calls resolvingThroughTheApplication{
     "AXUIElementCreateSystemWide", "systemWide.copy AXFocusedUIElement",
     "AXUIElementCreateApplication 7", "application.copy AXFocusedWindow"};

@@ -97,6 +97,7 @@ void WindowManager::setFrame(const AccessibilityElement& window, const ZoneRect&
     const auto size = accessibility.makeValue(AXSize{rect.width, rect.height});
     if (!size)
         throw WindowManagerError::axValueCreationFailed();
+    const std::shared_ptr<void> move = window.beginMove();
     // Size, move, size: a window may be held to what the display that it is on allows. Only the
     // last two results count.
     window.setValue(AXAttribute::size, *size);

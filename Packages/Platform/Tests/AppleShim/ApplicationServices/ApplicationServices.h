@@ -51,6 +51,7 @@ AXError AXUIElementSetAttributeValue(AXUIElementRef element, CFStringRef attribu
                                      CFTypeRef value);
 AXError AXUIElementIsAttributeSettable(AXUIElementRef element, CFStringRef attribute,
                                        Boolean* settable);
+AXError AXUIElementSetMessagingTimeout(AXUIElementRef element, float timeoutInSeconds);
 AXError AXUIElementGetPid(AXUIElementRef element, pid_t* process);
 CFTypeID AXUIElementGetTypeID(void);
 
