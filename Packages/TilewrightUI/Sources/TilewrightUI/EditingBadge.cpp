@@ -43,11 +43,11 @@ void EditingBadge::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(look::tilewrightAmber(0.18));
+    painter.setBrush(look::accentFill());
     painter.drawRoundedRect(badge, badge.height() / 2, badge.height() / 2);
 
     painter.setFont(font);
-    painter.setPen(look::accentText(palette()));
+    painter.setPen(look::accentTextOnAccent(palette()));
     symbols::paintLabel(painter, badge.adjusted(sidePadding, 0, -sidePadding, 0), layoutDirection(),
                         QStringLiteral("pencil"), symbolSide(QFontMetricsF(font)), symbolGap,
                         text());

@@ -1,5 +1,6 @@
 #include "GlassButton.h"
 
+#include "Contrast.h"
 #include "FocusVisibility.h"
 #include "Symbols.h"
 
@@ -95,35 +96,37 @@ QSize GlassButton::minimumSizeHint() const {
     return {std::min(hint.width(), 60), hint.height()};
 }
 
+QColor GlassButton::bezelColor() const {
+    if (kind_ == Kind::prominent) {
+        const QColor fill = look::tilewrightAmber();
+        return isDown() ? fill.darker(115) : underMouse() ? fill.lighter(106) : fill;
+    }
+    const double base = look::isDark(palette()) ? 0.18 : 0.14;
+    const double more = isDown() ? 0.14 : underMouse() ? 0.06 : 0;
+    return look::withOpacity(look::red(palette()), base + more);
+}
+
 QColor GlassButton::textColor() const {
-    if (role_ == Role::destructive)
-        return look::red(palette());
     if (kind_ == Kind::prominent)
-        return Qt::white;
+        return look::textOnAmber(bezelColor());
+    if (role_ == Role::destructive) {
+        const QColor window = look::panelFill(palette());
+        const QColor card = look::over(look::cardFill(palette()), window);
+        return look::legible(look::red(palette()),
+                             {look::over(bezelColor(), window), look::over(bezelColor(), card)});
+    }
     if (kind_ == Kind::plain && !underMouse())
         return look::secondary(palette());
     return look::primary(palette());
 }
 
 void GlassButton::paintBezel(QPainter& painter, const QRectF& bezel, double radius) const {
-    const look::ControlState state{isEnabled(), underMouse(), isDown()};
-    if (kind_ == Kind::prominent) {
-        QColor fill = look::tilewrightAmber();
-        if (state.isPressed)
-            fill = fill.darker(115);
-        else if (state.isHovered)
-            fill = fill.lighter(106);
+    if (kind_ == Kind::prominent || (role_ == Role::destructive && kind_ != Kind::plain)) {
         painter.setPen(Qt::NoPen);
-        painter.setBrush(fill);
-        painter.drawRoundedRect(bezel, radius, radius);
-    } else if (role_ == Role::destructive && kind_ == Kind::bordered) {
-        const double base = look::isDark(palette()) ? 0.18 : 0.14;
-        const double more = state.isPressed ? 0.14 : state.isHovered ? 0.06 : 0;
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(look::withOpacity(look::red(palette()), base + more));
+        painter.setBrush(bezelColor());
         painter.drawRoundedRect(bezel, radius, radius);
     } else if (kind_ != Kind::plain) {
-        look::paintGlass(painter, bezel, radius, palette(), state);
+        look::paintGlass(painter, bezel, radius, palette(), {isEnabled(), underMouse(), isDown()});
     }
 }
 

@@ -54,6 +54,8 @@ private:
     [[nodiscard]] QSizeF padding() const;
     [[nodiscard]] double symbolRoom() const;
     [[nodiscard]] double chevronRoom() const;
+    /// The fill of a prominent button, which is opaque, or of a destructive one's bezel.
+    [[nodiscard]] QColor bezelColor() const;
     [[nodiscard]] QColor textColor() const;
     void popUpMenu();
     void applyFont();

@@ -133,7 +133,7 @@ void LayoutCard::paintEvent(QPaintEvent*) {
     const QRectF shape(rect());
     painter.setPen(Qt::NoPen);
     if (isOn()) {
-        painter.setBrush(look::tilewrightAmber(0.18));
+        painter.setBrush(look::accentFill());
         painter.drawRoundedRect(shape, cornerRadius, cornerRadius);
     } else if (isDown() || underMouse()) {
         painter.setBrush(look::withOpacity(look::quaternary(palette()), isDown() ? 1.0 : 0.5));

@@ -1,5 +1,7 @@
 #include "Look.h"
 
+#include "Contrast.h"
+
 #include <QApplication>
 #include <QFontMetricsF>
 #include <QPainter>
@@ -90,8 +92,22 @@ double scale(TextStyle style) {
     return 1.0;
 }
 
+/// The desktop's own colours of text and of windows.
+QColor text(const QPalette& palette) {
+    return palette.color(QPalette::Active, QPalette::WindowText);
+}
+QColor window(const QPalette& palette) {
+    return palette.color(QPalette::Active, QPalette::Window);
+}
+
 QColor tone(const QPalette& palette, double light, double dark) {
-    return withOpacity(primary(palette), isDark(palette) ? dark : light);
+    return withOpacity(text(palette), isDark(palette) ? dark : light);
+}
+
+/// As it can be read in a window and on every faint fill there.
+QColor legibleInWindow(const QColor& color, const QPalette& palette) {
+    const QColor ground = window(palette);
+    return legible(color, {ground, over(quaternary(palette), ground)});
 }
 
 } // namespace
@@ -110,11 +126,11 @@ bool isDark(const QPalette& palette) {
 }
 
 QColor primary(const QPalette& palette) {
-    return palette.color(QPalette::Active, QPalette::WindowText);
+    return legibleInWindow(text(palette), palette);
 }
 
 QColor secondary(const QPalette& palette) {
-    return tone(palette, 0.58, 0.62);
+    return legibleInWindow(tone(palette, 0.58, 0.62), palette);
 }
 
 QColor quaternary(const QPalette& palette) {
@@ -130,15 +146,34 @@ QColor cardFill(const QPalette& palette) {
 }
 
 QColor panelFill(const QPalette& palette) {
-    return palette.color(QPalette::Active, QPalette::Window);
+    return window(palette);
 }
 
 QColor accentText(const QPalette& palette) {
-    return isDark(palette) ? QColor(0xe0, 0x9c, 0x45) : QColor(0x92, 0x56, 0x0a);
+    const QColor wanted = isDark(palette) ? QColor(0xe0, 0x9c, 0x45) : QColor(0x92, 0x56, 0x0a);
+    return legibleInWindow(wanted, palette);
+}
+
+QColor accentTextOnAccent(const QPalette& palette) {
+    return legible(accentText(palette), {over(accentFill(), window(palette))});
+}
+
+QColor textOnAmber(const QColor& amber) {
+    return legible(QColor(0x2b, 0x1a, 0x04), {amber});
+}
+
+QColor accentFill() {
+    return tilewrightAmber(0.18);
+}
+
+QColor placeholder(const QPalette& palette) {
+    const QColor field = palette.color(QPalette::Active, QPalette::Base);
+    return legible(withOpacity(palette.color(QPalette::Active, QPalette::Text), 0.5), {field});
 }
 
 QColor red(const QPalette& palette) {
-    return isDark(palette) ? QColor(0xff, 0x6a, 0x60) : QColor(0xbe, 0x26, 0x1e);
+    const QColor wanted = isDark(palette) ? QColor(0xff, 0x6a, 0x60) : QColor(0xbe, 0x26, 0x1e);
+    return legibleInWindow(wanted, palette);
 }
 
 QColor green(const QPalette& palette) {

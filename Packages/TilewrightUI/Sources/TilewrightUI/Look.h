@@ -14,7 +14,9 @@ class QPainterPath;
 
 /// The shared look of the views, by name. Lengths are in points (Qt's device-independent
 /// pixels). Light and dark follow the desktop through the widget's palette: a widget asks afresh
-/// whenever it paints, and so follows a change of the palette by itself.
+/// whenever it paints, and so follows a change of the palette by itself. Colours of texts are those
+/// of the palette and the look where they can be read on what they are for, else the nearest that
+/// can.
 namespace tilewright::look {
 
 /// The one accent colour: sRGB 0.82, 0.55, 0.20, opaque unless told otherwise.
@@ -48,6 +50,14 @@ inline constexpr int defaultSpacing = 8;
 [[nodiscard]] QColor panelFill(const QPalette& palette);
 /// The accent for text and thin symbols, dark enough to be read on a light background.
 [[nodiscard]] QColor accentText(const QPalette& palette);
+/// The translucent fill in the accent colour that marks what is current.
+[[nodiscard]] QColor accentFill();
+/// The accent for text on that fill.
+[[nodiscard]] QColor accentTextOnAccent(const QPalette& palette);
+/// Text on an opaque fill of the accent or a shade of it.
+[[nodiscard]] QColor textOnAmber(const QColor& amber);
+/// The text in an empty field that says what belongs there.
+[[nodiscard]] QColor placeholder(const QPalette& palette);
 /// The red of destructive actions and error toasts.
 [[nodiscard]] QColor red(const QPalette& palette);
 /// The green of what is in order.

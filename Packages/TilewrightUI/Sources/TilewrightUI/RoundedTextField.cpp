@@ -2,6 +2,7 @@
 
 #include "Look.h"
 
+#include <QEvent>
 #include <QPainter>
 
 namespace tilewright {
@@ -20,10 +21,29 @@ RoundedTextField::RoundedTextField(const QString& placeholder, QWidget* parent)
     setAccessibleName(placeholder);
     setFrame(false);
     setTextMargins(sideMargin, verticalMargin, sideMargin, verticalMargin);
+    applyPalette();
+}
+
+void RoundedTextField::applyPalette() {
+    const QColor placeholder = look::placeholder(ground());
+    if (palette().color(QPalette::PlaceholderText) == placeholder)
+        return;
+    QPalette own;
     // The style would fill the corners; the background is painted here instead.
-    QPalette withoutBase;
-    withoutBase.setColor(QPalette::Base, Qt::transparent);
-    setPalette(withoutBase);
+    own.setColor(QPalette::Base, Qt::transparent);
+    // What a desktop tells Qt of this colour may not be readable on its own fields.
+    own.setColor(QPalette::PlaceholderText, placeholder);
+    setPalette(own);
+}
+
+QPalette RoundedTextField::ground() const {
+    return parentWidget() ? parentWidget()->palette() : QPalette();
+}
+
+void RoundedTextField::changeEvent(QEvent* event) {
+    QLineEdit::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        applyPalette();
 }
 
 QSize RoundedTextField::sizeHint() const {
@@ -44,8 +64,7 @@ void RoundedTextField::paintEvent(QPaintEvent* event) {
         painter.setRenderHint(QPainter::Antialiasing);
         const QRectF field(rect());
         painter.setPen(Qt::NoPen);
-        painter.setBrush(parentWidget() ? parentWidget()->palette().color(QPalette::Base)
-                                        : QColor(Qt::white));
+        painter.setBrush(ground().color(QPalette::Base));
         painter.drawRoundedRect(field, cornerRadius, cornerRadius);
         if (hasFocus())
             look::paintFocusRing(painter, field, cornerRadius, palette());

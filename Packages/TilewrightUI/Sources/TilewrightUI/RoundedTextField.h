@@ -16,7 +16,13 @@ public:
     [[nodiscard]] QSize minimumSizeHint() const override;
 
 protected:
+    void changeEvent(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+
+private:
+    /// Whose colours the field is painted in: its surroundings'.
+    [[nodiscard]] QPalette ground() const;
+    void applyPalette();
 };
 
 } // namespace tilewright

@@ -1,5 +1,6 @@
 #include "ZoneEditorTile.h"
 
+#include "Contrast.h"
 #include "DigitText.h"
 #include "FocusVisibility.h"
 #include "Look.h"
@@ -45,6 +46,16 @@ QFont readoutFont(const QString& text, double zoneWidth) {
 
 QColor readoutFill(const QPalette& palette) {
     return look::isDark(palette) ? QColor(24, 24, 27, 150) : QColor(255, 255, 255, 165);
+}
+
+/// Zones may lie one over the other: what the readout stands on is anything between a single faint
+/// one and the full accent, seen through its own fill.
+QColor readoutText(const QPalette& palette) {
+    const QColor canvas = look::over(look::quaternary(palette), look::panelFill(palette));
+    const QColor fill = readoutFill(palette);
+    return look::legible(look::secondary(palette),
+                         {look::over(fill, look::over(look::tilewrightAmber(0.18), canvas)),
+                          look::over(fill, look::tilewrightAmber())});
 }
 
 QRectF inReach(const QRectF& rect) {
@@ -183,7 +194,7 @@ void ZoneEditorTile::paintReadout(QPainter& painter) const {
     painter.setPen(Qt::NoPen);
     painter.setBrush(readoutFill(palette()));
     painter.drawRoundedRect(readoutFrame_, readoutFrame_.height() / 2, readoutFrame_.height() / 2);
-    painter.setPen(look::secondary(palette()));
+    painter.setPen(readoutText(palette()));
     DigitText(readout_, readoutFont_)
         .paint(painter,
                readoutFrame_.topLeft() + QPointF(readoutSidePadding, readoutVerticalPadding));
