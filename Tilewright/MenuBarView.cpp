@@ -24,7 +24,8 @@ constexpr int spacing = 12;
 
 MenuBarView::MenuBarView(OpenSettings openSettings, QWidget* parent)
     : QWidget(parent)
-    , openSettings_(std::move(openSettings)) {
+    , openSettings_(std::move(openSettings))
+    , keepAwake_(new KeepAwakeControl) {
     setFixedWidth(panelWidth);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     auto* column = new QVBoxLayout(this);
@@ -39,13 +40,17 @@ MenuBarView::MenuBarView(OpenSettings openSettings, QWidget* parent)
         row->addSpacing(trailingPadding);
         column->addLayout(row);
     };
-    add(new KeepAwakeControl);
+    add(keepAwake_);
     column->addSpacing(spacing);
     add(new Hairline);
     add(makeMiddle(), padding - SlimScrollBar::thickness);
     add(new Hairline);
     column->addSpacing(spacing);
     add(makeFooter());
+}
+
+int MenuBarView::roomToGrow() const {
+    return keepAwake_->roomToGrow();
 }
 
 QWidget* MenuBarView::makeMiddle() {

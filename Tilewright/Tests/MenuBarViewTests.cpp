@@ -109,6 +109,19 @@ TEST_F(MenuBarViewTest, StacksItsPartsTwelvePointsApartInSixteenOfPadding) {
     EXPECT_EQ(lines[0]->height(), 1);
 }
 
+TEST_F(MenuBarViewTest, SaysHowMuchHigherItWillBeWithItsSessionRow) {
+    KeepAwakeManager::shared().activate(KeepAwakeSession::indefinite());
+    MenuBarView view;
+    layOut(view);
+    const int height = view.sizeHint().height();
+    const int room = view.roomToGrow();
+    EXPECT_GT(room, 0);
+    KeepAwakeManager::shared().deactivate();
+    layOut(view);
+    EXPECT_EQ(view.sizeHint().height(), height + room);
+    EXPECT_EQ(view.roomToGrow(), 0);
+}
+
 TEST_F(MenuBarViewTest, ScrollsTheLayoutsAloneWhereItIsGivenLessHeight) {
     addLayouts(30);
     MenuBarView view;

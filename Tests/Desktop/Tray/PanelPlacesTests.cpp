@@ -61,6 +61,49 @@ TEST_P(PanelAtScale, OpensBelowItsItemWhollyOnTheScreen) {
 
 INSTANTIATE_TEST_SUITE_P(, PanelAtScale, ::testing::Values(125, 150, 200), scaleName);
 
+TEST(PanelAboveABar, KeepsItsTopEdgeWhileItsSessionRowComesAndGoes) {
+    TrayDesktop desktop;
+    startTint2(desktop.session(), 0, BarEdge::bottom);
+    desktop.startProgram();
+    const QRect item = desktop.waitForItem();
+    const int bar = desktop.inspector().screenSize().height() - barHeight;
+    ASSERT_GE(item.top(), bar);
+    std::vector<QRect> rests;
+    const auto waitForRest = [&] {
+        QRect last;
+        EXPECT_TRUE(waitUntil([&] {
+            last = desktop.panel().value_or(QRect());
+            return (rests.empty() || last.height() != rests.back().height()) &&
+                   staysTrue([&] { return desktop.panel() == last; },
+                             std::chrono::milliseconds(150));
+        }));
+        EXPECT_LE(last.bottom(), bar) << "clear of the bar";
+        rests.push_back(last);
+    };
+    desktop.input().click(item.center());
+    waitForRest();
+    // The first control is the switch.
+    desktop.input().tapKey(keysym::tab);
+    for (int toggling = 0; toggling < 3; ++toggling) {
+        desktop.input().tapKey(keysym::space);
+        waitForRest();
+        EXPECT_EQ(rests.back().top(), rests.front().top());
+    }
+    // Opened without the row, which comes while it is open.
+    desktop.input().tapKey(keysym::escape);
+    ASSERT_TRUE(waitUntil([&] { return !desktop.panel(); }));
+    const QRect without = rests.back();
+    rests.clear();
+    desktop.input().click(item.center());
+    waitForRest();
+    EXPECT_EQ(rests.front(), without);
+    desktop.input().tapKey(keysym::tab);
+    desktop.input().tapKey(keysym::space);
+    waitForRest();
+    EXPECT_EQ(rests.back().top(), without.top());
+    EXPECT_GT(rests.back().height(), without.height());
+}
+
 TEST_P(PanelOnTwoMonitors, OpensOnTheMonitorOfItsItem) {
     startTint2(desktop.session(), 1);
     desktop.startProgram(scale());

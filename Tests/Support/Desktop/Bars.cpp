@@ -13,10 +13,11 @@ QByteArray property(const char* name, const char* type, const QByteArray& value)
 
 } // namespace
 
-Subprocess& startTint2(DesktopSession& desktop, int monitor) {
+Subprocess& startTint2(DesktopSession& desktop, int monitor, BarEdge edge) {
     const QString file = desktop.home() + u"/tint2rc"_s;
     writeFile(file, "panel_items = S\npanel_size = 100% " + QByteArray::number(barHeight) +
-                        "\npanel_position = top center horizontal\nstrut_policy = follow_size\n"
+                        "\npanel_position = " + (edge == BarEdge::top ? "top" : "bottom") +
+                        " center horizontal\nstrut_policy = follow_size\n"
                         "systray_icon_size = 22\nsystray_padding = 4 4 4\npanel_background_id = 0\n"
                         "panel_monitor = " +
                         QByteArray::number(monitor + 1) + "\n");

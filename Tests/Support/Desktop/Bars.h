@@ -4,10 +4,13 @@
 
 namespace tilewright::testing {
 
-// Bars across the top of a monitor, with nothing on them but the items of running programs.
+// Bars across an edge of a monitor, the top one unless told, with nothing on them but the items of
+// running programs.
 
 /// How high they are, in pixels.
 inline constexpr int barHeight = 30;
+
+enum class BarEdge { top, bottom };
 
 /// What Xfce's panel draws of an item that names an installed symbol.
 enum class XfceItems {
@@ -20,7 +23,7 @@ enum class XfceItems {
 };
 
 /// Starts tint2, which takes in items of the X11 system tray, on a monitor counted from 0.
-Subprocess& startTint2(DesktopSession& desktop, int monitor = 0);
+Subprocess& startTint2(DesktopSession& desktop, int monitor = 0, BarEdge edge = BarEdge::top);
 /// Starts trayer, which takes them in as well.
 Subprocess& startTrayer(DesktopSession& desktop, int monitor = 0);
 /// Starts Xfce's panel, which shows status-notifier items.

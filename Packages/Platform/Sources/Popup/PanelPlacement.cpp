@@ -31,9 +31,10 @@ QtRect PanelPlacement::place(QSize panel) const {
         x = item.x - gap - panel.width();
         break;
     }
-    return {clampSpan(x, panel.width(), visibleFrame.x + gap, visibleFrame.maxX() - gap),
-            clampSpan(y, panel.height(), visibleFrame.y + gap, visibleFrame.maxY() - gap),
-            panel.width(), panel.height()};
+    return {
+        clampSpan(x, panel.width(), visibleFrame.x + gap, visibleFrame.maxX() - gap),
+        clampSpan(top.value_or(y), panel.height(), visibleFrame.y + gap, visibleFrame.maxY() - gap),
+        panel.width(), panel.height()};
 }
 
 PanelPlacement::Edge PanelPlacement::barEdge() const {

@@ -3,6 +3,7 @@
 #include <Platform/QtSpace.h>
 
 #include <QSize>
+#include <optional>
 
 namespace tilewright {
 
@@ -15,6 +16,8 @@ struct PanelPlacement {
     QtRect frame;
     /// The screen less its bars.
     QtRect visibleFrame;
+    /// The top edge of a panel that is open already, which it keeps.
+    std::optional<int> top = std::nullopt;
 
     /// The place of a panel of that size. It is wholly inside the visible frame if it fits there at
     /// all; else its top-left corner is.

@@ -2,6 +2,8 @@
 
 #include "PanelPlacement.h"
 
+#include <Platform/PanelContent.h>
+
 #include <QAccessibleWidget>
 #include <QApplication>
 #include <QKeyEvent>
@@ -38,7 +40,7 @@ PanelWindow::PanelWindow(const PlatformServices& services, std::unique_ptr<Panel
     setAttribute(Qt::WA_NoMouseReplay);
     connect(&services_.screens, &Screens::screensChanged, this, [this] {
         if (isVisible())
-            fitAndPlace();
+            placeAnew();
     });
 }
 
@@ -53,7 +55,7 @@ void PanelWindow::open(std::unique_ptr<QWidget> view, const AppKitRect& place) {
     view_->setAutoFillBackground(false);
     view_->installEventFilter(this);
     view_->show();
-    fitAndPlace();
+    placeAnew();
     dropStaleFocusConnections();
     show();
     grab_.take(*windowHandle());
@@ -119,6 +121,11 @@ void PanelWindow::hideEvent(QHideEvent* event) {
     Q_EMIT hidden();
 }
 
+void PanelWindow::placeAnew() {
+    top_.reset();
+    fitAndPlace();
+}
+
 void PanelWindow::fitAndPlace() {
     if (isFitting_ || !view_)
         return;
@@ -130,7 +137,13 @@ void PanelWindow::fitAndPlace() {
         placement.item = space.toQt(place_);
         placement.frame = space.insideQt(screen->frame());
         placement.visibleFrame = space.insideQt(screen->visibleFrame());
-        const QSize ground = contentSize(placement.visibleFrame.height - 2 * PanelPlacement::gap);
+        const int available = placement.visibleFrame.height - 2 * PanelPlacement::gap;
+        const QSize ground = contentSize(available);
+        if (!top_) {
+            const int highest = std::min(ground.height() + roomToGrow(), available);
+            top_ = placement.place({ground.width(), highest}).y;
+        }
+        placement.top = top_;
         setGeometry(placement.place(ground).toQRect().marginsAdded(margins()));
     } else {
         resize(contentSize(QWIDGETSIZE_MAX).grownBy(margins()));
@@ -154,6 +167,11 @@ QSize PanelWindow::contentSize(int availableHeight) const {
     }
     size = size.expandedTo(view_->minimumSize()).boundedTo(view_->maximumSize());
     return {size.width(), std::min(size.height(), availableHeight)};
+}
+
+int PanelWindow::roomToGrow() const {
+    const auto* content = dynamic_cast<const PanelContent*>(view_.data());
+    return content ? content->roomToGrow() : 0;
 }
 
 void PanelWindow::dropStaleFocusConnections() {

@@ -7,13 +7,15 @@
 #include <QPointer>
 #include <QWidget>
 #include <memory>
+#include <optional>
 
 namespace tilewright {
 
 /// The popup's window: the content on its ground, with the chrome around it, beside its item and
-/// wholly on its display. While it is shown it has the keyboard and the pointer, by grabs, and no
-/// other window loses the focus to it. It says what the user does; whoever opened it closes it. One
-/// window serves every opening. Main thread only.
+/// wholly on its display. Its top edge stays where it is wherever the rest fits below. While it is
+/// shown it has the keyboard and the pointer, by grabs, and no other window loses the focus to it.
+/// It says what the user does; whoever opened it closes it. One window serves every opening. Main
+/// thread only.
 class PanelWindow final : public QWidget {
     Q_OBJECT
 
@@ -54,8 +56,10 @@ protected:
 private:
     [[nodiscard]] QMargins margins() const { return chrome_->margins(rendering_); }
     void fitAndPlace();
+    void placeAnew();
     void layOutView();
     [[nodiscard]] QSize contentSize(int availableHeight) const;
+    [[nodiscard]] int roomToGrow() const;
     /// To be called while the window is not shown, hence without the focus.
     void dropStaleFocusConnections();
 
@@ -64,6 +68,8 @@ private:
     PanelRendering rendering_ = PanelRendering::opaque;
     QPointer<QWidget> view_;
     AppKitRect place_;
+    /// Of the ground, while the displays stay as they are; in Qt's coordinates.
+    std::optional<int> top_;
     bool isFitting_ = false;
     PopupGrab grab_;
 };

@@ -1,119 +1,10 @@
-#include <FakePlatform.h>
-#include <Popup/PopupPanelSurface.h>
+#include "PopupFixture.h"
 
 #include <QAccessible>
-#include <QGuiApplication>
-#include <QPushButton>
-#include <QScreen>
 #include <QSignalSpy>
 #include <QTest>
-#include <QVBoxLayout>
-#include <gtest/gtest.h>
 
 namespace tilewright::testing {
-namespace {
-
-/// A margin where the desktop blends windows, none elsewhere, and nothing painted.
-class PlainChrome final : public PanelChrome {
-public:
-    static constexpr int margin = 10;
-
-    QMargins margins(PanelRendering rendering) const override {
-        return rendering == PanelRendering::translucent ? QMargins(margin, margin, margin, margin)
-                                                        : QMargins();
-    }
-    void paint(QPainter&, const QRect& surface, const QPalette&,
-               PanelRendering rendering) override {
-        paintings.emplace_back(surface, rendering);
-    }
-
-    std::vector<std::pair<QRect, PanelRendering>> paintings;
-};
-
-/// The panel over a stand-in for its content, on Qt's offscreen screen.
-struct PopupPanelSurfaceTest : public ::testing::Test {
-    PopupPanelSurfaceTest() {
-        const QRect screen = QGuiApplication::primaryScreen()->geometry();
-        const AppKitRect frame{0, 0, double(screen.width()), double(screen.height())};
-        AppKitRect visible = frame;
-        visible.height -= barHeight;
-        FakeScreen::Values values;
-        values.frame = frame;
-        values.visibleFrame = visible;
-        platform.fakeScreens.setScreens({makeScreen(values)});
-        movePointer(itemPlace.center());
-        auto chrome = std::make_unique<PlainChrome>();
-        paintings = &chrome->paintings;
-        surface = std::make_unique<PopupPanelSurface>(
-            platform, [this](auto then) { platform.fakeMainLoop.post(std::move(then)); },
-            [this] { return makeView(); }, std::move(chrome));
-        QObject::connect(surface.get(), &PanelSurface::opened, [this] { ++openings; });
-        QObject::connect(surface.get(), &PanelSurface::dismissed,
-                         [this](PanelDismissal why) { dismissals.push_back(why); });
-    }
-    ~PopupPanelSurfaceTest() override { surface.reset(); }
-
-    std::unique_ptr<QWidget> makeView() {
-        ++viewsMade;
-        auto view = std::make_unique<QWidget>();
-        view->setFixedWidth(300);
-        auto* layout = new QVBoxLayout(view.get());
-        button = new QPushButton(QStringLiteral("Button"));
-        button->setMinimumHeight(40);
-        layout->addWidget(button);
-        return view;
-    }
-    void movePointer(QPoint to) {
-        const double height = platform.fakeScreens.all().front()->frame().height;
-        platform.fakePointer.at = {to.x() + 0.5, height - (to.y() + 0.5)};
-    }
-    void clickItem() {
-        const double height = platform.fakeScreens.all().front()->frame().height;
-        surface->toggle(AppKitRect{double(itemPlace.x()),
-                                   height - itemPlace.y() - itemPlace.height(),
-                                   double(itemPlace.width()), double(itemPlace.height())});
-        platform.fakeMainLoop.runPosted();
-    }
-    /// Screens side by side and one above the other, each where Qt has it; the first is
-    /// the primary one, at Qt's origin.
-    void setScreens(const std::vector<QRect>& places) {
-        std::vector<ScreenPtr> screens;
-        screens.reserve(places.size());
-        for (const QRect& place : places) {
-            FakeScreen::Values values;
-            values.frame = {double(place.x()),
-                            double(places.front().height() - place.y() - place.height()),
-                            double(place.width()), double(place.height())};
-            screens.push_back(makeScreen(values));
-        }
-        platform.fakeScreens.setScreens(std::move(screens));
-    }
-    /// A press in another application, as the raw events tell of it.
-    void pressElsewhere(QPoint at) {
-        movePointer(at);
-        platform.fakeMainLoop.runPosted();
-        platform.fakeEventMonitors.send(FakeEventMonitors::Kind::global,
-                                        {EventType::leftMouseDown, {}});
-    }
-    void releaseElsewhere() {
-        platform.fakeEventMonitors.send(FakeEventMonitors::Kind::global,
-                                        {EventType::leftMouseUp, {}});
-    }
-    [[nodiscard]] bool isOpen() const { return surface->isOpen(); }
-
-    static constexpr int barHeight = 30;
-    const QRect itemPlace{400, 0, 24, barHeight};
-    FakeDesktop desktop;
-    FakePlatform& platform = desktop.platform;
-    std::unique_ptr<PopupPanelSurface> surface;
-    int viewsMade = 0;
-    int openings = 0;
-    std::vector<PanelDismissal> dismissals;
-    std::vector<std::pair<QRect, PanelRendering>>* paintings = nullptr;
-    QPushButton* button = nullptr;
-};
-
-} // namespace
 
 TEST_F(PopupPanelSurfaceTest, OpensUnderTheItemOnAClick) {
     EXPECT_FALSE(isOpen());
@@ -178,129 +69,10 @@ TEST_F(PopupPanelSurfaceTest, ReachesItsControlsByTheTabKey) {
     EXPECT_TRUE(button->hasFocus());
 }
 
-TEST_F(PopupPanelSurfaceTest, ClosesOnAPressInAnotherApplication) {
-    clickItem();
-    pressElsewhere({900, 500});
-    EXPECT_FALSE(isOpen());
-    EXPECT_TRUE(platform.fakeEventMonitors.monitors.empty()) << "nothing is watched while closed";
-}
-
-TEST_F(PopupPanelSurfaceTest, ClosesOnAPressElsewhereThatQtTakesForItsPopups) {
-    clickItem();
-    movePointer({900, 500});
-    platform.fakeEventMonitors.send(FakeEventMonitors::Kind::local, {EventType::leftMouseDown, {}});
-    EXPECT_FALSE(isOpen());
-    EXPECT_TRUE(platform.fakeEventMonitors.monitors.empty());
-}
-
-TEST_F(PopupPanelSurfaceTest, StaysOpenOnAPressInsideIt) {
-    clickItem();
-    movePointer(surface->window().groundGeometry().center());
-    platform.fakeEventMonitors.send(FakeEventMonitors::Kind::local, {EventType::leftMouseDown, {}});
-    EXPECT_TRUE(isOpen());
-}
-
 TEST_F(PopupPanelSurfaceTest, ClosesWhenAnotherWindowBecomesActive) {
     clickItem();
     Q_EMIT platform.fakeWorkspace.activeWindowChanged();
     EXPECT_FALSE(isOpen());
-}
-
-TEST_F(PopupPanelSurfaceTest, StaysClosedWhenTheHostPassesOnTheClickThatClosedIt) {
-    clickItem();
-    pressElsewhere(itemPlace.center());
-    ASSERT_FALSE(isOpen());
-    clickItem();
-    EXPECT_FALSE(isOpen());
-    clickItem();
-    EXPECT_TRUE(isOpen()) << "by the next click";
-}
-
-TEST_F(PopupPanelSurfaceTest, StaysClosedWhenQtTellsOfThePressFirstAndTheHostPassesOnItsClick) {
-    clickItem();
-    movePointer(itemPlace.center());
-    QTest::mousePress(&surface->window(), Qt::LeftButton, {}, QPoint(-200, -200));
-    ASSERT_FALSE(isOpen());
-    clickItem();
-    EXPECT_FALSE(isOpen());
-    clickItem();
-    EXPECT_TRUE(isOpen()) << "by the next click";
-}
-
-TEST_F(PopupPanelSurfaceTest, OpensOnAClickThatFollowsOneThatTheHostKeptToItself) {
-    clickItem();
-    pressElsewhere(itemPlace.center());
-    releaseElsewhere();
-    platform.fakeEventMonitors.send(FakeEventMonitors::Kind::global,
-                                    {EventType::leftMouseDown, {}});
-    clickItem();
-    EXPECT_TRUE(isOpen());
-}
-
-TEST_F(PopupPanelSurfaceTest, OpensOnAClickOfAnotherButtonThatFollowsOneThatTheHostKeptToItself) {
-    for (const EventType type : {EventType::rightMouseDown, EventType::otherMouseDown}) {
-        clickItem();
-        pressElsewhere(itemPlace.center());
-        releaseElsewhere();
-        ASSERT_FALSE(isOpen());
-        platform.fakeEventMonitors.send(FakeEventMonitors::Kind::global, {type, {}});
-        clickItem();
-        EXPECT_TRUE(isOpen()) << int(type);
-        surface->close();
-    }
-}
-
-TEST_F(PopupPanelSurfaceTest, StaysClosedWhenTheHostPassesOnTheClickOfAnotherButtonThatClosedIt) {
-    clickItem();
-    movePointer(itemPlace.center());
-    platform.fakeEventMonitors.send(FakeEventMonitors::Kind::global,
-                                    {EventType::rightMouseDown, {}});
-    ASSERT_FALSE(isOpen());
-    clickItem();
-    EXPECT_FALSE(isOpen());
-    clickItem();
-    EXPECT_TRUE(isOpen()) << "by the next click";
-}
-
-TEST_F(PopupPanelSurfaceTest, OpensOnAClickThatFollowsOneWhoseReleaseWasHeardBeforeThePanelClosed) {
-    clickItem();
-    movePointer(itemPlace.center());
-    platform.fakeEventMonitors.send(FakeEventMonitors::Kind::local, {EventType::leftMouseDown, {}});
-    platform.fakeEventMonitors.send(FakeEventMonitors::Kind::local, {EventType::leftMouseUp, {}});
-    // What Qt does with the press, late.
-    QTest::mousePress(&surface->window(), Qt::LeftButton, {}, QPoint(-200, -200));
-    ASSERT_FALSE(isOpen());
-    platform.fakeMainLoop.runPosted();
-    platform.fakeEventMonitors.send(FakeEventMonitors::Kind::local, {EventType::leftMouseDown, {}});
-    clickItem();
-    EXPECT_TRUE(isOpen());
-}
-
-TEST_F(PopupPanelSurfaceTest, OpensOnAClickThatFollowsTheClosingOneBeforeTheLoopTurns) {
-    clickItem();
-    movePointer(itemPlace.center());
-    for (const EventType type :
-         {EventType::leftMouseDown, EventType::leftMouseUp, EventType::leftMouseDown})
-        platform.fakeEventMonitors.send(FakeEventMonitors::Kind::local, {type, {}});
-    ASSERT_FALSE(isOpen());
-    clickItem();
-    EXPECT_TRUE(isOpen());
-}
-
-TEST_F(PopupPanelSurfaceTest, OpensOnAClickAfterAPressElsewhereClosedIt) {
-    clickItem();
-    pressElsewhere({900, 500});
-    clickItem();
-    EXPECT_TRUE(isOpen());
-}
-
-TEST_F(PopupPanelSurfaceTest, ForgetsAPressOnTheItemAfterAWhile) {
-    clickItem();
-    pressElsewhere(itemPlace.center());
-    platform.fakeMainLoop.advance(std::chrono::seconds(5));
-    EXPECT_TRUE(platform.fakeEventMonitors.monitors.empty());
-    clickItem();
-    EXPECT_TRUE(isOpen());
 }
 
 TEST_F(PopupPanelSurfaceTest, OpensByThePointerWhereTheHostTellsNoPlace) {
@@ -370,6 +142,55 @@ TEST_F(PopupPanelSurfaceTest, FollowsItsContentsHeight) {
     EXPECT_EQ(surface->window().groundGeometry().height(), before + 100);
 }
 
+TEST_F(PopupPanelSurfaceTest, KeepsItsTopEdgeAndTheRoomToGrowAboveABarAtTheBottom) {
+    moveBarDown();
+    roomToGrow = 100;
+    clickItem();
+    const QRect before = ground();
+    EXPECT_EQ(before.bottom() + 1 + 100, itemPlace.top() - 4);
+    setButtonHeight(140);
+    EXPECT_EQ(ground(), before.adjusted(0, 0, 0, 100));
+    setButtonHeight(60);
+    EXPECT_EQ(ground(), before.adjusted(0, 0, 0, 20));
+    clickItem();
+    roomToGrow = 0;
+    clickItem();
+    EXPECT_EQ(ground().bottom() + 1, itemPlace.top() - 4) << "no room where none is asked for";
+}
+
+TEST_F(PopupPanelSurfaceTest, GivesUpItsTopEdgeWhereItWouldReachOverTheBarBelow) {
+    moveBarDown();
+    roomToGrow = 20;
+    clickItem();
+    const QRect before = ground();
+    setButtonHeight(140);
+    EXPECT_EQ(ground().height(), before.height() + 100);
+    EXPECT_EQ(ground().bottom() + 1, itemPlace.top() - 4);
+}
+
+TEST_F(PopupPanelSurfaceTest, IsNoHigherThanItsScreenForTheRoomToGrow) {
+    moveBarDown();
+    roomToGrow = 5000;
+    clickItem();
+    EXPECT_EQ(ground().top(), 4);
+    EXPECT_LT(ground().height(), 100);
+}
+
+TEST_F(PopupPanelSurfaceTest, FindsANewTopEdgeOnDisplaysThatChange) {
+    moveBarDown();
+    FakeScreen::Values values;
+    values.frame = platform.fakeScreens.all().front()->frame();
+    values.visibleFrame = values.frame;
+    values.visibleFrame->y += 200;
+    values.visibleFrame->height -= 200;
+    platform.fakeScreens.change({makeScreen(values)});
+    clickItem();
+    EXPECT_LT(ground().bottom(), values.frame.height - 200);
+    values.visibleFrame = values.frame;
+    platform.fakeScreens.change({makeScreen(values)});
+    EXPECT_EQ(ground().bottom() + 1, itemPlace.top() - 4);
+}
+
 TEST_F(PopupPanelSurfaceTest, IsNeverTallerThanItsScreen) {
     clickItem();
     button->setMinimumHeight(5000);
@@ -412,52 +233,11 @@ TEST_F(PopupPanelSurfaceTest, TellsWhyItWentOnceEachTime) {
     EXPECT_EQ(openings, 7);
 }
 
-TEST_F(PopupPanelSurfaceTest, StaysOpenOnAPressThatQtBringsToItsGround) {
-    clickItem();
-    const QRect ground = surface->window().rect();
-    QTest::mousePress(&surface->window(), Qt::LeftButton, {}, ground.topLeft());
-    QTest::mousePress(&surface->window(), Qt::LeftButton, {}, ground.bottomRight());
-    EXPECT_TRUE(isOpen());
-}
-
-TEST_F(PopupPanelSurfaceTest, WatchesPressesOnceHoweverOftenItIsOpened) {
-    for (int opening = 0; opening < 3; ++opening) {
-        // Closed again before the watch of the first opening has begun.
-        surface->open(std::nullopt);
-        surface->close();
-        surface->open(std::nullopt);
-        platform.fakeMainLoop.runPosted();
-        EXPECT_EQ(platform.fakeEventMonitors.monitors.size(), 2U) << "of either kind";
-        surface->close();
-        EXPECT_TRUE(platform.fakeEventMonitors.monitors.empty());
-    }
-}
-
 TEST_F(PopupPanelSurfaceTest, WatchesNothingWhereItWasClosedBeforeItsWatchBegan) {
     surface->open(std::nullopt);
     surface->close();
     platform.fakeMainLoop.runPosted();
     EXPECT_TRUE(platform.fakeEventMonitors.monitors.empty());
-}
-
-TEST_F(PopupPanelSurfaceTest, IsNotDismissedByThePressThatOpenedIt) {
-    surface->open(std::nullopt);
-    movePointer({900, 500});
-    platform.fakeEventMonitors.send(FakeEventMonitors::Kind::global,
-                                    {EventType::leftMouseDown, {}});
-    EXPECT_TRUE(isOpen());
-    pressElsewhere({900, 500});
-    EXPECT_FALSE(isOpen());
-}
-
-TEST_F(PopupPanelSurfaceTest, ClosesOnEachButtonThatIsPressedElsewhere) {
-    for (const EventType type :
-         {EventType::leftMouseDown, EventType::rightMouseDown, EventType::otherMouseDown}) {
-        clickItem();
-        movePointer({900, 500});
-        platform.fakeEventMonitors.send(FakeEventMonitors::Kind::global, {type, {}});
-        EXPECT_FALSE(isOpen()) << int(type);
-    }
 }
 
 TEST_F(PopupPanelSurfaceTest, HasItsChromeAroundTheContent) {

@@ -100,6 +100,10 @@ bool KeepAwakeControl::showsSessionRow() const {
     return !manager_.isActive() || showSessionPicker_;
 }
 
+int KeepAwakeControl::roomToGrow() const {
+    return sessionRow_->heightToCome();
+}
+
 void KeepAwakeControl::refresh() {
     status_->setText(
         statusText(manager_.isActive(), manager_.session(), manager_.remainingSeconds()));

@@ -25,6 +25,9 @@ public:
     KeepAwakeControl();
     ~KeepAwakeControl() override;
 
+    /// How much higher it becomes when the session row comes, in points.
+    [[nodiscard]] int roomToGrow() const;
+
     /// What the control says of a manager in this state. Seconds that are not finite, or beyond
     /// 64 bits, are a fatal error: the manager never counts such.
     [[nodiscard]] static QString statusText(bool isActive,

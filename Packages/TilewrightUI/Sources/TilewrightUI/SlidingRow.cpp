@@ -49,10 +49,19 @@ QSize SlidingRow::sizeHint() const {
     return {content_->sizeHint().width(), minimumHeight()};
 }
 
+int SlidingRow::heightToCome() const {
+    return gap_ + content_->sizeHint().height() - shownHeight();
+}
+
+int SlidingRow::shownHeight() const {
+    const double share = std::clamp(presence_.value(), 0.0, 1.0);
+    return static_cast<int>(std::lround(share * (gap_ + content_->sizeHint().height())));
+}
+
 void SlidingRow::placeContent() {
     const double share = std::clamp(presence_.value(), 0.0, 1.0);
     const int contentHeight = content_->sizeHint().height();
-    const int shown = static_cast<int>(std::lround(share * (gap_ + contentHeight)));
+    const int shown = shownHeight();
     fade_->setEnabled(share < 1);
     fade_->setOpacity(share);
     if (shown > 0 || share > 0)

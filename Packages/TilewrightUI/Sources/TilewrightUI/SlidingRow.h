@@ -26,6 +26,8 @@ public:
     void setPresent(bool present);
     /// How much of the row is there: 0 to 1.
     [[nodiscard]] double presence() const { return presence_.value(); }
+    /// How much of its height it does not take now, in points.
+    [[nodiscard]] int heightToCome() const;
 
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
@@ -36,6 +38,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    [[nodiscard]] int shownHeight() const;
     void placeContent();
     void setTakesInput(bool takesInput);
 
