@@ -58,8 +58,7 @@ public:
     void pressButton() override { send({EventType::leftMouseDown, held_}); }
     void releaseButton() override { send({EventType::leftMouseUp, held_}); }
     void tapEscape() override {
-        // A popup has the keys of this application.
-        QWidget* receiver = QApplication::activePopupWidget();
+        QWidget* receiver = appKit_.keyView();
         if (!receiver)
             return;
         QKeyEvent press(QEvent::KeyPress, Qt::Key_Escape, {});
@@ -69,10 +68,11 @@ public:
         appKit_.screens[0].visibleFrame.height -= 40;
         appKit_.announce(appkit::Notification::screenParametersChanged);
     }
-    bool showsPanel() const override { return QApplication::activePopupWidget() != nullptr; }
+    bool showsPanel() const override { return appKit_.keyView() != nullptr; }
 
     std::optional<AppKitRect> overlayFrame() const override {
-        if (appKit_.windows.empty() || !appKit_.windows.back()->isShown)
+        if (appKit_.windows.empty() || !appKit_.windows.back()->isShown ||
+            appKit_.windows.back()->properties.isKeyPanel)
             return std::nullopt;
         // An empty window shows nothing.
         EXPECT_TRUE(appKit_.windows.back()->content);

@@ -18,6 +18,8 @@ namespace tilewright::appkit {
 void openURL(const QString& url);
 /// Brings this application in front of whichever one is active.
 void activateThisApplication();
+/// Brings another application in front of this one, where this is the active one.
+void activateApplication(ProcessID process);
 /// Whether the user asked the system for reduced motion.
 [[nodiscard]] bool prefersReducedMotion();
 

@@ -32,6 +32,19 @@ void activateThisApplication() {
     [[NSApplication sharedApplication] activateIgnoringOtherApps:YES];
 }
 
+void activateApplication(ProcessID process) {
+    NSRunningApplication* application =
+        [NSRunningApplication runningApplicationWithProcessIdentifier:static_cast<pid_t>(process)];
+    if (!application)
+        return;
+    // From macOS 14 on no application comes forward that the active one does not make room for. The
+    // headers of older systems do not declare it.
+    NSApplication* own = [NSApplication sharedApplication];
+    if ([own respondsToSelector:@selector(yieldActivationToApplication:)])
+        [own performSelector:@selector(yieldActivationToApplication:) withObject:application];
+    [application activateWithOptions:NSApplicationActivateIgnoringOtherApps];
+}
+
 bool prefersReducedMotion() {
     return [[NSWorkspace sharedWorkspace] accessibilityDisplayShouldReduceMotion];
 }

@@ -23,6 +23,8 @@ public:
     virtual void setTemplateImage(const QByteArray& png, int side) = 0;
     /// What assistive tools and the tool tip call the item.
     virtual void setAccessibleName(const QString& name) = 0;
+    /// Shows the item as pressed, or no longer.
+    virtual void setHighlighted(bool isHighlighted) = 0;
     /// Where the item's button is, in AppKit screen space; none while it is in no menu bar.
     [[nodiscard]] virtual std::optional<AppKitRect> frame() const = 0;
 };

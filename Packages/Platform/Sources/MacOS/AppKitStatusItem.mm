@@ -58,6 +58,7 @@ class NativeStatusItem final : public StatusItem {
         [button setAccessibilityLabel:toNSString(name)];
         [button setToolTip:toNSString(name)];
     }
+    void setHighlighted(bool isHighlighted) override { [[item_ button] highlight:isHighlighted]; }
     std::optional<AppKitRect> frame() const override {
         NSButton* button = [item_ button];
         NSWindow* window = [button window];

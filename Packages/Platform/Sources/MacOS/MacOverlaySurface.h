@@ -1,6 +1,6 @@
 #pragma once
 
-#include "AppKitOverlayWindow.h"
+#include "AppKitHostWindow.h"
 
 #include <Platform/OverlaySurface.h>
 
@@ -26,7 +26,7 @@ public:
 
 private:
     std::shared_ptr<OverlayView> view_;
-    std::unique_ptr<appkit::OverlayWindow> window_;
+    std::unique_ptr<appkit::HostWindow> window_;
 };
 
 } // namespace tilewright

@@ -6,12 +6,12 @@
 #include "MacApplicationSupport.h"
 #include "MacEditMenu.h"
 #include "MacEventMonitors.h"
+#include "MacFocusReturn.h"
 #include "MacInstanceActivation.h"
 #include "MacOverlaySurface.h"
 #include "MacPanelSurface.h"
 #include "MacPointer.h"
 #include "MacScreens.h"
-#include "MacStatusItem.h"
 #include "MacUserDefaults.h"
 #include "MacWorkspace.h"
 
@@ -31,6 +31,7 @@ struct MacPlatform::Parts {
     MacUserDefaults userDefaults;
     MacApplicationSupport applicationSupport;
     MacInstanceActivation instanceActivation;
+    MacFocusReturn focusReturn{mainLoop, workspace};
     std::unique_ptr<MacStatusItem> statusItem;
     MacEditMenu editMenu;
 
@@ -56,7 +57,7 @@ MacPlatform::MacPlatform(std::unique_ptr<Parts> parts)
     , parts_(std::move(parts)) {}
 MacPlatform::~MacPlatform() = default;
 
-StatusItem& MacPlatform::statusItem() {
+MacStatusItem& MacPlatform::statusItem() {
     if (!parts_->statusItem)
         parts_->statusItem = std::make_unique<MacStatusItem>();
     return *parts_->statusItem;
@@ -66,7 +67,8 @@ std::unique_ptr<OverlaySurface> MacPlatform::makeOverlaySurface(std::shared_ptr<
 }
 std::unique_ptr<PanelSurface> MacPlatform::makePanelSurface(PanelSurface::ViewFactory makeView,
                                                             std::unique_ptr<PanelChrome> chrome) {
-    return makeMacPanelSurface(*this, std::move(makeView), std::move(chrome));
+    return std::make_unique<MacPanelSurface>(*this, statusItem(), parts_->focusReturn,
+                                             std::move(makeView), std::move(chrome));
 }
 
 } // namespace tilewright

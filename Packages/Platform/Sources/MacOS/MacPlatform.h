@@ -1,5 +1,7 @@
 #pragma once
 
+#include "MacStatusItem.h"
+
 #include <Platform/Platform.h>
 
 #include <memory>
@@ -12,7 +14,7 @@ public:
     MacPlatform();
     ~MacPlatform() override;
 
-    StatusItem& statusItem() override;
+    MacStatusItem& statusItem() override;
     std::unique_ptr<OverlaySurface> makeOverlaySurface(std::shared_ptr<OverlayView> view) override;
     std::unique_ptr<PanelSurface> makePanelSurface(PanelSurface::ViewFactory makeView,
                                                    std::unique_ptr<PanelChrome> chrome) override;

@@ -33,4 +33,8 @@ void MacStatusItem::setAccessibleName(const QString& name) {
     item_->setAccessibleName(name);
 }
 
+void MacStatusItem::setHighlighted(bool isHighlighted) {
+    item_->setHighlighted(isHighlighted);
+}
+
 } // namespace tilewright

@@ -21,6 +21,9 @@ public:
 
     void setSymbol(const QString& symbolName, const QIcon& icon) override;
     void setAccessibleName(const QString& name) override;
+    /// Shows the item as pressed, as while its panel is open. A click that is being handled ends
+    /// with an item that is not: what is to last has to come later.
+    void setHighlighted(bool isHighlighted);
 
 private:
     std::unique_ptr<appkit::StatusItem> item_;

@@ -45,4 +45,9 @@ void MacWorkspace::activateThisApplication() {
     appkit::activateThisApplication();
 }
 
+void MacWorkspace::returnToFormerApplication() {
+    if (lastOther_ && !noteFrontmost())
+        appkit::activateApplication(*lastOther_);
+}
+
 } // namespace tilewright

@@ -24,6 +24,9 @@ public:
     [[nodiscard]] std::optional<QString> localizedName(ProcessID process) const override;
     void openAccessibilitySettings() override;
     void activateThisApplication() override;
+    /// Gives the keyboard back to the application in front of which this one is. Nothing where this
+    /// one is not the active one.
+    void returnToFormerApplication();
 
 private:
     /// Remembers the application in front; false when that is this program.

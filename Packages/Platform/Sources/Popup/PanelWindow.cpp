@@ -1,13 +1,11 @@
 #include "PanelWindow.h"
 
+#include "PanelContentSize.h"
 #include "PanelPlacement.h"
-
-#include <Platform/PanelContent.h>
 
 #include <QAccessibleWidget>
 #include <QApplication>
 #include <QKeyEvent>
-#include <QLayout>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QWindow>
@@ -138,15 +136,15 @@ void PanelWindow::fitAndPlace() {
         placement.frame = space.insideQt(screen->frame());
         placement.visibleFrame = space.insideQt(screen->visibleFrame());
         const int available = placement.visibleFrame.height - 2 * PanelPlacement::gap;
-        const QSize ground = contentSize(available);
+        const QSize ground = panelContentSize(*view_, available);
         if (!top_) {
-            const int highest = std::min(ground.height() + roomToGrow(), available);
+            const int highest = std::min(ground.height() + panelRoomToGrow(*view_), available);
             top_ = placement.place({ground.width(), highest}).y;
         }
         placement.top = top_;
         setGeometry(placement.place(ground).toQRect().marginsAdded(margins()));
     } else {
-        resize(contentSize(QWIDGETSIZE_MAX).grownBy(margins()));
+        resize(panelContentSize(*view_, QWIDGETSIZE_MAX).grownBy(margins()));
     }
     // A new content of the same size is no new size of the window.
     layOutView();
@@ -156,22 +154,6 @@ void PanelWindow::fitAndPlace() {
 void PanelWindow::layOutView() {
     if (view_)
         view_->setGeometry(rect().marginsRemoved(margins()));
-}
-
-QSize PanelWindow::contentSize(int availableHeight) const {
-    view_->ensurePolished();
-    QSize size = view_->sizeHint();
-    if (view_->layout()) {
-        view_->layout()->activate();
-        size = view_->layout()->totalSizeHint();
-    }
-    size = size.expandedTo(view_->minimumSize()).boundedTo(view_->maximumSize());
-    return {size.width(), std::min(size.height(), availableHeight)};
-}
-
-int PanelWindow::roomToGrow() const {
-    const auto* content = dynamic_cast<const PanelContent*>(view_.data());
-    return content ? content->roomToGrow() : 0;
 }
 
 void PanelWindow::dropStaleFocusConnections() {

@@ -58,8 +58,6 @@ private:
     void fitAndPlace();
     void placeAnew();
     void layOutView();
-    [[nodiscard]] QSize contentSize(int availableHeight) const;
-    [[nodiscard]] int roomToGrow() const;
     /// To be called while the window is not shown, hence without the focus.
     void dropStaleFocusConnections();
 

@@ -18,10 +18,14 @@ static_assert(NSEventModifierFlagOption == 0x80000);
 static_assert(NSEventModifierFlagCommand == 0x100000);
 
 static_assert(NSWindowStyleMaskBorderless == 0);
+static_assert(NSWindowStyleMaskNonactivatingPanel == 0x80);
 static_assert(NSBackingStoreBuffered == 2);
 static_assert((NSWindowCollectionBehaviorCanJoinAllSpaces | NSWindowCollectionBehaviorStationary |
                NSWindowCollectionBehaviorIgnoresCycle |
                NSWindowCollectionBehaviorFullScreenAuxiliary) == 0x151);
+static_assert((NSWindowCollectionBehaviorCanJoinAllSpaces | NSWindowCollectionBehaviorIgnoresCycle |
+               NSWindowCollectionBehaviorFullScreenAuxiliary) == 0x141);
+static_assert(NSApplicationActivateIgnoringOtherApps == 2);
 static_assert(NSViewWidthSizable == 2 && NSViewHeightSizable == 16);
 static_assert(std::is_same_v<NSWindowLevel, NSInteger>);
 

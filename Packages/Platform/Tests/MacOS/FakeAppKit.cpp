@@ -36,6 +36,14 @@ FakeAppKit& FakeAppKit::current() {
     return *currentAppKit;
 }
 
+QWidget* FakeAppKit::keyView() const {
+    for (const auto& window : windows) {
+        if (window->isKey)
+            return QWidget::find(window->content.value_or(0));
+    }
+    return nullptr;
+}
+
 void FakeAppKit::announce(appkit::Notification notification) {
     const auto copy = observers;
     for (const auto& [id, observer] : copy) {
@@ -93,18 +101,22 @@ public:
     void setAccessibleName(const QString& name) override {
         FakeAppKit::current().statusItem->accessibleName = name;
     }
+    void setHighlighted(bool isHighlighted) override {
+        FakeAppKit::current().statusItem->isHighlighted = isHighlighted;
+    }
     std::optional<AppKitRect> frame() const override {
         return FakeAppKit::current().statusItem->frame;
     }
 };
 
-class FakeWindow final : public OverlayWindow {
+class FakeWindow final : public HostWindow {
 public:
     explicit FakeWindow(std::shared_ptr<FakeAppKit::Window> record)
         : record_(std::move(record)) {}
     ~FakeWindow() override {
         record_->isAlive = false;
         record_->isShown = false;
+        record_->isKey = false;
     }
     void setContent(WId view) override {
         record_->content = view;
@@ -121,12 +133,21 @@ public:
         record_->frame = frame;
         record_->calls.emplace_back("setFrame");
     }
+    void makeKeyAndOrderFront() override {
+        // AppKit has no window without a title bar be the key window, save a panel that asks for
+        // it.
+        for (const auto& window : FakeAppKit::current().windows)
+            window->isKey = window == record_ && record_->properties.isKeyPanel;
+        record_->isShown = true;
+        record_->calls.emplace_back("makeKeyAndOrderFront");
+    }
     void orderFrontRegardless() override {
         record_->isShown = true;
         record_->calls.emplace_back("orderFrontRegardless");
     }
     void orderOut() override {
         record_->isShown = false;
+        record_->isKey = false;
         record_->calls.emplace_back("orderOut");
     }
 
@@ -172,6 +193,11 @@ void openURL(const QString& url) {
     FakeAppKit::current().openedURLs.push_back(url);
 }
 
+void activateApplication(ProcessID process) {
+    FakeAppKit::current().broughtForward.push_back(process);
+    FakeAppKit::current().frontmost = process;
+}
+
 void activateThisApplication() {
     ++FakeAppKit::current().activations;
 }
@@ -205,7 +231,7 @@ std::optional<ScreenFacts> mainScreen() {
     return fake.screens.at(*fake.mainScreen);
 }
 
-std::unique_ptr<OverlayWindow> makeWindow(const WindowProperties& properties) {
+std::unique_ptr<HostWindow> makeWindow(const WindowProperties& properties) {
     auto record = std::make_shared<FakeAppKit::Window>();
     record->properties = properties;
     FakeAppKit::current().windows.push_back(record);

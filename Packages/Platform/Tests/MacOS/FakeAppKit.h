@@ -2,8 +2,8 @@
 
 #include <MacOS/AppKitApplications.h>
 #include <MacOS/AppKitEventMonitor.h>
+#include <MacOS/AppKitHostWindow.h>
 #include <MacOS/AppKitNotifications.h>
-#include <MacOS/AppKitOverlayWindow.h>
 #include <MacOS/AppKitScreenList.h>
 #include <MacOS/AppKitStatusItem.h>
 #include <Platform/Platform.h>
@@ -25,6 +25,9 @@ public:
 
     [[nodiscard]] static FakeAppKit& current();
 
+    /// The view that keys go to; null while no window of the program receives them.
+    [[nodiscard]] QWidget* keyView() const;
+
     /// Announces to every observer.
     void announce(appkit::Notification notification);
     /// Sends an event to every monitor of the kind whose mask holds its type.
@@ -44,6 +47,8 @@ public:
         std::optional<WId> content;
         AppKitRect frame;
         bool isShown = false;
+        /// Whether it receives the keys; at most one window does.
+        bool isKey = false;
         bool isAlive = true;
         std::vector<std::string> calls;
     };
@@ -67,6 +72,8 @@ public:
     std::map<ProcessID, QString> names;
     std::vector<QString> openedURLs;
     int activations = 0;
+    /// The other applications that were brought forward.
+    std::vector<ProcessID> broughtForward;
     bool reducesMotion = false;
 
     std::map<QString, QString> defaults;
@@ -79,6 +86,7 @@ public:
         int side = 0;
         QString accessibleName;
         std::optional<AppKitRect> frame;
+        bool isHighlighted = false;
     };
     /// The status item, while there is one.
     std::optional<Item> statusItem;

@@ -24,6 +24,7 @@ struct OpenedBackend {
     OpenedBackend() {
         appKit.screens = {makeFacts({0, 0, 1440, 900}, 1, 25)};
         appKit.mainScreen = 0;
+        appKit.frontmost = 7;
         platform = DesktopBackend::find()->open();
     }
     FakeMacSystem system;
@@ -80,7 +81,12 @@ TEST(MacPlatform, CarriesTheWholeProgramFromItsStartToItsEnd) {
             app.menuBarExtra().panel().close();
             app.settings().open();
             sawSettings = app.settings().window() && app.settings().window()->isVisible();
-            backend.platform->mainLoop.post([] { QApplication::exit(0); });
+            backend.appKit.frontmost = getpid();
+            // In later turns than the panel went in.
+            backend.platform->mainLoop.post([&] {
+                app.settings().window()->close();
+                backend.platform->mainLoop.post([] { QApplication::exit(0); });
+            });
         };
         // After what the program itself posts when it starts to run.
         backend.platform->mainLoop.post([&] { backend.platform->mainLoop.post(useIt); });
@@ -88,6 +94,7 @@ TEST(MacPlatform, CarriesTheWholeProgramFromItsStartToItsEnd) {
         EXPECT_TRUE(sawMonitors);
         EXPECT_TRUE(sawPanel);
         EXPECT_TRUE(sawSettings);
+        EXPECT_EQ(backend.appKit.broughtForward, std::vector<ProcessID>{7});
         // Asked for once, at the start.
         EXPECT_EQ(backend.system.prompts.size(), 1U);
         EXPECT_TRUE(backend.system.assertions.empty());

@@ -9,6 +9,7 @@
 #include <MacOS/MacAppearance.h>
 #include <MacOS/MacApplicationSupport.h>
 #include <MacOS/MacEventMonitors.h>
+#include <MacOS/MacFocusReturn.h>
 #include <MacOS/MacInstanceActivation.h>
 #include <MacOS/MacOverlaySurface.h>
 #include <MacOS/MacPanelSurface.h>
@@ -33,6 +34,7 @@ struct MacTestParts {
     MacUserDefaults userDefaults;
     MacApplicationSupport applicationSupport;
     MacInstanceActivation instanceActivation;
+    MacFocusReturn focusReturn{loop, workspace};
     std::unique_ptr<MacStatusItem> statusItem;
 };
 
@@ -52,7 +54,8 @@ public:
     }
     std::unique_ptr<PanelSurface> makePanelSurface(PanelSurface::ViewFactory makeView,
                                                    std::unique_ptr<PanelChrome> chrome) override {
-        return makeMacPanelSurface(*this, std::move(makeView), std::move(chrome));
+        return std::make_unique<MacPanelSurface>(*this, statusItem(), parts_->focusReturn,
+                                                 std::move(makeView), std::move(chrome));
     }
     [[nodiscard]] FakeMainLoop& loop() { return parts_->loop; }
 

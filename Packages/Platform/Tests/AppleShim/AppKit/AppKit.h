@@ -59,7 +59,12 @@ typedef NS_OPTIONS(NSUInteger, NSEventModifierFlags) {
 + (void)removeMonitor:(id)monitor;
 @end
 
+typedef NS_OPTIONS(NSUInteger, NSApplicationActivationOptions) {
+    NSApplicationActivateIgnoringOtherApps = 1 << 1,
+};
+
 @interface NSRunningApplication : NSObject
+- (BOOL)activateWithOptions:(NSApplicationActivationOptions)options;
 @property(readonly) pid_t processIdentifier;
 @property(readonly, copy) NSString* localizedName;
 @property(readonly, copy) NSDate* launchDate;
@@ -91,11 +96,13 @@ typedef NS_ENUM(NSInteger, NSApplicationActivationPolicy) {
 
 typedef NS_OPTIONS(NSUInteger, NSWindowStyleMask) {
     NSWindowStyleMaskBorderless = 0,
+    NSWindowStyleMaskNonactivatingPanel = 1 << 7,
 };
 typedef NS_ENUM(NSUInteger, NSBackingStoreType) {
     NSBackingStoreBuffered = 2,
 };
 typedef NSInteger NSWindowLevel;
+static const NSWindowLevel NSStatusWindowLevel = 25;
 static const NSWindowLevel NSScreenSaverWindowLevel = 1000;
 typedef NS_OPTIONS(NSUInteger, NSWindowCollectionBehavior) {
     NSWindowCollectionBehaviorCanJoinAllSpaces = 1 << 0,
@@ -113,7 +120,10 @@ typedef NS_OPTIONS(NSUInteger, NSAutoresizingMaskOptions) {
     NSViewHeightSizable = 16,
 };
 
-@interface NSView : NSObject
+@interface NSResponder : NSObject
+@end
+
+@interface NSView : NSResponder
 @property NSRect frame;
 @property(readonly) NSRect bounds;
 @property NSAutoresizingMaskOptions autoresizingMask;
@@ -127,11 +137,12 @@ typedef NS_OPTIONS(NSUInteger, NSAutoresizingMaskOptions) {
 @property(strong) NSImage* image;
 @property(weak) id target;
 @property SEL action;
+- (void)highlight:(BOOL)flag;
 - (void)setAccessibilityLabel:(NSString*)label;
 @property(copy) NSString* toolTip;
 @end
 
-@interface NSWindow : NSObject
+@interface NSWindow : NSResponder
 - (instancetype)initWithContentRect:(NSRect)rect
                           styleMask:(NSWindowStyleMask)style
                             backing:(NSBackingStoreType)backing
@@ -146,9 +157,16 @@ typedef NS_OPTIONS(NSUInteger, NSAutoresizingMaskOptions) {
 @property(strong) NSView* contentView;
 @property(readonly, getter=isVisible) BOOL visible;
 - (void)setFrame:(NSRect)frame display:(BOOL)display;
+- (void)makeKeyAndOrderFront:(id)sender;
+- (BOOL)makeFirstResponder:(NSResponder*)responder;
+@property BOOL hidesOnDeactivate;
+@property(readonly) BOOL canBecomeKeyWindow;
 - (void)orderFrontRegardless;
 - (void)orderOut:(id)sender;
 - (NSRect)convertRectToScreen:(NSRect)rect;
+@end
+
+@interface NSPanel : NSWindow
 @end
 
 @interface NSImage : NSObject

@@ -46,6 +46,8 @@ static const NSRect NSZeroRect = {{0, 0}, {0, 0}};
 - (BOOL)isEqual:(id)object;
 - (BOOL)isKindOfClass:(Class)type;
 - (NSUInteger)hash;
+- (BOOL)respondsToSelector:(SEL)selector;
+- (id)performSelector:(SEL)selector withObject:(id)object;
 // Not for code with automatic reference counting: the compiler refuses a call of it there.
 - (id)retain;
 @end
@@ -58,6 +60,8 @@ __attribute__((objc_root_class))
 - (BOOL)isEqual:(id)object;
 - (BOOL)isKindOfClass:(Class)type;
 - (NSUInteger)hash;
+- (BOOL)respondsToSelector:(SEL)selector;
+- (id)performSelector:(SEL)selector withObject:(id)object;
 @end
 
 @protocol NSCopying

@@ -21,15 +21,18 @@ struct WindowProperties {
     quint64 collectionBehavior = 0;
     bool hasShadow = false;
     bool releasedWhenClosed = false;
+    /// A panel of AppKit's that can have the keyboard without a title bar, and that stays when
+    /// another application is the active one. Its view is the first to receive keys.
+    bool isKeyPanel = false;
 };
 
-/// A window of AppKit. Ordered out, and gone, when it ends.
-class OverlayWindow {
+/// A window of AppKit that holds one of Qt's views. Ordered out, and gone, when it ends.
+class HostWindow {
 public:
-    OverlayWindow() = default;
-    OverlayWindow(const OverlayWindow&) = delete;
-    OverlayWindow& operator=(const OverlayWindow&) = delete;
-    virtual ~OverlayWindow() = default;
+    HostWindow() = default;
+    HostWindow(const HostWindow&) = delete;
+    HostWindow& operator=(const HostWindow&) = delete;
+    virtual ~HostWindow() = default;
 
     /// Puts Qt's native view into the window, which it fills from now on. Qt goes
     /// on owning it.
@@ -38,12 +41,14 @@ public:
     virtual void removeContent() = 0;
     /// In AppKit screen space; what is shown is redrawn at once.
     virtual void setFrame(const AppKitRect& frame) = 0;
+    /// In front of everything on its level, and receives the keys from now on.
+    virtual void makeKeyAndOrderFront() = 0;
     /// In front of everything on its level, without activating the application.
     virtual void orderFrontRegardless() = 0;
     virtual void orderOut() = 0;
 };
 
 /// A new window, not shown yet.
-[[nodiscard]] std::unique_ptr<OverlayWindow> makeWindow(const WindowProperties& properties);
+[[nodiscard]] std::unique_ptr<HostWindow> makeWindow(const WindowProperties& properties);
 
 } // namespace tilewright::appkit
