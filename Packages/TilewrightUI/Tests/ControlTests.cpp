@@ -282,6 +282,24 @@ TEST_F(Controls, APopUpButtonsListShowsTitlesThatTheButtonCutsShort) {
     popUp.hidePopup();
 }
 
+TEST_F(Controls, APopUpButtonsListStaysInItsWindowWhereItFits) {
+    QWidget window;
+    window.setGeometry(100, 100, 400, 200);
+    auto* popUp = new PopUpButton(QStringLiteral("Key"), &window);
+    popUp->setItems({{QStringLiteral("a"), QStringLiteral("A choice of some length")}});
+    for (const int x : {380 - 60, 10}) {
+        popUp->setGeometry(x, 10, 60, 22);
+        window.setLayoutDirection(x > 200 ? Qt::LeftToRight : Qt::RightToLeft);
+        window.show();
+        popUp->showPopup();
+        const QRect list = popUp->view()->window()->geometry();
+        EXPECT_GT(list.width(), 100);
+        EXPECT_GE(list.left(), 100);
+        EXPECT_LE(list.right(), 499);
+        popUp->hidePopup();
+    }
+}
+
 TEST_F(Controls, APopUpButtonTellsOnlyOfTheUsersChoices) {
     PopUpButton popUp(QStringLiteral("Display"));
     popUp.setItems({{QStringLiteral("a"), QStringLiteral("One")},

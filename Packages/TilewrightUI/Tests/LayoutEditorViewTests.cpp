@@ -624,5 +624,54 @@ TEST_F(LayoutEditorViewTest, PaintsTheSelectedTileStrongerThanTheOthers) {
     EXPECT_LT(distance(selected, amber) + 10, distance(plain, amber));
 }
 
+TEST_F(LayoutEditorViewTest, TheMenuNamesLayoutsWhole) {
+    const QString name = u"The layout for the large display at the window, mornings and evenings"_s;
+    LayoutStore::shared().addCustomLayout({QUuid::createUuid(), name, {}, false, {}});
+    LayoutStore::shared().addCustomLayout(
+        {QUuid::createUuid(), u"One\nTwo\tThree"_s, {}, false, {}});
+    LayoutStore::shared().addCustomLayout(
+        {QUuid::createUuid(), QString(10'000, u'm'), {}, false, {}});
+    QStringList titles;
+    for (const QAction* action : openMenu())
+        titles.append(action->text());
+    EXPECT_TRUE(titles.contains(name)) << titles.join(u'|').toStdString();
+    EXPECT_TRUE(titles.contains(u"One Two Three"_s));
+    QMenu* menu = button(u"Open"_s)->menu();
+    EXPECT_LE(menu->sizeHint().width(), view.screen()->availableGeometry().width());
+}
+
+TEST_F(LayoutEditorViewTest, TheMenuOpensBesideItsButtonTheFirstTimeToo) {
+    for (const auto direction : {Qt::LeftToRight, Qt::RightToLeft}) {
+        LayoutEditorView editor;
+        editor.setLayoutDirection(direction);
+        editor.setGeometry(200, 100, 520, 400);
+        editor.show();
+        QApplication::processEvents();
+        GlassButton* open = nullptr;
+        for (GlassButton* candidate : editor.findChildren<GlassButton*>())
+            open = candidate->menu() ? candidate : open;
+        ASSERT_NE(open, nullptr);
+        QTest::mousePress(open, Qt::LeftButton);
+        ASSERT_TRUE(open->menu()->isVisible());
+        const QRect place(open->mapToGlobal(QPoint()), open->size());
+        const QRect menu = open->menu()->geometry();
+        if (direction == Qt::LeftToRight)
+            EXPECT_EQ(menu.left(), place.left());
+        else
+            EXPECT_EQ(menu.right(), place.right());
+        EXPECT_GE(menu.top(), place.bottom());
+        open->menu()->close();
+    }
+}
+
+TEST_F(LayoutEditorViewTest, ShiftAndF10OpenTheNamesContextMenu) {
+    auto* field = view.findChild<RoundedTextField*>();
+    field->setFocus();
+    QTest::keyClick(field, Qt::Key_F10, Qt::ShiftModifier);
+    auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    ASSERT_NE(menu, nullptr);
+    menu->close();
+}
+
 } // namespace
 } // namespace tilewright

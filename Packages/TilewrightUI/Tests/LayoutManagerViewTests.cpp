@@ -2,6 +2,7 @@
 #include "ViewFixture.h"
 
 #include <TilewrightUI/AdaptiveGridLayout.h>
+#include <TilewrightUI/ConfirmationDialog.h>
 #include <TilewrightUI/GlassButton.h>
 #include <TilewrightUI/LayoutManagerCard.h>
 #include <TilewrightUI/LayoutManagerView.h>
@@ -11,7 +12,6 @@
 #include <TilewrightUI/TextLabel.h>
 
 #include <QAccessible>
-#include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
 #include <QTest>
@@ -37,9 +37,9 @@ protected:
             result.append(card->zoneLayout().name);
         return result;
     }
-    static QAbstractButton* button(const LayoutManagerView& view, const QString& text) {
-        for (QAbstractButton* candidate : view.confirmation()->buttons()) {
-            if (candidate->text() == text)
+    static GlassButton* button(const LayoutManagerView& view, const QString& text) {
+        for (GlassButton* candidate : view.confirmation()->findChildren<GlassButton*>()) {
+            if (candidate->title() == text)
                 return candidate;
         }
         return nullptr;
@@ -131,16 +131,13 @@ TEST_F(LayoutManager, DeleteAsksFirst) {
     EXPECT_EQ(view.pendingDelete(), mine);
     ASSERT_NE(view.confirmation(), nullptr);
     EXPECT_TRUE(view.confirmation()->isVisible());
-    EXPECT_EQ(view.confirmation()->text(), QStringLiteral("Delete “Mine & <i>yours</i>”?"));
-    EXPECT_EQ(view.confirmation()->textFormat(), Qt::PlainText);
-    EXPECT_EQ(view.confirmation()->informativeText(),
+    EXPECT_EQ(view.confirmation()->title()->text(),
+              QStringLiteral("Delete “Mine & <i>yours</i>”?"));
+    EXPECT_EQ(view.confirmation()->windowTitle(), view.confirmation()->title()->text());
+    EXPECT_EQ(view.confirmation()->message()->text(),
               QStringLiteral("This removes the layout and clears it from any displays using it."));
     ASSERT_NE(button(view, QStringLiteral("Delete")), nullptr);
     ASSERT_NE(button(view, QStringLiteral("Cancel")), nullptr);
-    EXPECT_EQ(view.confirmation()->buttonRole(button(view, QStringLiteral("Delete"))),
-              QMessageBox::DestructiveRole);
-    EXPECT_EQ(view.confirmation()->buttonRole(button(view, QStringLiteral("Cancel"))),
-              QMessageBox::RejectRole);
     EXPECT_EQ(LayoutStore::shared().customLayouts().size(), 1U);
 }
 
@@ -154,7 +151,7 @@ TEST_F(LayoutManager, ConfirmingRemovesTheLayoutAndEveryAssignmentToIt) {
     LayoutManagerView view;
     layOut(view);
     view.customCards()[0]->deleteButton()->click();
-    const QPointer<QMessageBox> dialog = view.confirmation();
+    const QPointer<ConfirmationDialog> dialog = view.confirmation();
     button(view, QStringLiteral("Delete"))->click();
     EXPECT_FALSE(view.pendingDelete());
     EXPECT_EQ(view.confirmation(), nullptr);
@@ -229,10 +226,81 @@ TEST_F(LayoutManager, TheDialogIsSafeByDefaultAndDoesNotBlockTheLoop) {
     LayoutManagerView view;
     layOut(view);
     view.customCards()[0]->deleteButton()->click();
-    EXPECT_EQ(view.confirmation()->defaultButton()->text(), QStringLiteral("Cancel"));
-    EXPECT_EQ(view.confirmation()->escapeButton()->text(), QStringLiteral("Cancel"));
+    EXPECT_TRUE(button(view, QStringLiteral("Cancel"))->isDefault());
+    EXPECT_FALSE(button(view, QStringLiteral("Delete"))->isDefault());
     settle();
     EXPECT_TRUE(view.confirmation()->isVisible());
+    QTest::keyClick(view.confirmation(), Qt::Key_Return);
+    EXPECT_EQ(view.confirmation(), nullptr);
+    EXPECT_EQ(LayoutStore::shared().customLayouts().size(), 1U);
+}
+
+TEST_F(LayoutManager, TheDialogShowsDeletionInRed) {
+    add(QStringLiteral("Mine"));
+    LayoutManagerView view;
+    layOut(view);
+    view.customCards()[0]->deleteButton()->click();
+    EXPECT_EQ(button(view, QStringLiteral("Delete"))->role(), GlassButton::Role::destructive);
+    EXPECT_EQ(button(view, QStringLiteral("Cancel"))->role(), GlassButton::Role::normal);
+}
+
+TEST_F(LayoutManager, ANameOfAnyLengthChangesNothingAboutTheDialog) {
+    for (const double factor : {1.0, 2.0}) {
+        const FontSize font(factor);
+        const ZoneLayout layout = add(QStringLiteral("A%1Z").arg(QString(10'000, u'm')));
+        const ZoneLayout shorter = add(QString(60, u'm'));
+        LayoutManagerView view;
+        layOut(view);
+        view.setPendingDelete(shorter);
+        settle();
+        const QSize expected = view.confirmation()->size();
+        view.setPendingDelete(layout);
+        settle();
+        const ConfirmationDialog& dialog = *view.confirmation();
+        EXPECT_EQ(dialog.size(), expected);
+        EXPECT_LE(dialog.width(), 420);
+        EXPECT_LE(dialog.windowTitle().size(), 100);
+        const QString shown = dialog.title()->shownText();
+        EXPECT_LE(QFontMetrics(dialog.title()->font()).horizontalAdvance(shown),
+                  dialog.title()->width());
+        EXPECT_TRUE(shown.startsWith(QStringLiteral("Delete “A"))) << shown.toStdString();
+        EXPECT_TRUE(shown.endsWith(QStringLiteral("mZ”?"))) << shown.toStdString();
+        EXPECT_GE(dialog.message()->height(),
+                  dialog.message()->heightForWidth(dialog.message()->width()));
+        for (const GlassButton* each : dialog.findChildren<GlassButton*>())
+            EXPECT_TRUE(dialog.rect().contains(place(each, &dialog)))
+                << each->title().toStdString();
+    }
+}
+
+TEST_F(LayoutManager, ANameWithLineBreaksIsOnOneLine) {
+    add(QStringLiteral("One\nTwo\tThree"));
+    LayoutManagerView view;
+    layOut(view);
+    view.customCards()[0]->deleteButton()->click();
+    EXPECT_EQ(view.confirmation()->title()->text(), QStringLiteral("Delete “One Two Three”?"));
+    EXPECT_EQ(view.confirmation()->windowTitle(), QStringLiteral("Delete “One Two Three”?"));
+    EXPECT_EQ(view.customCards()[0]->findChild<TextLabel*>()->text(),
+              QStringLiteral("One Two Three"));
+}
+
+TEST_F(LayoutManager, DeletingTheLastCardMovesTheFocusToItsNeighbour) {
+    for (const char16_t name : {u'A', u'B', u'C'})
+        add(QString(QChar(name)));
+    LayoutManagerView view;
+    layOut(view);
+    makeActive(view);
+    view.customCards()[2]->deleteButton()->setFocus();
+    view.customCards()[2]->deleteButton()->click();
+    button(view, QStringLiteral("Delete"))->click();
+    settle();
+    EXPECT_EQ(view.window()->focusWidget(), view.customCards()[1]->deleteButton());
+    view.customCards()[0]->deleteButton()->setFocus();
+    view.customCards()[0]->deleteButton()->click();
+    button(view, QStringLiteral("Delete"))->click();
+    settle();
+    EXPECT_EQ(view.window()->focusWidget(), view.customCards()[0]->deleteButton());
+    EXPECT_EQ(view.customCards()[0]->zoneLayout().name, QStringLiteral("B"));
 }
 
 TEST_F(LayoutManager, TheDialogEndsWithTheView) {
@@ -240,7 +308,7 @@ TEST_F(LayoutManager, TheDialogEndsWithTheView) {
     auto view = std::make_unique<LayoutManagerView>();
     layOut(*view);
     view->customCards()[0]->deleteButton()->click();
-    const QPointer<QMessageBox> dialog = view->confirmation();
+    const QPointer<ConfirmationDialog> dialog = view->confirmation();
     view.reset();
     EXPECT_TRUE(dialog.isNull());
 }

@@ -233,6 +233,60 @@ TEST_F(LayoutPickerView, OnlyCustomLayoutsCanBeDeletedFromTheirMenu) {
     EXPECT_FALSE(menu->actions().front()->icon().isNull());
 }
 
+/// The share of the picture's coloured pixels that are reddish, of those that differ from its
+/// corner.
+double redShare(const QImage& image) {
+    const QColor ground = image.pixelColor(2, 2);
+    int other = 0;
+    int red = 0;
+    for (int y = 2; y < image.height() - 2; ++y) {
+        for (int x = 2; x < image.width() - 2; ++x) {
+            const QColor color = image.pixelColor(x, y);
+            const int difference = std::abs(color.red() - ground.red()) +
+                                   std::abs(color.green() - ground.green()) +
+                                   std::abs(color.blue() - ground.blue());
+            if (difference < 60)
+                continue;
+            ++other;
+            red += color.red() > color.green() + 20 && color.red() > color.blue() + 20;
+        }
+    }
+    return other == 0 ? 0 : static_cast<double>(red) / other;
+}
+
+TEST_F(LayoutPickerView, DeletingIsRedAsAWholeInTheMenu) {
+    LayoutStore::shared().addCustomLayout(customLayout(QStringLiteral("Mine"), {{0, 0, 1, 1}}));
+    LayoutPicker picker;
+    for (const QPalette& palette :
+         {QPalette(QColor(0xee, 0xee, 0xf1)), QPalette(QColor(0x2a, 0x2b, 0x2f))}) {
+        picker.setPalette(palette);
+        QMenu* menu = picker.cards()[5]->makeContextMenu();
+        menu->popup(QPoint());
+        const QRect item = menu->actionGeometry(menu->actions().front());
+        for (QAction* active : {static_cast<QAction*>(nullptr), menu->actions().front()}) {
+            menu->setActiveAction(active);
+            const QImage seen = menu->grab(item.adjusted(2, 2, -2, -2)).toImage();
+            EXPECT_GT(redShare(seen), 0.95) << (active ? "chosen" : "at rest");
+        }
+        menu->close();
+    }
+}
+
+TEST_F(LayoutPickerView, DeletingTheLastCardMovesTheFocusToItsNeighbour) {
+    for (const char16_t name : {u'A', u'B'})
+        LayoutStore::shared().addCustomLayout(customLayout(QString(name), {{0, 0, 1, 1}}));
+    LayoutPicker picker;
+    picker.show();
+    makeActive(picker);
+    picker.cards()[6]->setFocus();
+    Q_EMIT picker.cards()[6]->deleteRequested();
+    settle();
+    EXPECT_TRUE(picker.cards()[5]->hasFocus());
+    Q_EMIT picker.cards()[5]->deleteRequested();
+    settle();
+    EXPECT_TRUE(picker.cards()[4]->hasFocus());
+}
+
 TEST_F(LayoutPickerView, DeletingTheAssignedLayoutPutsTheDisplayBackOnTheDefault) {
     const ZoneLayout mine = customLayout(QStringLiteral("Mine"), {{0, 0, 1, 1}});
     LayoutStore::shared().addCustomLayout(mine);
@@ -246,6 +300,20 @@ TEST_F(LayoutPickerView, DeletingTheAssignedLayoutPutsTheDisplayBackOnTheDefault
     EXPECT_TRUE(LayoutStore::shared().assignments().empty());
     EXPECT_EQ(picker.cards().size(), 5U);
     EXPECT_EQ(currentCards(picker), QStringList{QStringLiteral("Bento Box")});
+}
+
+TEST_F(LayoutPickerView, ShiftAndF10OpenTheContextMenu) {
+    LayoutStore::shared().addCustomLayout(customLayout(QStringLiteral("Mine"), {{0, 0, 1, 1}}));
+    LayoutPicker picker;
+    picker.show();
+    LayoutCard* card = picker.cards()[5];
+    QTest::keyClick(card, Qt::Key_F10);
+    EXPECT_EQ(card->findChild<QMenu*>(), nullptr);
+    QTest::keyClick(card, Qt::Key_F10, Qt::ShiftModifier);
+    auto* menu = card->findChild<QMenu*>();
+    ASSERT_NE(menu, nullptr);
+    EXPECT_TRUE(menu->isVisible());
+    menu->close();
 }
 
 TEST_F(LayoutPickerView, TheContextMenuOpensByKeyboardToo) {

@@ -8,6 +8,7 @@
 #include <QKeyEvent>
 #include <QMenu>
 #include <QPainter>
+#include <QScreen>
 #include <algorithm>
 #include <cmath>
 
@@ -184,9 +185,13 @@ void GlassButton::setMenu(QMenu* menu) {
 }
 
 void GlassButton::popUpMenu() {
-    const int shift =
-        layoutDirection() == Qt::RightToLeft ? width() - menu()->sizeHint().width() : 0;
-    menu()->popup(mapToGlobal(QPoint(shift, height() + 2)));
+    const QPoint below = mapToGlobal(QPoint(0, height() + 2));
+    menu()->popup(below);
+    if (layoutDirection() != Qt::RightToLeft)
+        return;
+    // Only now is the menu filled, and its width known.
+    const int left = screen()->availableGeometry().left();
+    menu()->move(std::max(below.x() + width() - menu()->width(), left), menu()->y());
 }
 
 void GlassButton::keyPressEvent(QKeyEvent* event) {

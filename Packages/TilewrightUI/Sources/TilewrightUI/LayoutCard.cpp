@@ -1,16 +1,16 @@
 #include "LayoutCard.h"
 
+#include "ActionMenu.h"
+#include "ContextMenuKey.h"
 #include "FocusVisibility.h"
 #include "Look.h"
 #include "MiniLayoutPreview.h"
 #include "SymbolView.h"
-#include "Symbols.h"
 #include "TextLabel.h"
 
 #include <QContextMenuEvent>
 #include <QHelpEvent>
 #include <QKeyEvent>
-#include <QMenu>
 #include <QPainter>
 #include <QToolTip>
 #include <QVBoxLayout>
@@ -56,19 +56,17 @@ LayoutCard::LayoutCard(const ZoneLayout& layout, QWidget* parent)
 void LayoutCard::setZoneLayout(const ZoneLayout& layout) {
     layout_ = layout;
     preview_->setZoneLayout(layout);
-    name_->setText(layout.name);
+    name_->setText(look::singleLine(layout.name));
     setAccessibleName(layout.name);
 }
 
 QMenu* LayoutCard::makeContextMenu() {
     if (layout_.isBuiltIn)
         return nullptr;
-    auto* menu = new QMenu(this);
+    auto* menu = new ActionMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     menu->setAccessibleName(layout_.name);
-    QAction* action = menu->addAction(symbols::icon(QStringLiteral("trash"), look::red(palette())),
-                                      tr("Delete Layout"));
-    action->setIconVisibleInMenu(true);
+    QAction* action = menu->addDestructiveAction(QStringLiteral("trash"), tr("Delete Layout"));
     connect(action, &QAction::triggered, this, &LayoutCard::deleteRequested);
     return menu;
 }
@@ -85,6 +83,8 @@ void LayoutCard::contextMenuEvent(QContextMenuEvent* event) {
 }
 
 void LayoutCard::keyPressEvent(QKeyEvent* event) {
+    if (openContextMenuByKey(*this, *event))
+        return;
     const int forward = layoutDirection() == Qt::RightToLeft ? -1 : 1;
     switch (event->key()) {
     case Qt::Key_Left:

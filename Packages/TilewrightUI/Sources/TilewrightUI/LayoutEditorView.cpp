@@ -15,6 +15,7 @@
 
 #include <QEvent>
 #include <QMenu>
+#include <QScreen>
 #include <algorithm>
 
 namespace tilewright {
@@ -25,8 +26,8 @@ namespace {
 
 constexpr int padding = look::defaultPadding;
 constexpr int rowSpacing = 12;
-/// Names in the menu end here, in average characters, so that no name makes it wider than a screen.
-constexpr int longestMenuName = 48;
+/// What a menu has beside the names in it, in points.
+constexpr int menuEdges = 80;
 
 } // namespace
 
@@ -109,9 +110,10 @@ void LayoutEditorView::fillOpenMenu(QMenu& menu) {
         menu.addAction(title)->setEnabled(false);
     };
     const auto addLayout = [&](const ZoneLayout& layout, auto&& open) {
-        const QFontMetrics text(menu.font());
-        const QString title = text.elidedText(layout.name, Qt::ElideMiddle,
-                                              longestMenuName * text.averageCharWidth());
+        // No name makes the menu wider than its display.
+        const QString title = QFontMetrics(menu.font())
+                                  .elidedText(look::singleLine(layout.name), Qt::ElideMiddle,
+                                              screen()->availableGeometry().width() - menuEdges);
         connect(menu.addAction(look::plainText(title)), &QAction::triggered, this,
                 [open, layout] { open(layout); });
     };

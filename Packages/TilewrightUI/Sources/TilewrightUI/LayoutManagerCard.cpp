@@ -51,7 +51,7 @@ LayoutManagerCard::LayoutManagerCard(const ZoneLayout& layout, Deletable deletab
 void LayoutManagerCard::setZoneLayout(const ZoneLayout& layout) {
     layout_ = layout;
     preview_->setZoneLayout(layout);
-    name_->setText(layout.name);
+    name_->setText(look::singleLine(layout.name));
     count_->setText(countText());
     setAccessibleName(layout.name);
     if (deleteButton_)

@@ -1,6 +1,7 @@
 #include "LayoutManagerView.h"
 
 #include "AdaptiveGridLayout.h"
+#include "ConfirmationDialog.h"
 #include "GlassButton.h"
 #include "LayoutManagerCard.h"
 #include "Look.h"
@@ -9,8 +10,6 @@
 
 #include <WindowManager/LayoutStore.h>
 
-#include <QMessageBox>
-#include <QPushButton>
 #include <QVBoxLayout>
 
 namespace tilewright {
@@ -100,6 +99,10 @@ void LayoutManagerView::refresh() {
         customCards_.push_back(card);
     }
     while (customCards_.size() > layouts.size()) {
+        // A dialog may be in front, so the focus is the window's, not yet the application's.
+        if (QWidget* focused = window()->focusWidget();
+            focused && customCards_.back()->isAncestorOf(focused) && !layouts.empty())
+            customCards_[layouts.size() - 1]->deleteButton()->setFocus(Qt::OtherFocusReason);
         delete customCards_.back();
         customCards_.pop_back();
     }
@@ -109,7 +112,7 @@ void LayoutManagerView::refresh() {
 void LayoutManagerView::setPendingDelete(const std::optional<ZoneLayout>& layout) {
     pendingDelete_ = layout;
     if (confirmation_) {
-        QMessageBox* ended = confirmation_;
+        ConfirmationDialog* ended = confirmation_;
         confirmation_ = nullptr;
         ended->disconnect(this);
         ended->close();
@@ -119,22 +122,13 @@ void LayoutManagerView::setPendingDelete(const std::optional<ZoneLayout>& layout
 }
 
 void LayoutManagerView::showConfirmation() {
-    confirmation_ = new QMessageBox(this);
+    confirmation_ = new ConfirmationDialog(
+        tr("Delete “%1”?").arg(look::singleLine(pendingDelete_->name)),
+        tr("This removes the layout and clears it from any displays using it."), tr("Delete"),
+        this);
     confirmation_->setAttribute(Qt::WA_DeleteOnClose);
-    confirmation_->setIcon(QMessageBox::NoIcon);
-    confirmation_->setTextFormat(Qt::PlainText);
-    const QString title = tr("Delete “%1”?").arg(pendingDelete_->name);
-    confirmation_->setWindowTitle(title);
-    confirmation_->setText(title);
-    confirmation_->setInformativeText(
-        tr("This removes the layout and clears it from any displays using it."));
-    auto* confirm = confirmation_->addButton(tr("Delete"), QMessageBox::DestructiveRole);
-    auto* cancel = confirmation_->addButton(tr("Cancel"), QMessageBox::RejectRole);
-    confirmation_->setDefaultButton(cancel);
-    confirmation_->setEscapeButton(cancel);
-    connect(confirmation_, &QDialog::finished, this, [this, confirm] {
-        const bool isConfirmed = confirmation_->clickedButton() == confirm;
-        if (isConfirmed && pendingDelete_)
+    connect(confirmation_, &QDialog::finished, this, [this](int result) {
+        if (result == QDialog::Accepted && pendingDelete_)
             LayoutStore::shared().removeCustomLayout(pendingDelete_->id);
         setPendingDelete(std::nullopt);
     });

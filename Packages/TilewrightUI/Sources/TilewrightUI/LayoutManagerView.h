@@ -6,11 +6,10 @@
 #include <QScrollArea>
 #include <optional>
 
-class QMessageBox;
-
 namespace tilewright {
 
 class AdaptiveGridLayout;
+class ConfirmationDialog;
 class LayoutManagerCard;
 class TextLabel;
 
@@ -28,7 +27,7 @@ public:
     [[nodiscard]] const std::optional<ZoneLayout>& pendingDelete() const { return pendingDelete_; }
     void setPendingDelete(const std::optional<ZoneLayout>& layout);
     /// The confirmation while it is shown.
-    [[nodiscard]] QMessageBox* confirmation() const { return confirmation_; }
+    [[nodiscard]] ConfirmationDialog* confirmation() const { return confirmation_; }
 
     [[nodiscard]] const std::vector<LayoutManagerCard*>& customCards() const {
         return customCards_;
@@ -44,7 +43,7 @@ private:
     void showConfirmation();
 
     std::optional<ZoneLayout> pendingDelete_;
-    QMessageBox* confirmation_ = nullptr;
+    ConfirmationDialog* confirmation_ = nullptr;
     TextLabel* hint_ = nullptr;
     AdaptiveGridLayout* customGrid_ = nullptr;
     std::vector<LayoutManagerCard*> customCards_;

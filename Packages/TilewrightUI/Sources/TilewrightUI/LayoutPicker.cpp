@@ -141,6 +141,8 @@ void LayoutPicker::refreshCards() {
         ++row;
     }
     while (cards_.size() > count) {
+        if (cards_.back()->hasFocus() && count > 0)
+            cards_[count - 1]->setFocus(Qt::OtherFocusReason);
         delete cards_.back();
         cards_.pop_back();
     }

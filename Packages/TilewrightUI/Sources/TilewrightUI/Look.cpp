@@ -218,6 +218,17 @@ QString plainText(const QString& text) {
     return result.replace(u'&', QStringLiteral("&&"));
 }
 
+QString singleLine(const QString& text) {
+    QString result = text;
+    for (QChar& character : result) {
+        if (character.category() == QChar::Other_Control ||
+            character.category() == QChar::Separator_Line ||
+            character.category() == QChar::Separator_Paragraph)
+            character = u' ';
+    }
+    return result;
+}
+
 QPainterPath continuousRoundedRect(const QRectF& rect, double radius) {
     QPainterPath path;
     const double half = std::min(rect.width(), rect.height()) / 2;

@@ -82,6 +82,9 @@ void whenFontChanges(QObject* context, const std::function<void()>& action);
 /// The text with each "&" doubled, for places that would take one as the mark of a mnemonic.
 [[nodiscard]] QString plainText(const QString& text);
 
+/// The text on one line: each tab, line break and other control character is a space.
+[[nodiscard]] QString singleLine(const QString& text);
+
 /// A rounded rectangle whose corners run over into the sides with continuous curvature. The radius
 /// is cut to half the shorter side.
 [[nodiscard]] QPainterPath continuousRoundedRect(const QRectF& rect, double radius);

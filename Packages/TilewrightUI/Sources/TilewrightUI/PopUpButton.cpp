@@ -71,6 +71,12 @@ void PopUpButton::showPopup() {
     // The list shows whole titles, where the button itself may be too narrow for them.
     view()->setMinimumWidth(std::max(width(), view()->sizeHintForColumn(0) + (4 * qRound(gap))));
     QComboBox::showPopup();
+    QWidget& list = *view()->window();
+    const QRect room(window()->mapToGlobal(QPoint()), window()->size());
+    if (list.width() <= room.width()) {
+        const int last = room.right() + 1 - list.width();
+        list.move(std::clamp(list.x(), room.left(), last), list.y());
+    }
 }
 
 void PopUpButton::wheelEvent(QWheelEvent* event) {

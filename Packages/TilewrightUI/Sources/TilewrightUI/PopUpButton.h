@@ -5,7 +5,8 @@
 namespace tilewright {
 
 /// A button that shows one of several choices and pops up the list of them. Titles are plain text;
-/// one that is wider than the button ends in an ellipsis.
+/// one that is wider than the button ends in an ellipsis. The list stays above its window where
+/// that is wide enough for it.
 ///
 /// It shows a model's state: connect `activated`, which only the user causes, to the model, and
 /// call `select` when the model has changed.

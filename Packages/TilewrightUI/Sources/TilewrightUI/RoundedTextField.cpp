@@ -1,5 +1,6 @@
 #include "RoundedTextField.h"
 
+#include "ContextMenuKey.h"
 #include "Look.h"
 
 #include <QEvent>
@@ -38,6 +39,11 @@ void RoundedTextField::applyPalette() {
 
 QPalette RoundedTextField::ground() const {
     return parentWidget() ? parentWidget()->palette() : QPalette();
+}
+
+void RoundedTextField::keyPressEvent(QKeyEvent* event) {
+    if (!openContextMenuByKey(*this, *event))
+        QLineEdit::keyPressEvent(event);
 }
 
 void RoundedTextField::changeEvent(QEvent* event) {

@@ -16,6 +16,7 @@ public:
     [[nodiscard]] QSize minimumSizeHint() const override;
 
 protected:
+    void keyPressEvent(QKeyEvent* event) override;
     void changeEvent(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 

@@ -45,7 +45,7 @@ void TextLabel::setOverflow(Overflow overflow) {
 
 TextLabel::Fitted TextLabel::fitted() const {
     Fitted result{text(), font(), 1};
-    if (overflow_ != Overflow::elide && overflow_ != Overflow::shrinkThenElide)
+    if (overflow_ == Overflow::none || overflow_ == Overflow::wrap)
         return result;
     const double room = contentsRect().width();
     const double wanted = QFontMetricsF(result.font).horizontalAdvance(result.text);
@@ -62,7 +62,8 @@ TextLabel::Fitted TextLabel::fitted() const {
                 break;
         }
     }
-    result.text = QFontMetricsF(result.font).elidedText(result.text, Qt::ElideRight, room);
+    const auto mode = overflow_ == Overflow::elideMiddle ? Qt::ElideMiddle : Qt::ElideRight;
+    result.text = QFontMetricsF(result.font).elidedText(result.text, mode, room);
     return result;
 }
 

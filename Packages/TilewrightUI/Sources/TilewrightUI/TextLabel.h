@@ -21,6 +21,8 @@ public:
         wrap,
         /// It ends in an ellipsis.
         elide,
+        /// Its middle gives way to an ellipsis.
+        elideMiddle,
         /// It shrinks to 80 % at most, then ends in an ellipsis.
         shrinkThenElide,
     };
