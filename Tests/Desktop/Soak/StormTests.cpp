@@ -27,13 +27,18 @@ public:
         : desktop_(desktop)
         , hands_(desktop.display()) {}
 
-    /// A few hundred events at once.
+    /// A few hundred events at once, and the next ones when the server has handed these out. While
+    /// a window manager holds the input frozen the server keeps all that arrives, and seeks through
+    /// all of it for each event that it hands out afterwards: whoever goes on without minding that
+    /// storms against the server alone, which soon does nothing else for minutes.
     void gust() {
         const int count = 100 + below(200);
         for (int i = 0; i < count; ++i)
             input();
         hands_.sync();
         windows();
+        if (!waitUntil([this] { return hasArrived(); }, std::chrono::seconds(2)))
+            ++frozen;
     }
     /// What lasts longer ends or begins anew.
     void catastrophe() {
@@ -68,6 +73,7 @@ public:
             fake(XCB_BUTTON_RELEASE, button);
         for (const quint8 key : keys)
             fake(XCB_KEY_RELEASE, key);
+        held_.fill(false);
         hands_.sync();
     }
     void end() {
@@ -82,6 +88,8 @@ public:
     int managers = 0;
     int compositors = 0;
     int displays = 0;
+    /// How often somebody held the input for longer than is waited.
+    int frozen = 0;
 
 private:
     /// The usual places of the modifiers, Escape, Tab, Enter, Space and some letters.
@@ -95,15 +103,34 @@ private:
     }
     void input() {
         const int what = below(20);
-        if (what < 14)
-            fake(XCB_MOTION_NOTIFY, 0, static_cast<qint16>(below(1920)),
-                 static_cast<qint16>(below(1080)));
-        else if (what < 17)
+        if (what < 14) {
+            place_ = {below(1920), below(1080)};
+            fake(XCB_MOTION_NOTIFY, 0, static_cast<qint16>(place_.x()),
+                 static_cast<qint16>(place_.y()));
+        } else if (what < 17) {
             fake(below(2) == 0 ? XCB_BUTTON_PRESS : XCB_BUTTON_RELEASE,
                  static_cast<quint8>(1 + below(3)));
-        else
-            fake(below(2) == 0 ? XCB_KEY_PRESS : XCB_KEY_RELEASE,
-                 keys[static_cast<std::size_t>(below(static_cast<int>(keys.size())))]);
+        } else {
+            const auto key = static_cast<std::size_t>(below(static_cast<int>(keys.size())));
+            held_[key] = below(2) == 0;
+            fake(held_[key] ? XCB_KEY_PRESS : XCB_KEY_RELEASE, keys[key]);
+        }
+    }
+    /// Whether pointer and keys are as the last events have them.
+    [[nodiscard]] bool hasArrived() const {
+        const auto pointerAsked = xcb_query_pointer(hands_.xcb(), hands_.root());
+        const auto keymapAsked = xcb_query_keymap(hands_.xcb());
+        const XReply<xcb_query_pointer_reply_t> pointer(
+            xcb_query_pointer_reply(hands_.xcb(), pointerAsked, nullptr));
+        const XReply<xcb_query_keymap_reply_t> keymap(
+            xcb_query_keymap_reply(hands_.xcb(), keymapAsked, nullptr));
+        if (!pointer || !keymap || QPoint(pointer->root_x, pointer->root_y) != place_)
+            return false;
+        for (std::size_t i = 0; i < keys.size(); ++i) {
+            if (((keymap->keys[keys[i] / 8] >> (keys[i] % 8)) & 1) != (held_[i] ? 1 : 0))
+                return false;
+        }
+        return true;
     }
     /// Comes and goes without waiting for a window manager, which may just be ending.
     void windows() {
@@ -130,6 +157,9 @@ private:
     const XClient hands_;
     std::mt19937 random_{20260101};
     std::vector<xcb_window_t> windows_;
+    /// Where the pointer was put last, and which of the keys were left held.
+    QPoint place_;
+    std::array<bool, keys.size()> held_{};
 };
 
 bool canBeGrabbed(const XClient& anybody) {
@@ -210,8 +240,10 @@ TEST(LongStorm, LeavesNothingShownGrabbedOrGrown) {
     storm.end();
     ASSERT_TRUE(program.isRunning());
     std::printf(
-        "%ld events in %lld s; %d window managers, %d compositors and %d displays changed\n",
-        storm.events, timer.elapsed() / 1000, storm.managers, storm.compositors, storm.displays);
+        "%ld events in %lld s; %d window managers, %d compositors and %d displays changed; input "
+        "held %d times\n",
+        storm.events, timer.elapsed() / 1000, storm.managers, storm.compositors, storm.displays,
+        storm.frozen);
     ASSERT_TRUE(desktop.startWindowManager(WindowManagerKind::openbox));
     EXPECT_TRUE(waitUntil([&] { return !program.overlayShows(); }, std::chrono::minutes(2)));
     const XClient anybody(desktop.display());

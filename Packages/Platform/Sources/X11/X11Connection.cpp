@@ -155,6 +155,8 @@ X11Connection::X11Connection(xcb_connection_t* connection, int screenNumber)
         connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, this, [this] {
             stashQueuedEvents();
             flush();
+            if (stash_.isEmpty())
+                flood_.noteCalm();
         });
     }
 }
@@ -202,6 +204,7 @@ void X11Connection::queryServer() {
             static_cast<std::uint8_t>(xfixes_.firstEvent + XCB_XFIXES_SELECTION_NOTIFY));
     xinput_ = presence(connection_, xcb_input_id);
     xkb_ = presence(connection_, xcb_xkb_id);
+    stash_.setInputNotices(xinput_.majorOpcode, xkb_.firstEvent);
     // An absent extension's request would break the connection.
     const auto randr = randr_.isPresent ? xcb_randr_query_version(connection_, 1, 5)
                                         : xcb_randr_query_version_cookie_t{};
@@ -343,21 +346,22 @@ void X11Connection::dispatchEvents() {
     while (xcb_generic_event_t* event = xcb_poll_for_event(connection_))
         stash_.push(X11EventQueue::Event(event));
     takeAnswers();
-    bool dispatchedAny = false;
+    std::uint64_t dispatched = 0;
     for (;;) {
         if (isAnswerNext()) {
             replies_.handOver();
         } else if (!stash_.isEmpty()) {
             const X11EventQueue::Event event = stash_.take();
             dispatch(*event);
-            dispatchedAny = true;
+            ++dispatched;
         } else {
             break;
         }
     }
-    if (dispatchedAny)
+    if (dispatched > 0)
         Q_EMIT eventsDispatched();
     flood_.note(stash_.leftOut() - std::exchange(leftOutBefore_, stash_.leftOut()));
+    flood_.noteTogether(dispatched);
     noticeLoss();
 }
 

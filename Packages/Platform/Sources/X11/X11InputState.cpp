@@ -25,6 +25,8 @@ void X11InputState::start(const X11InputServerState& server, X11InputOwner dragO
     hasMoved_ = false;
     isCalledOff_ = false;
     dragOwner_ = dragOwner;
+    wasLeftDown_ = isLeftDown_;
+    toldModifiers_ = modifiers();
 }
 
 void X11InputState::pressed(quint32 button) {
@@ -125,6 +127,8 @@ std::vector<X11InputState::Report> X11InputState::takeReports(const X11InputOwne
         else
             reports.push_back({event, isOfDrag(event.type) ? dragOwner_ : owners.pointer});
     }
+    wasLeftDown_ = isLeftDown_;
+    toldModifiers_ = modifiers();
     return reports;
 }
 
@@ -143,6 +147,52 @@ void X11InputState::setLeftDown(bool isDown) {
 
 void X11InputState::report(EventType type) {
     events_.push_back({type, modifiers()});
+    if (events_.size() > mostReports)
+        skipAhead();
+}
+
+void X11InputState::skipAhead() {
+    const auto count = [&](EventType type) {
+        return std::count_if(events_.begin(), events_.end(),
+                             [type](const Event& event) { return event.type == type; });
+    };
+    const auto lastPress = std::find_if(events_.rbegin(), events_.rend(), [](const Event& event) {
+        return event.type == EventType::leftMouseDown;
+    });
+    const bool isMoved = std::any_of(events_.rbegin(), lastPress, [](const Event& event) {
+        return event.type == EventType::leftMouseDragged;
+    });
+    std::vector<Event> rest;
+    ModifierFlags flags = toldModifiers_;
+    bool isDown = wasLeftDown_;
+    const auto tell = [&](EventType type) { rest.push_back({type, flags}); };
+    const auto tellKeys = [&](ModifierFlags held) {
+        if (std::exchange(flags, held) != held)
+            tell(EventType::flagsChanged);
+    };
+    // Nobody knows any more where those ended: without keys they do nothing.
+    auto releases = count(EventType::leftMouseUp);
+    if (isDown && releases > 0) {
+        tellKeys(ModifierFlags());
+        tell(EventType::leftMouseUp);
+        isDown = false;
+        --releases;
+    }
+    if (releases > 0) {
+        tellKeys(ModifierFlags());
+        tell(EventType::leftMouseDown);
+        tell(EventType::leftMouseUp);
+    }
+    for (const EventType press : {EventType::rightMouseDown, EventType::otherMouseDown}) {
+        if (count(press) > 0)
+            tell(press);
+    }
+    tellKeys(modifiers());
+    if (isLeftDown_ && !isDown)
+        tell(EventType::leftMouseDown);
+    if (isLeftDown_ && isMoved)
+        tell(EventType::leftMouseDragged);
+    events_ = std::move(rest);
 }
 
 void X11InputState::flushMove() {

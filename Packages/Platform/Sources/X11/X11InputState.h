@@ -2,6 +2,7 @@
 
 #include <Platform/EventMonitors.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <utility>
@@ -37,12 +38,19 @@ struct X11InputOwners {
 /// terminal) leaves nothing stuck. A raw event may also come before the server counts it, while a
 /// window manager holds the pointer frozen: what was just heard is believed until the server has
 /// agreed with it once.
+///
+/// Whoever has fallen far behind the user, because this process or the server stood still, is not
+/// told of each drag that he missed: of more than `mostReports` remain what brings him up to date,
+/// an end of the drag that he knew of, a press for all presses, and how things stand.
 class X11InputState {
 public:
     struct Report {
         Event event;
         X11InputOwner owner = X11InputOwner::other;
     };
+
+    /// More than anybody's hands bring about while one reading of the queue is handed out.
+    static constexpr std::size_t mostReports = 100;
 
     /// Takes the server's state as it is; reports nothing. A drag that is under way belongs to
     /// `dragOwner`.
@@ -80,6 +88,7 @@ private:
     void setLeftDown(bool isDown);
     void report(EventType type);
     void flushMove();
+    void skipAhead();
 
     /// How often in a row the server may contradict an unconfirmed press or release before it is
     /// believed. A freeze ends within a few milliseconds, during which few queues are read.
@@ -87,6 +96,9 @@ private:
 
     std::vector<std::uint8_t> mapping_;
     std::vector<Event> events_;
+    /// How things stood before those.
+    bool wasLeftDown_ = false;
+    ModifierFlags toldModifiers_;
     /// Those that are held, told or not.
     ModifierFlags modifiers_;
     bool isLeftDown_ = false;

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <vector>
 #include <xcb/xfixes.h>
+#include <xcb/xinput.h>
 
 using namespace tilewright;
 
@@ -16,6 +17,8 @@ constexpr xcb_window_t ownWindow = ownNumbers | 7;
 constexpr xcb_atom_t someProperty = 300;
 constexpr xcb_atom_t otherProperty = 301;
 constexpr std::uint8_t selectionNotice = 87;
+constexpr std::uint8_t inputExtension = 131;
+constexpr std::uint8_t keyboardNotice = 85;
 
 /// What waits, each with the number under which it arrived.
 class X11EventQueueTest : public ::testing::Test {
@@ -50,6 +53,14 @@ protected:
         auto* notice = static_cast<xcb_mapping_notify_event_t*>(static_cast<void*>(&event));
         notice->response_type = XCB_MAPPING_NOTIFY;
         notice->request = request;
+        push(event);
+    }
+    void pushInput(std::uint16_t number, std::uint8_t extension = inputExtension) {
+        xcb_generic_event_t event{};
+        auto* notice = static_cast<xcb_ge_generic_event_t*>(static_cast<void*>(&event));
+        notice->response_type = XCB_GE_GENERIC;
+        notice->extension = extension;
+        notice->event_type = number;
         push(event);
     }
     void pushOther(std::uint8_t type) {
@@ -124,4 +135,48 @@ TEST_F(X11EventQueueTest, HoldsNoMoreThanThePropertiesHoweverOftenTheyChange) {
         pushNotice(root, someProperty + static_cast<xcb_atom_t>(i % properties));
     EXPECT_EQ(queue.size(), std::size_t{properties});
     EXPECT_EQ(takeAll(), (Numbers{99'996, 99'997, 99'998, 99'999, 100'000}));
+}
+
+TEST_F(X11EventQueueTest, TakesMovesForOneUntilOtherInputComesBetween) {
+    queue.setInputNotices(inputExtension, keyboardNotice);
+    pushInput(XCB_INPUT_RAW_MOTION);
+    pushNotice(root, someProperty);
+    pushInput(XCB_INPUT_RAW_MOTION);
+    pushInput(XCB_INPUT_RAW_BUTTON_RELEASE);
+    pushInput(XCB_INPUT_RAW_MOTION);
+    pushInput(XCB_INPUT_RAW_MOTION);
+    pushOther(keyboardNotice);
+    pushInput(XCB_INPUT_RAW_MOTION);
+    pushOther(keyboardNotice);
+    EXPECT_EQ(takeAll(), (Numbers{2, 3, 4, 6, 7, 8, 9}));
+    EXPECT_EQ(queue.leftOut(), 2U);
+}
+
+TEST_F(X11EventQueueTest, TakesMovesForOneAfterEarlierOnesWereHeard) {
+    queue.setInputNotices(inputExtension, keyboardNotice);
+    pushInput(XCB_INPUT_RAW_MOTION);
+    pushInput(XCB_INPUT_RAW_BUTTON_PRESS);
+    pushInput(XCB_INPUT_RAW_MOTION);
+    EXPECT_EQ(queue.take()->full_sequence, 1U);
+    EXPECT_EQ(queue.take()->full_sequence, 2U);
+    pushInput(XCB_INPUT_RAW_MOTION);
+    EXPECT_EQ(takeAll(), Numbers{4});
+    pushInput(XCB_INPUT_RAW_MOTION);
+    EXPECT_EQ(takeAll(), Numbers{5});
+}
+
+TEST_F(X11EventQueueTest, KeepsEachEventThatOnlyLooksLikeAMove) {
+    queue.setInputNotices(inputExtension, keyboardNotice);
+    for (int i = 0; i < 2; ++i) {
+        pushInput(XCB_INPUT_RAW_MOTION, inputExtension + 1);
+        pushInput(XCB_INPUT_RAW_BUTTON_PRESS);
+    }
+    EXPECT_EQ(takeAll(), (Numbers{1, 2, 3, 4}));
+}
+
+TEST_F(X11EventQueueTest, HoldsOneMoveHoweverManyWait) {
+    queue.setInputNotices(inputExtension, keyboardNotice);
+    for (int i = 0; i < 100'000; ++i)
+        pushInput(XCB_INPUT_RAW_MOTION);
+    EXPECT_EQ(takeAll(), Numbers{100'000});
 }

@@ -335,6 +335,64 @@ TEST_F(X11InputStateTest, StartsInTheMiddleOfADrag) {
     EXPECT_EQ(reports[0].owner, X11InputOwner::own);
 }
 
+TEST_F(X11InputStateTest, WhoIsFarBehindHearsOfOnePressForAllThatHeMissed) {
+    for (std::size_t i = 0; i < X11InputState::mostReports; ++i) {
+        state.modifiersChanged(control);
+        state.pressed(1);
+        state.moved();
+        state.released(1);
+        state.modifiersChanged(none);
+        state.pressed(3);
+    }
+    const auto events = told();
+    EXPECT_LE(events.size(), X11InputState::mostReports);
+    EXPECT_GT(events.size(), 3U);
+    EXPECT_THAT(
+        std::vector(events.begin(), events.begin() + 3),
+        ElementsAre(EventType::leftMouseDown, EventType::leftMouseUp, EventType::rightMouseDown));
+}
+
+TEST_F(X11InputStateTest, ADragThatEndedFarBehindEndsWithoutKeys) {
+    server.modifiers = control;
+    state.modifiersChanged(control);
+    pressAndSettleWith(control);
+    state.released(1);
+    for (std::size_t i = 0; i < X11InputState::mostReports; ++i)
+        state.modifiersChanged(i % 2 == 0 ? none : control);
+    EXPECT_THAT(toldWithFlags(),
+                ElementsAre(Pair(EventType::flagsChanged, none), Pair(EventType::leftMouseUp, none),
+                            Pair(EventType::flagsChanged, control)));
+}
+
+TEST_F(X11InputStateTest, ADragThatLastsGoesOnHoweverFarBehind) {
+    pressAndSettleWith(none);
+    for (std::size_t i = 0; i <= X11InputState::mostReports; ++i)
+        state.modifiersChanged(i % 2 == 0 ? control : none);
+    EXPECT_THAT(toldWithFlags(), ElementsAre(Pair(EventType::flagsChanged, control)));
+    for (std::size_t i = 0; i < X11InputState::mostReports; ++i) {
+        state.moved();
+        state.modifiersChanged(i % 2 == 0 ? none : control);
+    }
+    const auto events = toldWithFlags();
+    EXPECT_LE(events.size(), X11InputState::mostReports);
+    EXPECT_EQ(events.front(), std::pair(EventType::leftMouseDragged, control));
+}
+
+TEST_F(X11InputStateTest, ADragBegunWhileFarBehindIsTold) {
+    for (std::size_t i = 0; i < X11InputState::mostReports / 2; ++i) {
+        state.pressed(1);
+        state.released(1);
+    }
+    state.pressed(1);
+    state.moved();
+    state.modifiersChanged(shift);
+    EXPECT_THAT(toldWithFlags(), ElementsAre(Pair(EventType::leftMouseDown, none),
+                                             Pair(EventType::leftMouseUp, none),
+                                             Pair(EventType::leftMouseDown, none),
+                                             Pair(EventType::leftMouseDragged, none),
+                                             Pair(EventType::flagsChanged, shift)));
+}
+
 /// A server whose every event may be lost, late for the server's own count, or both.
 class UnreliableInput {
 public:
@@ -365,7 +423,6 @@ public:
             state_.settle(below(50) == 0 ? std::nullopt : std::optional(counted()));
             break;
         }
-        check();
     }
 
     /// Nothing more is lost or late: what the server says prevails, in the end also over what was
@@ -384,27 +441,11 @@ public:
         EXPECT_EQ(state_.modifiers(), truth_.modifiers);
     }
 
-private:
-    int below(int bound) { return std::uniform_int_distribution(0, bound - 1)(random_); }
-
-    void setButton(bool isDown) {
-        held_ = below(5) == 0;
-        heldState_ = truth_.isLeftButtonDown;
-        truth_.isLeftButtonDown = isDown;
-        if (below(4) == 0)
-            return;
-        if (isDown)
-            state_.pressed(1);
-        else
-            state_.released(1);
-    }
-
-    X11InputServerState counted() const {
-        return {held_ ? heldState_ : truth_.isLeftButtonDown, truth_.modifiers};
-    }
-
+    /// What was told so far fits together, and with how things are.
     void check() {
-        for (const auto& report : state_.takeReports({})) {
+        const auto reports = state_.takeReports({});
+        EXPECT_LE(reports.size(), X11InputState::mostReports);
+        for (const auto& report : reports) {
             switch (report.event.type) {
             case EventType::leftMouseDown:
                 EXPECT_FALSE(isDown_);
@@ -429,6 +470,25 @@ private:
         EXPECT_EQ(flags_, state_.modifiers());
     }
 
+private:
+    int below(int bound) { return std::uniform_int_distribution(0, bound - 1)(random_); }
+
+    void setButton(bool isDown) {
+        held_ = below(5) == 0;
+        heldState_ = truth_.isLeftButtonDown;
+        truth_.isLeftButtonDown = isDown;
+        if (below(4) == 0)
+            return;
+        if (isDown)
+            state_.pressed(1);
+        else
+            state_.released(1);
+    }
+
+    X11InputServerState counted() const {
+        return {held_ ? heldState_ : truth_.isLeftButtonDown, truth_.modifiers};
+    }
+
     std::mt19937 random_;
     X11InputState state_;
     X11InputServerState truth_;
@@ -442,8 +502,25 @@ TEST(X11InputState, NothingSticksWhateverIsLostOrLate) {
     for (unsigned seed = 0; seed < 2'000; ++seed) {
         SCOPED_TRACE(seed);
         UnreliableInput input(seed);
-        for (int i = 0; i < 200; ++i)
+        for (int i = 0; i < 200; ++i) {
             input.step();
+            input.check();
+        }
+        input.comeToRest();
+        if (::testing::Test::HasFailure())
+            return;
+    }
+}
+
+TEST(X11InputState, WhatIsLeftOutForWhoIsFarBehindFitsTogether) {
+    for (unsigned seed = 0; seed < 1'000; ++seed) {
+        SCOPED_TRACE(seed);
+        UnreliableInput input(seed);
+        for (int i = 0; i < 4; ++i) {
+            for (int j = 0; j < 500; ++j)
+                input.step();
+            input.check();
+        }
         input.comeToRest();
         if (::testing::Test::HasFailure())
             return;
