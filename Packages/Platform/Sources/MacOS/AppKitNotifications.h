@@ -18,6 +18,8 @@ enum class Notification {
     accessibilityPermissionChanged,
     /// A later start of this program asks the running one to show its panel.
     panelRequested,
+    /// The user opened the program, which is running, once more.
+    reopened,
 };
 
 /// Listens for as long as it lives.
@@ -29,7 +31,8 @@ public:
     virtual ~Observation() = default;
 };
 
-/// Calls back on the main thread at each announcement until the observation ends.
+/// Calls back on the main thread at each announcement until the observation ends, also while this
+/// program is not the active one. At most one observation of `Notification::reopened` at a time.
 [[nodiscard]] std::unique_ptr<Observation> observe(Notification notification,
                                                    std::function<void()> callback);
 /// Announces `Notification::panelRequested` to every instance of this program.

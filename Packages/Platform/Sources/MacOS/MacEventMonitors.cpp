@@ -50,11 +50,20 @@ std::unique_ptr<appkit::EventMonitor> MacEventMonitors::install(MonitorToken tok
     return appkit::addMonitor(
         monitor.kind, monitor.mask,
         [this, token, kind = monitor.kind, handler = monitor.handler](const Event& event) {
+            noteDrag(event);
             noteModifiers(kind, event);
             // Whoever was told of the keys may have removed this monitor.
             if (monitors_.contains(token))
                 handler(event);
         });
+}
+
+void MacEventMonitors::noteDrag(const Event& event) {
+    if (event.type == EventType::leftMouseUp)
+        dragging_.reset();
+    else if (event.type == EventType::leftMouseDragged && !dragging_ &&
+             keysOf(event) != ModifierFlags())
+        dragging_ = appkit::beginActivity(QStringLiteral("Dragging a window to a zone"));
 }
 
 void MacEventMonitors::noteModifiers(appkit::MonitorKind kind, const Event& event) {
@@ -79,6 +88,9 @@ void MacEventMonitors::noteModifiers(appkit::MonitorKind kind, const Event& even
 void MacEventMonitors::removeMonitor(MonitorToken token) {
     // Out of the map before it ends: what ends with it may remove monitors too.
     const auto ended = monitors_.extract(token);
+    // Nobody is left who would hear of the drag's end.
+    if (monitors_.empty())
+        dragging_.reset();
 }
 
 void MacEventMonitors::installGlobalMonitorsAfresh() {

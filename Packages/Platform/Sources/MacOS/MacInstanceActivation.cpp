@@ -34,8 +34,9 @@ InstanceActivation::Claim MacInstanceActivation::claim() {
         appkit::requestPanel();
         return Claim::another;
     }
-    observation_ = appkit::observe(appkit::Notification::panelRequested,
-                                   [this] { Q_EMIT activationRequested(); });
+    const auto request = [this] { Q_EMIT activationRequested(); };
+    requests_ = appkit::observe(appkit::Notification::panelRequested, request);
+    reopenings_ = appkit::observe(appkit::Notification::reopened, request);
     return Claim::first;
 }
 

@@ -10,8 +10,9 @@ namespace appkit {
 class Observation;
 }
 
-/// One instance of the program in a login session. The system itself starts a bundle only once;
-/// this covers a second copy of it. Main thread only.
+/// One instance of the program in a login session. The system itself starts a bundle only once, and
+/// tells the running one when the user opens it again; this covers a second copy of it, too. Main
+/// thread only.
 class MacInstanceActivation final : public InstanceActivation {
     Q_OBJECT
 
@@ -22,7 +23,8 @@ public:
     [[nodiscard]] Claim claim() override;
 
 private:
-    std::unique_ptr<appkit::Observation> observation_;
+    std::unique_ptr<appkit::Observation> requests_;
+    std::unique_ptr<appkit::Observation> reopenings_;
 };
 
 } // namespace tilewright

@@ -29,6 +29,18 @@ static_assert(NSApplicationActivateIgnoringOtherApps == 2);
 static_assert(NSViewWidthSizable == 2 && NSViewHeightSizable == 16);
 static_assert(std::is_same_v<NSWindowLevel, NSInteger>);
 
+static_assert(NSScreenSaverWindowLevel == 1000);
+static_assert(NSStatusWindowLevel == 25);
+// No static assertion takes a constant of floating point, which the compiler knows all the same.
+#pragma clang diagnostic push
+#pragma clang diagnostic ignored "-Wvla-extension"
+#pragma clang diagnostic ignored "-Wgnu-folding-constant"
+extern char squareStatusItemLength[NSSquareStatusItemLength == -2.0 ? 1 : -1];
+#pragma clang diagnostic pop
+static_assert(NSNotificationSuspensionBehaviorDeliverImmediately == 4);
+static_assert(kCoreEventClass == 'aevt' && kAEReopenApplication == 'rapp');
+static_assert(NSActivityUserInitiatedAllowingIdleSystemSleep == 0x00EFFFFF);
+
 static_assert(NSApplicationSupportDirectory == 14);
 static_assert(NSUserDomainMask == 1);
 

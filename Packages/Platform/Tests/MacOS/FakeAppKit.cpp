@@ -23,6 +23,7 @@ FakeAppKit::FakeAppKit() {
 FakeAppKit::~FakeAppKit() {
     EXPECT_TRUE(monitors.empty()) << "an event monitor is left";
     EXPECT_TRUE(observers.empty()) << "an observer is left";
+    EXPECT_TRUE(activities.empty()) << "an activity is left";
     for (const auto& window : windows) {
         EXPECT_FALSE(window->isAlive) << "a window is left";
         EXPECT_FALSE(window->content) << "a view did not leave its window";
@@ -86,6 +87,22 @@ public:
 
 private:
     const int id_;
+};
+
+class FakeActivity final : public Activity {
+public:
+    explicit FakeActivity(const QString& reason)
+        : reason_(reason) {
+        FakeAppKit::current().activities.insert(reason_);
+        ++FakeAppKit::current().activitiesBegun;
+    }
+    ~FakeActivity() override {
+        auto& activities = FakeAppKit::current().activities;
+        activities.erase(activities.find(reason_));
+    }
+
+private:
+    const QString reason_;
 };
 
 class FakeStatusItem final : public StatusItem {
@@ -169,6 +186,10 @@ std::unique_ptr<Observation> observe(Notification notification, std::function<vo
     const int id = ++fake.observersAdded;
     fake.observers.emplace(id, FakeAppKit::Observer{notification, std::move(callback)});
     return std::make_unique<FakeObservation>(id);
+}
+
+std::unique_ptr<Activity> beginActivity(const QString& reason) {
+    return std::make_unique<FakeActivity>(reason);
 }
 
 std::unique_ptr<StatusItem> addStatusItem(std::function<void()> clicked) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <MacOS/AppKitActivity.h>
 #include <MacOS/AppKitApplications.h>
 #include <MacOS/AppKitEventMonitor.h>
 #include <MacOS/AppKitHostWindow.h>
@@ -10,6 +11,7 @@
 
 #include <QTemporaryDir>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -65,6 +67,9 @@ public:
     std::map<int, Observer> observers;
     int observersAdded = 0;
     int panelRequests = 0;
+    /// The reasons of the activities under way, and how many there were.
+    std::multiset<QString> activities;
+    int activitiesBegun = 0;
 
     std::vector<std::shared_ptr<Window>> windows;
 

@@ -241,6 +241,26 @@ TEST_F(MacEventMonitorsTest, CallNoMonitorThatWasRemovedWhenItWasToldOfTheModifi
     EXPECT_EQ(recorded, (Recorded{{EventType::flagsChanged, {ModifierFlag::control}}}));
 }
 
+TEST_F(MacEventMonitorsTest, KeepTheProgramFromBeingSlowedDownDuringADragWithAModifier) {
+    const MacAccessibility accessibility(loop);
+    MacEventMonitors monitors(accessibility);
+    const auto token = monitors.addGlobalMonitor(dragMask, count);
+    const ModifierFlags control{ModifierFlag::control};
+    drag(MonitorKind::global);
+    appKit.send(MonitorKind::global, {EventType::flagsChanged, control});
+    EXPECT_EQ(appKit.activitiesBegun, 0) << "neither a plain drag nor a key is one";
+    appKit.send(MonitorKind::global, {EventType::leftMouseDragged, control});
+    appKit.send(MonitorKind::global, {EventType::leftMouseDragged, control});
+    drag(MonitorKind::global);
+    EXPECT_EQ(appKit.activities.size(), 1U);
+    appKit.send(MonitorKind::global, {EventType::leftMouseUp, {}});
+    EXPECT_TRUE(appKit.activities.empty());
+    appKit.send(MonitorKind::global, {EventType::leftMouseDragged, control});
+    EXPECT_EQ(appKit.activitiesBegun, 2);
+    monitors.removeMonitor(*token);
+    EXPECT_TRUE(appKit.activities.empty());
+}
+
 TEST_F(MacEventMonitorsTest, AreAllGoneAtTheEnd) {
     {
         const MacAccessibility accessibility(loop);

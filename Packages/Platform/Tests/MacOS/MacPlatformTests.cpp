@@ -50,6 +50,13 @@ TEST(MacPlatform, IsTheBackendOfAProgramBuiltForMacOS) {
     EXPECT_TRUE(backend.appKit.statusItem);
 }
 
+TEST(MacPlatform, HasQtLeaveTheKeyboardWhereItIsAtTheStart) {
+    qunsetenv("QT_MAC_DISABLE_FOREGROUND_APPLICATION_TRANSFORM");
+    const auto backend = DesktopBackend::find();
+    // Before Qt's application object is made.
+    EXPECT_FALSE(qEnvironmentVariableIsEmpty("QT_MAC_DISABLE_FOREGROUND_APPLICATION_TRANSFORM"));
+}
+
 TEST(MacPlatform, AsksARunningInstanceForItsPanelInsteadOfStartingAnother) {
     OpenedBackend backend;
     backend.appKit.instances = {{getpid(), 20}, {getpid() + 1, 10}};

@@ -97,6 +97,17 @@ TEST_F(MacWorkspaceTest, ASecondInstanceAsksTheFirstForItsPanel) {
     EXPECT_EQ(requested, 1);
 }
 
+TEST_F(MacWorkspaceTest, AsksForThePanelWhereTheRunningProgramIsOpenedOnceMore) {
+    MacInstanceActivation activation;
+    int requested = 0;
+    QObject::connect(&activation, &InstanceActivation::activationRequested, [&] { ++requested; });
+    appKit.announce(appkit::Notification::reopened);
+    EXPECT_EQ(requested, 0) << "not before it is the one instance";
+    ASSERT_EQ(activation.claim(), InstanceActivation::Claim::first);
+    appKit.announce(appkit::Notification::reopened);
+    EXPECT_EQ(requested, 1);
+}
+
 TEST_F(MacWorkspaceTest, OfInstancesThatStartTogetherExactlyOneStays) {
     constexpr double unknown = std::numeric_limits<double>::infinity();
     const ProcessID own = getpid();

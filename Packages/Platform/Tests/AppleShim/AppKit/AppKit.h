@@ -12,6 +12,7 @@
 @class NSWindow;
 
 typedef NSString* NSDeviceDescriptionKey;
+extern NSNotificationName const NSApplicationWillFinishLaunchingNotification;
 extern NSNotificationName const NSApplicationDidChangeScreenParametersNotification;
 extern NSNotificationName const NSWorkspaceDidActivateApplicationNotification;
 extern NSNotificationName const NSWorkspaceAccessibilityDisplayOptionsDidChangeNotification;

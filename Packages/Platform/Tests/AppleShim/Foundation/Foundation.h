@@ -122,15 +122,60 @@ typedef NSString* NSNotificationName;
                             object:(id)object
                              queue:(NSOperationQueue*)queue
                         usingBlock:(void (^)(NSNotification* notification))block;
+- (void)addObserver:(id)observer
+           selector:(SEL)selector
+               name:(NSNotificationName)name
+             object:(id)object;
 - (void)removeObserver:(id)observer;
 @end
 
+typedef NS_ENUM(NSUInteger, NSNotificationSuspensionBehavior) {
+    NSNotificationSuspensionBehaviorDrop = 1,
+    NSNotificationSuspensionBehaviorCoalesce = 2,
+    NSNotificationSuspensionBehaviorHold = 3,
+    NSNotificationSuspensionBehaviorDeliverImmediately = 4,
+};
+
 @interface NSDistributedNotificationCenter : NSNotificationCenter
 + (NSDistributedNotificationCenter*)defaultCenter;
+- (void)addObserver:(id)observer
+              selector:(SEL)selector
+                  name:(NSNotificationName)name
+                object:(NSString*)object
+    suspensionBehavior:(NSNotificationSuspensionBehavior)suspensionBehavior;
 - (void)postNotificationName:(NSNotificationName)name
                       object:(NSString*)object
                     userInfo:(NSDictionary*)userInfo
           deliverImmediately:(BOOL)deliverImmediately;
+@end
+
+typedef UInt32 AEEventClass;
+typedef UInt32 AEEventID;
+enum { kCoreEventClass = 0x61657674, kAEReopenApplication = 0x72617070 };
+
+@interface NSAppleEventDescriptor : NSObject
+@end
+
+@interface NSAppleEventManager : NSObject
++ (NSAppleEventManager*)sharedAppleEventManager;
+- (void)setEventHandler:(id)handler
+            andSelector:(SEL)selector
+          forEventClass:(AEEventClass)eventClass
+             andEventID:(AEEventID)eventID;
+- (void)removeEventHandlerForEventClass:(AEEventClass)eventClass andEventID:(AEEventID)eventID;
+@end
+
+typedef NS_OPTIONS(unsigned long long, NSActivityOptions) {
+    NSActivityIdleSystemSleepDisabled = 1ULL << 20,
+    NSActivityUserInitiated = 0x00FFFFFFULL | NSActivityIdleSystemSleepDisabled,
+    NSActivityUserInitiatedAllowingIdleSystemSleep =
+        NSActivityUserInitiated & ~NSActivityIdleSystemSleepDisabled,
+};
+
+@interface NSProcessInfo : NSObject
+@property(class, readonly, strong) NSProcessInfo* processInfo;
+- (id<NSObject>)beginActivityWithOptions:(NSActivityOptions)options reason:(NSString*)reason;
+- (void)endActivity:(id<NSObject>)activity;
 @end
 
 @interface NSUserDefaults : NSObject
