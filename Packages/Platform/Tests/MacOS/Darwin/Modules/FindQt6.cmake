@@ -1,0 +1,23 @@
+# Names of Qt's targets with nothing behind them.
+set(Qt6_FOUND TRUE)
+set(Qt6_VERSION 6.4.2)
+foreach(component IN LISTS Qt6_FIND_COMPONENTS)
+  if(NOT component MATCHES "^(Core|Gui|Widgets|Svg|Test)$")
+    message(FATAL_ERROR "Qt for macOS is asked for ${component}")
+  endif()
+  if(NOT TARGET Qt6::${component})
+    add_library(Qt6::${component} INTERFACE IMPORTED GLOBAL)
+    set_target_properties(Qt6::${component} PROPERTIES
+      INTERFACE_QT_MAJOR_VERSION 6 INTERFACE_INCLUDE_DIRECTORIES "${CMAKE_CURRENT_LIST_DIR}")
+    set(Qt6${component}_FOUND TRUE)
+  endif()
+endforeach()
+set(Qt6Core_VERSION_MAJOR 6)
+set(Qt6Core_VERSION_MINOR 4)
+# The resources are listed at configuration, by this system's own tool.
+foreach(tool moc uic rcc qmake)
+  if(NOT TARGET Qt6::${tool})
+    add_executable(Qt6::${tool} IMPORTED GLOBAL)
+    set_target_properties(Qt6::${tool} PROPERTIES IMPORTED_LOCATION "${HOST_RCC}")
+  endif()
+endforeach()

@@ -1,0 +1,6 @@
+foreach(library benchmark benchmark_main)
+  if(NOT TARGET benchmark::${library})
+    add_library(benchmark::${library} INTERFACE IMPORTED GLOBAL)
+  endif()
+endforeach()
+set(benchmark_FOUND TRUE)
