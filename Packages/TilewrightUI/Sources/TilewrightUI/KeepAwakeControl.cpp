@@ -54,9 +54,9 @@ QWidget* KeepAwakeControl::makeHeader() {
     lines->setSpacing(lineSpacing);
     lines->addWidget(new TextLabel(tr("Keep Awake"), look::TextStyle::headline));
     status_ = new TextLabel(QString(), look::TextStyle::caption, TextLabel::Importance::secondary);
+    status_->setOverflow(TextLabel::Overflow::shrinkThenElide);
     lines->addWidget(status_);
-    row->addLayout(lines);
-    row->addStretch();
+    row->addLayout(lines, 1);
     switch_ = new ToggleSwitch(tr("Keep Awake"));
     row->addWidget(switch_);
     connect(switch_, &ToggleSwitch::toggleRequested, this, [this](bool on) {

@@ -71,7 +71,8 @@ void LayoutEditorView::makeHeader() {
 
     header_ = std::make_unique<WrappingRow>(
         std::vector<QWidget*>{nameField_, badge_, openButton_, newButton_},
-        std::vector<QWidget*>{snapLabel_, snapSwitch_}, nameField_);
+        std::vector<QWidget*>{snapLabel_, snapSwitch_}, WrappingRow::Trailing::together,
+        nameField_);
 }
 
 void LayoutEditorView::makeControls() {

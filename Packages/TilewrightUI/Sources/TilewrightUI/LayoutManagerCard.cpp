@@ -3,9 +3,8 @@
 #include "GlassButton.h"
 #include "Look.h"
 #include "MiniLayoutPreview.h"
-#include "TextLabel.h"
+#include "NameAndCount.h"
 
-#include <QHBoxLayout>
 #include <QPainter>
 #include <QVBoxLayout>
 
@@ -23,19 +22,13 @@ LayoutManagerCard::LayoutManagerCard(const ZoneLayout& layout, Deletable deletab
     : QWidget(parent)
     , layout_(layout)
     , preview_(new MiniLayoutPreview(layout, this))
-    , name_(new TextLabel({}, look::TextStyle::callout, TextLabel::Importance::primary, this))
-    , count_(new TextLabel({}, look::TextStyle::caption2, TextLabel::Importance::secondary, this)) {
+    , texts_(new NameAndCount(this)) {
     preview_->setFixedHeight(previewHeight);
-    name_->setOverflow(TextLabel::Overflow::elide);
-    auto* row = new QHBoxLayout;
-    row->setSpacing(look::defaultSpacing);
-    row->addWidget(name_, 1);
-    row->addWidget(count_);
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(padding, padding, padding, padding);
     column->setSpacing(6);
     column->addWidget(preview_);
-    column->addLayout(row);
+    column->addWidget(texts_);
     if (deletable == Deletable::yes) {
         deleteButton_ = new GlassButton(tr("Delete"), GlassButton::Kind::bordered, this);
         deleteButton_->setSymbol(QStringLiteral("trash"));
@@ -51,8 +44,7 @@ LayoutManagerCard::LayoutManagerCard(const ZoneLayout& layout, Deletable deletab
 void LayoutManagerCard::setZoneLayout(const ZoneLayout& layout) {
     layout_ = layout;
     preview_->setZoneLayout(layout);
-    name_->setText(look::singleLine(layout.name));
-    count_->setText(countText());
+    texts_->setTexts(look::singleLine(layout.name), countText());
     setAccessibleName(layout.name);
     if (deleteButton_)
         deleteButton_->setAccessibleName(tr("Delete %1").arg(layout.name));

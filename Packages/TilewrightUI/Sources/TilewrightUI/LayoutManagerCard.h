@@ -8,7 +8,7 @@ namespace tilewright {
 
 class GlassButton;
 class MiniLayoutPreview;
-class TextLabel;
+class NameAndCount;
 
 /// A layout in the manager's grid: its preview, name and number of zones, and where it may be
 /// deleted, a button for that.
@@ -37,8 +37,7 @@ protected:
 private:
     ZoneLayout layout_;
     MiniLayoutPreview* preview_;
-    TextLabel* name_;
-    TextLabel* count_;
+    NameAndCount* texts_;
     GlassButton* deleteButton_ = nullptr;
 };
 

@@ -5,6 +5,7 @@
 
 #include <QEvent>
 #include <QPainter>
+#include <QStyle>
 
 namespace tilewright {
 
@@ -13,6 +14,8 @@ namespace {
 constexpr double cornerRadius = 6;
 constexpr int sideMargin = 5;
 constexpr int verticalMargin = 2;
+/// What Qt keeps free beside the text by itself.
+constexpr int innerMargin = 2;
 
 } // namespace
 
@@ -77,7 +80,23 @@ void RoundedTextField::paintEvent(QPaintEvent* event) {
         else
             look::strokeInside(painter, field, cornerRadius, look::separator(palette()), 1);
     }
-    QLineEdit::paintEvent(event);
+    if (hasFocus() || !paintShortened())
+        QLineEdit::paintEvent(event);
+}
+
+bool RoundedTextField::paintShortened() {
+    const int inset = textMargins().left() + innerMargin;
+    const QRect room = rect().adjusted(inset, 0, -inset, 0);
+    const QFontMetrics metrics(font());
+    if (metrics.horizontalAdvance(text()) <= room.width())
+        return false;
+    QPainter painter(this);
+    painter.setPen(palette().color(QPalette::Text));
+    const Qt::Alignment alignment =
+        QStyle::visualAlignment(layoutDirection(), Qt::AlignLeading | Qt::AlignVCenter);
+    painter.drawText(room, static_cast<int>(alignment) | Qt::TextSingleLine,
+                     metrics.elidedText(text(), Qt::ElideRight, room.width()));
+    return true;
 }
 
 } // namespace tilewright

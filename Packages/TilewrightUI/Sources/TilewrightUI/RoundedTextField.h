@@ -4,7 +4,8 @@
 
 namespace tilewright {
 
-/// A text field with a rounded border in the program's look.
+/// A text field with a rounded border in the program's look. While nobody edits it, a text that is
+/// wider than the field ends in an ellipsis.
 class RoundedTextField final : public QLineEdit {
     Q_OBJECT
 
@@ -24,6 +25,8 @@ private:
     /// Whose colours the field is painted in: its surroundings'.
     [[nodiscard]] QPalette ground() const;
     void applyPalette();
+    /// Paints a text that is too wide for the field with an ellipsis; false where it is not.
+    bool paintShortened();
 };
 
 } // namespace tilewright

@@ -15,30 +15,49 @@ constexpr int spacing = look::defaultSpacing;
 } // namespace
 
 WrappingRow::WrappingRow(std::vector<QWidget*> leading, std::vector<QWidget*> trailing,
-                         QWidget* stretching)
+                         Trailing cohesion, QWidget* stretching)
     : leading_(std::move(leading))
     , trailing_(std::move(trailing))
+    , cohesion_(cohesion)
     , stretching_(stretching) {}
+
+int WrappingRow::leastWidthOf(const QWidget& widget) const {
+    return &widget == stretching_ ? widget.minimumSizeHint().width() : widget.sizeHint().width();
+}
+
+int WrappingRow::trailingWidth() const {
+    int width = 0;
+    for (const QWidget* widget : trailing_) {
+        if (!widget->isHidden())
+            width += (width > 0 ? spacing : 0) + leastWidthOf(*widget);
+    }
+    return width;
+}
 
 std::vector<WrappingRow::Line> WrappingRow::linesFor(int width) const {
     std::vector<Line> lines(1);
-    const auto add = [&](QWidget* widget, bool isTrailing) {
+    // Whether `wanted` is too wide for what is left of the last line.
+    const auto overflows = [&](int wanted) {
+        return !lines.back().items.empty() && lines.back().width + spacing + wanted > width;
+    };
+    const auto add = [&](QWidget* widget, bool isTrailing, bool mayBreak) {
         if (widget->isHidden())
             return;
         const QSize hint = widget->sizeHint();
-        const int least = widget == stretching_ ? widget->minimumSizeHint().width() : hint.width();
+        const int least = leastWidthOf(*widget);
+        if (mayBreak && overflows(least))
+            lines.emplace_back();
         Line* line = &lines.back();
-        const int gap = line->items.empty() ? 0 : spacing;
-        if (!line->items.empty() && line->width + gap + least > width)
-            line = &lines.emplace_back();
         line->width += (line->items.empty() ? 0 : spacing) + least;
         line->height = std::max(line->height, hint.height());
         line->items.push_back({widget, isTrailing, {least, hint.height()}});
     };
     for (QWidget* widget : leading_)
-        add(widget, false);
+        add(widget, false, true);
+    if (cohesion_ == Trailing::together && overflows(trailingWidth()))
+        lines.emplace_back();
     for (QWidget* widget : trailing_)
-        add(widget, true);
+        add(widget, true, cohesion_ == Trailing::separable);
     for (Line& line : lines) {
         for (Item& item : line.items) {
             if (item.widget != stretching_)

@@ -12,10 +12,13 @@ namespace tilewright {
 /// controls take no room. Owns nothing.
 class WrappingRow {
 public:
+    /// Whether the trailing controls may be on different lines.
+    enum class Trailing { separable, together };
+
     /// `stretching`, one of the controls or null, takes room between its minimum and its size hint;
     /// the others have the size of their hint.
     WrappingRow(std::vector<QWidget*> leading, std::vector<QWidget*> trailing,
-                QWidget* stretching = nullptr);
+                Trailing cohesion = Trailing::separable, QWidget* stretching = nullptr);
 
     /// Puts the controls from the top of the area on, as wide as it is, and answers the height
     /// used.
@@ -38,9 +41,12 @@ private:
     };
 
     [[nodiscard]] std::vector<Line> linesFor(int width) const;
+    [[nodiscard]] int leastWidthOf(const QWidget& widget) const;
+    [[nodiscard]] int trailingWidth() const;
 
     std::vector<QWidget*> leading_;
     std::vector<QWidget*> trailing_;
+    Trailing cohesion_;
     QWidget* stretching_;
 };
 

@@ -8,7 +8,6 @@
 #include <QAccessible>
 #include <QEvent>
 #include <QFocusEvent>
-#include <QFontInfo>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QPainterPath>
@@ -24,23 +23,15 @@ namespace {
 constexpr double cornerRadius = 4;
 constexpr double readoutSidePadding = 5;
 constexpr double readoutVerticalPadding = 2;
-constexpr double smallestReadout = 10;
-/// Between the readout and its zone's sides where it shrinks to fit.
-constexpr double readoutDistance = 4;
+/// In points, whatever the desktop's size of text.
+constexpr int readoutSize = 10;
 /// Beyond this many points a rectangle's edges are out of sight on any display, and Qt's
 /// own coordinates end not far behind.
 constexpr double farAway = 30'000;
 
-/// Ten points beside a text of thirteen, in proportion to the desktop's own size of text. Where
-/// that makes the readout wider than its zone it shrinks, down to ten points.
-QFont readoutFont(const QString& text, double zoneWidth) {
+QFont readoutFont() {
     QFont font = look::font(look::TextStyle::body);
-    const double wanted = std::max(QFontInfo(font).pixelSize() * 10 / 13.0, smallestReadout);
-    font.setPixelSize(qRound(wanted));
-    const double width = DigitText(text, font).size().width();
-    const double room = zoneWidth - (2 * (readoutSidePadding + readoutDistance));
-    if (width > room)
-        font.setPixelSize(qRound(std::max(wanted * std::max(room, 0.0) / width, smallestReadout)));
+    font.setPixelSize(readoutSize);
     return font;
 }
 
@@ -99,7 +90,7 @@ void ZoneEditorTile::refresh(const QRectF& canvasFrame) {
 }
 
 void ZoneEditorTile::updatePlace() {
-    readoutFont_ = readoutFont(readout_, zoneFrame_.width());
+    readoutFont_ = readoutFont();
     const QSizeF text = DigitText(readout_, readoutFont_).size();
     readoutFrame_ = QRectF(0, 0, text.width() + (2 * readoutSidePadding),
                            text.height() + (2 * readoutVerticalPadding));
