@@ -1,6 +1,7 @@
 #include "AppKitEventMonitor.h"
 
 #include <AppKit/AppKit.h>
+#include <Platform/MainThread.h>
 
 namespace tilewright::appkit {
 
@@ -42,12 +43,14 @@ std::unique_ptr<EventMonitor> addMonitor(MonitorKind kind, EventMask mask,
     if (kind == MonitorKind::global) {
         token = [NSEvent addGlobalMonitorForEventsMatchingMask:types
                                                        handler:^(NSEvent* event) {
+                                                         assertMainThread(__FILE__, __LINE__);
                                                          const auto running = shared;
                                                          (*running)(toEvent(event));
                                                        }];
     } else {
         token = [NSEvent addLocalMonitorForEventsMatchingMask:types
                                                       handler:^NSEvent*(NSEvent* event) {
+                                                        assertMainThread(__FILE__, __LINE__);
                                                         const auto running = shared;
                                                         (*running)(toEvent(event));
                                                         return event;

@@ -6,16 +6,16 @@
 #include <Platform/MainThread.h>
 
 /// What the centres and the event manager call, each with a selector of its own.
-@interface TilewrightListener : NSObject
+@interface TilewrightListener : NSObject {
+    std::function<void()> callback_;
+}
 - (instancetype)initWithCallback:(std::function<void()>)callback;
 - (void)announced:(NSNotification*)notification;
 - (void)reopened:(NSAppleEventDescriptor*)event withReplyEvent:(NSAppleEventDescriptor*)reply;
 - (void)willFinishLaunching:(NSNotification*)notification;
 @end
 
-@implementation TilewrightListener {
-    std::function<void()> callback_;
-}
+@implementation TilewrightListener
 
 - (instancetype)initWithCallback:(std::function<void()>)callback {
     self = [super init];
@@ -45,11 +45,11 @@
 - (void)willFinishLaunching:(NSNotification*)notification {
     (void)notification;
     // AppKit has installed its own handlers by now, and this replaces one of them.
-    [[NSAppleEventManager sharedAppleEventManager]
-        setEventHandler:self
-            andSelector:@selector(reopened:withReplyEvent:)
-          forEventClass:kCoreEventClass
-             andEventID:kAEReopenApplication];
+    [[NSAppleEventManager sharedAppleEventManager] setEventHandler:self
+                                                       andSelector:@selector(reopened:
+                                                                       withReplyEvent:)
+                                                     forEventClass:kCoreEventClass
+                                                        andEventID:kAEReopenApplication];
 }
 
 @end

@@ -3,16 +3,17 @@
 #include "MacText.h"
 
 #include <AppKit/AppKit.h>
+#include <Platform/MainThread.h>
 
 /// What the item's button calls when it is clicked.
-@interface TilewrightStatusItemTarget : NSObject
+@interface TilewrightStatusItemTarget : NSObject {
+    std::function<void()> action_;
+}
 - (instancetype)initWithAction:(std::function<void()>)action;
 - (void)clicked:(id)sender;
 @end
 
-@implementation TilewrightStatusItemTarget {
-    std::function<void()> action_;
-}
+@implementation TilewrightStatusItemTarget
 
 - (instancetype)initWithAction:(std::function<void()>)action {
     self = [super init];
@@ -23,6 +24,7 @@
 
 - (void)clicked:(id)sender {
     (void)sender;
+    tilewright::assertMainThread(__FILE__, __LINE__);
     action_();
 }
 

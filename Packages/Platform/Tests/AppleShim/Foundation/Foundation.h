@@ -53,7 +53,9 @@ static const NSRect NSZeroRect = {{0, 0}, {0, 0}};
 @end
 
 __attribute__((objc_root_class))
-@interface NSObject<NSObject>
+@interface NSObject<NSObject> {
+    Class isa;
+}
 + (instancetype)alloc;
 + (Class)class;
 - (instancetype)init;
@@ -168,8 +170,8 @@ enum { kCoreEventClass = 0x61657674, kAEReopenApplication = 0x72617070 };
 typedef NS_OPTIONS(unsigned long long, NSActivityOptions) {
     NSActivityIdleSystemSleepDisabled = 1ULL << 20,
     NSActivityUserInitiated = 0x00FFFFFFULL | NSActivityIdleSystemSleepDisabled,
-    NSActivityUserInitiatedAllowingIdleSystemSleep =
-        NSActivityUserInitiated & ~NSActivityIdleSystemSleepDisabled,
+    NSActivityUserInitiatedAllowingIdleSystemSleep = NSActivityUserInitiated &
+                                                     ~NSActivityIdleSystemSleepDisabled,
 };
 
 @interface NSProcessInfo : NSObject
