@@ -61,7 +61,8 @@ struct EventMonitorsAlone : ::testing::Test {
     DesktopSession desktop;
     XInputInjector& input = desktop.input();
     X11TestPlatform platform{desktop.display()};
-    X11EventMonitors monitors{platform.connection(), platform.desktop().pointer(), {}};
+    X11EventMonitors monitors{
+        platform.connection(), platform.desktop().pointer(), platform.desktop().movedWindows(), {}};
     std::vector<X11Listener> listeners;
     std::vector<EventType> types;
     ModifierFlags flags;
@@ -233,6 +234,7 @@ TEST_F(EventMonitorsAlone, TellTheLocalOnesAloneOfADragAndAKeyInAnOwnWindow) {
     xcb_map_window(maker, window);
     X11EventMonitors split{platform.connection(),
                            platform.desktop().pointer(),
+                           platform.desktop().movedWindows(),
                            {[window](xcb_window_t other) { return other == window; },
                             {},
                             [window] { return std::vector<xcb_window_t>{window}; }}};
@@ -274,8 +276,10 @@ TEST_F(EventMonitorsAlone, TellTheLocalOnesAloneOfADragAndAKeyInAnOwnWindow) {
 
 TEST_F(EventMonitorsAlone, APressDuringAGrabOfOursIsOursAndNoLaterOneIs) {
     bool hasGrab = true;
-    X11EventMonitors split{
-        platform.connection(), platform.desktop().pointer(), {{}, [&] { return hasGrab; }, {}}};
+    X11EventMonitors split{platform.connection(),
+                           platform.desktop().pointer(),
+                           platform.desktop().movedWindows(),
+                           {{}, [&] { return hasGrab; }, {}}};
     std::vector<std::string> heard;
     split.addGlobalMonitor(all, [&](const Event&) { heard.emplace_back("other"); });
     split.addLocalMonitor(all, [&](const Event&) { heard.emplace_back("own"); });

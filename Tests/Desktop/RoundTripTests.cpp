@@ -209,6 +209,7 @@ TEST_F(RoundTrips, OfAPressInAnotherApplicationAreNoneBesideAWindowOfOurs) {
     ASSERT_TRUE(activate(desktop, client->window()));
     const std::set<xcb_window_t> own{ours.window(), hidden.window()};
     X11EventMonitors monitors(platform->connection(), platform->desktop().pointer(),
+                              platform->desktop().movedWindows(),
                               {[&](xcb_window_t window) { return own.contains(window); },
                                {},
                                [&] { return std::vector<xcb_window_t>(own.begin(), own.end()); }});

@@ -57,7 +57,9 @@ void DragScript::grab(const TestClient& client, KeyTiming timing) {
         program_.pressKey();
     input.press();
     input.glide(from, from + QPoint(24, 12), 6);
-    if (timing == KeyTiming::afterTheDragBegan)
+    if (timing == KeyTiming::inMidDrag)
+        moveUntilItFollows(client, from + QPoint(24, 12));
+    if (timing != KeyTiming::beforeThePress)
         program_.pressKey();
     isKeyDown_ = true;
     // The window is captured at the first move that the program hears of: still above the window,
@@ -87,6 +89,21 @@ void DragScript::grab(const TestClient& client, KeyTiming timing) {
             longEnough));
         input.move(here);
     }
+}
+
+void DragScript::moveUntilItFollows(const TestClient& client, QPoint here) {
+    const XInspector& inspector = desktop_.inspector();
+    bool isFarther = false;
+    for (int follows = 0; follows < 3; ++follows) {
+        const QRect before = inspector.outerFrame(client.window);
+        EXPECT_TRUE(waitUntil([&] {
+            isFarther = !isFarther;
+            desktop_.input().move(isFarther ? here + QPoint(20, 8) : here);
+            return inspector.outerFrame(client.window) != before;
+        })) << "it does not follow the mouse"
+            << desktop_.describe();
+    }
+    desktop_.input().move(here);
 }
 
 void DragScript::dragTo(QPoint target, int steps) {

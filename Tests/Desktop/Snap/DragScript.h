@@ -9,7 +9,12 @@
 namespace tilewright::testing {
 
 /// When the user presses the modifier key.
-enum class KeyTiming { beforeThePress, afterTheDragBegan };
+enum class KeyTiming {
+    beforeThePress,
+    afterTheDragBegan,
+    /// Once the window has followed the mouse for a while, for windows that do so without the key.
+    inMidDrag,
+};
 
 /// Does with a window what a user would do, step by step.
 class DragScript {
@@ -41,6 +46,8 @@ private:
         Bar bar;
     };
     [[nodiscard]] Grip gripOf(const TestClient& client) const;
+    /// Moves to and fro until the window has moved more than once.
+    void moveUntilItFollows(const TestClient& client, QPoint here);
 
     DesktopSession& desktop_;
     RunningProgram& program_;

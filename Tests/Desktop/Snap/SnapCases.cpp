@@ -117,20 +117,37 @@ void SnapCases::closeInMidDrag(ClientKind kind, KeyTiming timing, std::size_t zo
     other.process->stop();
 }
 
-void SnapCases::pullOffMaximised(ClientKind kind, KeyTiming timing, std::size_t zone) {
-    SCOPED_TRACE(std::string("pulled off: ") + name(kind));
-    const TestClient client = open(kind);
-    const QStringList maximise{QStringLiteral("-i"), QStringLiteral("-r"),
-                               QString::number(client.window), QStringLiteral("-b"),
-                               QStringLiteral("add,maximized_vert,maximized_horz")};
-    static_cast<void>(outputOf(QStringLiteral("wmctrl"), maximise, desktop_.environment()));
+void SnapCases::maximise(const TestClient& client) const {
+    const QStringList arguments{QStringLiteral("-i"), QStringLiteral("-r"),
+                                QString::number(client.window), QStringLiteral("-b"),
+                                QStringLiteral("add,maximized_vert,maximized_horz")};
+    static_cast<void>(outputOf(QStringLiteral("wmctrl"), arguments, desktop_.environment()));
     EXPECT_TRUE(waitUntil([&] {
         return inspector_.hasAtom(client.window, "_NET_WM_STATE", "_NET_WM_STATE_MAXIMIZED_HORZ") &&
                inspector_.outerFrame(client.window).width() >= area_.width() - 20;
     })) << "it is not maximised"
         << desktop_.describe();
+}
+
+void SnapCases::pullOffMaximised(ClientKind kind, KeyTiming timing, std::size_t zone) {
+    SCOPED_TRACE(std::string("pulled off: ") + name(kind));
+    const TestClient client = open(kind);
+    maximise(client);
     dragAndDrop(kind, client, timing, frame(zone).center(), frame(zone));
     client.process->stop();
+}
+
+void SnapCases::pullOffMaximisedAboveAnother(ClientKind kind, std::size_t zone) {
+    SCOPED_TRACE(std::string("pulled off above another: ") + name(kind));
+    // Beneath the place that the maximised window is taken by.
+    const TestClient other = open(ClientKind::qt, {500, 0, 500, 400});
+    const TestClient client = open(kind, {1200, 500, 500, 400});
+    const QRect untouched = inspector_.outerFrame(other.window);
+    maximise(client);
+    dragAndDrop(kind, client, KeyTiming::inMidDrag, frame(zone).center(), frame(zone));
+    EXPECT_EQ(inspector_.outerFrame(other.window), untouched) << desktop_.describe();
+    client.process->stop();
+    other.process->stop();
 }
 
 void SnapCases::dropAtTheEdges(ClientKind kind, KeyTiming timing) {

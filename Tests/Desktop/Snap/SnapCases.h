@@ -34,6 +34,9 @@ public:
                         QPoint from = {360, 220});
     /// A maximised window is pulled off into a zone.
     void pullOffMaximised(ClientKind kind, KeyTiming timing, std::size_t zone);
+    /// The same by the window manager's way to move it, above another one, the key only then: the
+    /// other one stays as it is, wherever the window manager restores the first one.
+    void pullOffMaximisedAboveAnother(ClientKind kind, std::size_t zone);
     /// Dropped where a window manager would tile or maximise it, the window fills the zone there.
     void dropAtTheEdges(ClientKind kind, KeyTiming timing);
 
@@ -45,6 +48,7 @@ private:
     [[nodiscard]] QRect frame(std::size_t zone) const;
     /// Waits until the window that was dragged is the active one.
     void expectActive(const TestClient& client) const;
+    void maximise(const TestClient& client) const;
     void dragAndDrop(ClientKind kind, const TestClient& client, KeyTiming timing, QPoint target,
                      const QRect& expected);
 

@@ -216,6 +216,11 @@ void DesktopSession::writeWindowManagerConfiguration() const {
     if (pekwm.open(QIODevice::ReadOnly))
         writeFile(home + QStringLiteral("/.pekwm/config"),
                   pekwm.readAll() + "\nScreen { EdgeSize = \"0 0 0 0\" }\n");
+    // A press on its desktop opens a menu by which the session can be ended.
+    QFile jwm(QStringLiteral("/etc/jwm/system.jwmrc"));
+    if (jwm.open(QIODevice::ReadOnly))
+        writeFile(home + QStringLiteral("/.jwmrc"),
+                  jwm.readAll().replace("<RootMenu onroot=\"12\">", "<RootMenu onroot=\"9\">"));
     // A press on its desktop draws a rectangle with the whole server held.
     writeFile(home + QStringLiteral("/GNUstep/Defaults/WindowMaker"),
               "{ DisableWSMouseActions = YES; }\n");

@@ -23,7 +23,7 @@ struct X11TestParts {
     MessageBus sessionBus{loop, MessageBus::Kind::session};
     std::unique_ptr<X11Connection> connection;
     X11Desktop desktop;
-    X11EventMonitors eventMonitors{*connection, desktop.pointer(), {}};
+    X11EventMonitors eventMonitors{*connection, desktop.pointer(), desktop.movedWindows(), {}};
 };
 
 /// The same as a platform, installed for as long as it lives.

@@ -9,10 +9,12 @@ namespace tilewright {
 
 X11Accessibility::X11Accessibility(X11Connection& connection,
                                    const X11WindowManagerWatch& windowManager,
-                                   const X11Screens& screens, X11Trust& trust,
-                                   X11ActiveWindow& activeWindow, X11FrameSetter& frameSetter)
+                                   const X11MovedWindows& movedWindows, const X11Screens& screens,
+                                   X11Trust& trust, X11ActiveWindow& activeWindow,
+                                   X11FrameSetter& frameSetter)
     : connection_(connection)
     , windowManager_(windowManager)
+    , movedWindows_(movedWindows)
     , screens_(screens)
     , trust_(trust)
     , context_(std::make_shared<X11ElementContext>(
@@ -34,10 +36,12 @@ AXResult<AccessibilityElement> X11Accessibility::elementAtPosition(AXPoint point
     if (!connection_.isAlive())
         return {AXError::cannotComplete, {}};
     const QPoint place = screens_.coordinates().toPixel(point);
-    const auto window = applicationWindowAt(connection_, windowManager_, place);
-    qCDebug(x11FramesLog, "At %+d%+d there is %ls", place.x(), place.y(),
+    const auto moved = onlyApplicationWindowIn(connection_, movedWindows_.tops());
+    const auto window = moved ? moved : applicationWindowAt(connection_, windowManager_, place);
+    qCDebug(x11FramesLog, "At %+d%+d there is %ls%s", place.x(), place.y(),
             qUtf16Printable(window ? QStringLiteral("window ") + words(*window)
-                                   : QStringLiteral("no window of an application")));
+                                   : QStringLiteral("no window of an application")),
+            moved ? ", the one that has moved since the button was pressed" : "");
     if (!window)
         return {AXError::noValue, {}};
     return {AXError::success, AccessibilityElement(std::make_shared<X11WindowElement>(

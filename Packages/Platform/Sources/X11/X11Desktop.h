@@ -5,6 +5,7 @@
 #include "X11Appearance.h"
 #include "X11Compositor.h"
 #include "X11FrameSetter.h"
+#include "X11MovedWindows.h"
 #include "X11Pointer.h"
 #include "X11Screens.h"
 #include "X11Trust.h"
@@ -27,10 +28,12 @@ public:
         , compositor_(connection)
         , screens_(connection, selection_, windowManager_, activeWindow_, loop)
         , pointer_(connection, screens_)
+        , movedWindows_(connection, selection_)
         , frameSetter_(connection, selection_, windowManager_, loop,
                        {[this] { return screens_.coordinates(); }, [this] { return tiling(); }})
         , trust_(connection, windowManager_, loop, notifications, isWaylandSession)
-        , accessibility_(connection, windowManager_, screens_, trust_, activeWindow_, frameSetter_)
+        , accessibility_(connection, windowManager_, movedWindows_, screens_, trust_, activeWindow_,
+                         frameSetter_)
         , guidance_(notifications, environment)
         , screenReducedMotion_(connection, selection_)
         , sessionAppearance_(sessionBus)
@@ -42,6 +45,7 @@ public:
     [[nodiscard]] X11Compositor& compositor() { return compositor_; }
     [[nodiscard]] X11Screens& screens() { return screens_; }
     [[nodiscard]] X11Pointer& pointer() { return pointer_; }
+    [[nodiscard]] X11MovedWindows& movedWindows() { return movedWindows_; }
     [[nodiscard]] X11FrameSetter& frameSetter() { return frameSetter_; }
     [[nodiscard]] X11Trust& trust() { return trust_; }
     [[nodiscard]] X11Accessibility& accessibility() { return accessibility_; }
@@ -62,6 +66,7 @@ private:
     X11Compositor compositor_;
     X11Screens screens_;
     X11Pointer pointer_;
+    X11MovedWindows movedWindows_;
     X11FrameSetter frameSetter_;
     X11Trust trust_;
     X11Accessibility accessibility_;

@@ -69,9 +69,10 @@ std::optional<X11InputServerState> stateFrom(const X11Reply<xcb_query_pointer_re
 } // namespace
 
 X11EventMonitors::X11EventMonitors(X11Connection& connection, X11Pointer& pointer,
-                                   X11OwnWindows own)
+                                   X11MovedWindows& movedWindows, X11OwnWindows own)
     : connection_(connection)
     , pointer_(pointer)
+    , movedWindows_(movedWindows)
     , ownInput_(connection, std::move(own)) {}
 
 X11EventMonitors::~X11EventMonitors() {
@@ -151,7 +152,7 @@ void X11EventMonitors::startWatching() {
         xcb_query_pointer(connection_.xcb(), connection_.root()));
     state_.start(stateFrom(pointer).value_or(X11InputServerState{}),
                  ownInput_.take(pointer.get()).pointer);
-    selectRawEvents(state_.isLeftButtonDown() ? rawInDrag : rawButtons);
+    followLeftButton();
 }
 
 void X11EventMonitors::stopWatching() {
@@ -167,7 +168,13 @@ void X11EventMonitors::stopWatching() {
     listeners_.clear();
     selectKeyboardEvents(false);
     selectRawEvents(0);
+    movedWindows_.setHeld(false);
     connection_.flush();
+}
+
+void X11EventMonitors::followLeftButton() {
+    selectRawEvents(state_.isLeftButtonDown() ? rawInDrag : rawButtons);
+    movedWindows_.setHeld(state_.isLeftButtonDown());
 }
 
 void X11EventMonitors::selectRawEvents(std::uint32_t mask) {
@@ -197,12 +204,16 @@ void X11EventMonitors::selectKeyboardEvents(bool isWanted) {
 void X11EventMonitors::handleRaw(const xcb_generic_event_t& event) {
     const auto& raw = eventAs<xcb_input_raw_button_press_event_t>(event);
     switch (raw.event_type) {
-    case XCB_INPUT_RAW_BUTTON_PRESS:
+    case XCB_INPUT_RAW_BUTTON_PRESS: {
+        const bool wasDown = state_.isLeftButtonDown();
         state_.pressed(raw.detail);
+        if (!wasDown && state_.isLeftButtonDown())
+            movedWindows_.begin();
         // Wheels are pressed too, and are nothing to tell of.
         if (state_.needsOwners())
             ownInput_.notePress();
         break;
+    }
     case XCB_INPUT_RAW_BUTTON_RELEASE:
         state_.released(raw.detail);
         break;
@@ -245,7 +256,7 @@ void X11EventMonitors::settle(const X11Reply<xcb_query_pointer_reply_t>& answer)
     // All that the server told before it answered has been heard by now.
     hasNews_ = false;
     state_.settle(stateFrom(answer));
-    selectRawEvents(state_.isLeftButtonDown() ? rawInDrag : rawButtons);
+    followLeftButton();
     const auto reports =
         state_.takeReports(state_.needsOwners() ? ownInput_.take(answer.get()) : X11InputOwners{});
     // Motion that follows must not be missed, whatever the handlers do first.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "X11Connection.h"
+#include "X11MovedWindows.h"
 #include "X11OwnInput.h"
 #include "X11Pointer.h"
 
@@ -27,8 +28,10 @@ namespace tilewright {
 /// ones, of which it looks for Escape alone and keeps nothing.
 class X11EventMonitors final : public EventMonitors {
 public:
-    /// The connection and the pointer have to outlive the monitors.
-    X11EventMonitors(X11Connection& connection, X11Pointer& pointer, X11OwnWindows own);
+    /// The arguments but the last have to outlive the monitors. Those of the windows that move are
+    /// told of the left button.
+    X11EventMonitors(X11Connection& connection, X11Pointer& pointer, X11MovedWindows& movedWindows,
+                     X11OwnWindows own);
     ~X11EventMonitors() override;
 
     std::optional<MonitorToken> addGlobalMonitor(EventMask mask, Handler handler) override;
@@ -49,6 +52,8 @@ private:
     std::optional<MonitorToken> add(X11InputOwner owner, EventMask mask, Handler handler);
     void startWatching();
     void stopWatching();
+    /// Hears more while the left button is held.
+    void followLeftButton();
     void selectRawEvents(std::uint32_t mask);
     void selectKeyboardEvents(bool isWanted);
     void handleRaw(const xcb_generic_event_t& event);
@@ -61,6 +66,7 @@ private:
 
     X11Connection& connection_;
     X11Pointer& pointer_;
+    X11MovedWindows& movedWindows_;
     X11OwnInput ownInput_;
     X11InputState state_;
     std::map<MonitorToken, std::shared_ptr<const Monitor>> monitors_;

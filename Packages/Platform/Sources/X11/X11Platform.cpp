@@ -45,6 +45,7 @@ struct X11Platform::Parts {
     X11Desktop desktop;
     X11EventMonitors eventMonitors{*connection,
                                    desktop.pointer(),
+                                   desktop.movedWindows(),
                                    {x11qt::ownsWindow, x11qt::hasGrab, x11qt::windowsTakingInput}};
     X11InputBarrier inputBarrier{desktop.pointer(), mainLoop};
     X11SystemTray systemTray{*connection};

@@ -217,4 +217,18 @@ std::optional<xcb_window_t> applicationWindowAt(X11Connection& connection,
     return std::nullopt;
 }
 
+std::optional<xcb_window_t> onlyApplicationWindowIn(X11Connection& connection,
+                                                    const std::vector<xcb_window_t>& tops) {
+    std::optional<xcb_window_t> only;
+    for (const xcb_window_t top : tops) {
+        const Content content = contentOf(connection, top);
+        if (!content.client || !content.isForUsers || !content.isShown)
+            continue;
+        if (only)
+            return std::nullopt;
+        only = content.client;
+    }
+    return only;
+}
+
 } // namespace tilewright

@@ -4,6 +4,7 @@
 
 #include <QPoint>
 #include <optional>
+#include <vector>
 
 namespace tilewright {
 
@@ -20,5 +21,11 @@ namespace tilewright {
 [[nodiscard]] std::optional<xcb_window_t>
 applicationWindowAt(X11Connection& connection, const X11WindowManagerWatch& windowManager,
                     QPoint place);
+
+/// The managed window of an application that is in one of those children of the root window, or is
+/// one itself; none where there is none, or more than one. As many round trips as a frame of the
+/// window manager has levels, for each; none at all for none.
+[[nodiscard]] std::optional<xcb_window_t>
+onlyApplicationWindowIn(X11Connection& connection, const std::vector<xcb_window_t>& tops);
 
 } // namespace tilewright
