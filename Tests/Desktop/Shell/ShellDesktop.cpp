@@ -14,10 +14,6 @@ namespace {
 
 constexpr int padding = 16;
 
-QString program() {
-    return QStringLiteral(TILEWRIGHT_PROGRAM);
-}
-
 /// Whether some client has the keyboard for itself, as the open panel does. Takes it for a moment
 /// where nobody has it.
 bool isKeyboardTaken(const XInspector& look) {
@@ -124,6 +120,10 @@ void ShellDesktop::startTray(TrayHost host) {
                                                 : hasSystemTray(inspector());
     })) << "no tray host comes up"
         << session_.describe();
+}
+
+QString ShellDesktop::program() {
+    return QStringLiteral(TILEWRIGHT_PROGRAM);
 }
 
 Subprocess& ShellDesktop::startProgram(const QString& path,

@@ -52,6 +52,8 @@ public:
     /// one is ended.
     void startTray(TrayHost host);
     void killTray() { tray_->stop(); }
+    /// The program as it was built.
+    [[nodiscard]] static QString program();
     /// Starts the program as it was built, or another copy of it.
     Subprocess& startProgram(const QString& path = {},
                              const std::map<QString, QString>& moreEnvironment = {},

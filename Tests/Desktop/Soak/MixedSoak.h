@@ -17,7 +17,8 @@ struct SoakLength {
 /// Uses the running program and expects of every event that it does what it should; of what the
 /// program holds (memory, file descriptors, X resources, windows) that it does not grow with use;
 /// and of the program that it comes to rest afterwards and ends in order, which under a sanitizer
-/// means without a finding. Prints what was measured after each batch.
+/// means without a finding. Prints what was measured after each batch. The program may run under
+/// what TILEWRIGHT_WATCHED_BY names, such as a memory checker: then its memory says nothing.
 void expectNothingPilesUpInUse(SoakLength length);
 
 } // namespace tilewright::testing

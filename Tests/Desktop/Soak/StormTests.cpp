@@ -1,6 +1,6 @@
 // Input, windows, displays, window managers and compositors without rest and without sense, for as
 // long as TILEWRIGHT_STORM_SECONDS says (an hour unless it does); the program may run under what
-// TILEWRIGHT_STORM_UNDER names, such as a memory checker.
+// TILEWRIGHT_WATCHED_BY names, such as a memory checker.
 
 #include <Displays.h>
 #include <DragScript.h>
@@ -184,7 +184,7 @@ Subprocess& startProgram(DesktopSession& desktop) {
     writeFile(desktop.home() + u"/.config/Tilewright/Tilewright.conf"_s,
               "[General]\nsnapActivationModifier=control\n");
     QStringList command =
-        qEnvironmentVariable("TILEWRIGHT_STORM_UNDER").split(u' ', Qt::SkipEmptyParts);
+        qEnvironmentVariable("TILEWRIGHT_WATCHED_BY").split(u' ', Qt::SkipEmptyParts);
     command.append(QStringLiteral(TILEWRIGHT_PROGRAM));
     const QString first = command.takeFirst();
     return desktop.start(first, command);
@@ -218,7 +218,7 @@ TEST(LongStorm, LeavesNothingShownGrabbedOrGrown) {
     assignLayouts(desktop, {ZoneLayout::thirds()});
     RunningProgram program(desktop, startProgram(desktop), RunningProgram::defaultModifier());
     expectOverlayComesAndGoes(desktop, program);
-    const bool isWatched = qEnvironmentVariableIsSet("TILEWRIGHT_STORM_UNDER");
+    const bool isWatched = qEnvironmentVariableIsSet("TILEWRIGHT_WATCHED_BY");
     Storm storm(desktop);
     const int told = qEnvironmentVariableIntValue("TILEWRIGHT_STORM_SECONDS");
     const int seconds = told > 0 ? told : 3600;
