@@ -57,9 +57,11 @@ private:
 };
 
 X11OverlaySurface::X11OverlaySurface(X11Connection& connection, X11Compositor& compositor,
-                                     const X11Screens& screens, std::shared_ptr<OverlayView> view)
+                                     const X11Screens& screens, MainLoop& loop,
+                                     std::shared_ptr<OverlayView> view)
     : connection_(connection)
     , screens_(screens)
+    , loop_(loop)
     , view_(std::move(view))
     , container_(std::make_unique<Container>(view_->widget())) {
     container_->winId();
@@ -119,6 +121,7 @@ void X11OverlaySurface::place() {
 }
 
 void X11OverlaySurface::orderFront() {
+    releasing_.reset();
     applyAreas();
     container_->show();
     // Showing sets Qt's own, rounded geometry once more.
@@ -130,7 +133,7 @@ void X11OverlaySurface::orderFront() {
 void X11OverlaySurface::orderOut() {
     if (container_->isVisible()) {
         container_->hide();
-        releasePixels();
+        releasing_ = ScopedTimer(loop_.scheduleOnce(pixelsKept, [this] { releasePixels(); }));
         readBlurOffer();
     }
     view_->finishAnimations();

@@ -4,8 +4,10 @@
 #include "X11Screens.h"
 
 #include <Platform/Lifetime.h>
+#include <Platform/MainLoop.h>
 #include <Platform/OverlaySurface.h>
 
+#include <chrono>
 #include <memory>
 
 namespace tilewright {
@@ -14,12 +16,17 @@ namespace tilewright {
 /// fullscreen windows, takes no focus, and lets clicks and a window manager's drag through. Where
 /// nothing blends windows it is cut to the view's outline instead.
 ///
-/// The window is made at once and kept; its pixels are kept only while it is shown.
+/// The window is made at once and kept. Its pixels, which the next showing would have to allocate
+/// and the X server to attach anew, are kept for a while after it is hidden: windows are often
+/// arranged one after the other.
 class X11OverlaySurface final : public OverlaySurface {
 public:
+    /// How long the pixels are kept while the surface is hidden.
+    static constexpr std::chrono::seconds pixelsKept{15};
+
     /// All but the view have to outlive the surface.
     X11OverlaySurface(X11Connection& connection, X11Compositor& compositor,
-                      const X11Screens& screens, std::shared_ptr<OverlayView> view);
+                      const X11Screens& screens, MainLoop& loop, std::shared_ptr<OverlayView> view);
     ~X11OverlaySurface() override;
 
     void setScreen(const ScreenPtr& screen) override;
@@ -39,12 +46,14 @@ private:
 
     X11Connection& connection_;
     const X11Screens& screens_;
+    MainLoop& loop_;
     std::shared_ptr<OverlayView> view_;
     std::unique_ptr<Container> container_;
     QMetaObject::Connection following_;
     OverlayRendering rendering_ = OverlayRendering::translucent;
     ScreenPtr screen_;
     X11AwaitedReply blurOffer_;
+    ScopedTimer releasing_;
     bool isBlurOffered_ = false;
     bool hasBlur_ = false;
     Lifetime life_;
