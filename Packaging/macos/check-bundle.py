@@ -1,6 +1,6 @@
 """Checks the parts of the macOS bundle that can be read anywhere.
 
-check-bundle.py Properties|Entitlements|Icon INFO_PLIST ENTITLEMENTS ICON
+check-bundle.py Properties|Entitlements|Icon INFO_PLIST ENTITLEMENTS ICONSET
 """
 
 import pathlib
@@ -9,10 +9,11 @@ import re
 import struct
 import sys
 
-# The sides, in pixels, of the pictures that an icon has to bring, by the types of their entries.
+# The sides, in pixels, of the pictures that an icon has to bring, by their names.
 SIDES = {
-    b"icp4": 16, b"icp5": 32, b"ic11": 32, b"ic12": 64, b"ic07": 128,
-    b"ic08": 256, b"ic13": 256, b"ic09": 512, b"ic14": 512, b"ic10": 1024,
+    f"icon_{points}x{points}{suffix}.png": points * scale
+    for points in (16, 32, 128, 256, 512)
+    for suffix, scale in (("", 1), ("@2x", 2))
 }
 
 
@@ -22,7 +23,7 @@ def check_properties(info, entitlements, icon):
     assert values["CFBundleIdentifier"] == "org.tilewright.Tilewright"
     assert values["CFBundlePackageType"] == "APPL"
     assert values["CFBundleExecutable"] == "Tilewright"
-    assert values["CFBundleIconFile"] == icon.name
+    assert values["CFBundleIconFile"] == icon.with_suffix(".icns").name
     assert values["LSMinimumSystemVersion"] == "13.0"
     assert values["NSHighResolutionCapable"] is True
     assert re.fullmatch(r"\d+\.\d+\.\d+", values["CFBundleShortVersionString"])
@@ -37,20 +38,14 @@ def check_entitlements(info, entitlements, icon):
 
 
 def check_icon(info, entitlements, icon):
-    data = icon.read_bytes()
-    magic, length = struct.unpack(">4sI", data[:8])
-    assert magic == b"icns" and length == len(data)
     found = {}
-    at = 8
-    while at < len(data):
-        kind, length = struct.unpack(">4sI", data[at : at + 8])
-        picture = data[at + 8 : at + length]
-        assert picture[:8] == b"\x89PNG\r\n\x1a\n" and picture[12:16] == b"IHDR", kind
+    for file in icon.iterdir():
+        picture = file.read_bytes()
+        assert picture[:8] == b"\x89PNG\r\n\x1a\n" and picture[12:16] == b"IHDR", file
         width, height = struct.unpack(">II", picture[16:24])
-        assert width == height, kind
-        found[kind] = width
-        at += length
-    assert at == len(data) and found == SIDES, found
+        assert width == height, file
+        found[file.name] = width
+    assert found == SIDES, found
 
 
 if __name__ == "__main__":
