@@ -1,5 +1,7 @@
 #include "SymbolTabBar.h"
 
+#include "SymbolTabBarAccessible.h"
+
 #include <TilewrightUI/FocusVisibility.h>
 #include <TilewrightUI/Look.h>
 #include <TilewrightUI/Symbols.h>
@@ -27,6 +29,7 @@ constexpr int textFlags = Qt::TextSingleLine | Qt::TextShowMnemonic;
 
 SymbolTabBar::SymbolTabBar(QWidget* parent)
     : QTabBar(parent) {
+    installSymbolTabBarAccessibility();
     setDrawBase(false);
     setExpanding(false);
     setUsesScrollButtons(false);

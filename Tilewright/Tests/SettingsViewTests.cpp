@@ -288,6 +288,35 @@ TEST_F(SettingsViewTest, GeneralChangesNothingByScrollingOverThePicker) {
     EXPECT_TRUE(desktop.platform.fakeUserDefaults.writes.empty());
 }
 
+TEST_F(SettingsViewTest, TellsWhichTabIsChosenAndWhetherItHasTheFocus) {
+    SettingsView view;
+    view.show();
+    makeActive(view);
+    auto* bar = view.findChild<SymbolTabBar*>();
+    QAccessibleInterface* row = QAccessible::queryAccessibleInterface(bar);
+    EXPECT_EQ(row->role(), QAccessible::PageTabList);
+    ASSERT_EQ(row->childCount(), 4);
+    view.setSelection(Tab::general);
+    for (const bool hasFocus : {true, false}) {
+        if (hasFocus)
+            bar->setFocus();
+        else
+            bar->clearFocus();
+        for (int index = 0; index < 4; ++index) {
+            const QAccessible::State state = row->child(index)->state();
+            EXPECT_EQ(row->child(index)->role(), QAccessible::PageTab);
+            EXPECT_EQ(state.selected, index == 2) << index;
+            EXPECT_EQ(state.focused, index == 2 && hasFocus) << index;
+            EXPECT_EQ(row->indexOfChild(row->child(index)), index);
+        }
+    }
+    row->child(1)->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_EQ(view.selection(), Tab::manage);
+    EXPECT_EQ(row->child(1)->text(QAccessible::Name), QStringLiteral("Manage"));
+    EXPECT_EQ(row->childAt(row->child(3)->rect().center().x(), row->child(3)->rect().center().y()),
+              row->child(3));
+}
+
 TEST_F(SettingsViewTest, GeneralFitsItsTextsWithLargerFonts) {
     const QFont before = QApplication::font();
     QFont larger = before;

@@ -357,37 +357,23 @@ TEST_F(LayoutEditorViewTest, LeavesTheBodyOfASmallZoneFreeBetweenItsHandles) {
     EXPECT_EQ(zone(0).width, 0.05);
 }
 
-TEST_F(LayoutEditorViewTest, ReachesZonesBeneathOthersByFurtherTaps) {
-    model().setSnapToEdges(false);
-    load({at(0.2, 0.2, 0.3, 0.3), at(0.1, 0.1, 0.5, 0.5), at(0.0, 0.0, 0.7, 0.7)});
-    const QPoint place = point(0.35, 0.35);
-    const auto tapSlowly = [&] {
-        QTest::qWait(0);
-        QMouseEvent down(QEvent::MouseButtonPress, place, canvas().mapToGlobal(place),
-                         Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(&canvas(), &down);
-        QMouseEvent up(QEvent::MouseButtonRelease, place, canvas().mapToGlobal(place),
-                       Qt::LeftButton, Qt::NoButton, Qt::NoModifier);
-        QApplication::sendEvent(&canvas(), &up);
-        turn();
-    };
-    tapSlowly();
+TEST_F(LayoutEditorViewTest, SelectsTheTopmostZoneByEveryTapAndTheOthersByTab) {
+    load({at(0.1, 0.1, 0.8, 0.8), at(0.2, 0.2, 0.6, 0.6), at(0.3, 0.3, 0.4, 0.4)});
+    for (int time = 0; time < 4; ++time) {
+        tap(point(0.5, 0.5));
+        EXPECT_TRUE(model().isSelected(2)) << time;
+    }
+    QTest::mouseDClick(&canvas(), Qt::LeftButton, {}, point(0.5, 0.5));
+    turn();
     EXPECT_TRUE(model().isSelected(2));
-    tapSlowly();
-    EXPECT_TRUE(model().isSelected(1));
-    tapSlowly();
+    canvas().tile(0).setFocus(Qt::TabFocusReason);
+    QTest::keyClick(&canvas().tile(0), Qt::Key_Space);
+    turn();
     EXPECT_TRUE(model().isSelected(0));
-
-    // A zone picked from beneath is the one to drag.
-    drag(place, place + QPoint(30, 0));
-    EXPECT_GT(zone(0).x, 0.25);
-    EXPECT_EQ(zone(2).x, 0.0);
-
-    tapSlowly();
-    EXPECT_TRUE(model().isSelected(2));
-    drag(place, place + QPoint(0, 30));
-    EXPECT_GT(zone(2).y, 0.05);
-    EXPECT_EQ(zone(1).y, 0.1);
+    tap(point(0.5, 0.5));
+    EXPECT_TRUE(model().isSelected(2)) << "whatever was selected before";
+    tap(point(0.25, 0.5));
+    EXPECT_TRUE(model().isSelected(1));
 }
 
 TEST_F(LayoutEditorViewTest, DragsTheTopmostZone) {
@@ -543,6 +529,22 @@ TEST_F(LayoutEditorViewTest, NamesZonesAndHandlesForAssistiveTools) {
     EXPECT_EQ(handle->text(QAccessible::Description), u"Zone 1, 50 % × 100 %"_s);
     EXPECT_EQ(handle->role(), QAccessible::Button);
     EXPECT_EQ(QAccessible::queryAccessibleInterface(&canvas())->role(), QAccessible::List);
+}
+
+TEST_F(LayoutEditorViewTest, HasOnlyTheTilesInUseForAssistiveTools) {
+    choose(u"Quadrants"_s);
+    QAccessibleInterface* list = QAccessible::queryAccessibleInterface(&canvas());
+    ASSERT_EQ(list->childCount(), 4) << "no zone is selected, so there are no handles";
+    choose(u"Halves"_s);
+    ASSERT_EQ(list->childCount(), 2);
+    for (int index = 0; index < 2; ++index) {
+        EXPECT_FALSE(list->child(index)->state().invisible);
+        EXPECT_EQ(list->indexOfChild(list->child(index)), index);
+    }
+    EXPECT_EQ(list->child(2), nullptr);
+    EXPECT_EQ(list->indexOfChild(QAccessible::queryAccessibleInterface(&canvas().tile(1))), 1);
+    tap(point(0.25, 0.5));
+    EXPECT_EQ(list->childCount(), 2 + 4) << "the handles of the selected zone";
 }
 
 TEST_F(LayoutEditorViewTest, NamesANamelessZoneByItsPlace) {

@@ -439,6 +439,46 @@ TEST_F(LayoutManager, NamesItsDeleteButtonsForAssistiveTools) {
     EXPECT_EQ(button->role(), QAccessible::Button);
 }
 
+/// What assistive tools find below an object, in their order: names and places.
+void walk(QAccessibleInterface& object, QStringList& found) {
+    for (int i = 0; i < object.childCount(); ++i) {
+        QAccessibleInterface& child = *object.child(i);
+        if (const QString name = child.text(QAccessible::Name); !name.isEmpty())
+            found.append(name);
+        walk(child, found);
+    }
+}
+
+TEST_F(LayoutManager, IsReadInTheOrderInWhichItIsSeen) {
+    add(QStringLiteral("One"));
+    LayoutManagerView view;
+    layOut(view);
+    add(QStringLiteral("Two"));
+    settle();
+    QStringList found;
+    walk(*QAccessible::queryAccessibleInterface(view.widget()), found);
+    const auto at = [&](const char* name) { return found.indexOf(QString::fromUtf8(name)); };
+    EXPECT_LT(at("Your Layouts"), at("One"));
+    EXPECT_LT(at("One"), at("Delete One"));
+    EXPECT_LT(at("Delete One"), at("Two"));
+    EXPECT_LT(at("Delete Two"), at("Built-in Layouts"));
+    EXPECT_LT(at("Built-in Layouts"), at("Presets that ship with Tilewright."));
+    EXPECT_LT(at("Presets that ship with Tilewright."), at("Halves"));
+    EXPECT_GE(at("Your Layouts"), 0);
+}
+
+TEST_F(LayoutManager, TellsEachCardsPosition) {
+    add(QStringLiteral("One"));
+    add(QStringLiteral("Two"));
+    LayoutManagerView view;
+    layOut(view);
+    EXPECT_EQ(view.customCards()[1]->accessibleDescription(), QStringLiteral("2 of 2"));
+    EXPECT_EQ(view.builtInCards()[2]->accessibleDescription(), QStringLiteral("3 of 5"));
+    add(QStringLiteral("Three"));
+    settle();
+    EXPECT_EQ(view.customCards()[1]->accessibleDescription(), QStringLiteral("2 of 3"));
+}
+
 TEST_F(LayoutManager, FollowsTheStoreOnceATurn) {
     const LayoutManagerView view;
     for (int i = 0; i < 20; ++i)

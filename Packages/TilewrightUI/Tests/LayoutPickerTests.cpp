@@ -302,6 +302,21 @@ TEST_F(LayoutPickerView, DeletingTheAssignedLayoutPutsTheDisplayBackOnTheDefault
     EXPECT_EQ(currentCards(picker), QStringList{QStringLiteral("Bento Box")});
 }
 
+TEST_F(LayoutPickerView, CardsTellTheirPosition) {
+    for (const char16_t name : {u'A', u'B', u'C'})
+        LayoutStore::shared().addCustomLayout(customLayout(QString(name), {{0, 0, 1, 1}}));
+    LayoutPicker picker;
+    const auto description = [&](std::size_t index) {
+        return QAccessible::queryAccessibleInterface(picker.cards()[index])
+            ->text(QAccessible::Description);
+    };
+    EXPECT_EQ(description(2), QStringLiteral("3 of 8"));
+    LayoutStore::shared().removeCustomLayout(LayoutStore::shared().customLayouts()[0].id);
+    settle();
+    EXPECT_EQ(description(2), QStringLiteral("3 of 7"));
+    EXPECT_EQ(description(6), QStringLiteral("7 of 7"));
+}
+
 TEST_F(LayoutPickerView, ShiftAndF10OpenTheContextMenu) {
     LayoutStore::shared().addCustomLayout(customLayout(QStringLiteral("Mine"), {{0, 0, 1, 1}}));
     LayoutPicker picker;

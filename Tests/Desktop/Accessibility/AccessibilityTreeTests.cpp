@@ -1,6 +1,7 @@
 // Every view of the running program as a client of the accessibility bus reads it: each control
 // with its role, name and state, each within reach of the keyboard.
 
+#include <AccessibilityListener.h>
 #include <AccessibilityReader.h>
 #include <ListeningSocket.h>
 #include <ShellDesktop.h>
@@ -234,6 +235,37 @@ TEST_F(AccessibleViews, TheEditorIsAListOfZonesWithHandles) {
         EXPECT_EQ(control(button, corner).description, topRight) << corner.toStdString();
     expectEveryControlNamed();
     expectTabReachesEverything();
+}
+
+TEST_F(AccessibleViews, TheEditorsMessagesAreAnnounced) {
+    AccessibilityListener listener(desktop.session().environment());
+    openSettings(u"Layouts"_s);
+    const auto announced = [&](const QStringList& expected) {
+        return waitUntil([&] { return listener.shown(u"alert"_s) == expected; });
+    };
+    const QString none = u"No space for another zone"_s;
+    click(button, u"Add Zone"_s);
+    EXPECT_TRUE(announced({none})) << listener.shown(u"alert"_s).join(u'|').toStdString();
+    static_cast<void>(control(u"alert"_s, none));
+    // In place of the one that is still shown.
+    click(button, u"Save Layout"_s);
+    EXPECT_TRUE(announced({none, u"Layout saved"_s}))
+        << listener.shown(u"alert"_s).join(u'|').toStdString();
+}
+
+TEST_F(AccessibleViews, OnlyTheChosenTabIsSelectedAndItIsFocusedOnlyWhenItIs) {
+    openSettings(u"General"_s);
+    const auto tab = u"page tab"_s;
+    for (const QString& name : {u"Layouts"_s, u"Manage"_s, u"General"_s, u"Accessibility"_s})
+        EXPECT_EQ(control(tab, name).is(u"selected"_s), name == u"General"_s) << name.toStdString();
+    ASSERT_TRUE(waitUntil([&] {
+        if (focused().startsWith(u"combo box"_s))
+            return true;
+        desktop.input().tapKey(keysym::tab);
+        return false;
+    }));
+    EXPECT_FALSE(control(tab, u"General"_s).is(u"focused"_s));
+    EXPECT_TRUE(control(tab, u"General"_s).is(u"selected"_s));
 }
 
 TEST_F(AccessibleViews, TheEditorsMenuIsReadToo) {

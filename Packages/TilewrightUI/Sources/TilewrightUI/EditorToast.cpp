@@ -2,6 +2,7 @@
 
 #include "Look.h"
 #include "Symbols.h"
+#include "ZoneEditorTileAccessible.h"
 
 #include <QAccessible>
 #include <QFontMetricsF>
@@ -56,6 +57,7 @@ void paintShadow(QPainter& painter, const QRectF& shape) {
 EditorToast::EditorToast(QWidget* parent)
     : QWidget(parent)
     , presence_(Spring{0.3}, 0, [this](double) { updatePlace(); }) {
+    installZoneEditorAccessibility();
     setAttribute(Qt::WA_TransparentForMouseEvents);
     hide();
 }
@@ -67,11 +69,23 @@ void EditorToast::setToast(const std::optional<LayoutEditorModel::Toast>& toast)
     if (toast) {
         shown_ = *toast;
         setAccessibleName(toast->message);
-        QAccessibleEvent alert(this, QAccessible::Alert);
-        QAccessible::updateAccessibility(&alert);
     }
+    const bool replaces = toast && isVisible();
     presence_.animateTo(toast ? 1 : 0);
     updatePlace();
+    if (toast)
+        announce(replaces);
+}
+
+void EditorToast::announce(bool replacesAnother) {
+    QAccessibleEvent alert(this, QAccessible::Alert);
+    QAccessible::updateAccessibility(&alert);
+    // The accessibility bus knows no such event. Screen readers read an alert when it is shown, of
+    // which Qt tells by itself only when nothing was shown before.
+    if (replacesAnother) {
+        QAccessibleEvent shown(this, QAccessible::ObjectShow);
+        QAccessible::updateAccessibility(&shown);
+    }
 }
 
 void EditorToast::updatePlace() {

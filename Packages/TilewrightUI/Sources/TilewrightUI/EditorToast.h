@@ -27,6 +27,7 @@ protected:
 
 private:
     [[nodiscard]] QRectF capsule() const;
+    void announce(bool replacesAnother);
 
     std::optional<LayoutEditorModel::Toast> toast_;
     /// What was shown last, still seen while it leaves.

@@ -60,6 +60,12 @@ void LayoutCard::setZoneLayout(const ZoneLayout& layout) {
     setAccessibleName(layout.name);
 }
 
+void LayoutCard::setPosition(std::size_t number, std::size_t count) {
+    const QString position = tr("%1 of %2").arg(number).arg(count);
+    if (accessibleDescription() != position)
+        setAccessibleDescription(position);
+}
+
 QMenu* LayoutCard::makeContextMenu() {
     if (layout_.isBuiltIn)
         return nullptr;

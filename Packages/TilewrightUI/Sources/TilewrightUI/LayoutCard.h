@@ -25,6 +25,8 @@ public:
     /// Shows another layout from now on.
     void setZoneLayout(const ZoneLayout& layout);
     [[nodiscard]] const ZoneLayout& zoneLayout() const { return layout_; }
+    /// Tells assistive tools that the card is the `number`th, from 1, of `count`.
+    void setPosition(std::size_t number, std::size_t count);
 
     /// A context menu for this layout, owned by the card; null where there is nothing to offer.
     [[nodiscard]] QMenu* makeContextMenu();

@@ -102,13 +102,8 @@ void LayoutEditorCanvas::updateHandles() {
     handlesFollow_ = selected;
 }
 
-bool LayoutEditorCanvas::isPickedFromBeneath(std::size_t index) const {
-    return pickedFromBeneath_ && model_.isSelected(index) &&
-           pickedFromBeneath_ == model_.selectedID();
-}
-
-std::optional<std::size_t> LayoutEditorCanvas::topmostAt(QPointF point, std::size_t below) const {
-    for (std::size_t index = std::min(below, model_.zones().size()); index-- > 0;) {
+std::optional<std::size_t> LayoutEditorCanvas::topmostAt(QPointF point) const {
+    for (std::size_t index = model_.zones().size(); index-- > 0;) {
         const QRectF& frame = tiles_[index]->zoneFrame();
         if (!frame.isEmpty() && frame.contains(point))
             return index;
@@ -123,27 +118,10 @@ std::optional<LayoutEditorCanvas::Target> LayoutEditorCanvas::targetAt(QPointF p
             if ((*handle)->contains(point))
                 return Target{*selected, (*handle)->corner()};
         }
-        if (isPickedFromBeneath(*selected) && tiles_[*selected]->zoneFrame().contains(point))
-            return Target{*selected, std::nullopt};
     }
-    if (const auto topmost = topmostAt(point, model_.zones().size()))
+    if (const auto topmost = topmostAt(point))
         return Target{*topmost, std::nullopt};
     return std::nullopt;
-}
-
-void LayoutEditorCanvas::tap(std::size_t index) {
-    if (model_.isSelected(index) && !isSecondClick_) {
-        auto beneath = topmostAt(pressedAt_, index);
-        if (!beneath)
-            beneath = topmostAt(pressedAt_, model_.zones().size());
-        if (beneath && *beneath != index) {
-            pickedFromBeneath_ = model_.zones()[*beneath].id;
-            tiles_[*beneath]->onSelect();
-            tiles_[*beneath]->setFocus(Qt::MouseFocusReason);
-            return;
-        }
-    }
-    tiles_[index]->onSelect();
 }
 
 void LayoutEditorCanvas::mousePressEvent(QMouseEvent* event) {
@@ -152,7 +130,6 @@ void LayoutEditorCanvas::mousePressEvent(QMouseEvent* event) {
     // The model may have changed since the last refresh, and presses are judged by what it says.
     refresh();
     pressedAt_ = pointer_ = event->position();
-    isSecondClick_ = false;
     const auto target = targetAt(pressedAt_);
     if (!target)
         return;
@@ -164,8 +141,6 @@ void LayoutEditorCanvas::mousePressEvent(QMouseEvent* event) {
 
 void LayoutEditorCanvas::mouseDoubleClickEvent(QMouseEvent* event) {
     mousePressEvent(event);
-    // The second click of a double click is no wish to go further down.
-    isSecondClick_ = true;
 }
 
 void LayoutEditorCanvas::mouseMoveEvent(QMouseEvent* event) {
@@ -186,7 +161,7 @@ void LayoutEditorCanvas::mouseReleaseEvent(QMouseEvent* event) {
     const ZoneEditorDrag ended = *drag_;
     drag_.reset();
     if (!ended.hasBegun() && !ended.corner() && ended.index() < model_.zones().size())
-        tap(ended.index());
+        tiles_[ended.index()]->onSelect();
     updateCursor();
 }
 

@@ -15,8 +15,7 @@ namespace tilewright {
 /// one.
 ///
 /// It runs the drags. A press belongs to the handle under the pointer, else to the topmost zone
-/// there. A tap selects that zone; a tap on a zone that is selected already goes on to the next one
-/// beneath, and a zone picked so takes the presses over its area until another one is selected.
+/// there. A tap selects that zone, however often; Tab reaches those beneath.
 class LayoutEditorCanvas final : public QWidget {
     Q_OBJECT
 
@@ -68,9 +67,7 @@ private:
     };
 
     [[nodiscard]] std::optional<Target> targetAt(QPointF point) const;
-    [[nodiscard]] std::optional<std::size_t> topmostAt(QPointF point, std::size_t below) const;
-    [[nodiscard]] bool isPickedFromBeneath(std::size_t index) const;
-    void tap(std::size_t index);
+    [[nodiscard]] std::optional<std::size_t> topmostAt(QPointF point) const;
     void updateTiles();
     void updateHandles();
     void updateCursor();
@@ -83,8 +80,6 @@ private:
     std::optional<ZoneEditorDrag> drag_;
     QPointF pressedAt_;
     QPointF pointer_;
-    bool isSecondClick_ = false;
-    std::optional<QUuid> pickedFromBeneath_;
 };
 
 } // namespace tilewright

@@ -50,6 +50,12 @@ void LayoutManagerCard::setZoneLayout(const ZoneLayout& layout) {
         deleteButton_->setAccessibleName(tr("Delete %1").arg(layout.name));
 }
 
+void LayoutManagerCard::setPosition(std::size_t number, std::size_t count) {
+    const QString position = tr("%1 of %2").arg(number).arg(count);
+    if (accessibleDescription() != position)
+        setAccessibleDescription(position);
+}
+
 QString LayoutManagerCard::countText() const {
     // One text for every number, also for one.
     return tr("%1 zones").arg(layout_.zones.size());

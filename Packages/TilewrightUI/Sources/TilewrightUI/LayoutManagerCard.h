@@ -23,6 +23,8 @@ public:
     /// Shows another layout from now on.
     void setZoneLayout(const ZoneLayout& layout);
     [[nodiscard]] const ZoneLayout& zoneLayout() const { return layout_; }
+    /// Tells assistive tools that the card is the `number`th, from 1, of `count`.
+    void setPosition(std::size_t number, std::size_t count);
     [[nodiscard]] QString countText() const;
     /// Null where the layout may not be deleted.
     [[nodiscard]] GlassButton* deleteButton() const { return deleteButton_; }

@@ -21,11 +21,13 @@ constexpr int itemSpacing = 8;
 constexpr int minimumColumnWidth = 150;
 constexpr int columnSpacing = 12;
 
-/// A section's column with its title, to which the caller adds the rest.
-QVBoxLayout* makeSection(const QString& title) {
+/// A section's column with its title, to which the caller adds the rest. It is in its place at
+/// once, so that what is added becomes a child of the content in that order.
+QVBoxLayout* addSection(QVBoxLayout& column, TextLabel* title) {
     auto* section = new QVBoxLayout;
     section->setSpacing(itemSpacing);
-    section->addWidget(new TextLabel(title, look::TextStyle::headline));
+    column.addLayout(section);
+    section->addWidget(title);
     return section;
 }
 
@@ -55,23 +57,24 @@ LayoutManagerView::LayoutManagerView(QWidget* parent)
                                look::defaultPadding);
     column->setSpacing(sectionSpacing);
 
-    QVBoxLayout* custom = makeSection(tr("Your Layouts"));
+    QVBoxLayout* custom =
+        addSection(*column, new TextLabel(tr("Your Layouts"), look::TextStyle::headline));
     hint_ = makeSubtitle(tr("Create layouts in the Layouts tab."));
     custom->addWidget(hint_);
     customGrid_ = new AdaptiveGridLayout(minimumColumnWidth, columnSpacing);
     custom->addLayout(customGrid_);
-    column->addLayout(custom);
 
-    QVBoxLayout* builtIn = makeSection(tr("Built-in Layouts"));
+    builtInTitle_ = new TextLabel(tr("Built-in Layouts"), look::TextStyle::headline);
+    QVBoxLayout* builtIn = addSection(*column, builtInTitle_);
     builtIn->addWidget(makeSubtitle(tr("Presets that ship with Tilewright.")));
     auto* builtInGrid = new AdaptiveGridLayout(minimumColumnWidth, columnSpacing);
     for (const ZoneLayout& layout : ZoneLayout::builtIns()) {
         builtInCards_.push_back(
             new LayoutManagerCard(layout, LayoutManagerCard::Deletable::no, content));
+        builtInCards_.back()->setPosition(builtInCards_.size(), ZoneLayout::builtIns().size());
         builtInGrid->addWidget(builtInCards_.back());
     }
     builtIn->addLayout(builtInGrid);
-    column->addLayout(builtIn);
     column->addStretch();
     setWidget(content);
     // The window's own background shows through.
@@ -95,6 +98,8 @@ void LayoutManagerView::refresh() {
         connect(card, &LayoutManagerCard::deleteRequested, this,
                 [this, card] { setPendingDelete(card->zoneLayout()); });
         customGrid_->addWidget(card);
+        // Assistive tools go by the order of the children.
+        card->stackUnder(builtInTitle_);
         card->setVisible(true);
         customCards_.push_back(card);
     }
@@ -106,6 +111,8 @@ void LayoutManagerView::refresh() {
         delete customCards_.back();
         customCards_.pop_back();
     }
+    for (std::size_t i = 0; i < layouts.size(); ++i)
+        customCards_[i]->setPosition(i + 1, layouts.size());
     hint_->setVisible(layouts.empty());
 }
 

@@ -45,6 +45,7 @@ private:
     std::optional<ZoneLayout> pendingDelete_;
     ConfirmationDialog* confirmation_ = nullptr;
     TextLabel* hint_ = nullptr;
+    TextLabel* builtInTitle_ = nullptr;
     AdaptiveGridLayout* customGrid_ = nullptr;
     std::vector<LayoutManagerCard*> customCards_;
     std::vector<LayoutManagerCard*> builtInCards_;

@@ -42,7 +42,11 @@ LayoutPicker::LayoutPicker(QWidget* parent)
 
     auto* header = new QHBoxLayout;
     header->setSpacing(look::defaultSpacing);
-    header->addWidget(new TextLabel(tr("Window Zones"), look::TextStyle::headline));
+    auto* title = new TextLabel(tr("Window Zones"), look::TextStyle::headline,
+                                TextLabel::Importance::primary, this);
+    // Assistive tools go by the order of the children.
+    title->stackUnder(displayPicker_);
+    header->addWidget(title);
     header->addStretch();
     header->addWidget(displayPicker_);
     grid_->setSpacing(gridSpacing);
@@ -146,6 +150,8 @@ void LayoutPicker::refreshCards() {
         delete cards_.back();
         cards_.pop_back();
     }
+    for (std::size_t index = 0; index < count; ++index)
+        cards_[index]->setPosition(index + 1, count);
 }
 
 LayoutCard* LayoutPicker::makeCard(const ZoneLayout& layout) {
