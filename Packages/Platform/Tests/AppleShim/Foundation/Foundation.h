@@ -114,16 +114,8 @@ typedef NSString* NSNotificationName;
 @property(readonly, copy) NSNotificationName name;
 @end
 
-@interface NSOperationQueue : NSObject
-@property(class, readonly, strong) NSOperationQueue* mainQueue;
-@end
-
 @interface NSNotificationCenter : NSObject
 @property(class, readonly, strong) NSNotificationCenter* defaultCenter;
-- (id<NSObject>)addObserverForName:(NSNotificationName)name
-                            object:(id)object
-                             queue:(NSOperationQueue*)queue
-                        usingBlock:(void (^)(NSNotification* notification))block;
 - (void)addObserver:(id)observer
            selector:(SEL)selector
                name:(NSNotificationName)name
