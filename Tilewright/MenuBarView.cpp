@@ -3,6 +3,7 @@
 #include <Platform/Platform.h>
 #include <TilewrightUI/GlassButton.h>
 #include <TilewrightUI/Hairline.h>
+#include <TilewrightUI/HitArea.h>
 #include <TilewrightUI/KeepAwakeControl.h>
 #include <TilewrightUI/LayoutPicker.h>
 #include <TilewrightUI/SlimScrollArea.h>
@@ -46,7 +47,10 @@ MenuBarView::MenuBarView(OpenSettings openSettings, QWidget* parent)
     add(makeMiddle(), padding - SlimScrollBar::thickness);
     add(new Hairline);
     column->addSpacing(spacing);
-    add(makeFooter());
+    QWidget* footer = makeFooter();
+    add(footer);
+    for (auto* button : footer->findChildren<GlassButton*>())
+        new HitArea(button, this);
 }
 
 int MenuBarView::roomToGrow() const {

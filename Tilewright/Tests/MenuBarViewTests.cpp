@@ -4,6 +4,7 @@
 #include <Tilewright/MenuBarView.h>
 #include <TilewrightUI/GlassButton.h>
 #include <TilewrightUI/Hairline.h>
+#include <TilewrightUI/HitArea.h>
 #include <TilewrightUI/KeepAwakeControl.h>
 #include <TilewrightUI/LayoutCard.h>
 #include <TilewrightUI/LayoutPicker.h>
@@ -78,7 +79,7 @@ TEST_F(MenuBarViewTest, IsThreeHundredPointsWideWhateverTheNames) {
         // What scrolls, without its bar, which lies in the padding.
         if (const auto* middle = qobject_cast<const QScrollArea*>(child))
             child = middle->viewport();
-        else if (child->parentWidget() != &view)
+        else if (child->parentWidget() != &view || qobject_cast<const HitArea*>(child))
             continue;
         if (child->isVisible()) {
             EXPECT_GE(place(child, view).left(), 16);
@@ -268,6 +269,26 @@ TEST_F(MenuBarViewTest, IsAsHighAsItsContent) {
     KeepAwakeManager::shared().deactivate();
     layOut(view);
     EXPECT_EQ(view.height(), idle);
+}
+
+TEST_F(MenuBarViewTest, TheFootersButtonsAreHitAroundTheirTextsToo) {
+    MenuBarView view;
+    layOut(view);
+    for (const auto& title : {QStringLiteral("Settings…"), QStringLiteral("Quit")}) {
+        GlassButton* found = button(view, title);
+        found->disconnect(qApp);
+        QSignalSpy clicks(found, &QAbstractButton::clicked);
+        const QPoint middle = place(found, view).center();
+        for (int step = -11; step <= 12; ++step) {
+            for (const QPoint at : {middle + QPoint(0, step), middle + QPoint(step, 0)}) {
+                QWidget* hit = view.childAt(at);
+                ASSERT_NE(hit, nullptr);
+                const auto before = clicks.count();
+                QTest::mouseClick(hit, Qt::LeftButton, {}, hit->mapFrom(&view, at));
+                EXPECT_EQ(clicks.count(), before + 1) << title.toStdString() << " " << step;
+            }
+        }
+    }
 }
 
 TEST_F(MenuBarViewTest, LargerFontsClipNothing) {

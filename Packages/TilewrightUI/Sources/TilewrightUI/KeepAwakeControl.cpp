@@ -1,6 +1,7 @@
 #include "KeepAwakeControl.h"
 
 #include "GlassButton.h"
+#include "HitArea.h"
 #include "Look.h"
 #include "SlidingRow.h"
 #include "TextLabel.h"
@@ -38,6 +39,8 @@ KeepAwakeControl::KeepAwakeControl()
     sessionRow_ = new SlidingRow(makeSessionRow(), itemSpacing, rowSpring, this);
     sessionRow_->setFocusHeir(switch_);
     column->addWidget(sessionRow_);
+    for (auto* button : sessionRow_->findChildren<GlassButton*>())
+        new HitArea(button, this);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     refresh();
     refresh_.observe(manager_);

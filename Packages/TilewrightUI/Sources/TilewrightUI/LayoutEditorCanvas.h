@@ -23,7 +23,7 @@ public:
     /// Width to height.
     static constexpr double aspectRatio = 1.6;
     /// How far the handles of small zones may stick out of the canvas, in points.
-    static constexpr int margin = 9;
+    static constexpr int margin = 12;
 
     /// The model has to outlive the canvas.
     explicit LayoutEditorCanvas(LayoutEditorModel& model, QWidget* parent = nullptr);

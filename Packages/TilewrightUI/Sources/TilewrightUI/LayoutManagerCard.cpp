@@ -1,6 +1,7 @@
 #include "LayoutManagerCard.h"
 
 #include "GlassButton.h"
+#include "HitArea.h"
 #include "Look.h"
 #include "MiniLayoutPreview.h"
 #include "NameAndCount.h"
@@ -37,6 +38,7 @@ LayoutManagerCard::LayoutManagerCard(const ZoneLayout& layout, Deletable deletab
         connect(deleteButton_, &QAbstractButton::clicked, this,
                 &LayoutManagerCard::deleteRequested);
         column->addWidget(deleteButton_);
+        new HitArea(deleteButton_, this);
     }
     setZoneLayout(layout);
 }

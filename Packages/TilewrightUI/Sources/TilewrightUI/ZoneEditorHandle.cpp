@@ -21,6 +21,7 @@ constexpr double symbolSide = 9;
 constexpr int shadowRoom = 2;
 /// How much of the zone stays free between two handles, so that its body can be dragged.
 constexpr double bodyRoom = 12;
+constexpr double leastHitSide = 24;
 
 bool isLeft(ZoneEditorGeometry::Corner corner) {
     using Corner = ZoneEditorGeometry::Corner;
@@ -37,6 +38,28 @@ bool isTop(ZoneEditorGeometry::Corner corner) {
 double inset(double size) {
     return std::clamp((size - bodyRoom) / 2 - ZoneEditorHandle::diameter,
                       -ZoneEditorHandle::diameter, 0.0);
+}
+
+/// The circle's surroundings, outward from the zone as far as the bounds go, else inward as far as
+/// the body stays free.
+QRectF hitAreaOf(const QRectF& circle, const QRectF& zone, const QRectF& bounds,
+                 ZoneEditorGeometry::Corner corner) {
+    QRectF area(0, 0, leastHitSide, leastHitSide);
+    area.moveLeft(isLeft(corner) ? circle.right() - leastHitSide : circle.left());
+    area.moveTop(isTop(corner) ? circle.bottom() - leastHitSide : circle.top());
+    area.moveLeft(std::max(std::min(area.left(), bounds.right() - leastHitSide), bounds.left()));
+    area.moveTop(std::max(std::min(area.top(), bounds.bottom() - leastHitSide), bounds.top()));
+    const QPointF middle = zone.center();
+    const double half = bodyRoom / 2;
+    if (isLeft(corner))
+        area.setRight(std::min(area.right(), middle.x() - half));
+    else
+        area.setLeft(std::max(area.left(), middle.x() + half));
+    if (isTop(corner))
+        area.setBottom(std::min(area.bottom(), middle.y() - half));
+    else
+        area.setTop(std::max(area.top(), middle.y() + half));
+    return area;
 }
 
 QString symbolOf(ZoneEditorGeometry::Corner corner) {
@@ -78,6 +101,7 @@ void ZoneEditorHandle::attach(std::size_t index, const QRectF& zoneFrame, const 
     const QRectF circle(std::max(std::min(x, bounds.right() - diameter), bounds.left()),
                         std::max(std::min(y, bounds.bottom() - diameter), bounds.top()), diameter,
                         diameter);
+    hitArea_ = hitAreaOf(circle, zoneFrame, bounds, corner_);
     const QString description = ZoneEditorTile::accessibleNameOf(model_.zones().at(index), index);
     if (description != accessibleDescription())
         setAccessibleDescription(description);
@@ -92,7 +116,8 @@ void ZoneEditorHandle::attach(std::size_t index, const QRectF& zoneFrame, const 
 
 bool ZoneEditorHandle::contains(QPointF point) const {
     const QPointF way = point - circle_.center();
-    return isVisibleTo(parentWidget()) && std::hypot(way.x(), way.y()) <= diameter / 2;
+    return isVisibleTo(parentWidget()) &&
+           (std::hypot(way.x(), way.y()) <= diameter / 2 || hitArea_.contains(point));
 }
 
 Qt::CursorShape ZoneEditorHandle::cursorShape(Corner corner) {

@@ -27,7 +27,8 @@ public:
     /// Shows the handle on the corner of the selected zone, whose rectangle and place in the list
     /// these are; both rectangles are in the parent's points, and the handle stays in the second.
     void attach(std::size_t index, const QRectF& zoneFrame, const QRectF& bounds);
-    /// Whether a point of the parent is on the handle.
+    /// Whether a point of the parent is on the handle, which is hit where it is seen and around it,
+    /// outward from its zone, over 24 x 24 points.
     [[nodiscard]] bool contains(QPointF point) const;
     /// The handle's circle, in the parent's points.
     [[nodiscard]] const QRectF& circle() const { return circle_; }
@@ -49,6 +50,7 @@ private:
     const Corner corner_;
     std::size_t index_ = 0;
     QRectF circle_;
+    QRectF hitArea_;
 };
 
 } // namespace tilewright
