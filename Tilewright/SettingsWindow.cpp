@@ -4,8 +4,11 @@
 #include <TilewrightUI/Symbols.h>
 
 #include <QCloseEvent>
+#include <QGuiApplication>
+#include <QScreen>
 #include <QShortcut>
 #include <QVBoxLayout>
+#include <algorithm>
 
 namespace tilewright {
 
@@ -22,10 +25,26 @@ SettingsWindow::SettingsWindow(std::unique_ptr<QWidget> view) {
 
 SettingsWindow::~SettingsWindow() = default;
 
+void SettingsWindow::moveIntoView() {
+    QRegion outOfSight(frameGeometry());
+    for (const QScreen* each : QGuiApplication::screens())
+        outOfSight -= each->geometry();
+    if (outOfSight.isEmpty())
+        return;
+    // Its display is gone, or is a smaller one now.
+    const QRect room = screen()->availableGeometry();
+    const QSize size = frameGeometry().size();
+    const QPoint last(room.right() + 1 - size.width(), room.bottom() + 1 - size.height());
+    move(std::max(std::min(x(), last.x()), room.left()),
+         std::max(std::min(y(), last.y()), room.top()));
+}
+
 void SettingsWindow::bringForward() {
     setWindowState(windowState() & ~Qt::WindowMinimized);
     const bool isShown = isVisible();
     wantsActivation_ = !isShown;
+    if (isShown)
+        moveIntoView();
     show();
     raise();
     activateWindow();

@@ -14,7 +14,8 @@ public:
     explicit SettingsWindow(std::unique_ptr<QWidget> view);
     ~SettingsWindow() override;
 
-    /// Shows the window in front of every other one, and focused.
+    /// Shows the window in front of every other one, focused, and whole where a part of it is on no
+    /// display any more.
     void bringForward();
 
 Q_SIGNALS:
@@ -26,6 +27,8 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
+    void moveIntoView();
+
     bool wantsActivation_ = false;
 };
 

@@ -2,6 +2,7 @@
 #include <Tilewright/SettingsWindow.h>
 
 #include <QApplication>
+#include <QScreen>
 #include <QTest>
 #include <gtest/gtest.h>
 
@@ -42,6 +43,24 @@ TEST_F(SettingsSceneTest, BringsTheOpenWindowForwardInsteadOfOpeningASecondOne) 
     EXPECT_FALSE(scene.window()->isMinimized());
     EXPECT_TRUE(scene.window()->isActiveWindow());
     EXPECT_GT(desktop.platform.fakeWorkspace.activations, before);
+}
+
+TEST_F(SettingsSceneTest, ComesBackWholeFromADisplayThatIsGone) {
+    scene.open();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(scene.window()));
+    const QRect display = scene.window()->screen()->geometry();
+    const QRect room = scene.window()->screen()->availableGeometry();
+    for (const QPoint gone : {QPoint(display.right() + 500, 40), QPoint(-2000, -2000),
+                              QPoint(display.right() - 100, display.bottom() - 20)}) {
+        scene.window()->move(gone);
+        QApplication::processEvents();
+        scene.open();
+        EXPECT_TRUE(room.contains(scene.window()->frameGeometry())) << gone.x() << ", " << gone.y();
+    }
+    const QPoint chosen = room.topLeft() + QPoint(30, 50);
+    scene.window()->move(chosen);
+    scene.open();
+    EXPECT_EQ(scene.window()->pos(), chosen) << "a window in sight stays where it is";
 }
 
 TEST_F(SettingsSceneTest, ClosesByTheUsualKeys) {
