@@ -17,6 +17,9 @@ NSURL* makeFileURL(const QString& path);
 NSDate* makeDate(double seconds);
 QByteArray bytesOf(NSData* data);
 QString linkOf(NSURL* url);
+/// The same rectangle for either side.
+NSRect toNative(const AppKitRect& rect);
+AppKitRect fromNative(NSRect rect);
 /// Has a message that its receiver has no method for end the process, with its name.
 void endProcessOnUnknownSelectors();
 /// Calls a method with one argument by its selector.
