@@ -92,6 +92,16 @@ TEST_F(Lifecycle, IsFoundByASecondStartThoughTheSessionsBusIsGone) {
     EXPECT_TRUE(program.isRunning());
 }
 
+TEST_F(Lifecycle, IsFoundByASecondStartWhereThereNeverWasABus) {
+    desktop.session().bus().stop();
+    Subprocess& program = desktop.startProgram();
+    EXPECT_TRUE(waitUntil([&] {
+        EXPECT_EQ(desktop.startAgain(), 0);
+        return desktop.panel().has_value();
+    }));
+    EXPECT_TRUE(program.isRunning());
+}
+
 TEST_F(Lifecycle, WorksWhileTheSessionsBusSaysNothingAndJoinsItWhenItAnswers) {
     RecordingIdleService idle(desktop.session().busAddress());
     desktop.startTray(TrayHost::systemTray);
