@@ -17,6 +17,7 @@ public:
     OverlayPicture picture(const ScreenPtr&) const override { return {}; }
     void onPictureChanged(std::function<void()>) override {}
     QWidget& widget() override { return canvas_; }
+    void setRepaint(std::function<void(const QRegion&)>) override {}
     void setRendering(OverlayRendering) override {}
     // The surface may ask before the view has its size: more than any display has.
     QRegion outline() override { return QRect(0, 0, 10'000, 10'000); }

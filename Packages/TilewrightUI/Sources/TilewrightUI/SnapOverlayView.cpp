@@ -73,11 +73,26 @@ void SnapOverlayView::onPictureChanged(std::function<void()> callback) {
     onPictureChanged_ = std::move(callback);
 }
 
+void SnapOverlayView::setRepaint(std::function<void(const QRegion&)> repaint) {
+    const bool wasShown = isShown();
+    repaint_ = std::move(repaint);
+    // What changed while nobody could see it must not fade now.
+    if (isShown() != wasShown)
+        finishAnimations();
+}
+
+void SnapOverlayView::repaintLater(const QRegion& region) {
+    if (repaint_)
+        repaint_(region);
+    else
+        update(region);
+}
+
 template<class RegionOf>
 QRegion SnapOverlayView::united(RegionOf regionOf) {
     // A surface asks before the model's change has come round the loop. That its areas change is
     // no news to it then.
-    update(synchronize(preferredTransition()).repaint);
+    repaintLater(synchronize(preferredTransition()).repaint);
     QRegion region;
     for (const OverlayTile& tile : tiles_)
         region += regionOf(tile);
@@ -101,8 +116,7 @@ void SnapOverlayView::finishAnimations() {
 }
 
 SnapOverlayView::Transition SnapOverlayView::preferredTransition() const {
-    return isVisible() && !look::prefersReducedMotion() ? Transition::fading
-                                                        : Transition::immediate;
+    return isShown() && !look::prefersReducedMotion() ? Transition::fading : Transition::immediate;
 }
 
 template<class Action>
@@ -118,7 +132,7 @@ void SnapOverlayView::changeFade(OverlayTile& tile, Change& change, Action actio
 
 void SnapOverlayView::carryOut(const Change& change) {
     if (!change.repaint.isEmpty())
-        update(change.repaint);
+        repaintLater(change.repaint);
     if (change.areas && onAreasChanged_)
         onAreasChanged_();
 }

@@ -30,6 +30,7 @@ public:
     [[nodiscard]] OverlayPicture picture(const ScreenPtr& display) const override;
     void onPictureChanged(std::function<void()> callback) override;
     [[nodiscard]] QWidget& widget() override { return *this; }
+    void setRepaint(std::function<void(const QRegion&)> repaint) override;
     void setRendering(OverlayRendering rendering) override;
     [[nodiscard]] QRegion outline() override;
     [[nodiscard]] QRegion blurArea() override;
@@ -64,6 +65,9 @@ private:
     template<class Action>
     void changeFade(OverlayTile& tile, Change& change, Action action) const;
     void carryOut(const Change& change);
+    /// Whether anybody can see the view, by itself or as somebody else's pixels.
+    [[nodiscard]] bool isShown() const { return repaint_ || isVisible(); }
+    void repaintLater(const QRegion& region);
     void advanceFades();
     void runFramesWhileFading();
     [[nodiscard]] Transition preferredTransition() const;
@@ -82,6 +86,7 @@ private:
     int layoutCount_ = 0;
     Refresh refresh_;
     ScopedTimer frames_;
+    std::function<void(const QRegion&)> repaint_;
     std::function<void()> onAreasChanged_;
     std::function<void()> onPictureChanged_;
 };
