@@ -5,7 +5,6 @@
 #include <cstring>
 #include <sys/socket.h>
 #include <sys/un.h>
-#include <unistd.h>
 
 namespace tilewright {
 
@@ -18,24 +17,27 @@ QString waylandSocketPath(const QProcessEnvironment& environment) {
     return folder.isEmpty() || name.isEmpty() ? QString() : folder + u'/' + name;
 }
 
-bool isWaylandCompositorThere(const QProcessEnvironment& environment) {
-    if (!environment.value(QStringLiteral("WAYLAND_SOCKET")).isEmpty())
-        return true;
-    const QByteArray path = QFile::encodeName(waylandSocketPath(environment));
+WaylandSocketResult connectToWaylandSocket(const QString& socketPath) {
+    using Outcome = WaylandSocketResult::Outcome;
+    const QByteArray path = QFile::encodeName(socketPath);
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     if (path.isEmpty() || static_cast<std::size_t>(path.size()) >= sizeof address.sun_path)
-        return false;
+        return {Outcome::nobody, {}};
     std::memcpy(address.sun_path, path.constData(), static_cast<std::size_t>(path.size()));
-    const int descriptor = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
-    if (descriptor < 0)
-        return false;
-    const bool isThere =
-        ::connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 ||
-        // Full of others who wait for their turn.
-        errno == EAGAIN;
-    ::close(descriptor);
-    return isThere;
+    FileDescriptor descriptor(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    if (!descriptor.isOpen())
+        return {Outcome::nobody, {}};
+    if (::connect(descriptor.number(), reinterpret_cast<const sockaddr*>(&address),
+                  sizeof address) == 0)
+        return {Outcome::connected, std::move(descriptor)};
+    return {errno == EAGAIN ? Outcome::crowded : Outcome::nobody, {}};
+}
+
+bool isWaylandCompositorThere(const QProcessEnvironment& environment) {
+    return !environment.value(QStringLiteral("WAYLAND_SOCKET")).isEmpty() ||
+           connectToWaylandSocket(waylandSocketPath(environment)).outcome !=
+               WaylandSocketResult::Outcome::nobody;
 }
 
 } // namespace tilewright
