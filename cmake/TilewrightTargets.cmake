@@ -2,9 +2,10 @@
 
 add_library(tilewright_options INTERFACE)
 target_compile_features(tilewright_options INTERFACE cxx_std_20)
-target_compile_options(tilewright_options INTERFACE
-  -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wnon-virtual-dtor
-  -Wold-style-cast -Woverloaded-virtual -Wcast-align -Wnull-dereference -Wimplicit-fallthrough)
+# What others have a tool generate, C all of it, keeps no rules of ours.
+target_compile_options(tilewright_options INTERFACE "$<$<COMPILE_LANGUAGE:CXX,OBJCXX>:\
+-Wall;-Wextra;-Wpedantic;-Wconversion;-Wsign-conversion;-Wshadow;-Wnon-virtual-dtor;\
+-Wold-style-cast;-Woverloaded-virtual;-Wcast-align;-Wnull-dereference;-Wimplicit-fallthrough>")
 target_compile_definitions(tilewright_options INTERFACE
   QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS QT_NO_FOREACH
   QT_NO_URL_CAST_FROM_STRING)

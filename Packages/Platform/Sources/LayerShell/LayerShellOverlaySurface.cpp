@@ -1,0 +1,221 @@
+#include "LayerShellOverlaySurface.h"
+
+#include <QWidget>
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace tilewright {
+
+namespace {
+
+QSize scaled(QSize size, double scale) {
+    return {static_cast<int>(std::lround(size.width() * scale)),
+            static_cast<int>(std::lround(size.height() * scale))};
+}
+
+/// The pixels that a region of the view touches.
+QRegion pixelsOf(const QRegion& region, double scale, QSize pixels) {
+    QRegion touched;
+    for (const QRect& rect : region)
+        touched +=
+            QRectF(rect.x() * scale, rect.y() * scale, rect.width() * scale, rect.height() * scale)
+                .toAlignedRect();
+    return touched & QRect(QPoint(), pixels);
+}
+
+void render(QWidget& widget, const QRegion& region, double scale, QImage image) {
+    image.setDevicePixelRatio(scale);
+    widget.render(&image, region.boundingRect().topLeft(), region, QWidget::RenderFlags());
+}
+
+} // namespace
+
+LayerShellOverlaySurface::LayerShellOverlaySurface(WaylandConnection& connection,
+                                                   WaylandOutputs& outputs, OutputOf outputOf,
+                                                   MainLoop& loop,
+                                                   std::shared_ptr<OverlayView> view)
+    : connection_(connection)
+    , outputs_(outputs)
+    , outputOf_(std::move(outputOf))
+    , loop_(loop)
+    , view_(std::move(view)) {
+    view_->setRendering(OverlayRendering::translucent);
+    following_ = {
+        QObject::connect(&connection_, &WaylandConnection::lost,
+                         [this] {
+                             end();
+                             buffers_.reset();
+                         }),
+        QObject::connect(&outputs_, &WaylandOutputs::changed, [this] { followOutputs(); }),
+    };
+}
+
+LayerShellOverlaySurface::~LayerShellOverlaySurface() {
+    for (const QMetaObject::Connection& connection : following_)
+        QObject::disconnect(connection);
+    view_->setRepaint({});
+}
+
+void LayerShellOverlaySurface::setScreen(const ScreenPtr& screen) {
+    if (!screen)
+        return;
+    screen_ = screen;
+    if (!isShown_)
+        return;
+    followOutputs();
+    // What the layout has become counts now, not only once its change has come round the loop.
+    repaint(view_->widget().rect());
+    paint();
+}
+
+void LayerShellOverlaySurface::orderFront() {
+    isShown_ = true;
+    view_->setRepaint([this](const QRegion& region) { repaint(region); });
+    begin();
+}
+
+void LayerShellOverlaySurface::orderOut() {
+    isShown_ = false;
+    view_->setRepaint({});
+    view_->finishAnimations();
+    if (!surface_)
+        return;
+    end();
+    connection_.flush();
+    keepPixelsForAWhile();
+}
+
+void LayerShellOverlaySurface::prepare(const ScreenPtr& screen) {
+    if (surface_ || !screen || !connection_.globals().canShowLayers())
+        return;
+    const WaylandOutput* output = outputOf_(*screen);
+    if (!output)
+        return;
+    const double scale = scaleFor(*output);
+    makePixels(output->frame.size(), scale);
+    OverlayBuffer* buffer = buffers_->acquire();
+    QWidget& widget = view_->widget();
+    const QRegion stale = buffer ? buffer->stale & widget.rect() : QRegion();
+    if (!stale.isEmpty()) {
+        render(widget, stale, scale, buffer->image());
+        buffers_->noteShown(*buffer, stale);
+    }
+    connection_.flush();
+    keepPixelsForAWhile();
+}
+
+void LayerShellOverlaySurface::begin() {
+    if (surface_ || !isShown_ || !screen_ || !connection_.globals().canShowLayers())
+        return;
+    const WaylandOutput* output = outputOf_(*screen_);
+    wl_output* object = output ? outputs_.object(output->number) : nullptr;
+    if (!object)
+        return;
+    output_ = *output;
+    preferredScale_ = 1;
+    size_ = {};
+    dirty_ = {};
+    LayerSurface::Owner& owner = *this;
+    surface_ = std::make_unique<LayerSurface>(
+        connection_, LayerSurface::Wish{"tilewright-overlay", object, {}}, owner);
+    connection_.flush();
+}
+
+void LayerShellOverlaySurface::end() {
+    surface_.reset();
+    size_ = {};
+    dirty_ = {};
+}
+
+void LayerShellOverlaySurface::followOutputs() {
+    if (!isShown_)
+        return;
+    const WaylandOutput* output = screen_ ? outputOf_(*screen_) : nullptr;
+    if (surface_ && (!output || output->number != output_.number))
+        end();
+    if (!surface_) {
+        begin();
+        return;
+    }
+    output_ = *output;
+    if (!size_.isEmpty())
+        surfaceResized(size_);
+}
+
+double LayerShellOverlaySurface::scaleFor(const WaylandOutput& output) const {
+    // Compositors tell what they prefer only once the surface is on the output, some of them after
+    // its first picture. The output's own pixels are known before.
+    const double scale = std::max(output.pixelsPerUnit(), preferredScale_);
+    const bool isFree = connection_.globals().viewporter != nullptr;
+    return isFree ? std::clamp(scale, 1.0, 8.0) : output.wholeScale;
+}
+
+void LayerShellOverlaySurface::makePixels(QSize size, double scale) {
+    releasing_.reset();
+    scale_ = scale;
+    view_->widget().resize(size);
+    const QSize pixels = scaled(size, scale);
+    if (!buffers_ || buffers_->pixels() != pixels)
+        buffers_ = std::make_unique<OverlayBuffers>(connection_, pixels, [this] { paint(); });
+}
+
+void LayerShellOverlaySurface::surfaceResized(QSize size) {
+    size_ = size;
+    makePixels(size, scaleFor(output_));
+    dirty_ = view_->widget().rect();
+    paint();
+}
+
+void LayerShellOverlaySurface::surfaceScaled(double pixelsPerUnit) {
+    const double before = scaleFor(output_);
+    preferredScale_ = pixelsPerUnit;
+    if (!size_.isEmpty() && scaleFor(output_) != before)
+        surfaceResized(size_);
+}
+
+void LayerShellOverlaySurface::surfaceClosed() {
+    end();
+    keepPixelsForAWhile();
+    // Perhaps the compositor has another place for it already; else an output will come.
+    loop_.post(life_.guard([this] { begin(); }));
+}
+
+void LayerShellOverlaySurface::repaint(const QRegion& region) {
+    if (size_.isEmpty())
+        return;
+    dirty_ += region;
+    if (std::exchange(isPaintPosted_, true))
+        return;
+    loop_.post(life_.guard([this] {
+        isPaintPosted_ = false;
+        paint();
+    }));
+}
+
+void LayerShellOverlaySurface::paint() {
+    QWidget& widget = view_->widget();
+    if (!surface_ || size_.isEmpty() || !buffers_ || dirty_.isEmpty())
+        return;
+    // Without one, the next to be released is painted with all that has changed until then.
+    OverlayBuffer* buffer = buffers_->acquire();
+    if (!buffer)
+        return;
+    const QRegion changed = std::exchange(dirty_, {});
+    const QRegion outdated = (changed + buffer->stale) & widget.rect();
+    render(widget, outdated, scale_, buffer->image());
+    surface_->show(buffer->object(), buffers_->pixels(),
+                   pixelsOf(changed, scale_, buffers_->pixels()));
+    buffer->setBusy();
+    buffers_->noteShown(*buffer, changed);
+    connection_.flush();
+}
+
+void LayerShellOverlaySurface::keepPixelsForAWhile() {
+    releasing_ = ScopedTimer(loop_.scheduleOnce(pixelsKept, [this] {
+        buffers_.reset();
+        connection_.flush();
+    }));
+}
+
+} // namespace tilewright

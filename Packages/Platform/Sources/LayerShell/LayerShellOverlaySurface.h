@@ -1,0 +1,84 @@
+#pragma once
+
+#include "LayerSurface.h"
+#include "OverlayBuffers.h"
+#include "WaylandConnection.h"
+#include "WaylandOutputs.h"
+
+#include <Platform/Lifetime.h>
+#include <Platform/MainLoop.h>
+#include <Platform/OverlaySurface.h>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+
+namespace tilewright {
+
+/// The overlay as a layer surface of its own, painted by the view: it stays above full-screen
+/// windows and panels, takes no focus, and lets clicks and a compositor's drag through.
+///
+/// The surface is made for each showing, its pixels are kept for a while after it is hidden. Only
+/// what has changed is painted, never into what the compositor may be reading. What the compositor
+/// ends (the display is gone, or it has ended itself) is made anew as soon as that is possible.
+/// Main thread only.
+class LayerShellOverlaySurface final : public OverlaySurface, private LayerSurface::Owner {
+public:
+    /// Which of the compositor's outputs a display is; null where it is none of them now.
+    using OutputOf = std::function<const WaylandOutput*(const Screen&)>;
+
+    /// How long the pixels are kept while the surface is hidden.
+    static constexpr std::chrono::seconds pixelsKept{60};
+
+    /// All but the view have to outlive the surface.
+    LayerShellOverlaySurface(WaylandConnection& connection, WaylandOutputs& outputs,
+                             OutputOf outputOf, MainLoop& loop, std::shared_ptr<OverlayView> view);
+    ~LayerShellOverlaySurface() override;
+
+    void setScreen(const ScreenPtr& screen) override;
+    void orderFront() override;
+    void orderOut() override;
+
+    /// Allocates and paints the pixels for a screen now, so that a showing on it that may follow
+    /// soon need not. For the moment in which a drag begins.
+    void prepare(const ScreenPtr& screen);
+
+private:
+    void surfaceResized(QSize size) override;
+    void surfaceScaled(double pixelsPerUnit) override;
+    void surfaceClosed() override;
+
+    void begin();
+    void end();
+    void followOutputs();
+    /// Takes pixels of the size that the view has on an output of this size.
+    void makePixels(QSize size, double scale);
+    void repaint(const QRegion& region);
+    void paint();
+    [[nodiscard]] double scaleFor(const WaylandOutput& output) const;
+    void keepPixelsForAWhile();
+
+    WaylandConnection& connection_;
+    WaylandOutputs& outputs_;
+    const OutputOf outputOf_;
+    MainLoop& loop_;
+    const std::shared_ptr<OverlayView> view_;
+    ScreenPtr screen_;
+    bool isShown_ = false;
+    /// The output beneath the surface, as it was when the surface was made.
+    WaylandOutput output_;
+    std::unique_ptr<LayerSurface> surface_;
+    /// What the compositor has decided; empty before.
+    QSize size_;
+    double preferredScale_ = 1;
+    double scale_ = 1;
+    std::unique_ptr<OverlayBuffers> buffers_;
+    /// What has to be painted.
+    QRegion dirty_;
+    bool isPaintPosted_ = false;
+    ScopedTimer releasing_;
+    std::vector<QMetaObject::Connection> following_;
+    Lifetime life_;
+};
+
+} // namespace tilewright
