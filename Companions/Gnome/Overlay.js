@@ -13,20 +13,46 @@ function colorOf(value) {
     return `rgba(${channel(red)},${channel(green)},${channel(blue)},${numberWithin(alpha, 0, 1).toFixed(4)})`;
 }
 
-/** A tile as it is told, checked: its place, its style and its opacity. */
-function tileOf(value, transition) {
-    const [x, y, width, height, radius, fill, border, borderWidth, opacity] = arrayOf(value, 9);
+/** The style of a rounded rectangle with a border. */
+function styleOf(fill, border, borderWidth, radius, transition) {
     // Lengths in style sheets are in points where the stage is in pixels.
     const {scale_factor: scale} = St.ThemeContext.get_for_stage(global.stage);
-    const length = (number, most) => `${(numberWithin(number, 0, most) / scale).toFixed(2)}px`;
+    const length = number => `${(number / scale).toFixed(2)}px`;
+    return `background-color:${fill};border:${length(borderWidth)} solid ${border};` +
+        `border-radius:${length(radius)};transition-duration:${transition}ms;`;
+}
+
+/** A tile's lines as they are told, each within the one before: places in the tile, and styles. */
+function linesOf(value, {width, height}, radius, borderWidth, transition) {
+    let inset = borderWidth;
+    return arrayOf(value, 2).map(line => {
+        const [lineWidth, color] = arrayOf(line, 2);
+        const start = Math.round(inset);
+        inset += numberWithin(lineWidth, 0, WIDEST_BORDER);
+        return {
+            place: {x: start, y: start, width: Math.max(0, width - 2 * start), height: Math.max(0, height - 2 * start)},
+            style: styleOf('transparent', colorOf(color), inset - start, Math.max(0, radius - start), transition),
+        };
+    });
+}
+
+/** A tile as it is told, checked: its place, its style and its opacity, and the lines in it. */
+function tileOf(value, lines, transition) {
+    const [x, y, width, height, radius, fill, border, borderWidth, opacity] = arrayOf(value, 9);
+    const place = rectOf([x, y, width, height]);
+    numberWithin(radius, 0, LARGEST_RADIUS);
+    numberWithin(borderWidth, 0, WIDEST_BORDER);
     return {
-        place: rectOf([x, y, width, height]),
-        style: `background-color:${colorOf(fill)};` +
-            `border:${length(borderWidth, WIDEST_BORDER)} solid ${colorOf(border)};` +
-            `border-radius:${length(radius, LARGEST_RADIUS)};` +
-            `transition-duration:${transition}ms;`,
+        place,
+        style: styleOf(colorOf(fill), colorOf(border), borderWidth, radius, transition),
         opacity: Math.round(numberWithin(opacity, 0, 1) * 255),
+        lines: linesOf(lines, place, radius, borderWidth, transition),
     };
+}
+
+/** An actor that draws a tile, or a line in one. */
+function actorFor({place, style, opacity = 255}) {
+    return new St.Widget({...place, reactive: false, style, opacity});
 }
 
 /** The zones, drawn above everything on one display. The pointer goes through. */
@@ -52,7 +78,8 @@ class Overlay {
         const transition = Math.round(numberWithin(command.transition, 0, LONGEST_TRANSITION));
         if (!Array.isArray(command.tiles) || command.tiles.length > MOST_TILES)
             throw new TypeError('no tiles, or too many');
-        const tiles = command.tiles.map(tile => tileOf(tile, transition));
+        const lines = arrayOf(command.lines, command.tiles.length);
+        const tiles = command.tiles.map((tile, index) => tileOf(tile, lines[index], transition));
         if (Main.overview.visible)
             return;
         if (this._isShownAt(area, tiles))
@@ -77,8 +104,12 @@ class Overlay {
     _build(area, tiles) {
         this.hide();
         this._surface = new St.Widget({...area, reactive: false, clip_to_allocation: true});
-        for (const {place, style, opacity} of tiles)
-            this._surface.add_child(new St.Widget({...place, reactive: false, style, opacity}));
+        for (const tile of tiles) {
+            const actor = actorFor(tile);
+            for (const line of tile.lines)
+                actor.add_child(actorFor(line));
+            this._surface.add_child(actor);
+        }
         this._area = area;
         this._tiles = tiles;
         // Above the bar, menus and windows of the whole screen.
@@ -86,13 +117,14 @@ class Overlay {
     }
 
     _restyle(tiles, transition) {
-        tiles.forEach(({style, opacity}, index) => {
+        tiles.forEach(({style, opacity, lines}, index) => {
             const before = this._tiles[index];
             const actor = this._surface.get_child_at_index(index);
             if (style !== before.style)
                 actor.set_style(style);
             if (opacity !== before.opacity)
                 actor.ease({opacity, duration: transition, mode: Clutter.AnimationMode.EASE_OUT});
+            lines.forEach((line, number) => actor.get_child_at_index(number).set({...line.place, style: line.style}));
         });
         this._tiles = tiles;
     }

@@ -19,6 +19,12 @@ QJsonArray tile(const QRect& place, bool isHighlighted) {
     return tile;
 }
 
+/// Beside a tile's border: two wide and one wide.
+QJsonArray lines(bool isHighlighted) {
+    return {QJsonArray{isHighlighted ? 0 : 2, QJsonArray{200, 200, 200, 1}},
+            QJsonArray{1, QJsonArray{0, 0, 0, 1}}};
+}
+
 } // namespace
 
 const QColor CompanionTest::ground(0x20, 0x40, 0x60);
@@ -31,7 +37,9 @@ QJsonObject CompanionTest::overlay(int highlightedZone, int transition) {
             {QStringLiteral("area"), numbers({0, 0, 1920, 1080})},
             {QStringLiteral("transition"), transition},
             {QStringLiteral("tiles"), QJsonArray{tile(leftZone, highlightedZone == 0),
-                                                 tile(rightZone, highlightedZone == 1)}}};
+                                                 tile(rightZone, highlightedZone == 1)}},
+            {QStringLiteral("lines"),
+             QJsonArray{lines(highlightedZone == 0), lines(highlightedZone == 1)}}};
 }
 
 void CompanionTest::snapWithControl() {

@@ -30,9 +30,21 @@ TEST_P(CompanionDrag, ShowsTheZonesExactlyAndEndsInTheZonesFrame) {
     EXPECT_EQ(picture.pixelColor(8, 1071).name(), ground.name());
     EXPECT_EQ(picture.pixelColor(8, 1000).name(), border.name());
     EXPECT_EQ(picture.pixelColor(7, 1000).name(), ground.name());
+    // The highlighted tile's border and its one line, and the other tile's border and two lines.
+    EXPECT_EQ(picture.pixelColor(12, 1000).name(), QStringLiteral("#000000"));
+    EXPECT_TRUE(isNear(picture.pixelColor(13, 1000), highlighted));
+    const auto halfOver = [](QColor beneath, int grey) {
+        return QColor((beneath.red() + grey) / 2, (beneath.green() + grey) / 2,
+                      (beneath.blue() + grey) / 2);
+    };
+    EXPECT_TRUE(isNear(picture.pixelColor(971, 1000), halfOver(plain, 200)));
+    EXPECT_TRUE(isNear(picture.pixelColor(972, 1000), halfOver(plain, 0)));
+    EXPECT_TRUE(isNear(picture.pixelColor(973, 1000), plain));
 
     session.input().glide({1500, 500});
     EXPECT_TRUE(waitUntil([&] { return isHighlighted(inRightTile); }));
+    EXPECT_EQ(session.pixel({971, 1000}).name(), border.name()) << "the line makes room for it";
+    EXPECT_EQ(session.pixel({972, 1000}).name(), QStringLiteral("#000000"));
     session.input().release();
     EXPECT_TRUE(waitUntil([&] { return session.frame(title) == rightZone; })) << session.describe();
     session.input().releaseKey(KernelKey::control);

@@ -47,6 +47,11 @@ inline Shade shadeOf(const QColor& color) {
     return {color.redF(), color.greenF(), color.blueF()};
 }
 
+inline QColor colorOf(const Shade& shade) {
+    return QColor::fromRgbF(static_cast<float>(shade.red), static_cast<float>(shade.green),
+                            static_cast<float>(shade.blue));
+}
+
 /// Whether the colours are the same but for the rounding of 8-bit channels.
 inline ::testing::AssertionResult looksLike(const Shade& actual, const Shade& expected) {
     const double difference =
@@ -108,9 +113,7 @@ protected:
     QImage pictureOver(const Shade& ground, double scale = 1) {
         const QImage overlay = picture(scale);
         QImage image(overlay.size(), QImage::Format_ARGB32_Premultiplied);
-        image.fill(QColor::fromRgbF(static_cast<float>(ground.red),
-                                    static_cast<float>(ground.green),
-                                    static_cast<float>(ground.blue)));
+        image.fill(colorOf(ground));
         return blended(overlay, image);
     }
 

@@ -12,16 +12,15 @@ namespace {
 class OverlayPictureTest : public OverlayFixture {
 protected:
     [[nodiscard]] OverlayPicture valuesNow() const { return view.picture(display); }
-    /// The colour of a point over a ground, worked out from the values alone.
+    /// The colour of a point over a ground, worked out from the values alone: of a line or, where
+    /// there is none, of the fill.
     [[nodiscard]] static Shade shadeOver(const Shade& ground, const OverlayPictureTile& tile,
-                                         bool onBorder) {
+                                         const OverlayColor& line = {}) {
         const auto shade = [](const OverlayColor& color) {
             return Shade{color.red, color.green, color.blue};
         };
-        Shade inside = over(shade(tile.fill), tile.fill.opacity, ground);
-        if (onBorder)
-            inside = over(shade(tile.border), tile.border.opacity, inside);
-        return over(inside, tile.opacity, ground);
+        const Shade fill = over(shade(tile.fill), tile.fill.opacity, ground);
+        return over(over(shade(line), line.opacity, fill), tile.opacity, ground);
     }
     [[nodiscard]] static Shade pixel(const QImage& image, double x, double y) {
         return shadeOf(image.pixelColor(static_cast<int>(x), static_cast<int>(y)));
@@ -72,11 +71,17 @@ TEST_F(OverlayPictureTest, HasTheNumbersOfTheTwoStates) {
     EXPECT_EQ(plain.borderWidth, 1);
     EXPECT_NEAR(plain.border.opacity, 0.4, 0.001);
     EXPECT_EQ(plain.border.red, 1);
+    EXPECT_EQ(plain.light.width, 1);
+    EXPECT_EQ(plain.light.color.red, 1);
+    EXPECT_EQ(plain.dark.width, 1);
+    EXPECT_EQ(plain.dark.color.red, 0);
     const OverlayPictureTile& highlighted = picture.tiles.at(1);
     EXPECT_TRUE(highlighted.isHighlighted);
     EXPECT_EQ(highlighted.opacity, 1);
     EXPECT_EQ(highlighted.borderWidth, 3);
     EXPECT_EQ(highlighted.border.opacity, 1);
+    EXPECT_EQ(highlighted.light.width, 0) << "the accent is light enough";
+    EXPECT_EQ(highlighted.dark.width, 1);
     EXPECT_NEAR(highlighted.border.red, 0.82, 0.001);
     EXPECT_NEAR(highlighted.border.green, 0.55, 0.001);
     EXPECT_NEAR(highlighted.border.blue, 0.20, 0.001);
@@ -91,11 +96,17 @@ TEST_F(OverlayPictureTest, IsWhatTheViewPaints) {
         for (const OverlayPictureTile& tile : valuesNow().tiles) {
             const double middle = tile.y + tile.height / 2;
             EXPECT_TRUE(looksLike(pixel(painted, tile.x + tile.width / 2, middle),
-                                  shadeOver(ground, tile, false)));
-            EXPECT_TRUE(looksLike(pixel(painted, tile.x, middle), shadeOver(ground, tile, true)));
-            EXPECT_TRUE(looksLike(pixel(painted, tile.x + tile.borderWidth, middle),
-                                  shadeOver(ground, tile, false)))
-                << "inside the border";
+                                  shadeOver(ground, tile)));
+            double x = tile.x;
+            for (const OverlayPictureLine& line :
+                 {OverlayPictureLine{tile.borderWidth, tile.border}, tile.light, tile.dark}) {
+                for (const double end = x + line.width; x < end; ++x)
+                    EXPECT_TRUE(
+                        looksLike(pixel(painted, x, middle), shadeOver(ground, tile, line.color)))
+                        << x - tile.x << " from the edge";
+            }
+            EXPECT_TRUE(looksLike(pixel(painted, x, middle), shadeOver(ground, tile)))
+                << "inside the lines";
             EXPECT_TRUE(looksLike(pixel(painted, tile.x - 1, middle), ground)) << "outside";
         }
     }

@@ -1,5 +1,7 @@
 #include "OverlayFixture.h"
 
+#include <TilewrightUI/Contrast.h>
+
 #include <QLinearGradient>
 #include <QRandomGenerator>
 #include <limits>
@@ -36,6 +38,14 @@ protected:
         highlight(zone(1).id);
     }
 
+    /// The overlay over a ground where its window is cut to what it draws.
+    QImage cutOver(QImage ground, const QImage& overlay, int scale) {
+        QPainter painter(&ground);
+        painter.setClipRegion(QTransform::fromScale(scale, scale).map(view.outline()));
+        painter.drawImage(0, 0, overlay);
+        return ground;
+    }
+
     void expectShades(const Shade& ground, double scale) {
         const QImage image = pictureOver(ground, scale);
         const auto at = [&](double x, double y) {
@@ -62,8 +72,26 @@ int downwardRunOf(const QImage& image, int x, int y, const Shade& shade) {
     return runOf(image.transformed(QTransform(0, 1, 1, 0, 0, 0)), y, x, shade);
 }
 
-/// Looks at the image's top-left corner, in pixels.
-void expectRoundCorner(const QImage& image, int radius, int border, double borderAlpha,
+/// The greatest contrast of two neighbours on the way from outside a tile at (x, y), over its
+/// border and lines, into it, rightward. `apart` says how many pixels a neighbour is away.
+double greatestContrast(const QImage& image, int x, int y, int length, int apart = 1) {
+    double greatest = 1;
+    for (int step = 0; step < length; ++step)
+        greatest = std::max(greatest, look::contrast(image.pixelColor(x + step, y),
+                                                     image.pixelColor(x + step + apart, y)));
+    return greatest;
+}
+
+/// White, black and 14 greys between them.
+std::vector<Shade> sixteenGrounds() {
+    std::vector<Shade> grounds;
+    for (int step = 0; step < 16; ++step)
+        grounds.push_back({step / 15.0, step / 15.0, step / 15.0});
+    return grounds;
+}
+
+/// Looks at the image's top-left corner, in pixels. The lines lie between border and fill.
+void expectRoundCorner(const QImage& image, int radius, int border, int lines, double borderAlpha,
                        double fillAlpha) {
     for (int y = 0; y < radius; ++y) {
         for (int x = 0; x < radius; ++x) {
@@ -71,7 +99,7 @@ void expectRoundCorner(const QImage& image, int radius, int border, double borde
             const int alpha = qAlpha(image.pixel(x, y));
             if (distance > radius + 0.8) {
                 EXPECT_EQ(alpha, 0) << x << ", " << y;
-            } else if (distance < radius - border - 0.8) {
+            } else if (distance < radius - border - lines - 0.8) {
                 EXPECT_NEAR(alpha, fillAlpha * 255, 1.5) << x << ", " << y;
             } else if (distance < radius - 0.8 && distance > radius - border + 0.8) {
                 EXPECT_NEAR(alpha, borderAlpha * 255, 1.5) << x << ", " << y;
@@ -178,14 +206,16 @@ TEST_F(OverlayPixels, RoundEachCornerByARadiusOfSixteenPoints) {
     struct Look {
         QRect tile;
         int border;
+        int lines;
         double borderAlpha;
         double fillAlpha;
     };
     const std::vector<Look> looks{{{4, 4, 492, 792},
                                    1,
+                                   2,
                                    (0.4 + (neutralOpacity * 0.6)) * plainOpacity,
                                    neutralOpacity * plainOpacity},
-                                  {{504, 4, 492, 792}, 3, 1, 0.28}};
+                                  {{504, 4, 492, 792}, 3, 1, 1, 0.28}};
     for (const int scale : {1, 2}) {
         for (const Look& look : looks) {
             const QImage tile =
@@ -193,7 +223,8 @@ TEST_F(OverlayPixels, RoundEachCornerByARadiusOfSixteenPoints) {
             for (const bool fromTheRight : {false, true}) {
                 for (const bool fromBelow : {false, true})
                     expectRoundCorner(tile.mirrored(fromTheRight, fromBelow), 16 * scale,
-                                      look.border * scale, look.borderAlpha, look.fillAlpha);
+                                      look.border * scale, look.lines * scale, look.borderAlpha,
+                                      look.fillAlpha);
             }
         }
     }
@@ -202,27 +233,60 @@ TEST_F(OverlayPixels, RoundEachCornerByARadiusOfSixteenPoints) {
 TEST_F(OverlayPixels, KeepTheirWidthsAndGapsWhereTheyAreCutToTheirBorders) {
     view.setRendering(OverlayRendering::shaped);
     const Shade plain = over(white, 0.4, neutral);
+    const Shade dark = over(black, 0.9, neutral);
     for (const int scale : {1, 2}) {
         const QImage overlay = picture(scale);
         QImage image(overlay.size(), QImage::Format_ARGB32_Premultiplied);
-        image.fill(Qt::black);
-        QPainter painter(&image);
-        painter.setClipRegion(QTransform::fromScale(scale, scale).map(view.outline()));
-        painter.drawImage(0, 0, overlay);
-        painter.end();
+        image.fill(Qt::white);
+        image = cutOver(image, overlay, scale);
         const int middle = 400 * scale;
-        EXPECT_EQ(runOf(image, 0, middle, black), 4 * scale);
+        EXPECT_EQ(runOf(image, 0, middle, white), 4 * scale);
         EXPECT_EQ(runOf(image, 4 * scale, middle, plain), scale);
-        EXPECT_EQ(runOf(image, 5 * scale, middle, black), 490 * scale);
+        EXPECT_EQ(runOf(image, 5 * scale, middle, dark), scale);
+        EXPECT_EQ(runOf(image, 6 * scale, middle, white), 488 * scale);
+        EXPECT_EQ(runOf(image, 494 * scale, middle, dark), scale);
         EXPECT_EQ(runOf(image, 495 * scale, middle, plain), scale);
-        EXPECT_EQ(runOf(image, 496 * scale, middle, black), 8 * scale);
+        EXPECT_EQ(runOf(image, 496 * scale, middle, white), 8 * scale);
         EXPECT_EQ(runOf(image, 504 * scale, middle, amber), 3 * scale);
-        EXPECT_EQ(runOf(image, 507 * scale, middle, black), 486 * scale);
+        EXPECT_EQ(runOf(image, 507 * scale, middle, dark), scale);
+        EXPECT_EQ(runOf(image, 508 * scale, middle, white), 484 * scale);
         EXPECT_EQ(runOf(image, 993 * scale, middle, amber), 3 * scale);
-        EXPECT_EQ(runOf(image, 996 * scale, middle, black), 4 * scale);
-        EXPECT_EQ(downwardRunOf(image, 250 * scale, 0, black), 4 * scale);
+        EXPECT_EQ(runOf(image, 996 * scale, middle, white), 4 * scale);
+        EXPECT_EQ(downwardRunOf(image, 250 * scale, 0, white), 4 * scale);
         EXPECT_EQ(downwardRunOf(image, 250 * scale, 4 * scale, plain), scale);
+        EXPECT_EQ(downwardRunOf(image, 250 * scale, 5 * scale, dark), scale);
         EXPECT_EQ(downwardRunOf(image, 750 * scale, 793 * scale, amber), 3 * scale);
+    }
+}
+
+TEST_F(OverlayPixels, StandOutFromWhiteBlackAndEachGreyBetween) {
+    for (const Shade& ground : sixteenGrounds()) {
+        for (const double scale : {1.0, 1.25, 1.5, 2.0}) {
+            const QImage image = pictureOver(ground, scale);
+            // Between two lines lies a pixel of half their hues where a point is a broken number.
+            const int apart = scale == std::floor(scale) ? 1 : 2;
+            for (const int edge : {0, 500}) {
+                EXPECT_GE(greatestContrast(image, qRound(edge * scale), qRound(400 * scale),
+                                           qRound(20 * scale), apart),
+                          3)
+                    << "ground " << ground.red << ", scale " << scale << ", tile at " << edge;
+            }
+        }
+    }
+}
+
+TEST_F(OverlayPixels, StandOutFromEachOfThemWhereTheyAreCutToTheirBorders) {
+    view.setRendering(OverlayRendering::shaped);
+    for (const Shade& ground : sixteenGrounds()) {
+        for (const int scale : {1, 2}) {
+            const QImage overlay = picture(scale);
+            QImage image(overlay.size(), QImage::Format_ARGB32_Premultiplied);
+            image.fill(colorOf(ground));
+            image = cutOver(image, overlay, scale);
+            for (const int edge : {0, 500})
+                EXPECT_GE(greatestContrast(image, edge * scale, 400 * scale, 20 * scale), 3)
+                    << "ground " << ground.red << ", scale " << scale << ", tile at " << edge;
+        }
     }
 }
 
@@ -256,9 +320,10 @@ TEST_F(OverlayPixels, AreCrispWhereAZonesEdgesFallBetweenPixels) {
         const int y = image.height() / 4;
         for (int x = 0; x < image.width(); ++x)
             alphas.insert(qAlpha(image.pixel(x, y)));
-        // Nothing, the fill and the border; a border of a broken number of pixels has one half hue.
+        // Nothing, the fill, the border and the two lines; a border of a broken number of pixels
+        // has one half hue.
         const bool isWhole = scale == std::floor(scale);
-        EXPECT_EQ(alphas.size(), isWhole ? 3U : 4U) << scale;
+        EXPECT_EQ(alphas.size(), isWhole ? 5U : 6U) << scale;
     }
 }
 

@@ -298,10 +298,10 @@ TEST_F(SnapOverlayViewTest, TellsTheSurfaceOfChangedAreas) {
     EXPECT_EQ(changes, 3);
 }
 
-TEST_F(ShapedOverlay, IsTheBordersAlone) {
+TEST_F(ShapedOverlay, IsTheBordersAndTheirDarkLinesAlone) {
     const QRegion outline = view.outline();
     EXPECT_EQ(outline.boundingRect(), leftTile().united(rightTile()));
-    EXPECT_EQ(widthsAlong(outline, QRect(0, 400, 1000, 1)), (std::vector{1, 1, 1, 1}));
+    EXPECT_EQ(widthsAlong(outline, QRect(0, 400, 1000, 1)), (std::vector{2, 2, 2, 2}));
     EXPECT_FALSE(outline.contains(leftTile().center()));
     EXPECT_FALSE(outline.contains(leftTile().topLeft()));
     EXPECT_TRUE(outline.contains(QPoint(4, 400)));
@@ -310,12 +310,12 @@ TEST_F(ShapedOverlay, IsTheBordersAlone) {
     EXPECT_TRUE(outline.contains(QPoint(250, 795)));
 }
 
-TEST_F(ShapedOverlay, HasABorderOfThreePointsAroundTheHighlightedTile) {
+TEST_F(ShapedOverlay, HasABorderOfThreePointsAndTheLineAroundTheHighlightedTile) {
     highlight(zone(1).id);
     loop().advance(120ms);
     const QRegion outline = view.outline();
-    EXPECT_EQ(widthsAlong(outline, QRect(0, 400, 1000, 1)), (std::vector{1, 1, 3, 3}));
-    EXPECT_EQ(outline.intersected(QRect(750, 0, 1, 100)).boundingRect(), QRect(750, 4, 1, 3));
+    EXPECT_EQ(widthsAlong(outline, QRect(0, 400, 1000, 1)), (std::vector{2, 2, 4, 4}));
+    EXPECT_EQ(outline.intersected(QRect(750, 0, 1, 100)).boundingRect(), QRect(750, 4, 1, 4));
     EXPECT_TRUE(outline.contains(QPoint(504, 400)));
     EXPECT_FALSE(outline.contains(QPoint(503, 400)));
 }

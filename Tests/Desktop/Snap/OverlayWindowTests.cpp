@@ -2,6 +2,7 @@
 #include "DragScript.h"
 
 #include <BareClient.h>
+#include <TilewrightUI/Contrast.h>
 #include <Waiting.h>
 
 #include <gtest/gtest.h>
@@ -30,6 +31,20 @@ struct OverlayWindow : ::testing::Test {
         script->dragTo(inFirstZone);
     }
     QColor pixel(QPoint point) const { return inspector.pixel(point); }
+    /// Gives the bare desktop this colour, and waits until it shows between the tiles.
+    void paintDesktop(const QColor& color) {
+        static_cast<void>(outputOf(QStringLiteral("xsetroot"),
+                                   {QStringLiteral("-solid"), color.name()},
+                                   desktop.environment()));
+        ASSERT_TRUE(waitUntil([&] { return pixel({1, 1}) == color; }));
+    }
+    /// The greatest contrast of two pixels that touch, from a point on in steps.
+    double greatestContrast(QPoint point, QPoint step) const {
+        double greatest = 1;
+        for (int count = 0; count < 20; ++count, point += step)
+            greatest = std::max(greatest, look::contrast(pixel(point), pixel(point + step)));
+        return greatest;
+    }
     /// On the first zone's left border, and on the second's top border.
     static constexpr QPoint onHighlightedBorder{5, 700};
     static constexpr QPoint onPlainBorder{1500, 4};
@@ -120,6 +135,18 @@ TEST_F(OverlayWindow, WithoutACompositorTheDesktopStaysVisibleBetweenOpaqueBorde
     EXPECT_EQ(pixel(inHighlightedTile), otherGround);
     script->drop();
     EXPECT_TRUE(waitUntil([&] { return pixel(onPlainBorder) == ground; }));
+}
+
+TEST_F(OverlayWindow, WithoutACompositorEachTileStandsOutFromEveryGround) {
+    begin(Compositing::off);
+    hold();
+    EXPECT_TRUE(waitUntil([&] { return isAmber(pixel(onHighlightedBorder)); }));
+    for (int grey = 0; grey <= 255; grey += 17) {
+        ASSERT_NO_FATAL_FAILURE(paintDesktop(QColor(grey, grey, grey)));
+        EXPECT_GE(greatestContrast({0, onHighlightedBorder.y()}, {1, 0}), 3) << grey;
+        EXPECT_GE(greatestContrast({onPlainBorder.x(), 0}, {0, 1}), 3) << grey;
+    }
+    script->drop();
 }
 
 TEST_F(OverlayWindow, WithACompositorTheGroundShinesThroughTheTiles) {

@@ -6,6 +6,7 @@
 
 #include <QMargins>
 #include <QString>
+#include <array>
 #include <chrono>
 #include <optional>
 #include <vector>
@@ -22,6 +23,8 @@ struct CompanionTile {
     OverlayColor fill;
     OverlayColor border;
     double borderWidth = 0;
+    /// Beside the border, inward, in this order.
+    std::array<OverlayPictureLine, 2> lines;
     double opacity = 1;
 
     friend bool operator==(const CompanionTile&, const CompanionTile&) = default;

@@ -31,15 +31,21 @@ QJsonArray numbers(const OverlayColor& color) {
 
 QJsonObject written(const CompanionOverlay& overlay) {
     QJsonArray tiles;
+    QJsonArray lines;
     for (const CompanionTile& tile : overlay.tiles) {
         tiles.append(QJsonArray{tile.place.x, tile.place.y, tile.place.width, tile.place.height,
                                 tile.cornerRadius, numbers(tile.fill), numbers(tile.border),
                                 tile.borderWidth, tile.opacity});
+        QJsonArray ofTile;
+        for (const OverlayPictureLine& line : tile.lines)
+            ofTile.append(QJsonArray{line.width, numbers(line.color)});
+        lines.append(ofTile);
     }
     QJsonObject object = command("overlay");
     object[QStringLiteral("area")] = numbers(overlay.area);
     object[QStringLiteral("transition")] = static_cast<qint64>(overlay.transition.count());
     object[QStringLiteral("tiles")] = tiles;
+    object[QStringLiteral("lines")] = lines;
     return object;
 }
 

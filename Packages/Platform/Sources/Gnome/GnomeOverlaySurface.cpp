@@ -31,6 +31,10 @@ private:
     const double unitsPerPoint_;
 };
 
+OverlayPictureLine lineFor(const OverlayPictureLine& line, double units) {
+    return {line.width * units, line.color};
+}
+
 CompanionTile tileFor(const OverlayPictureTile& tile, double units) {
     return {CompanionCoordinates::withRoundEdges(tile.x * units, tile.y * units,
                                                  (tile.x + tile.width) * units,
@@ -39,6 +43,7 @@ CompanionTile tileFor(const OverlayPictureTile& tile, double units) {
             tile.fill,
             tile.border,
             tile.borderWidth * units,
+            {lineFor(tile.light, units), lineFor(tile.dark, units)},
             tile.opacity};
 }
 

@@ -18,9 +18,18 @@ struct OverlayColor {
     friend bool operator==(const OverlayColor&, const OverlayColor&) = default;
 };
 
+/// A line along a tile's edge; it lies over the fill.
+struct OverlayPictureLine {
+    double width = 0;
+    OverlayColor color;
+
+    friend bool operator==(const OverlayPictureLine&, const OverlayPictureLine&) = default;
+};
+
 /// One tile of the overlay, at rest in the state that it is in or on its way to: a rounded
-/// rectangle with a border inside its edge. Lengths are points of the display, places are measured
-/// from its top-left corner, y downward.
+/// rectangle with a border inside its edge, beside that a light line, and beside that a dark one,
+/// without which it would be lost on some grounds. Lengths are points of the display, places are
+/// measured from its top-left corner, y downward.
 struct OverlayPictureTile {
     /// The zone's id: the same tile in the next picture. Several tiles may bear one.
     QUuid id;
@@ -33,6 +42,8 @@ struct OverlayPictureTile {
     /// Lies over the fill.
     OverlayColor border;
     double borderWidth = 0;
+    OverlayPictureLine light;
+    OverlayPictureLine dark;
     /// Of the tile as a whole.
     double opacity = 1;
     bool isHighlighted = false;

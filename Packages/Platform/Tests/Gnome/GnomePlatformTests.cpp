@@ -38,6 +38,8 @@ public:
         tile.height = frame.height - 16;
         tile.cornerRadius = 14;
         tile.borderWidth = isHighlighted ? 3 : 1;
+        tile.light = {isHighlighted ? 0.0 : 1.0, {1, 1, 1, 0.75}};
+        tile.dark = {1, {0, 0, 0, 0.5}};
         picture.tiles = {tile, tile};
         picture.transition = 120ms;
         return picture;
@@ -128,6 +130,10 @@ TEST_F(GnomePartsTest, AnOverlayIsSentInWholeUnitsWithItsEdgesRounded) {
     const QJsonArray tile = shown[QStringLiteral("tiles")].toArray()[0].toArray();
     EXPECT_EQ((QJsonArray{tile[0], tile[1], tile[2], tile[3], tile[4], tile[7]}),
               (QJsonArray{8, 8, 628, 1064, 14, 1}));
+    const QJsonArray light{1, QJsonArray{255, 255, 255, 0.75}};
+    const QJsonArray dark{1, QJsonArray{0, 0, 0, 0.5}};
+    EXPECT_EQ(shown[QStringLiteral("lines")].toArray(),
+              (QJsonArray{QJsonArray{light, dark}, QJsonArray{light, dark}}));
     tiles->isHighlighted = true;
     tiles->changed();
     EXPECT_EQ(command("overlay")[QStringLiteral("tiles")].toArray()[0].toArray()[7].toInt(), 3);
@@ -142,7 +148,9 @@ TEST_F(GnomePartsTest, AnOverlaysLengthsArePointsWhereTheDesktopCountsPixels) {
     GnomeOverlaySurface overlay(state, screens, outbox, std::make_shared<TwoTiles>());
     overlay.setScreen(screens.all().front());
     overlay.orderFront();
-    const QJsonArray tile = command("overlay")[QStringLiteral("tiles")].toArray()[0].toArray();
+    const QJsonObject shown = command("overlay");
+    EXPECT_EQ(shown[QStringLiteral("lines")].toArray()[0].toArray()[1].toArray()[0].toInt(), 2);
+    const QJsonArray tile = shown[QStringLiteral("tiles")].toArray()[0].toArray();
     EXPECT_EQ((QJsonArray{tile[0], tile[1], tile[2], tile[3], tile[4], tile[7]}),
               (QJsonArray{16, 17, 616, 1048, 28, 2}));
 }

@@ -17,6 +17,8 @@ constexpr double margin = 4;
 constexpr double plainBorderWidth = 1;
 constexpr double highlightedBorderWidth = 3;
 constexpr double plainOpacity = 0.5;
+/// Of each of the two lines beside the border.
+constexpr double lineWidth = 1;
 
 double mix(double plain, double highlighted, double highlight) {
     return plain + ((highlighted - plain) * highlight);
@@ -80,6 +82,21 @@ Tone borderTone(double highlight) {
     return mix(plainBorder, Tone(look::tilewrightAmber()), highlight);
 }
 
+// No single colour stands out from every ground, and glass that is not blurred is lost on
+// mid-tones. A light line and a dark one stand out from each other wherever they lie. The accent is
+// light enough to need the dark one only.
+Tone lightTone(double highlight) {
+    return mix(Tone(1, 1, 1, 0.75), Tone(), highlight);
+}
+
+Tone darkTone(double highlight) {
+    return mix(Tone(0, 0, 0, 0.9), Tone(0, 0, 0, 0.6), highlight);
+}
+
+double lightWidth(double highlight) {
+    return mix(lineWidth, 0, highlight);
+}
+
 double borderWidth(double highlight) {
     return mix(plainBorderWidth, highlightedBorderWidth, highlight);
 }
@@ -115,33 +132,33 @@ double radiusFor(const QRectF& rect, double radius) {
 struct PixelTile {
     QRectF outer;
     double radius;
-    double border;
-    QRectF inner;
-    /// Free of the border and of the corners' curves.
+    /// How far from the outer edge the border, the light line and the dark one end, in that order.
+    std::array<double, 3> ends;
+    /// Free of the border, the lines and the corners' curves.
     QRect core;
 
     PixelTile(const QRectF& frame, double highlight, double scale)
         : outer(onPixels(frame, scale))
-        , radius(radiusFor(outer, look::overlayCornerRadius * scale))
-        , border(borderWidth(highlight) * scale)
-        , inner(outer.adjusted(border, border, -border, -border)) {
+        , radius(radiusFor(outer, look::overlayCornerRadius * scale)) {
+        // The border has its exact width. The lines end between pixels, so that they are crisp.
+        const double line = std::max(1.0, roundedEdge(lineWidth * scale));
+        const double plainLight = roundedEdge((plainBorderWidth + lineWidth) * scale);
+        const double highlightedBorder = highlightedBorderWidth * scale;
+        ends = {borderWidth(highlight) * scale, mix(plainLight, highlightedBorder, highlight),
+                mix(plainLight + line, roundedEdge(highlightedBorder) + line, highlight)};
         const int inset = static_cast<int>(std::ceil(look::overlayCornerRadius * scale));
         core = outer.toRect().adjusted(inset, inset, -inset, -inset);
         if (core.isEmpty())
             core = {};
     }
 
-    [[nodiscard]] QPainterPath outerPath() const {
-        QPainterPath path;
-        path.setFillRule(Qt::OddEvenFill);
-        path.addRoundedRect(outer, radius, radius);
-        return path;
-    }
-    void addInner(QPainterPath& path) const {
-        if (inner.isEmpty())
+    /// Adds the outline of what is left within a distance from the outer edge.
+    void addWithin(QPainterPath& path, double distance) const {
+        const QRectF rect = outer.adjusted(distance, distance, -distance, -distance);
+        if (rect.isEmpty())
             return;
-        const double innerRadius = std::max(0.0, radius - border);
-        path.addRoundedRect(inner, innerRadius, innerRadius);
+        const double inner = std::max(0.0, radius - distance);
+        path.addRoundedRect(rect, inner, inner);
     }
     void addCore(QPainterPath& path) const {
         if (!core.isEmpty())
@@ -220,6 +237,8 @@ std::optional<OverlayPictureTile> OverlayTile::values() const {
                               .fill = valuesOf(fillTone(highlight)),
                               .border = valuesOf(borderTone(highlight)),
                               .borderWidth = borderWidth(highlight),
+                              .light = {lightWidth(highlight), valuesOf(lightTone(highlight))},
+                              .dark = {lineWidth, valuesOf(darkTone(highlight))},
                               .opacity = opacityOf(highlight),
                               .isHighlighted = fade.isHighlighted()};
 }
@@ -231,29 +250,38 @@ void OverlayTile::paint(QPainter& painter) const {
     const double highlight = fade.value();
     const double opacity = opacityOf(highlight);
     const Tone fill = fillTone(highlight);
-    const QColor fillColor = fill.color(opacity);
-    const QColor borderColor = borderTone(highlight).over(fill).color(opacity);
     const PixelTile tile(frame_, highlight, scale);
+    struct Band {
+        double start;
+        QColor color;
+    };
+    const auto onFill = [&](const Tone& tone) { return tone.over(fill).color(opacity); };
+    const std::array bands{
+        Band{0, onFill(borderTone(highlight))}, Band{tile.ends[0], onFill(lightTone(highlight))},
+        Band{tile.ends[1], onFill(darkTone(highlight))}, Band{tile.ends[2], fill.color(opacity)}};
 
     painter.save();
     painter.scale(1 / scale, 1 / scale);
     painter.setRenderHint(QPainter::Antialiasing);
-    QPainterPath edge = tile.outerPath();
-    QPainterPath inside;
-    inside.setFillRule(Qt::OddEvenFill);
-    tile.addInner(inside);
-    if (place == Place::alone) {
-        // Replacing blends along an edge exactly, so the fill can be laid into the border.
+    // Replacing blends along an edge exactly, so each band can be laid into the one around it.
+    const bool replaces = place == Place::alone;
+    if (replaces)
         painter.setCompositionMode(QPainter::CompositionMode_Source);
-        tile.addCore(edge);
-    } else {
-        tile.addInner(edge);
+    for (std::size_t index = 0; index < bands.size(); ++index) {
+        const bool isLast = index + 1 == bands.size();
+        if (!isLast && bands[index + 1].start <= bands[index].start)
+            continue;
+        QPainterPath path;
+        path.setFillRule(Qt::OddEvenFill);
+        tile.addWithin(path, bands[index].start);
+        if (replaces || isLast)
+            tile.addCore(path);
+        else
+            tile.addWithin(path, bands[index + 1].start);
+        painter.fillPath(path, bands[index].color);
     }
-    tile.addCore(inside);
-    painter.fillPath(edge, borderColor);
-    painter.fillPath(inside, fillColor);
     if (!tile.core.isEmpty())
-        painter.fillRect(tile.core, fillColor);
+        painter.fillRect(tile.core, bands.back().color);
     painter.restore();
 }
 
@@ -267,21 +295,26 @@ void OverlayTile::paintOpaque(QPainter& painter) const {
     if (frame_.isEmpty())
         return;
     constexpr double beyond = 1.5;
-    const double inward = opaqueBorderWidth() + beyond;
-    const QRectF outer = frame_.adjusted(-beyond, -beyond, beyond, beyond);
-    const QRectF inner = frame_.adjusted(inward, inward, -inward, -inward);
     const double radius = radiusFor(frame_, look::overlayCornerRadius);
-    QPainterPath path;
-    path.setFillRule(Qt::OddEvenFill);
-    path.addRoundedRect(outer, radius + beyond, radius + beyond);
-    if (!inner.isEmpty())
-        path.addRoundedRect(inner, std::max(0.0, radius - inward), std::max(0.0, radius - inward));
-    // The tile's own tones with the transparency taken out: a light grey that is seen over white as
-    // well as over black, and the accent itself.
-    const Tone plain = plainBorder.over(Tone(neutralGrey, neutralGrey, neutralGrey, 1));
-    const Tone tone = mix(plain, Tone(look::tilewrightAmber()), fade.value());
+    const auto fillBand = [&](double start, double end, const Tone& tone) {
+        QPainterPath path;
+        path.setFillRule(Qt::OddEvenFill);
+        for (const double inset : {start, end}) {
+            const QRectF edge = frame_.adjusted(inset, inset, -inset, -inset);
+            const double corner = std::max(0.0, radius - inset);
+            if (!edge.isEmpty())
+                path.addRoundedRect(edge, corner, corner);
+        }
+        painter.fillPath(path, tone.color(1));
+    };
+    // The tile's own tones with the transparency taken out: a light grey, or the accent itself,
+    // beside which the dark line is enough.
+    const Tone glass(neutralGrey, neutralGrey, neutralGrey, 1);
+    const Tone border = mix(plainBorder.over(glass), Tone(look::tilewrightAmber()), fade.value());
     painter.setRenderHint(QPainter::Antialiasing, false);
-    painter.fillPath(path, tone.color(1));
+    fillBand(-beyond, opaqueBorderWidth(), border);
+    fillBand(opaqueBorderWidth(), opaqueBorderWidth() + lineWidth + beyond,
+             darkTone(0).over(glass));
 }
 
 int OverlayTile::opaqueBorderWidth() const {
@@ -292,9 +325,9 @@ QRegion OverlayTile::shape() const {
     return roundedRegion(onPixels(frame_, 1).toRect(), look::overlayCornerRadius);
 }
 
-QRegion OverlayTile::border() const {
+QRegion OverlayTile::outline() const {
     const QRect outer = onPixels(frame_, 1).toRect();
-    const int width = opaqueBorderWidth();
+    const int width = opaqueBorderWidth() + static_cast<int>(lineWidth);
     const QRect inner = outer.adjusted(width, width, -width, -width);
     const double radius = radiusFor(outer, look::overlayCornerRadius) - width;
     return shape().subtracted(roundedRegion(inner, std::max(0.0, radius)));

@@ -16,8 +16,9 @@ class QPainter;
 
 namespace tilewright {
 
-/// One zone as the overlay draws it: a rounded rectangle with a border inside its edge. Lengths and
-/// places are in the overlay's own coordinates, in points.
+/// One zone as the overlay draws it: a rounded rectangle with a border inside its edge, and within
+/// that a light and a dark line, so that it is seen on whatever lies beneath. Lengths and places
+/// are in the overlay's own coordinates, in points.
 class OverlayTile {
 public:
     /// Whether a tile is the only one in its place.
@@ -47,11 +48,11 @@ public:
     /// The part of the painter's device, in its pixels, that `paint` replaces wholly.
     [[nodiscard]] QRect replacedPixels(double pixelsPerPoint) const;
 
-    /// Draws the border alone, opaque, somewhat beyond both its edges: the caller cuts to
-    /// `border()`, and no rounding of that may show what lies between.
+    /// Draws the border and the dark line alone, opaque, somewhat beyond their outer and inner
+    /// edge: the caller cuts to `outline()`, and no rounding of that may show what lies between.
     void paintOpaque(QPainter& painter) const;
-    /// What the border covers when it is drawn without transparency.
-    [[nodiscard]] QRegion border() const;
+    /// What the border and the dark line cover when they are drawn without transparency.
+    [[nodiscard]] QRegion outline() const;
     /// What lies within the tile's outer edge.
     [[nodiscard]] QRegion shape() const;
     /// The border's width in whole points.

@@ -100,7 +100,7 @@ QRegion SnapOverlayView::united(RegionOf regionOf) {
 }
 
 QRegion SnapOverlayView::outline() {
-    return united([](const OverlayTile& tile) { return tile.border(); });
+    return united([](const OverlayTile& tile) { return tile.outline(); });
 }
 
 QRegion SnapOverlayView::blurArea() {
