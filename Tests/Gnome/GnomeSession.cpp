@@ -52,15 +52,13 @@ const char* name(GnomeClient client) {
 }
 
 GnomeSession::GnomeSession(const QString& believedProgram)
-    : witness_(QStringLiteral("gnome-witness-") + folder_.path()) {
+    : witness_(QStringLiteral("gnome-witness-") + home_.path()) {
     setUpEnvironment();
     writeSettings();
     installCompanion(believedProgram);
     const bool isUp =
-        startBus(systemBus_, QStringLiteral("system-bus"),
-                 QStringLiteral("DBUS_SYSTEM_BUS_ADDRESS")) &&
-        startBus(sessionBus_, QStringLiteral("bus"), QStringLiteral("DBUS_SESSION_BUS_ADDRESS")) &&
-        startShell();
+        startBus(systemBus_, QStringLiteral("system-bus"), "DBUS_SYSTEM_BUS_ADDRESS") &&
+        startBus(sessionBus_, QStringLiteral("bus"), "DBUS_SESSION_BUS_ADDRESS") && startShell();
     EXPECT_TRUE(isUp) << describe();
     if (isUp)
         waitUntilItRests();
@@ -68,7 +66,7 @@ GnomeSession::GnomeSession(const QString& believedProgram)
 
 GnomeSession::~GnomeSession() {
     input_.reset();
-    programs_.clear();
+    home_.endPrograms();
     QDBusConnection::disconnectFromBus(witness_);
     // Told to end, it takes the X server's lock file away with it.
     shell_.signal(SIGTERM);
@@ -79,31 +77,10 @@ GnomeSession::~GnomeSession() {
 }
 
 void GnomeSession::setUpEnvironment() {
-    for (const char* kept : {"PATH", "LD_LIBRARY_PATH", "ASAN_OPTIONS", "UBSAN_OPTIONS"}) {
-        if (qEnvironmentVariableIsSet(kept))
-            environment_.insert(QString::fromLatin1(kept), qEnvironmentVariable(kept));
-    }
-    const auto folder = [&](const char* variable, const char* path) {
-        const QString full = home() + QString::fromLatin1(path);
-        QDir().mkpath(full);
-        QFile::setPermissions(full, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        environment_.insert(QString::fromLatin1(variable), full);
-    };
-    folder("HOME", "");
-    folder("XDG_RUNTIME_DIR", "/run");
-    folder("XDG_CONFIG_HOME", "/.config");
-    folder("XDG_DATA_HOME", "/.local/share");
-    folder("XDG_CACHE_HOME", "/.cache");
-    const auto set = [&](const char* variable, const char* value) {
-        environment_.insert(QString::fromLatin1(variable), QString::fromLatin1(value));
-    };
-    set("XDG_SESSION_TYPE", "wayland");
-    set("XDG_CURRENT_DESKTOP", "GNOME");
-    set("LC_ALL", "C.UTF-8");
-    set("LIBGL_ALWAYS_SOFTWARE", "1");
-    set("GSETTINGS_BACKEND", "keyfile");
-    set("NO_AT_BRIDGE", "1");
-    set("GTK_A11Y", "none");
+    home_.set("XDG_SESSION_TYPE", QStringLiteral("wayland"));
+    home_.set("XDG_CURRENT_DESKTOP", QStringLiteral("GNOME"));
+    home_.set("LIBGL_ALWAYS_SOFTWARE", QStringLiteral("1"));
+    home_.set("GTK_A11Y", QStringLiteral("none"));
 }
 
 void GnomeSession::writeSettings() const {
@@ -128,25 +105,25 @@ void GnomeSession::installCompanion(const QString& believedProgram) {
                                 QStringLiteral("-DVERSION=0"),
                                 QStringLiteral("-P"),
                                 QStringLiteral(TILEWRIGHT_COMPANION_ASSEMBLY)};
-    EXPECT_TRUE(
-        assembly.start(QStringLiteral(TILEWRIGHT_CMAKE), arguments, environment_, logFile()));
+    EXPECT_TRUE(assembly.start(QStringLiteral(TILEWRIGHT_CMAKE), arguments, environment(),
+                               home_.logFile()));
     EXPECT_TRUE(assembly.waitForEnd());
     EXPECT_EQ(assembly.exitCode(), 0) << describe();
 }
 
-bool GnomeSession::startBus(Subprocess& bus, const QString& name, const QString& variable) {
+bool GnomeSession::startBus(Subprocess& bus, const QString& name, const char* variable) {
     const QString socket = home() + QStringLiteral("/run/") + name;
     const QString configuration = home() + QStringLiteral("/%1.conf").arg(name);
     writeFile(configuration, QString::fromLatin1(busConfiguration).arg(socket).toUtf8());
-    environment_.insert(variable, QStringLiteral("unix:path=") + socket);
+    home_.set(variable, QStringLiteral("unix:path=") + socket);
     return bus.start(QStringLiteral("dbus-daemon"),
                      {QStringLiteral("--nofork"), QStringLiteral("--config-file=") + configuration},
-                     environment_, logFile()) &&
+                     environment(), home_.logFile()) &&
            waitUntil([&] { return QFile::exists(socket); });
 }
 
 QString GnomeSession::busAddress() const {
-    return environment_.value(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"));
+    return environment().value(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"));
 }
 
 bool GnomeSession::startShell() {
@@ -155,9 +132,9 @@ bool GnomeSession::startShell() {
                       {QStringLiteral("--headless"), QStringLiteral("--wayland"),
                        QStringLiteral("--unsafe-mode"), QStringLiteral("--virtual-monitor"),
                        QStringLiteral("1920x1080"), QStringLiteral("--wayland-display"), socket},
-                      environment_, logFile()))
+                      environment(), home_.logFile()))
         return false;
-    environment_.insert(QStringLiteral("WAYLAND_DISPLAY"), socket);
+    home_.set("WAYLAND_DISPLAY", socket);
     // The bus's socket is there a little before it takes anybody in.
     if (!waitUntil([&] {
             if (QDBusConnection::connectToBus(busAddress(), witness_).isConnected())
@@ -205,17 +182,6 @@ QJsonValue GnomeSession::ask(const QString& script) {
     }
     const QByteArray array = '[' + values.value(1).toString().toUtf8() + ']';
     return QJsonDocument::fromJson(array).array().first();
-}
-
-Subprocess& GnomeSession::start(const QString& program, const QStringList& arguments,
-                                const std::map<QString, QString>& moreEnvironment) {
-    QProcessEnvironment environment = environment_;
-    for (const auto& [key, value] : moreEnvironment)
-        environment.insert(key, value);
-    auto& process = *programs_.emplace_back(std::make_unique<Subprocess>());
-    EXPECT_TRUE(process.start(program, arguments, environment, logFile()))
-        << program.toStdString() << " did not start";
-    return process;
 }
 
 QString GnomeSession::startClient(GnomeClient client, QRect area) {
@@ -345,15 +311,6 @@ QRect GnomeSession::waitForItem() {
     })) << "there is no item"
         << describe();
     return place;
-}
-
-std::string GnomeSession::describe() const {
-    constexpr qint64 lastPart = 3000;
-    QFile log(logFile());
-    if (!log.open(QIODevice::ReadOnly))
-        return "\nnothing was printed\n";
-    log.seek(std::max<qint64>(0, log.size() - lastPart));
-    return "\nthe session printed:\n" + log.readAll().toStdString();
 }
 
 } // namespace tilewright::testing

@@ -2,14 +2,13 @@
 
 #include "GnomeInput.h"
 
+#include <PrivateHome.h>
 #include <QColor>
 #include <QDBusConnection>
 #include <QImage>
 #include <QJsonValue>
 #include <QRect>
-#include <QTemporaryDir>
-#include <Subprocess.h>
-#include <map>
+
 #include <memory>
 
 namespace tilewright::testing {
@@ -41,7 +40,9 @@ public:
 
     /// Starts a program in the session; it ends with the session. The reference stays valid.
     Subprocess& start(const QString& program, const QStringList& arguments = {},
-                      const std::map<QString, QString>& moreEnvironment = {});
+                      const std::map<QString, QString>& moreEnvironment = {}) {
+        return home_.start(program, arguments, moreEnvironment);
+    }
     /// Starts a client and waits for its window, which is put there. Answers the window's title.
     [[nodiscard]] QString startClient(GnomeClient client, QRect area);
 
@@ -73,30 +74,24 @@ public:
     [[nodiscard]] GnomeInput& input() { return *input_; }
     [[nodiscard]] QString busAddress() const;
     [[nodiscard]] QDBusConnection bus() const { return QDBusConnection(witness_); }
-    [[nodiscard]] QString home() const { return folder_.path(); }
-    [[nodiscard]] QProcessEnvironment environment() const { return environment_; }
+    [[nodiscard]] QString home() const { return home_.path(); }
+    [[nodiscard]] QProcessEnvironment environment() const { return home_.environment(); }
     /// What the shell and the programs have printed last, for the message of a failed test.
-    [[nodiscard]] std::string describe() const;
+    [[nodiscard]] std::string describe() const { return home_.lastPrinted(); }
 
 private:
     void setUpEnvironment();
     void writeSettings() const;
     void installCompanion(const QString& believedProgram);
-    [[nodiscard]] bool startBus(Subprocess& bus, const QString& name, const QString& variable);
+    [[nodiscard]] bool startBus(Subprocess& bus, const QString& name, const char* variable);
     [[nodiscard]] bool startShell();
     void waitUntilItRests();
-    [[nodiscard]] QString logFile() const {
-        return folder_.filePath(QStringLiteral("session.log"));
-    }
 
-    // The folder outlives every process that writes into it.
-    QTemporaryDir folder_;
+    PrivateHome home_;
     const QString witness_;
-    QProcessEnvironment environment_;
     Subprocess systemBus_;
     Subprocess sessionBus_;
     Subprocess shell_;
-    std::vector<std::unique_ptr<Subprocess>> programs_;
     std::unique_ptr<GnomeInput> input_;
     int clients_ = 0;
     int pictures_ = 0;

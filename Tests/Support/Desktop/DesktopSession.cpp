@@ -112,13 +112,6 @@ const char* name(WindowManagerKind kind) {
     return "";
 }
 
-void writeFile(const QString& path, const QByteArray& contents) {
-    EXPECT_TRUE(QDir().mkpath(QFileInfo(path).path()));
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::WriteOnly)) << path.toStdString();
-    EXPECT_EQ(file.write(contents), contents.size()) << path.toStdString();
-}
-
 DesktopSession::DesktopSession(std::unique_ptr<XServer> server)
     : server_(std::move(server)) {
     if (!server_) {
@@ -134,7 +127,7 @@ DesktopSession::DesktopSession(std::unique_ptr<XServer> server)
 }
 
 DesktopSession::~DesktopSession() {
-    programs_.clear();
+    home_.endPrograms();
     compositor_.stop();
     windowManager_.stop();
     input_.reset();
@@ -142,54 +135,22 @@ DesktopSession::~DesktopSession() {
     bus_.stop();
 }
 
-QString DesktopSession::logFile() const {
-    return folder_.filePath(QStringLiteral("programs.log"));
-}
-
 std::string DesktopSession::describe() {
     std::string text = "\n" + inspector_->describe();
     text += windowManager_.isRunning() ? "the window manager runs" : "no window manager runs";
     text += compositor_.isRunning() ? ", picom runs\n" : "\n";
-    constexpr qint64 lastPart = 2000;
-    QFile log(logFile());
-    if (log.open(QIODevice::ReadOnly)) {
-        log.seek(std::max<qint64>(0, log.size() - lastPart));
-        text += "the programs printed:\n" + log.readAll().toStdString();
-    }
-    return text;
+    return text + home_.lastPrinted();
 }
 
 void DesktopSession::setUpEnvironment() {
-    const QProcessEnvironment outer = QProcessEnvironment::systemEnvironment();
-    for (const char* kept : {"PATH", "LANG", "LD_LIBRARY_PATH", "ASAN_OPTIONS", "UBSAN_OPTIONS",
-                             "LSAN_OPTIONS", "GCOV_PREFIX"}) {
-        const QString key = QString::fromLatin1(kept);
-        if (outer.contains(key))
-            environment_.insert(key, outer.value(key));
-    }
-    const QString home = folder_.path();
-    const auto folder = [&](const char* variable, const QString& path) {
-        const QString full = home + path;
-        QDir().mkpath(full);
-        QFile::setPermissions(full, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        environment_.insert(QString::fromLatin1(variable), full);
-    };
-    environment_.insert(QStringLiteral("HOME"), home);
-    folder("XDG_RUNTIME_DIR", QStringLiteral("/run"));
-    folder("XDG_CONFIG_HOME", QStringLiteral("/.config"));
-    folder("XDG_DATA_HOME", QStringLiteral("/.local/share"));
-    folder("XDG_CACHE_HOME", QStringLiteral("/.cache"));
-    environment_.insert(QStringLiteral("DISPLAY"), server_->display());
-    environment_.insert(QStringLiteral("XDG_SESSION_TYPE"), QStringLiteral("x11"));
-    environment_.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
-    environment_.insert(QStringLiteral("GSETTINGS_BACKEND"), QStringLiteral("keyfile"));
-    environment_.insert(QStringLiteral("NO_AT_BRIDGE"), QStringLiteral("1"));
-    environment_.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
+    home_.set("DISPLAY", server_->display());
+    home_.set("XDG_SESSION_TYPE", QStringLiteral("x11"));
+    home_.set("QT_QPA_PLATFORM", QStringLiteral("xcb"));
     writeWindowManagerConfiguration();
 }
 
 void DesktopSession::writeWindowManagerConfiguration() const {
-    const QString home = folder_.path();
+    const QString home = this->home();
     writeFile(home + QStringLiteral("/i3.conf"),
               "# i3 config file (v4)\nfor_window [all] floating enable\n"
               "default_floating_border normal\nfocus_follows_mouse no\n");
@@ -233,13 +194,13 @@ void DesktopSession::writeWindowManagerConfiguration() const {
 }
 
 bool DesktopSession::startBus() {
-    const QString socket = folder_.filePath(QStringLiteral("run/bus"));
+    const QString socket = home() + QStringLiteral("/run/bus");
     busAddress_ = QStringLiteral("unix:path=") + socket;
-    environment_.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), busAddress_);
+    home_.set("DBUS_SESSION_BUS_ADDRESS", busAddress_);
     const QStringList arguments{QStringLiteral("--session"), QStringLiteral("--nofork"),
                                 QStringLiteral("--nopidfile"),
                                 QStringLiteral("--address=") + busAddress_};
-    return bus_.start(QStringLiteral("dbus-daemon"), arguments, environment_, logFile()) &&
+    return bus_.start(QStringLiteral("dbus-daemon"), arguments, home_.environment(), logFile()) &&
            waitUntil([&] { return QFile::exists(socket); });
 }
 
@@ -247,8 +208,8 @@ bool DesktopSession::startWindowManager(WindowManagerKind kind, Compositing comp
     killWindowManager();
     stopCompositor();
     const bool composited = compositing == Compositing::on;
-    const Command command = commandFor(kind, composited, folder_.path());
-    QProcessEnvironment environment = environment_;
+    const Command command = commandFor(kind, composited, home());
+    QProcessEnvironment environment = home_.environment();
     for (const auto& [key, value] : command.environment)
         environment.insert(key, value);
     const bool isUp =
@@ -289,7 +250,7 @@ bool DesktopSession::startCompositor() {
     const QStringList arguments{QStringLiteral("--backend"), QStringLiteral("xrender"),
                                 QStringLiteral("--config"), QStringLiteral("/dev/null")};
     const bool isUp =
-        compositor_.start(QStringLiteral("picom"), arguments, environment_, logFile()) &&
+        compositor_.start(QStringLiteral("picom"), arguments, home_.environment(), logFile()) &&
         waitUntil([&] { return inspector_->hasCompositor(); });
     EXPECT_TRUE(isUp) << "picom did not come up";
     return isUp;
@@ -300,17 +261,6 @@ void DesktopSession::stopCompositor() {
         return;
     compositor_.stop();
     EXPECT_TRUE(waitUntil([&] { return !inspector_->hasCompositor(); }));
-}
-
-Subprocess& DesktopSession::start(const QString& program, const QStringList& arguments,
-                                  const std::map<QString, QString>& moreEnvironment) {
-    QProcessEnvironment environment = environment_;
-    for (const auto& [key, value] : moreEnvironment)
-        environment.insert(key, value);
-    auto& process = *programs_.emplace_back(std::make_unique<Subprocess>());
-    EXPECT_TRUE(process.start(program, arguments, environment, logFile()))
-        << program.toStdString() << " did not start";
-    return process;
 }
 
 } // namespace tilewright::testing

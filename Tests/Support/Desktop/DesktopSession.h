@@ -1,5 +1,6 @@
 #pragma once
 
+#include "PrivateHome.h"
 #include "XInputInjector.h"
 #include "XInspector.h"
 #include "XServer.h"
@@ -34,10 +35,6 @@ enum class Compositing { off, on };
 
 class BareClient;
 
-/// Writes a whole file, and the folders above it where there are none. Fails the running test where
-/// it cannot.
-void writeFile(const QString& path, const QByteArray& contents);
-
 /// A whole desktop of a test's own: X server, private home, private session bus, window manager,
 /// clients; gone, with everything that was started in it, when the object ends.
 class DesktopSession {
@@ -61,12 +58,14 @@ public:
 
     /// Starts any program in the desktop; it ends with the desktop. The reference stays valid.
     Subprocess& start(const QString& program, const QStringList& arguments = {},
-                      const std::map<QString, QString>& moreEnvironment = {});
+                      const std::map<QString, QString>& moreEnvironment = {}) {
+        return home_.start(program, arguments, moreEnvironment);
+    }
 
     /// What programs of the desktop run with: display, bus, home; no trace of the outer desktop.
-    [[nodiscard]] QProcessEnvironment environment() const { return environment_; }
+    [[nodiscard]] QProcessEnvironment environment() const { return home_.environment(); }
     [[nodiscard]] QString display() const { return server_->display(); }
-    [[nodiscard]] QString home() const { return folder_.path(); }
+    [[nodiscard]] QString home() const { return home_.path(); }
     [[nodiscard]] XServer& server() { return *server_; }
     [[nodiscard]] XInspector& inspector() { return *inspector_; }
     [[nodiscard]] XInputInjector& input() { return *input_; }
@@ -74,7 +73,7 @@ public:
     [[nodiscard]] Subprocess& bus() { return bus_; }
     [[nodiscard]] Subprocess& windowManager() { return windowManager_; }
     /// Where programs started here print to, for the message of a failed test.
-    [[nodiscard]] QString logFile() const;
+    [[nodiscard]] QString logFile() const { return home_.logFile(); }
     /// What the desktop looks like now and what its programs have printed, for the same purpose.
     [[nodiscard]] std::string describe();
 
@@ -83,17 +82,14 @@ private:
     bool startBus();
     void writeWindowManagerConfiguration() const;
 
-    // The folder outlives every process that writes into it.
-    QTemporaryDir folder_;
+    PrivateHome home_;
     std::unique_ptr<XServer> server_;
-    QProcessEnvironment environment_;
     QString busAddress_;
     Subprocess bus_;
     Subprocess windowManager_;
     /// The window that the window manager met first.
     std::unique_ptr<BareClient> firstWindow_;
     Subprocess compositor_;
-    std::vector<std::unique_ptr<Subprocess>> programs_;
     std::unique_ptr<XInspector> inspector_;
     std::unique_ptr<XInputInjector> input_;
 };
