@@ -220,7 +220,9 @@ bool DesktopSession::startWindowManager(WindowManagerKind kind, Compositing comp
     if (isUp) {
         // Its connection stays: the next one would get its numbers, and a window of the same number
         // made before the window manager has looked after the end of this one would get its frame.
-        firstWindow_ = std::make_unique<BareClient>(display(), QRect(0, 0, 60, 60));
+        BareClientTraits trial;
+        trial.isTrial = true;
+        firstWindow_ = std::make_unique<BareClient>(display(), QRect(0, 0, 60, 60), trial);
         firstWindow_->destroy();
     }
     if (isUp && kind == WindowManagerKind::icewm) {
