@@ -299,6 +299,61 @@ TEST_F(EventMonitorsAlone, APressDuringAGrabOfOursIsOursAndNoLaterOneIs) {
     EXPECT_THAT(heard, ElementsAre("own", "own", "other", "other"));
 }
 
+TEST_F(EventMonitorsAlone, TellOnceForEachPressThatADragWithTheKeyIsAhead) {
+    std::vector<AppKitPoint> told;
+    monitors.onDragAhead([&](AppKitPoint at) { told.push_back(at); });
+    watch();
+    const auto pressMoveAndRelease = [&] {
+        types.clear();
+        input.move({300, 300});
+        input.press();
+        ASSERT_TRUE(waitUntil([&] { return hasHeard(EventType::leftMouseDown); }));
+        for (int i = 1; i < 4; ++i) {
+            input.move({300 + i, 300});
+            catchUp();
+        }
+        input.release();
+        ASSERT_TRUE(waitUntil([&] { return hasHeard(EventType::leftMouseUp); }));
+    };
+    pressMoveAndRelease();
+    EXPECT_TRUE(told.empty()) << "no key is held, and no window moves";
+    input.pressKey(keysym::control);
+    pressMoveAndRelease();
+    EXPECT_EQ(told.size(), 1U);
+    pressMoveAndRelease();
+    ASSERT_EQ(told.size(), 2U);
+    input.releaseKey(keysym::control);
+    pressMoveAndRelease();
+    EXPECT_EQ(told.size(), 2U);
+    EXPECT_EQ(told.front(),
+              platform.desktop().screens().coordinates().toAppKit(NativePixel{300, 300}));
+}
+
+TEST_F(EventMonitorsAlone, TellThatADragIsAheadWhenAWindowMovesWithTheButtonHeld) {
+    int told = 0;
+    monitors.onDragAhead([&](AppKitPoint) { ++told; });
+    watch();
+    // Made by the hand itself, so that it is there before the hand moves on.
+    xcb_connection_t* maker = input.connection();
+    const xcb_window_t window = xcb_generate_id(maker);
+    xcb_create_window(maker, XCB_COPY_FROM_PARENT, window, platform.connection().root(), 100, 100,
+                      200, 200, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+    xcb_map_window(maker, window);
+    input.move({600, 600});
+    input.press();
+    ASSERT_TRUE(waitUntil([&] { return hasHeard(EventType::leftMouseDown); }));
+    // The place that it comes from is not told of.
+    for (const std::uint32_t x : {120U, 140U})
+        xcb_configure_window(maker, window, XCB_CONFIG_WINDOW_X, &x);
+    EXPECT_TRUE(waitUntil([&] {
+        input.move({601, 600});
+        input.move({600, 600});
+        return told > 0;
+    }));
+    EXPECT_EQ(told, 1);
+    input.release();
+}
+
 TEST_F(EventMonitorsAlone, AMonitorMayRemoveItselfInItsHandler) {
     int calls = 0;
     std::optional<MonitorToken> own;

@@ -1,5 +1,6 @@
 #include "Displays.h"
 #include "DragScript.h"
+#include "ProcessFigures.h"
 
 #include <BareClient.h>
 #include <TilewrightUI/Contrast.h>
@@ -106,6 +107,24 @@ TEST_F(OverlayWindow, CoversTheWholeMonitorPanelsIncluded) {
     script->drop();
     EXPECT_TRUE(waitUntil([&] { return pixel(onHighlightedBorder) == ground; }))
         << desktop.describe();
+}
+
+TEST_F(OverlayWindow, HasItsPixelsReadyBeforeTheFirstMoveOfADragWithTheKey) {
+    const QRect left(0, 0, 700, 1080);
+    const QRect right(700, 0, 1220, 1080);
+    splitIntoMonitors(desktop, left, right);
+    // Has shown the overlay on the left monitor once.
+    begin(Compositing::off);
+    const auto pixelsKiB = [&] { return processFigures(program->pid()).sharedMemoryKiB; };
+    const long ofTheRight = long{right.width()} * right.height() * 4 / 1024;
+    desktop.input().click(right.center());
+    EXPECT_LT(pixelsKiB(), ofTheRight);
+    program->pressKey();
+    desktop.input().press();
+    EXPECT_TRUE(waitUntil([&] { return pixelsKiB() >= ofTheRight; }));
+    EXPECT_FALSE(program->overlayShows());
+    desktop.input().release();
+    program->releaseKey();
 }
 
 TEST_F(OverlayWindow, ThePointerIsInTheWindowsBeneathIt) {

@@ -66,6 +66,7 @@ ProcessFigures processFigures(pid_t process) {
     figures.residentKiB = sumOf(memory, "Rss:");
     figures.privateKiB = sumOf(memory, "Private_Clean:") + sumOf(memory, "Private_Dirty:");
     figures.anonymousKiB = sumOf(memory, "Anonymous:");
+    figures.sharedMemoryKiB = sumOf(readAll(inProc(process, "status")), "RssShmem:");
     figures.fileDescriptors =
         static_cast<int>(QDir(inProc(process, "fd"))
                              .entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot)

@@ -15,6 +15,9 @@ struct ProcessFigures {
     long privateKiB = 0;
     /// Of no file: what the process itself wrote, and nothing that depends on other processes.
     long anonymousKiB = 0;
+    /// Shared with other processes by name or number, as pixels are with an X server, and written
+    /// to.
+    long sharedMemoryKiB = 0;
     int fileDescriptors = 0;
     /// How often it gave up the processor by itself: it had been woken for something before.
     long voluntarySwitches = 0;

@@ -265,6 +265,20 @@ void X11EventMonitors::settle(const X11Reply<xcb_query_pointer_reply_t>& answer)
     if (answer && answer->same_screen != 0)
         known.emplace(pointer_, QPoint(answer->root_x, answer->root_y));
     deliver(reports);
+    lookAhead();
+}
+
+void X11EventMonitors::lookAhead() {
+    if (!state_.isLeftButtonDown()) {
+        hasToldOfDrag_ = false;
+        return;
+    }
+    const bool isLikely = state_.modifiers() != ModifierFlags() || movedWindows_.hasMoved();
+    if (!isLikely || hasToldOfDrag_ || !isWatching_)
+        return;
+    hasToldOfDrag_ = true;
+    if (onDragAhead_)
+        onDragAhead_(pointer_.location());
 }
 
 void X11EventMonitors::deliver(const std::vector<X11InputState::Report>& reports) {

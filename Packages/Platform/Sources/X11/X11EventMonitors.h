@@ -38,6 +38,14 @@ public:
     std::optional<MonitorToken> addLocalMonitor(EventMask mask, Handler handler) override;
     void removeMonitor(MonitorToken token) override;
 
+    /// Registers the one listener that hears, and where the pointer is, when a window is likely to
+    /// be dragged with a modifier key held, now or soon: the left button is down, and with it such
+    /// a key, or a window has moved since. Once for each press at most, after the monitors, and
+    /// only while there are any.
+    void onDragAhead(std::function<void(AppKitPoint)> callback) {
+        onDragAhead_ = std::move(callback);
+    }
+
     /// Whether the server tells of input in the way needed here: monitors are had only where it
     /// does.
     [[nodiscard]] static bool isSupported(const X11Connection& connection);
@@ -61,6 +69,7 @@ private:
     void askServer();
     void settle(const X11Reply<xcb_query_pointer_reply_t>& answer);
     void deliver(const std::vector<X11InputState::Report>& reports);
+    void lookAhead();
     void readButtonMapping();
     void readEscapeKeys();
 
@@ -73,12 +82,14 @@ private:
     std::vector<X11Listener> listeners_;
     QMetaObject::Connection settling_;
     QMetaObject::Connection catchingUp_;
+    std::function<void(AppKitPoint)> onDragAhead_;
     std::uint32_t selectedRawEvents_ = 0;
     quint64 lastToken_ = 0;
     bool isWatching_ = false;
     bool hasNews_ = false;
     /// What was handed out last was a move.
     bool hasToldMove_ = false;
+    bool hasToldOfDrag_ = false;
     X11AwaitedReply answer_;
     /// The codes of the keys that bear Escape.
     std::vector<std::uint8_t> escapeKeys_;

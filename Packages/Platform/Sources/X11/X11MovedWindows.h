@@ -22,6 +22,8 @@ public:
     /// The children of the root window that have moved since the press; none while the button is
     /// up.
     [[nodiscard]] std::vector<xcb_window_t> tops() const { return changes_.moved(); }
+    /// Whether there is any.
+    [[nodiscard]] bool hasMoved() const { return changes_.hasMoved(); }
 
 private:
     void heard(const xcb_generic_event_t& event);

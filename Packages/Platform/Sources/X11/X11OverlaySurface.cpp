@@ -57,10 +57,11 @@ private:
 };
 
 X11OverlaySurface::X11OverlaySurface(X11Connection& connection, X11Compositor& compositor,
-                                     const X11Screens& screens, MainLoop& loop,
-                                     std::shared_ptr<OverlayView> view)
+                                     const X11Screens& screens, X11EventMonitors& eventMonitors,
+                                     MainLoop& loop, std::shared_ptr<OverlayView> view)
     : connection_(connection)
     , screens_(screens)
+    , eventMonitors_(eventMonitors)
     , loop_(loop)
     , view_(std::move(view))
     , container_(std::make_unique<Container>(view_->widget())) {
@@ -81,12 +82,14 @@ X11OverlaySurface::X11OverlaySurface(X11Connection& connection, X11Compositor& c
         if (container_->isVisible())
             applyAreas();
     }));
+    eventMonitors_.onDragAhead([this](AppKitPoint place) { preparePixels(place); });
     rendering_ = compositor.isRunning() ? OverlayRendering::translucent : OverlayRendering::shaped;
     view_->setRendering(rendering_);
     readBlurOffer();
 }
 
 X11OverlaySurface::~X11OverlaySurface() {
+    eventMonitors_.onDragAhead({});
     QObject::disconnect(following_);
 }
 
@@ -133,7 +136,7 @@ void X11OverlaySurface::orderFront() {
 void X11OverlaySurface::orderOut() {
     if (container_->isVisible()) {
         container_->hide();
-        releasing_ = ScopedTimer(loop_.scheduleOnce(pixelsKept, [this] { releasePixels(); }));
+        releasePixelsLater();
         readBlurOffer();
     }
     view_->finishAnimations();
@@ -210,6 +213,25 @@ void X11OverlaySurface::readBlurOffer() {
             if (container_->isVisible())
                 applyAreas();
         });
+}
+
+void X11OverlaySurface::preparePixels(AppKitPoint place) {
+    QBackingStore* pixels = container_->backingStore();
+    if (container_->isVisible() || !pixels)
+        return;
+    releasePixelsLater();
+    setScreen(screens_.nearest(place));
+    const QRect everywhere = container_->rect();
+    if (pixels->size() == everywhere.size())
+        return;
+    pixels->resize(everywhere.size());
+    // The memory is the system's to give when it is first written to: most of what this takes.
+    pixels->beginPaint(everywhere);
+    pixels->endPaint();
+}
+
+void X11OverlaySurface::releasePixelsLater() {
+    releasing_ = ScopedTimer(loop_.scheduleOnce(pixelsKept, [this] { releasePixels(); }));
 }
 
 void X11OverlaySurface::releasePixels() {

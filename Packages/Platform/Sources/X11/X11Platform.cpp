@@ -118,8 +118,8 @@ StatusItem& X11Platform::statusItem() {
 
 std::unique_ptr<OverlaySurface> X11Platform::makeOverlaySurface(std::shared_ptr<OverlayView> view) {
     return std::make_unique<X11OverlaySurface>(*parts_->connection, parts_->desktop.compositor(),
-                                               parts_->desktop.screens(), parts_->mainLoop,
-                                               std::move(view));
+                                               parts_->desktop.screens(), parts_->eventMonitors,
+                                               parts_->mainLoop, std::move(view));
 }
 
 std::unique_ptr<PanelSurface> X11Platform::makePanelSurface(PanelSurface::ViewFactory makeView,

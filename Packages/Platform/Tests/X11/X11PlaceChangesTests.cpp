@@ -17,10 +17,14 @@ TEST(X11PlaceChanges, AreOfAWindowThatIsToldOfAtTwoPlaces) {
     X11PlaceChanges changes;
     changes.configured(one, {10, 20});
     EXPECT_THAT(changes.moved(), IsEmpty()) << "where it was before is not known";
+    EXPECT_FALSE(changes.hasMoved());
     changes.configured(one, {11, 20});
     EXPECT_THAT(changes.moved(), ElementsAre(one));
     changes.configured(one, {10, 20});
     EXPECT_THAT(changes.moved(), ElementsAre(one)) << "it came back";
+    EXPECT_TRUE(changes.hasMoved());
+    changes.clear();
+    EXPECT_FALSE(changes.hasMoved());
 }
 
 TEST(X11PlaceChanges, AreNotOfAWindowThatIsRaisedOrResizedInItsPlace) {
