@@ -40,7 +40,8 @@ TEST(CompanionOutbox, WritesEachCommandAsTheCompanionReadsIt) {
     CompanionOutbox outbox;
     CompanionOverlay shown = overlay(1);
     shown.transition = std::chrono::milliseconds(120);
-    shown.tiles[0] = {{8, 9, 100, 50}, 14, {1, 0.5, 0, 0.25}, {0, 0, 1, 1}, 2, 0.9};
+    shown.tiles[0] = {{8, 9, 100, 50}, 14, {1, 0.5, 0, 0.25}, {0, 0, 1, 1}, 2, {}, 0.9};
+    shown.tiles[0].lines = {{{1, {1, 1, 1, 1}}, {1.5, {0, 0, 0, 0.5}}}};
     outbox.showOverlay(shown);
     outbox.setFrame(CompanionWindowID{7}, {1, 2, 3, 4});
     outbox.showItem({QStringLiteral("tilewright-symbolic"), QStringLiteral("Tilewright")});
@@ -52,6 +53,7 @@ TEST(CompanionOutbox, WritesEachCommandAsTheCompanionReadsIt) {
         QStringLiteral(
             R"({"do":[{"c":"frame","frame":[1,2,3,4],"window":7},)"
             R"({"area":[0,0,1920,1080],"c":"overlay",)"
+            R"("lines":[[[1,[255,255,255,1]],[1.5,[0,0,0,0.5]]]],)"
             R"("tiles":[[8,9,100,50,14,[255,128,0,0.25],[0,0,255,1],2,0.9]],"transition":120},)"
             R"({"c":"item","icon":"tilewright-symbolic","name":"Tilewright","shown":true},)"
             R"({"anchor":[5,6,7,8],"area":[0,32,10,20],"c":"panel","margins":[1,2,3,4],)"
