@@ -4,8 +4,8 @@
 
 namespace tilewright {
 
-/// The display server's own screen saver, which blanks the display (and puts it into power saving)
-/// for lack of input. Main thread only.
+/// What blanks the display (and puts it into power saving) for lack of input within the display
+/// server or the compositor itself. Main thread only.
 ///
 /// A suspension ends when it is resumed, and by itself when the process dies.
 class ScreenSaver {

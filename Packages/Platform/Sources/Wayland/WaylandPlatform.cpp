@@ -13,6 +13,8 @@
 #include <FreeDesktop/InhibitingPowerAssertions.h>
 #include <FreeDesktop/MessageBus.h>
 #include <FreeDesktop/PortalAppearance.h>
+#include <FreeDesktop/WaylandSocket.h>
+#include <LayerShell/LayerShellScreenSaver.h>
 #include <Platform/QtMainLoop.h>
 
 #include <QCoreApplication>
@@ -108,7 +110,10 @@ struct WaylandPlatform::Parts {
     FreeDesktopUserNotifications userNotifications{sessionBus};
     FreeDesktopInstanceActivation instanceActivation{qEnvironmentVariable("WAYLAND_DISPLAY"),
                                                      sessionBus.connection()};
-    InhibitingPowerAssertions powerAssertions{mainLoop, nullptr, sessionBus, systemBus};
+    WaylandConnection compositor{mainLoop,
+                                 waylandSocketPath(QProcessEnvironment::systemEnvironment())};
+    LayerShellScreenSaver screenSaver{compositor, mainLoop};
+    InhibitingPowerAssertions powerAssertions{mainLoop, &screenSaver, sessionBus, systemBus};
     WaylandScreens screens{mainLoop};
     WaylandPointer pointer{screens};
     NoEventMonitors eventMonitors;

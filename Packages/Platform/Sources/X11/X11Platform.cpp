@@ -16,6 +16,8 @@
 #include <FreeDesktop/FreeDesktopUserNotifications.h>
 #include <FreeDesktop/InhibitingPowerAssertions.h>
 #include <FreeDesktop/MessageBus.h>
+#include <FreeDesktop/WaylandSocket.h>
+#include <LayerShell/LayerShellScreenSaver.h>
 #include <Platform/QtMainLoop.h>
 #include <Popup/PopupPanelSurface.h>
 
@@ -29,6 +31,8 @@ namespace tilewright {
 struct X11Platform::Parts {
     Parts(std::unique_ptr<X11Connection> opened, X11Session session)
         : connection(std::move(opened))
+        , compositor(session == X11Session::besideWayland ? connectToCompositor() : nullptr)
+        , screenSaver(makeScreenSaver())
         , desktop(*connection, mainLoop, sessionBus, userNotifications,
                   session == X11Session::besideWayland) {}
 
@@ -40,8 +44,10 @@ struct X11Platform::Parts {
     MessageBus systemBus{mainLoop, MessageBus::Kind::system};
     FreeDesktopUserNotifications userNotifications{sessionBus};
     X11InstanceActivation instanceActivation{*connection};
-    X11ScreenSaver screenSaver{*connection};
-    InhibitingPowerAssertions powerAssertions{mainLoop, &screenSaver, sessionBus, systemBus};
+    /// The one beside which the X server is; null where the session is the server's own.
+    std::unique_ptr<WaylandConnection> compositor;
+    std::unique_ptr<ScreenSaver> screenSaver;
+    InhibitingPowerAssertions powerAssertions{mainLoop, screenSaver.get(), sessionBus, systemBus};
     X11Desktop desktop;
     X11EventMonitors eventMonitors{*connection,
                                    desktop.pointer(),
@@ -55,7 +61,23 @@ struct X11Platform::Parts {
 
     [[nodiscard]] PlatformServices services();
     void forgetSentTitles();
+
+private:
+    [[nodiscard]] std::unique_ptr<WaylandConnection> connectToCompositor();
+    [[nodiscard]] std::unique_ptr<ScreenSaver> makeScreenSaver();
 };
+
+std::unique_ptr<WaylandConnection> X11Platform::Parts::connectToCompositor() {
+    return std::make_unique<WaylandConnection>(
+        mainLoop, waylandSocketPath(QProcessEnvironment::systemEnvironment()));
+}
+
+std::unique_ptr<ScreenSaver> X11Platform::Parts::makeScreenSaver() {
+    // The server's own, beside a compositor, would agree to everything and blank nothing.
+    if (compositor)
+        return std::make_unique<LayerShellScreenSaver>(*compositor, mainLoop);
+    return std::make_unique<X11ScreenSaver>(*connection);
+}
 
 PlatformServices X11Platform::Parts::services() {
     return {.screens = desktop.screens(),
