@@ -1,22 +1,6 @@
 #include "GnomeGuidance.h"
 
-#include "GnomeGuidanceWindow.h"
-
-#include <QDir>
-
 namespace tilewright {
-
-namespace {
-
-/// A path as users write it, which may be broken after each of its folders.
-QString forReading(QString path) {
-    const QString home = QDir::homePath();
-    if (path.startsWith(home + u'/'))
-        path.replace(0, home.size(), u'~');
-    return path.replace(u'/', QStringLiteral("/\u200B"));
-}
-
-} // namespace
 
 GnomeGuidance::Step GnomeGuidance::stepFor(GnomeExtension::State state, bool isConnected,
                                            const QString& place) {
@@ -73,10 +57,9 @@ GnomeGuidance::Step GnomeGuidance::stepFor(GnomeExtension::State state, bool isC
 GnomeGuidance::GnomeGuidance(CompanionState& state, GnomeExtension& extension,
                              FreeDesktopUserNotifications& notifications,
                              std::function<void()> bringForward)
-    : state_(state)
-    , extension_(extension)
-    , notifications_(notifications)
-    , bringForward_(std::move(bringForward)) {
+    : CompanionGuidance(notifications, std::move(bringForward))
+    , state_(state)
+    , extension_(extension) {
     connect(&state_, &CompanionState::connectedChanged, this, &GnomeGuidance::update);
     connect(&extension_, &GnomeExtension::changed, this, &GnomeGuidance::update);
 }
@@ -89,25 +72,9 @@ GnomeGuidance::Step GnomeGuidance::step() const {
                    files.canBeInstalled() ? files.place() : QString());
 }
 
-void GnomeGuidance::notify() {
-    notifications_.show(tr("Tilewright cannot move windows"), step().title, [this] { show(); });
-}
-
-void GnomeGuidance::show() {
+void GnomeGuidance::lookAgain() {
     // What was put in its place since is news that the shell does not tell by itself.
     extension_.refresh();
-    if (!window_) {
-        window_ = std::make_unique<GnomeGuidanceWindow>();
-        connect(window_.get(), &GnomeGuidanceWindow::actionChosen, this, &GnomeGuidance::act);
-        // The window is what is closing: it has to outlive this call.
-        connect(window_.get(), &GnomeGuidanceWindow::closed, this,
-                [this] { window_.release()->deleteLater(); });
-        update();
-    }
-    window_->show();
-    window_->raise();
-    window_->activateWindow();
-    bringForward_();
 }
 
 void GnomeGuidance::act() {
@@ -115,11 +82,6 @@ void GnomeGuidance::act() {
         extension_.turnOn();
     else if (extension_.files().install())
         extension_.refresh();
-}
-
-void GnomeGuidance::update() {
-    if (window_)
-        window_->setStep(step());
 }
 
 } // namespace tilewright

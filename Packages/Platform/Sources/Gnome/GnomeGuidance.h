@@ -2,33 +2,17 @@
 
 #include "GnomeExtension.h"
 
+#include <Companion/CompanionGuidance.h>
 #include <Companion/CompanionState.h>
-#include <FreeDesktop/FreeDesktopUserNotifications.h>
-
-#include <QObject>
-#include <QString>
-#include <functional>
-#include <memory>
 
 namespace tilewright {
 
-class GnomeGuidanceWindow;
-
-/// Leads the user to a companion that runs: says what is missing by a notification, and shows the
-/// way in a window. Main thread only.
-class GnomeGuidance final : public QObject {
+/// Leads the user to the extension of GNOME Shell that runs as the companion. Main thread only.
+class GnomeGuidance final : public CompanionGuidance {
     Q_OBJECT
 
 public:
-    /// A step of the way, as the user is told of it.
-    struct Step {
-        QString title;
-        QString text;
-        /// What a button offers to do; empty where the user can only do it elsewhere.
-        QString action;
-
-        friend bool operator==(const Step&, const Step&) = default;
-    };
+    using Step = CompanionGuidanceStep;
 
     /// `place` is where the companion could be installed for the user; empty where it could not.
     [[nodiscard]] static Step stepFor(GnomeExtension::State state, bool isConnected,
@@ -39,23 +23,14 @@ public:
                   FreeDesktopUserNotifications& notifications, std::function<void()> bringForward);
     ~GnomeGuidance() override;
 
-    /// Tells by a notification what is missing; it leads to the window.
-    void notify();
-    /// Opens the window, or brings the open one forward.
-    void show();
-    /// The window while it is open; else null.
-    [[nodiscard]] GnomeGuidanceWindow* window() const { return window_.get(); }
+protected:
+    [[nodiscard]] Step step() const override;
+    void lookAgain() override;
+    void act() override;
 
 private:
-    void update();
-    void act();
-    [[nodiscard]] Step step() const;
-
     CompanionState& state_;
     GnomeExtension& extension_;
-    FreeDesktopUserNotifications& notifications_;
-    const std::function<void()> bringForward_;
-    std::unique_ptr<GnomeGuidanceWindow> window_;
 };
 
 } // namespace tilewright

@@ -3,7 +3,6 @@
 
 #include <Companion/CompanionDecoder.h>
 #include <Gnome/GnomeGuidance.h>
-#include <Gnome/GnomeGuidanceWindow.h>
 
 #include <QDir>
 #include <QFile>
@@ -100,7 +99,7 @@ TEST_F(GnomeGuidanceTest, InstallsWhatTheBuildBringsAlongOnceTheUserWantsIt) {
 
 TEST_F(GnomeGuidanceTest, HasOneWindowAtATime) {
     guidance.show();
-    const QPointer<GnomeGuidanceWindow> first = guidance.window();
+    const QPointer<CompanionGuidanceWindow> first = guidance.window();
     guidance.show();
     EXPECT_EQ(guidance.window(), first);
     EXPECT_EQ(forward, 2);

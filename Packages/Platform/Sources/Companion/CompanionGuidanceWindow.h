@@ -1,7 +1,6 @@
 #pragma once
 
-#include "GnomeGuidance.h"
-
+#include <QString>
 #include <QWidget>
 
 class QLabel;
@@ -9,15 +8,25 @@ class QPushButton;
 
 namespace tilewright {
 
+/// A step of the way to a companion that runs, as the user is told of it.
+struct CompanionGuidanceStep {
+    QString title;
+    QString text;
+    /// What a button offers to do; empty where the user can only do it elsewhere.
+    QString action;
+
+    friend bool operator==(const CompanionGuidanceStep&, const CompanionGuidanceStep&) = default;
+};
+
 /// A small window that tells one step of the way to a companion that runs. Main thread only.
-class GnomeGuidanceWindow final : public QWidget {
+class CompanionGuidanceWindow final : public QWidget {
     Q_OBJECT
 
 public:
-    GnomeGuidanceWindow();
-    ~GnomeGuidanceWindow() override;
+    CompanionGuidanceWindow();
+    ~CompanionGuidanceWindow() override;
 
-    void setStep(const GnomeGuidance::Step& step);
+    void setStep(const CompanionGuidanceStep& step);
 
 Q_SIGNALS:
     /// The user wants done what the step offers.

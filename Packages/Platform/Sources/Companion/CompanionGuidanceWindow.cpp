@@ -1,4 +1,4 @@
-#include "GnomeGuidanceWindow.h"
+#include "CompanionGuidanceWindow.h"
 
 #include <QCloseEvent>
 #include <QHBoxLayout>
@@ -27,7 +27,7 @@ QLabel* makeLabel(QWidget* parent) {
 
 } // namespace
 
-GnomeGuidanceWindow::GnomeGuidanceWindow()
+CompanionGuidanceWindow::CompanionGuidanceWindow()
     : title_(makeLabel(this))
     , text_(makeLabel(this))
     , action_(new QPushButton(this))
@@ -56,13 +56,13 @@ GnomeGuidanceWindow::GnomeGuidanceWindow()
     row->addWidget(close_);
     row->addWidget(action_);
     column->addLayout(row);
-    connect(action_, &QAbstractButton::clicked, this, &GnomeGuidanceWindow::actionChosen);
+    connect(action_, &QAbstractButton::clicked, this, &CompanionGuidanceWindow::actionChosen);
     connect(close_, &QAbstractButton::clicked, this, &QWidget::close);
 }
 
-GnomeGuidanceWindow::~GnomeGuidanceWindow() = default;
+CompanionGuidanceWindow::~CompanionGuidanceWindow() = default;
 
-void GnomeGuidanceWindow::setStep(const GnomeGuidance::Step& step) {
+void CompanionGuidanceWindow::setStep(const CompanionGuidanceStep& step) {
     title_->setText(step.title);
     text_->setText(step.text);
     action_->setText(step.action);
@@ -72,14 +72,14 @@ void GnomeGuidanceWindow::setStep(const GnomeGuidance::Step& step) {
     usual->setFocus();
 }
 
-void GnomeGuidanceWindow::keyPressEvent(QKeyEvent* event) {
+void CompanionGuidanceWindow::keyPressEvent(QKeyEvent* event) {
     if (event->matches(QKeySequence::Cancel) || event->matches(QKeySequence::Close))
         close();
     else
         QWidget::keyPressEvent(event);
 }
 
-void GnomeGuidanceWindow::closeEvent(QCloseEvent* event) {
+void CompanionGuidanceWindow::closeEvent(QCloseEvent* event) {
     QWidget::closeEvent(event);
     Q_EMIT closed();
 }
