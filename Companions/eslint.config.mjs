@@ -3,9 +3,26 @@
 /** What the oldest shell's engine knows. */
 const LANGUAGE = 2022;
 
+/** What KWin 5.27's engine knows. */
+const LANGUAGE_OF_KWIN = 2016;
+
 const gnomeShell = {
     console: 'readonly',
     global: 'readonly',
+};
+
+const kwinScripts = {
+    KWin: 'readonly',
+    QTimer: 'readonly',
+    callDBus: 'readonly',
+    workspace: 'readonly',
+};
+
+const kwinEffects = {
+    Effect: 'readonly',
+    cancel: 'readonly',
+    effects: 'readonly',
+    set: 'readonly',
 };
 
 const rules = {
@@ -158,5 +175,22 @@ export default [
             'no-var': 'off',
             'no-unused-vars': ['error', {...unused, varsIgnorePattern: '^extension$'}],
         },
+    },
+    {
+        files: ['**/kwin-script.js'],
+        languageOptions: {ecmaVersion: LANGUAGE_OF_KWIN, sourceType: 'script', globals: kwinScripts},
+        linterOptions,
+        rules: {
+            ...rules,
+            // The program's own line, which comes last, makes one of these.
+            'no-unused-vars': ['error', {...unused, varsIgnorePattern: '^(Companion|Errand)$'}],
+            'prefer-object-spread': 'off',
+        },
+    },
+    {
+        files: ['**/kwin-effect.js'],
+        languageOptions: {ecmaVersion: LANGUAGE_OF_KWIN, sourceType: 'script', globals: kwinEffects},
+        linterOptions,
+        rules: {...rules, 'no-unused-vars': ['error', unused]},
     },
 ];

@@ -5,6 +5,8 @@
 #include <FreeDesktop/WaylandSocket.h>
 #include <Gnome/GnomeExtension.h>
 #include <Gnome/GnomePlatform.h>
+#include <Plasma/KWinCompanion.h>
+#include <Plasma/PlasmaPlatform.h>
 #include <Tilewright/DesktopChoice.h>
 #include <Wayland/WaylandPlatform.h>
 #include <X11/X11Platform.h>
@@ -93,6 +95,8 @@ std::unique_ptr<DesktopBackend> DesktopBackend::find() {
         environment.value(QStringLiteral("XDG_SESSION_TYPE")) == QStringLiteral("wayland");
     // Asked only where the answer matters.
     facts.hasGnomeShell = facts.hasWaylandCompositor && isOnSessionBus(GnomeExtension::shellName());
+    facts.hasKWin = facts.hasWaylandCompositor && !facts.hasGnomeShell &&
+                    isOnSessionBus(KWinCompanion::compositorName());
     facts.hasQtWayland = hasQtWaylandPlugin(environment);
     switch (chooseDesktop(facts)) {
     case DesktopChoice::x11:
@@ -103,6 +107,8 @@ std::unique_ptr<DesktopBackend> DesktopBackend::find() {
         return std::make_unique<WaylandBackend<WaylandPlatform>>();
     case DesktopChoice::gnome:
         return std::make_unique<WaylandBackend<GnomePlatform>>();
+    case DesktopChoice::plasma:
+        return std::make_unique<WaylandBackend<PlasmaPlatform>>();
     case DesktopChoice::none:
         break;
     }

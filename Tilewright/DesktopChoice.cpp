@@ -8,8 +8,11 @@ DesktopChoice chooseDesktop(const SessionFacts& facts) {
     if (facts.xServer == XServer::independent &&
         !(facts.hasWaylandCompositor && facts.isCalledWayland))
         return DesktopChoice::x11;
-    if (facts.hasWaylandCompositor && facts.hasGnomeShell && facts.hasQtWayland)
+    const bool canBeClient = facts.hasWaylandCompositor && facts.hasQtWayland;
+    if (canBeClient && facts.hasGnomeShell)
         return DesktopChoice::gnome;
+    if (canBeClient && facts.hasKWin)
+        return DesktopChoice::plasma;
     if (facts.xServer != XServer::none)
         return DesktopChoice::x11BesideWayland;
     return facts.hasWaylandCompositor ? DesktopChoice::wayland : DesktopChoice::none;

@@ -20,6 +20,9 @@ struct SessionFacts {
     bool isCalledWayland = false;
     /// Somebody owns GNOME Shell's name on the session bus, by the bus's word.
     bool hasGnomeShell = false;
+    /// Somebody owns KWin's name there, by the bus's word: it is the window manager of Plasma's X11
+    /// sessions as well.
+    bool hasKWin = false;
     /// Qt can be a client of a Wayland compositor: what it needs for that is a package of its own.
     bool hasQtWayland = true;
 };
@@ -36,6 +39,8 @@ enum class DesktopChoice {
     wayland,
     /// GNOME on Wayland: its shell lets a companion in.
     gnome,
+    /// Plasma on Wayland: KWin runs scripts, and lets programs lay surfaces over all others.
+    plasma,
 };
 
 /// The desktop for what was found. What is really there counts; the environment's word only where

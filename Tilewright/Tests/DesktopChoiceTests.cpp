@@ -23,6 +23,14 @@ DesktopChoice choiceFor(XServer server, bool hasWaylandCompositor, bool isCalled
                           .hasGnomeShell = hasGnomeShell});
 }
 
+/// With KWin on the session bus.
+DesktopChoice choiceWithKWin(XServer server, bool hasWaylandCompositor, bool isCalledWayland) {
+    return chooseDesktop({.xServer = server,
+                          .hasWaylandCompositor = hasWaylandCompositor,
+                          .isCalledWayland = isCalledWayland,
+                          .hasKWin = true});
+}
+
 } // namespace
 
 TEST(DesktopChoice, IsX11InAnX11Session) {
@@ -96,6 +104,33 @@ TEST(DesktopChoice, IsTheServerBesideGnomeWhereQtIsNoClientOfCompositors) {
     EXPECT_EQ(chooseDesktop({.xServer = XServer::besideWayland,
                              .hasWaylandCompositor = true,
                              .hasGnomeShell = true,
+                             .hasQtWayland = false}),
+              DesktopChoice::x11BesideWayland);
+}
+
+TEST(DesktopChoice, IsPlasmaInAWaylandSessionOfItWithOrWithoutAnXServer) {
+    for (const bool isCalled : {calledWayland, notCalledWayland}) {
+        EXPECT_EQ(choiceWithKWin(XServer::besideWayland, compositor, isCalled),
+                  DesktopChoice::plasma);
+        EXPECT_EQ(choiceWithKWin(XServer::none, compositor, isCalled), DesktopChoice::plasma);
+    }
+    EXPECT_EQ(choiceWithKWin(XServer::independent, compositor, calledWayland),
+              DesktopChoice::plasma)
+        << "the server does not say whose it is";
+}
+
+TEST(DesktopChoice, IsX11InAnX11SessionOfPlasmaWhoseWindowManagerHasTheSameName) {
+    for (const bool isCalled : {calledWayland, notCalledWayland})
+        EXPECT_EQ(choiceWithKWin(XServer::independent, noCompositor, isCalled), DesktopChoice::x11);
+    EXPECT_EQ(choiceWithKWin(XServer::independent, compositor, notCalledWayland),
+              DesktopChoice::x11)
+        << "a compositor in a window";
+}
+
+TEST(DesktopChoice, IsTheServerBesidePlasmaWhereQtIsNoClientOfCompositors) {
+    EXPECT_EQ(chooseDesktop({.xServer = XServer::besideWayland,
+                             .hasWaylandCompositor = true,
+                             .hasKWin = true,
                              .hasQtWayland = false}),
               DesktopChoice::x11BesideWayland);
 }

@@ -158,11 +158,19 @@ CompanionAccessibility::CompanionAccessibility(CompanionState& state,
           },
           [this](CompanionWindowID window, const WrittenFrame& frame) { finish(window, frame); })
     , context_(std::make_shared<Context>(Context{state_, frames_})) {
-    connect(&state_, &CompanionState::connectedChanged, this, [this] {
-        if (isTrusted())
-            wait_.reset();
-        Q_EMIT trustChanged();
-    });
+    connect(&state_, &CompanionState::connectedChanged, this,
+            &CompanionAccessibility::trustMayHaveChanged);
+    connect(&state_, &CompanionState::keySourceChanged, this,
+            &CompanionAccessibility::trustMayHaveChanged);
+    wasTrusted_ = isTrusted();
+}
+
+void CompanionAccessibility::trustMayHaveChanged() {
+    if (std::exchange(wasTrusted_, isTrusted()) == isTrusted())
+        return;
+    if (isTrusted())
+        wait_.reset();
+    Q_EMIT trustChanged();
 }
 
 CompanionAccessibility::~CompanionAccessibility() = default;

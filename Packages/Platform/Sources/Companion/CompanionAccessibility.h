@@ -12,9 +12,10 @@
 
 namespace tilewright {
 
-/// Other applications' windows by way of a companion. Trusted is: one is there. Of windows those
-/// are known that had the focus or were dragged; while the user drags one, it is the element at
-/// every point. The writes made to a window within one turn are one frame. Main thread only.
+/// Other applications' windows by way of a companion. Trusted is: one is there, and the keys are
+/// told. Of windows those are known that had the focus or were dragged; while the user drags one,
+/// it is the element at every point. The writes made to a window within one turn are one frame.
+/// Main thread only.
 class CompanionAccessibility final : public Accessibility {
     Q_OBJECT
 
@@ -27,7 +28,9 @@ public:
                            CompanionOutbox& outbox, MainLoop& loop, std::function<void()> tell);
     ~CompanionAccessibility() override;
 
-    [[nodiscard]] bool isTrusted() const override { return state_.isConnected(); }
+    [[nodiscard]] bool isTrusted() const override {
+        return state_.isConnected() && state_.hasKeys();
+    }
     /// Where no companion is there yet, it is waited for first, once in a run; what is asked
     /// meanwhile waits with it.
     bool requestTrust() override;
@@ -42,6 +45,7 @@ private:
     class WindowElement;
     class ApplicationElement;
 
+    void trustMayHaveChanged();
     void finish(CompanionWindowID window, const WrittenFrame& frame);
 
     CompanionState& state_;
@@ -52,6 +56,7 @@ private:
     WholeFrames<CompanionWindowID> frames_;
     /// What elements need; they may outlive this.
     std::shared_ptr<Context> context_;
+    bool wasTrusted_ = false;
     bool hasWaited_ = false;
     ScopedTimer wait_;
 };

@@ -58,11 +58,12 @@ QString CompanionBus::interfaceName() {
 }
 
 CompanionBus::CompanionBus(MainLoop& loop, MessageBus& bus, CompanionOutbox& outbox,
-                           QString compositor)
+                           QString compositor, Carrier carrier)
     : loop_(loop)
     , bus_(bus)
     , outbox_(outbox)
     , compositorName_(std::move(compositor))
+    , carrier_(std::move(carrier))
     , object_(std::make_unique<Object>(*this))
     , counted_(loop.now()) {
     outbox_.onNews(life_.guard([this] {
@@ -81,6 +82,8 @@ CompanionBus::~CompanionBus() {
         return;
     QDBusConnection bus = bus_.connection();
     bus.unregisterObject(objectPath());
+    if (carrier_)
+        return;
     QDBusMessage release = callToBus(QStringLiteral("ReleaseName"));
     release << serviceName();
     bus.send(release);
@@ -93,6 +96,8 @@ void CompanionBus::join() {
     bus.registerVirtualObject(objectPath(), object_.get());
     owner_ = std::make_unique<BusNameOwner>(bus_.connection(), compositorName_);
     connect(owner_.get(), &BusNameOwner::changed, this, &CompanionBus::compositorChanged);
+    if (carrier_)
+        return;
     ownName_ = std::make_unique<BusNameOwner>(bus_.connection(), serviceName());
     connect(ownName_.get(), &BusNameOwner::changed, this, &CompanionBus::requestName);
 }
@@ -201,13 +206,20 @@ void CompanionBus::postAnswers() {
 void CompanionBus::answer() {
     areAnswersPosted_ = false;
     // Other answers are dropped where they come late, as after this process was stopped.
-    if (poll_ && outbox_.hasLasting())
-        send(*std::exchange(poll_, std::nullopt), outbox_.takeLasting());
+    if (doesAnybodyWait() && outbox_.hasLasting())
+        sendToWhoeverWaits(outbox_.takeLasting());
     const std::deque<QDBusMessage> calls = std::exchange(calls_, {});
     for (std::size_t i = 0; i < calls.size(); ++i)
         send(calls[i], i + 1 == calls.size() ? outbox_.take() : nothingToDo());
-    if (!outbox_.isEmpty() && poll_)
-        send(*std::exchange(poll_, std::nullopt), outbox_.take());
+    if (doesAnybodyWait() && !outbox_.isEmpty())
+        sendToWhoeverWaits(outbox_.take());
+}
+
+void CompanionBus::sendToWhoeverWaits(const QString& text) {
+    if (carrier_)
+        carrier_(text);
+    else
+        send(*std::exchange(poll_, std::nullopt), text);
 }
 
 void CompanionBus::send(const QDBusMessage& call, const QString& text) {

@@ -12,6 +12,7 @@
 #include <QObject>
 #include <QString>
 #include <deque>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -20,8 +21,8 @@ namespace tilewright {
 /// The object on the session bus that a companion calls, and the only one who is let: whoever owns
 /// the compositor's own name there. All others get an error, and are kept no word of. What the
 /// companion is to do goes into the answers: into that of the call that brought it about, a turn of
-/// the loop later, else into that of the call that waits for commands. Nothing here waits. Main
-/// thread only.
+/// the loop later, else into that of the call that waits for commands; where none ever waits, it is
+/// handed to a carrier. Nothing here waits. Main thread only.
 class CompanionBus final : public QObject {
     Q_OBJECT
 
@@ -34,9 +35,14 @@ public:
     [[nodiscard]] static QString objectPath();
     [[nodiscard]] static QString interfaceName();
 
-    /// `compositor` is the name on the bus whose owner runs the companion. The loop, the bus and
+    /// Takes commands to a companion, as the text of an answer.
+    using Carrier = std::function<void(const QString&)>;
+
+    /// `compositor` is the name on the bus whose owner runs the companion. One that has a carrier
+    /// knows this program by its address; without one, by the service's name. The loop, the bus and
     /// the outbox have to outlive this.
-    CompanionBus(MainLoop& loop, MessageBus& bus, CompanionOutbox& outbox, QString compositor);
+    CompanionBus(MainLoop& loop, MessageBus& bus, CompanionOutbox& outbox, QString compositor,
+                 Carrier carrier = {});
     ~CompanionBus() override;
 
     /// The compositor's own address on the bus; empty while it is not known.
@@ -62,12 +68,15 @@ private:
     [[nodiscard]] bool spendMessage();
     void postAnswers();
     void answer();
+    [[nodiscard]] bool doesAnybodyWait() const { return poll_ || carrier_; }
+    void sendToWhoeverWaits(const QString& text);
     void send(const QDBusMessage& call, const QString& text);
 
     MainLoop& loop_;
     MessageBus& bus_;
     CompanionOutbox& outbox_;
     const QString compositorName_;
+    const Carrier carrier_;
     std::unique_ptr<Object> object_;
     std::unique_ptr<BusNameOwner> owner_;
     /// Of this program's own name there, which another process may have.

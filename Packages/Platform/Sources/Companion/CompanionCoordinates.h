@@ -46,6 +46,9 @@ public:
         const double top = position.y + primary_.y;
         return withRoundEdges(left, top, left + size.width, top + size.height);
     }
+    [[nodiscard]] static CompanionRect withRoundEdges(const CompanionRect& rect) {
+        return withRoundEdges(rect.x, rect.y, rect.x + rect.width, rect.y + rect.height);
+    }
     /// The nearest rectangle whose edges are whole numbers, within what a companion takes.
     [[nodiscard]] static CompanionRect withRoundEdges(double left, double top, double right,
                                                       double bottom) {

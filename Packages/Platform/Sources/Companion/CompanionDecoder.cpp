@@ -182,6 +182,7 @@ CompanionHello hello(Fields& fields) {
     message.focus = fields.windowIfAny(Key("focus"));
     message.pointer = fields.point(Key("pointer"));
     message.keys = fields.keys();
+    message.tellsKeys = !fields.has(Key("tellsKeys")) || fields.truth(Key("tellsKeys"));
     return message;
 }
 

@@ -76,6 +76,8 @@ struct CompanionHello {
     std::optional<CompanionWindow> focus;
     CompanionPoint pointer;
     ModifierFlags keys;
+    /// The keys in its messages are those that are down; else somebody else has to tell them.
+    bool tellsKeys = true;
 
     friend bool operator==(const CompanionHello&, const CompanionHello&) = default;
 };

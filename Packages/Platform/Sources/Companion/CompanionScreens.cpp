@@ -123,15 +123,15 @@ void CompanionScreens::follow(QScreen* screen) {
 }
 
 void CompanionScreens::qtChanged() {
-    if (state_.isConnected())
-        return;
-    isStale_ = true;
+    // What the companion tells counts; but of names it may have none.
+    isStale_ = isStale_ || !state_.isConnected();
     refresh();
 }
 
 void CompanionScreens::refresh() {
     std::vector<CompanionDisplay> displays =
         isStale_ || state_.displays().empty() ? displaysOfQt() : state_.displays();
+    takeNames(displays, displaysOfQt());
     const auto primary = std::find_if(displays.begin(), displays.end(),
                                       [](const auto& display) { return display.isPrimary; });
     if (primary != displays.end())
@@ -168,6 +168,21 @@ void CompanionScreens::refresh() {
         return;
     screens_ = std::move(screens);
     Q_EMIT screensChanged();
+}
+
+void CompanionScreens::takeNames(std::vector<CompanionDisplay>& displays,
+                                 const std::vector<CompanionDisplay>& named) {
+    for (CompanionDisplay& display : displays) {
+        const auto same = std::find_if(named.begin(), named.end(), [&](const auto& other) {
+            return CompanionCoordinates::withRoundEdges(display.frame) == other.frame;
+        });
+        if (!display.connector.isEmpty() || same == named.end())
+            continue;
+        display.connector = same->connector;
+        display.vendor = same->vendor;
+        display.product = same->product;
+        display.serial = same->serial;
+    }
 }
 
 ScreenPtr CompanionScreens::main() const {

@@ -30,6 +30,10 @@ public:
     [[nodiscard]] const CompanionCoordinates& coordinates() const { return coordinates_; }
     /// How many of the companion's units are one point of Qt's on a display of the list.
     [[nodiscard]] static double unitsPerPoint(const Screen& screen);
+    /// Gives displays without a name that of the one in the same place. Some compositors keep the
+    /// names from their companions, and tell them to their clients.
+    static void takeNames(std::vector<CompanionDisplay>& displays,
+                          const std::vector<CompanionDisplay>& named);
 
 private:
     void follow(QScreen* screen);

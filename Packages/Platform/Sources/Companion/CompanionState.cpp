@@ -50,17 +50,20 @@ void CompanionState::hear(const CompanionHello& hello) {
     windows_.clear();
     active_.clear();
     lastSerial_ = 0;
+    shell_ = hello.shell;
     displays_ = hello.displays;
     pointer_ = hello.pointer;
     if (hello.focus)
         noteActive(*hello.focus);
+    doesCompanionTellKeys_ = hello.tellsKeys;
     const bool wasConnected = std::exchange(isConnected_, true);
     Q_EMIT displaysChanged();
     Q_EMIT greeted();
     if (!wasConnected)
         Q_EMIT connectedChanged();
+    Q_EMIT keySourceChanged();
     Q_EMIT focusChanged();
-    tellKeys(hello.keys, false);
+    hearKeys(hello.keys, false);
 }
 
 void CompanionState::hear(const CompanionDisplays& message) {
@@ -93,7 +96,7 @@ void CompanionState::hear(const CompanionDrag& message) {
     if (message.window.id == drag_->window)
         note(message.window);
     const bool hasMoved = std::exchange(pointer_, message.pointer) != message.pointer;
-    tellKeys(message.keys, isOurs);
+    hearKeys(message.keys, isOurs);
     if (hasMoved && drag_)
         Q_EMIT input({EventType::leftMouseDragged, keys_}, isOurs);
     if (message.step == Step::drop && drag_) {
@@ -111,7 +114,17 @@ void CompanionState::begin(const CompanionDrag& message) {
     drag_ = Drag{message.serial, message.window.id, message.window.isOurs};
     note(message.window);
     pointer_ = message.pointer;
-    tellKeys(message.keys, message.window.isOurs);
+    hearKeys(message.keys, message.window.isOurs);
+}
+
+void CompanionState::setKeys(std::optional<ModifierFlags> keys) {
+    const bool hadKeys = hasKeys();
+    keysOfOthers_ = keys;
+    if (hadKeys != hasKeys())
+        Q_EMIT keySourceChanged();
+    // Between drags nobody asks.
+    if (drag_)
+        tellKeys(keys.value_or(ModifierFlags()), drag_->isOurs);
 }
 
 void CompanionState::cancelDrag() {

@@ -25,9 +25,16 @@ public:
     void lose();
     /// Ends the drag that runs, if one does, as if the user had: without a snap.
     void cancelDrag();
+    /// The keys by the word of somebody who knows them at once, instead of the companion's; none
+    /// where nobody does, or no longer.
+    void setKeys(std::optional<ModifierFlags> keys);
 
     /// Whether a companion is there that speaks our protocol.
     [[nodiscard]] bool isConnected() const { return isConnected_; }
+    /// Whether anybody tells the keys.
+    [[nodiscard]] bool hasKeys() const { return doesCompanionTellKeys_ || keysOfOthers_; }
+    /// What the companion that introduced itself last said of its compositor.
+    [[nodiscard]] const QString& shell() const { return shell_; }
     /// The displays in the companion's order; empty as long as none has been told of.
     [[nodiscard]] const std::vector<CompanionDisplay>& displays() const { return displays_; }
     /// None as long as none has been told of.
@@ -49,6 +56,8 @@ Q_SIGNALS:
     void greeted();
     /// `isConnected()` has another answer than before.
     void connectedChanged();
+    /// `hasKeys()` may have another answer than before.
+    void keySourceChanged();
     /// `displays()` may have another answer than before.
     void displaysChanged();
     /// Another window has the focus by now, be it this program's own.
@@ -80,15 +89,22 @@ private:
     void hear(const CompanionPoll& message);
 
     void begin(const CompanionDrag& message);
+    /// What a message says of the keys, unless somebody knows better.
+    void hearKeys(ModifierFlags keys, bool isOurs) {
+        tellKeys(keysOfOthers_.value_or(keys), isOurs);
+    }
     void tellKeys(ModifierFlags keys, bool isOurs);
     void note(const CompanionWindow& window);
     void noteActive(const CompanionWindow& window);
 
     bool isConnected_ = false;
+    QString shell_;
     std::vector<CompanionDisplay> displays_;
     std::optional<CompanionPoint> pointer_;
     /// As they were told to the monitors last.
     ModifierFlags keys_;
+    std::optional<ModifierFlags> keysOfOthers_;
+    bool doesCompanionTellKeys_ = true;
     std::optional<Drag> drag_;
     quint64 lastSerial_ = 0;
     /// Those that were told of last, the latest first.

@@ -46,6 +46,17 @@ TEST(CompanionDecoder, ReadsAGreetingWhole) {
     EXPECT_EQ(hello->pointer, (CompanionPoint{10, 20}));
 }
 
+TEST(CompanionDecoder, TakesACompanionThatDoesNotSayOtherwiseForOneThatTellsTheKeys) {
+    const auto tellsKeys = [](const QByteArray& field) {
+        const auto message = CompanionDecoder::decode(u"Hello", "{" + field + helloText().mid(1));
+        return message ? std::optional(std::get<CompanionHello>(*message).tellsKeys) : std::nullopt;
+    };
+    EXPECT_EQ(tellsKeys(""), true);
+    EXPECT_EQ(tellsKeys(R"("tellsKeys":true,)"), true);
+    EXPECT_EQ(tellsKeys(R"("tellsKeys":false,)"), false);
+    EXPECT_EQ(tellsKeys(R"("tellsKeys":1,)"), std::nullopt);
+}
+
 TEST(CompanionDecoder, ReadsNothingMoreOfAProtocolThatIsNotSpokenHere) {
     const auto hello = decodeAs<CompanionHello>("Hello", R"({"protocol":2,"displays":"others"})");
     ASSERT_TRUE(hello);

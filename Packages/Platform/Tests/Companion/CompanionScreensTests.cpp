@@ -116,4 +116,24 @@ TEST_F(CompanionScreensTest, FindTheDisplayThatTheUserWorksOn) {
     EXPECT_FALSE(screens.all().empty()) << "then Qt's word counts";
 }
 
+TEST(CompanionScreens, TakeTheNamesOfThoseInTheSamePlaceForDisplaysWithoutOne) {
+    const auto display = [](double x, double width, const char* connector) {
+        CompanionDisplay made;
+        made.frame = {x, 0, width, 720};
+        made.connector = QString::fromLatin1(connector);
+        made.product = made.connector.isEmpty() ? QString() : QStringLiteral("Product");
+        return made;
+    };
+    // What a scale of a display comes to is rounded by some.
+    std::vector<CompanionDisplay> displays{display(1280, 1279.8, ""), display(0, 1280, ""),
+                                           display(2560, 800, ""), display(9000, 1, "Own-1")};
+    CompanionScreens::takeNames(displays, {display(0, 1280, "DP-1"), display(1280, 1280, "DP-2"),
+                                           display(9000, 1, "DP-3")});
+    EXPECT_EQ(displays[0].connector, QStringLiteral("DP-2"));
+    EXPECT_EQ(displays[0].product, QStringLiteral("Product"));
+    EXPECT_EQ(displays[1].connector, QStringLiteral("DP-1"));
+    EXPECT_TRUE(displays[2].connector.isEmpty()) << "another one";
+    EXPECT_EQ(displays[3].connector, QStringLiteral("Own-1"));
+}
+
 } // namespace tilewright::testing

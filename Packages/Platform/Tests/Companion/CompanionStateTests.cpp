@@ -200,4 +200,40 @@ TEST_F(CompanionStateTest, LosesTheWindowsWithTheCompanionAndKeepsTheDisplays) {
     EXPECT_EQ(state.displays().size(), 1U);
 }
 
+TEST_F(CompanionStateTest, BelievesOfTheKeysWhoeverKnowsThemAtOnceMoreThanTheCompanion) {
+    tell("Hello", R"({"tellsKeys":false,)" + helloText().mid(1));
+    EXPECT_TRUE(state.isConnected());
+    EXPECT_FALSE(state.hasKeys());
+    EXPECT_EQ(state.shell(), QStringLiteral("43.9"));
+    state.setKeys(controlHeld);
+    EXPECT_TRUE(state.hasKeys());
+    EXPECT_TRUE(types.empty()) << "nobody asks between drags";
+    tell("DragBegin", dragText(1, "[10,20]", 0));
+    EXPECT_EQ(flags, std::vector{controlHeld}) << "held since before the drag";
+    tell("DragMotion", dragText(1, "[11,20]", 0));
+    EXPECT_EQ(flags.back(), controlHeld);
+    forgetInput();
+    state.setKeys(ModifierFlags());
+    state.setKeys(ModifierFlags());
+    EXPECT_EQ(types, std::vector{EventType::flagsChanged}) << "at once, while the pointer rests";
+    EXPECT_EQ(flags, std::vector{ModifierFlags()});
+    state.setKeys(controlHeld);
+    forgetInput();
+    state.setKeys(std::nullopt);
+    EXPECT_EQ(flags, std::vector{ModifierFlags()}) << "nobody tells of its release any longer";
+    EXPECT_FALSE(state.hasKeys());
+}
+
+TEST_F(CompanionStateTest, SaysWhenSomebodyBeginsOrCeasesToTellTheKeys) {
+    std::vector<bool> told;
+    QObject::connect(&state, &CompanionState::keySourceChanged, &state,
+                     [&] { told.push_back(state.hasKeys()); });
+    tell("Hello", R"({"tellsKeys":false,)" + helloText().mid(1));
+    state.setKeys(ModifierFlags());
+    state.setKeys(controlHeld);
+    state.setKeys(std::nullopt);
+    tell("Hello", helloText());
+    EXPECT_EQ(told, (std::vector{false, true, false, true}));
+}
+
 } // namespace tilewright::testing

@@ -1,0 +1,172 @@
+#include "KWinCompanion.h"
+
+#include "KWinCompanionScript.h"
+
+#include <QCoreApplication>
+#include <QDBusPendingCallWatcher>
+#include <QStandardPaths>
+#include <utility>
+
+namespace tilewright {
+
+namespace {
+
+/// More are never on their way to KWin at a time.
+constexpr std::size_t mostFiles = 8;
+
+QDBusMessage callToKWin(const QString& path, const QString& interface, const QString& method) {
+    QDBusMessage message =
+        QDBusMessage::createMethodCall(KWinCompanion::compositorName(), path, interface, method);
+    message.setAutoStartService(false);
+    return message;
+}
+
+QDBusMessage callToScripting(const QString& method) {
+    return callToKWin(QStringLiteral("/Scripting"), QStringLiteral("org.kde.kwin.Scripting"),
+                      method);
+}
+
+QDBusMessage unloading(const QString& script) {
+    QDBusMessage unload = callToScripting(QStringLiteral("unloadScript"));
+    unload << script;
+    return unload;
+}
+
+/// What makes an object of the script, which is told whose it is.
+QByteArray making(const char* type, const QDBusConnection& bus, const QString& name) {
+    return QStringLiteral("new %1('%2', %3, '%4')")
+        .arg(QLatin1String(type), bus.baseService())
+        .arg(QCoreApplication::applicationPid())
+        .arg(name)
+        .toUtf8();
+}
+
+} // namespace
+
+QString KWinCompanion::compositorName() {
+    return QStringLiteral("org.kde.KWin");
+}
+
+QString KWinCompanion::scriptName() {
+    return QStringLiteral("tilewright");
+}
+
+QStringList KWinCompanion::keyEffects() {
+    return {QStringLiteral("tilewright_key_shift"), QStringLiteral("tilewright_key_control"),
+            QStringLiteral("tilewright_key_alt"), QStringLiteral("tilewright_key_meta")};
+}
+
+QString KWinCompanion::runtimeFolder() {
+    return QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
+}
+
+KWinCompanion::KWinCompanion(MessageBus& bus, QString folder)
+    : bus_(bus)
+    , folder_(std::move(folder)) {
+    connect(&bus_, &MessageBus::joined, this, &KWinCompanion::joinBus);
+    connect(&bus_, &MessageBus::left, this, &KWinCompanion::leaveBus);
+    if (bus_.isJoined())
+        joinBus();
+}
+
+KWinCompanion::~KWinCompanion() {
+    if (!kwin_ || kwin_->owner().isEmpty())
+        return;
+    bus_.connection().send(unloading(scriptName()));
+    for (const QString& effect : keyEffects()) {
+        QDBusMessage unload =
+            callToKWin(QStringLiteral("/Effects"), QStringLiteral("org.kde.kwin.Effects"),
+                       QStringLiteral("unloadEffect"));
+        unload << effect;
+        bus_.connection().send(unload);
+    }
+}
+
+void KWinCompanion::joinBus() {
+    kwin_ = std::make_unique<BusNameOwner>(bus_.connection(), compositorName());
+    connect(kwin_.get(), &BusNameOwner::changed, this, &KWinCompanion::reload);
+}
+
+void KWinCompanion::leaveBus() {
+    kwin_.reset();
+    reload();
+}
+
+void KWinCompanion::reload() {
+    settle(State::unknown);
+    const QString kwin = kwin_ ? kwin_->owner() : QString();
+    if (kwin.isEmpty())
+        return;
+    start(scriptName(), making("Companion", bus_.connection(), scriptName()),
+          [this, kwin](bool isLoaded) {
+              // Whoever answers late is not the KWin of now.
+              if (kwin_ && kwin_->owner() == kwin)
+                  settle(isLoaded ? State::loaded : State::refused);
+          });
+}
+
+void KWinCompanion::carry(const QString& commands) {
+    if (!kwin_ || kwin_->owner().isEmpty())
+        return;
+    const QString name = QStringLiteral("%1_errand_%2").arg(scriptName()).arg(++errands_);
+    start(name,
+          making("Errand", bus_.connection(), name) + ".run((" + commands.toUtf8() + ").do || [])",
+          [](bool) {});
+}
+
+void KWinCompanion::settle(State state) {
+    if (std::exchange(state_, state) != state_)
+        Q_EMIT changed();
+}
+
+void KWinCompanion::start(const QString& name, const QByteArray& lastLine,
+                          std::function<void(bool)> then) {
+    const QString path = write(lastLine);
+    if (path.isEmpty()) {
+        then(false);
+        return;
+    }
+    // One of that name may be there from an earlier run; until it has gone, no other is taken.
+    call(unloading(name), [this, name, path, then = std::move(then)](const QDBusMessage&) {
+        load(name, path, then);
+    });
+}
+
+void KWinCompanion::load(const QString& name, const QString& path, std::function<void(bool)> then) {
+    QDBusMessage load = callToScripting(QStringLiteral("loadScript"));
+    load << path << name;
+    call(load, [this, then = std::move(then)](const QDBusMessage& reply) {
+        const bool isTaken =
+            reply.type() == QDBusMessage::ReplyMessage && reply.arguments().value(0).toInt() >= 0;
+        // Not by its number, which KWin may have given to another script as well: all those are
+        // started that do not run yet.
+        if (isTaken)
+            bus_.connection().send(callToScripting(QStringLiteral("start")));
+        then(isTaken);
+    });
+}
+
+QString KWinCompanion::write(const QByteArray& lastLine) {
+    auto file = std::make_unique<QTemporaryFile>(folder_ + QStringLiteral("/tilewright-XXXXXX.js"));
+    const QByteArray text = kwinCompanionScript() + lastLine + ";\n";
+    if (!file->open() || file->write(text) != text.size() || !file->flush())
+        return {};
+    const QString path = file->fileName();
+    file->close();
+    files_.push_back(std::move(file));
+    if (files_.size() > mostFiles)
+        files_.pop_front();
+    return path;
+}
+
+void KWinCompanion::call(const QDBusMessage& message,
+                         std::function<void(const QDBusMessage&)> then) {
+    auto* pending = new QDBusPendingCallWatcher(bus_.connection().asyncCall(message), this);
+    connect(pending, &QDBusPendingCallWatcher::finished, this,
+            [then = std::move(then)](QDBusPendingCallWatcher* finished) {
+                finished->deleteLater();
+                then(finished->reply());
+            });
+}
+
+} // namespace tilewright
