@@ -3,9 +3,9 @@
 #include "SwaySession.h"
 
 #include <LayerShell/LayerShellOverlaySurface.h>
-#include <LayerShell/LayerShellScreenSaver.h>
 #include <OverlayFixture.h>
 #include <Platform/QtMainLoop.h>
+#include <Wayland/WaylandPlatform.h>
 
 #include <QFileInfo>
 #include <cmath>
@@ -148,20 +148,25 @@ TEST_F(LayerShellSession, ShowsTheOverlayInTheNextCompositorWhenTheFirstHasCrash
     EXPECT_TRUE(looksLikeTheView());
 }
 
-TEST_F(LayerShellSession, IsKeptFromIdlingUntilTheSuspensionEnds) {
-    ASSERT_TRUE(waitUntil([&] { return connection.isReady(); }));
-    LayerShellScreenSaver saver(connection, loop);
-    saver.suspend();
-    ASSERT_TRUE(saver.isSuspended(0ms));
+TEST_F(LayerShellSession, IsKeptFromIdlingWhileAnAssertionIsHeld) {
+    for (const char* name : {"XDG_RUNTIME_DIR", "WAYLAND_DISPLAY"})
+        qputenv(name, sway.environment().value(QString::fromLatin1(name)).toLocal8Bit());
+    // Nobody on a bus could do it.
+    qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nowhere");
+    qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nowhere");
+    WaylandPlatform platform;
+    PowerAssertionResult assertion{1, 0};
+    ASSERT_TRUE(waitUntil([&] {
+        assertion =
+            platform.powerAssertions.create(u"PreventUserIdleDisplaySleep"_s, 255, u"A test"_s);
+        return assertion.status == 0;
+    }));
     const QString mark = sway.folder().filePath(u"idle"_s);
-    const auto startIdler = [&](Subprocess& idler) {
-        ASSERT_TRUE(idler.start(u"swayidle"_s, {u"timeout"_s, u"1"_s, u"touch "_s + mark},
-                                sway.environment()));
-    };
     Subprocess idler;
-    startIdler(idler);
+    ASSERT_TRUE(
+        idler.start(u"swayidle"_s, {u"timeout"_s, u"1"_s, u"touch "_s + mark}, sway.environment()));
     EXPECT_TRUE(staysTrue([&] { return !QFileInfo::exists(mark); }, 4s));
-    saver.resume();
+    platform.powerAssertions.release(assertion.id);
     EXPECT_TRUE(waitUntil([&] { return QFileInfo::exists(mark); }));
 }
 

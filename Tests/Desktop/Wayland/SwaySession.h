@@ -18,7 +18,9 @@ namespace tilewright::testing {
 /// Sway without a screen: one display of 1920 by 1080 pixels, on which every window is full-screen.
 class SwaySession {
 public:
-    explicit SwaySession(double scale) {
+    enum class Beside { nothing, xServer };
+
+    explicit SwaySession(double scale = 1, Beside beside = Beside::nothing) {
         using namespace Qt::StringLiterals;
         for (const QString& name : {u"PATH"_s, u"LD_LIBRARY_PATH"_s})
             environment_.insert(name, qEnvironmentVariable(name.toLatin1().constData()));
@@ -29,9 +31,15 @@ public:
         environment_.insert(u"WLR_LIBINPUT_NO_DEVICES"_s, u"1"_s);
         QFile config(folder_.filePath(u"config"_s));
         EXPECT_TRUE(config.open(QIODevice::WriteOnly));
+        // The server lets in whoever is the same user, which the tests may not be.
+        const QString letIn = beside == Beside::xServer
+                                  ? u"exec xhost +local: && echo $DISPLAY > "_s + xDisplayFile()
+                                  : QString();
         config.write(u"output HEADLESS-1 mode 1920x1080 scale %1\n"
-                     "xwayland disable\n"
-                     "for_window [app_id=\".*\"] fullscreen enable\n"_s.arg(scale)
+                     "xwayland %2\n"
+                     "for_window [app_id=\".*\"] fullscreen enable\n%3\n"_s
+                         .arg(QString::number(scale),
+                              beside == Beside::xServer ? u"enable"_s : u"disable"_s, letIn)
                          .toUtf8());
         config.close();
         start();
@@ -75,6 +83,17 @@ public:
     [[nodiscard]] QString socketPath() const {
         return folder_.filePath(QStringLiteral("wayland-1"));
     }
+    /// The name of the X server beside it.
+    [[nodiscard]] QString xDisplay() const {
+        QString display;
+        EXPECT_TRUE(waitUntil([&] {
+            QFile file(xDisplayFile());
+            if (file.open(QIODevice::ReadOnly))
+                display = QString::fromUtf8(file.readAll()).trimmed();
+            return !display.isEmpty();
+        })) << logged();
+        return display;
+    }
     [[nodiscard]] const QProcessEnvironment& environment() const { return environment_; }
     [[nodiscard]] const QTemporaryDir& folder() const { return folder_; }
 
@@ -88,6 +107,9 @@ public:
     }
 
 private:
+    [[nodiscard]] QString xDisplayFile() const {
+        return folder_.filePath(QStringLiteral("display"));
+    }
     [[nodiscard]] QString log() const { return folder_.filePath(QStringLiteral("sway.log")); }
     [[nodiscard]] std::string logged() const {
         QFile file(log());

@@ -33,6 +33,17 @@ protected:
             environment.insert(name, qEnvironmentVariable(name.toLatin1().constData()));
         environment.insert(u"HOME"_s, folder.path());
         environment.insert(u"XDG_RUNTIME_DIR"_s, folder.path());
+        startBus();
+        QStringList arguments{u"--backend=headless-backend.so"_s, u"--socket=wayland-test"_s,
+                              u"--idle-time=0"_s};
+        if (beside == Beside::xServer)
+            arguments.append(u"--xwayland"_s);
+        ASSERT_TRUE(compositor.start(u"weston"_s, arguments, environment, compositorLog()));
+        ASSERT_TRUE(waitUntil([&] { return QFile::exists(folder.filePath(u"wayland-test"_s)); }))
+            << contentsOf(compositorLog()).toStdString();
+        environment.insert(u"WAYLAND_DISPLAY"_s, u"wayland-test"_s);
+    }
+    void startBus() {
         ASSERT_TRUE(bus.start(u"dbus-daemon"_s,
                               {u"--session"_s, u"--nofork"_s, u"--print-address=1"_s}, environment,
                               busLog()));
@@ -43,14 +54,6 @@ protected:
             return !told.isEmpty();
         }));
         environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, told);
-        QStringList arguments{u"--backend=headless-backend.so"_s, u"--socket=wayland-test"_s,
-                              u"--idle-time=0"_s};
-        if (beside == Beside::xServer)
-            arguments.append(u"--xwayland"_s);
-        ASSERT_TRUE(compositor.start(u"weston"_s, arguments, environment, compositorLog()));
-        ASSERT_TRUE(waitUntil([&] { return QFile::exists(folder.filePath(u"wayland-test"_s)); }))
-            << contentsOf(compositorLog()).toStdString();
-        environment.insert(u"WAYLAND_DISPLAY"_s, u"wayland-test"_s);
     }
     /// The name of the X server beside the compositor.
     [[nodiscard]] QString xDisplay() {
