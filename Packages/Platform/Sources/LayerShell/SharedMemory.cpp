@@ -12,8 +12,10 @@ SharedMemory::SharedMemory(std::size_t size)
         return;
     // Spares the other side the precautions against memory that goes away beneath it.
     ::fcntl(file_.number(), F_ADD_SEALS, F_SEAL_SHRINK | F_SEAL_SEAL);
-    void* data =
-        ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, file_.number(), off_t{0});
+    // All of it is about to be painted: made piece by piece, as each is touched, it takes much
+    // longer.
+    void* data = ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_POPULATE,
+                        file_.number(), off_t{0});
     if (data != MAP_FAILED)
         data_ = static_cast<unsigned char*>(data);
 }

@@ -6,7 +6,7 @@
 
 namespace tilewright {
 
-/// Memory that another process can be given, zeroed; what nobody touches takes no room.
+/// Memory that another process can be given, zeroed, and ready to be written to.
 class SharedMemory {
 public:
     /// Not even a byte on failure: `data()` is null then.
