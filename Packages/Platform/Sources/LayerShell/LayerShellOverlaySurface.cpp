@@ -54,6 +54,8 @@ LayerShellOverlaySurface::LayerShellOverlaySurface(WaylandConnection& connection
 LayerShellOverlaySurface::~LayerShellOverlaySurface() {
     for (const QMetaObject::Connection& connection : following_)
         QObject::disconnect(connection);
+    if (forgetDrags_)
+        forgetDrags_();
     view_->setRepaint({});
 }
 
@@ -103,6 +105,20 @@ void LayerShellOverlaySurface::prepare(const ScreenPtr& screen) {
     }
     connection_.flush();
     keepPixelsForAWhile();
+}
+
+void LayerShellOverlaySurface::prepareAtDrags(EventMonitors& monitors, const Screens& screens,
+                                              const Pointer& pointer) {
+    const std::optional<MonitorToken> token =
+        monitors.addGlobalMonitor({EventType::leftMouseDragged, EventType::leftMouseUp},
+                                  [this, &screens, &pointer](const Event& event) {
+                                      const bool isDragged =
+                                          event.type == EventType::leftMouseDragged;
+                                      if (!std::exchange(isDragging_, isDragged) && isDragged)
+                                          prepare(screens.nearest(pointer.location()));
+                                  });
+    if (token)
+        forgetDrags_ = [&monitors, token = *token] { monitors.removeMonitor(token); };
 }
 
 void LayerShellOverlaySurface::begin() {

@@ -5,9 +5,11 @@
 #include "WaylandConnection.h"
 #include "WaylandOutputs.h"
 
+#include <Platform/EventMonitors.h>
 #include <Platform/Lifetime.h>
 #include <Platform/MainLoop.h>
 #include <Platform/OverlaySurface.h>
+#include <Platform/Pointer.h>
 
 #include <chrono>
 #include <functional>
@@ -40,8 +42,11 @@ public:
     void orderOut() override;
 
     /// Allocates and paints the pixels for a screen now, so that a showing on it that may follow
-    /// soon need not. For the moment in which a drag begins.
+    /// soon need not.
     void prepare(const ScreenPtr& screen);
+    /// From now on prepares for the screen beneath the pointer as each drag of another
+    /// application's begins. All of these have to outlive the surface.
+    void prepareAtDrags(EventMonitors& monitors, const Screens& screens, const Pointer& pointer);
 
 private:
     void surfaceResized(QSize size) override;
@@ -77,6 +82,9 @@ private:
     QRegion dirty_;
     bool isPaintPosted_ = false;
     ScopedTimer releasing_;
+    /// Ends what tells of drags.
+    std::function<void()> forgetDrags_;
+    bool isDragging_ = false;
     std::vector<QMetaObject::Connection> following_;
     Lifetime life_;
 };

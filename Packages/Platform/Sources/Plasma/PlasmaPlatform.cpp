@@ -142,10 +142,12 @@ StatusItem& PlasmaPlatform::statusItem() {
 
 std::unique_ptr<OverlaySurface>
 PlasmaPlatform::makeOverlaySurface(std::shared_ptr<OverlayView> view) {
-    return std::make_unique<LayerShellOverlaySurface>(
+    auto surface = std::make_unique<LayerShellOverlaySurface>(
         parts_->wayland, parts_->outputs,
         [parts = parts_.get()](const Screen& screen) { return parts->outputOf(screen); },
         parts_->mainLoop, std::move(view));
+    surface->prepareAtDrags(parts_->eventMonitors, parts_->screens, parts_->pointer);
+    return surface;
 }
 
 std::unique_ptr<PanelSurface>

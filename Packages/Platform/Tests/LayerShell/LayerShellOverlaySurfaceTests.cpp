@@ -1,8 +1,7 @@
 #include "StripesView.h"
 #include "WaylandFixture.h"
 
-#include <FakeMainLoop.h>
-#include <FakeScreens.h>
+#include <FakePlatform.h>
 #include <LayerShell/LayerShellOverlaySurface.h>
 
 #include <layer-shell-server.h>
@@ -330,6 +329,36 @@ TEST_F(LayerShellOverlaySurfaceTest, ShowsThePixelsThatItHasPreparedForTheDispla
     ASSERT_TRUE(comesTo(1));
     EXPECT_EQ(shown()->picture, view->expected({1920, 1080}, {1920, 1080}, 1));
     EXPECT_EQ(compositor->picturesAlive(), 1);
+}
+
+TEST_F(LayerShellOverlaySurfaceTest, PreparesOnceForEachDragUntilItEnds) {
+    FakeEventMonitors monitors;
+    FakeScreens screens;
+    screens.setScreens({screen});
+    const FakePointer pointer;
+    const auto comes = [&](EventType type) {
+        monitors.send(FakeEventMonitors::Kind::global, {type, {}});
+    };
+    connect();
+    ASSERT_TRUE(waitUntil([&] { return outputs.all().size() == 1; }));
+    {
+        LayerShellOverlaySurface prepared(
+            connection, outputs,
+            [this](const Screen& one) { return outputs.named(one.localizedName()); }, time, view);
+        prepared.prepareAtDrags(monitors, screens, pointer);
+        EXPECT_EQ(time.activeTimerCount(), 0U);
+        comes(EventType::leftMouseDragged);
+        // That it is given back is what tells of it.
+        EXPECT_EQ(time.activeTimerCount(), 1U);
+        time.advance(LayerShellOverlaySurface::pixelsKept);
+        comes(EventType::leftMouseDragged);
+        EXPECT_EQ(time.activeTimerCount(), 0U);
+        comes(EventType::leftMouseUp);
+        EXPECT_EQ(time.activeTimerCount(), 0U);
+        comes(EventType::leftMouseDragged);
+        EXPECT_EQ(time.activeTimerCount(), 1U);
+    }
+    EXPECT_TRUE(monitors.monitors.empty());
 }
 
 TEST_F(LayerShellOverlaySurfaceTest, ForgetsPreparedPixelsAfterAMinute) {
