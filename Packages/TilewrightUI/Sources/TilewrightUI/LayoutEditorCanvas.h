@@ -24,6 +24,9 @@ public:
     static constexpr double aspectRatio = 1.6;
     /// How far the handles of small zones may stick out of the canvas, in points.
     static constexpr int margin = 12;
+    /// The same at its sides, where there is more of it: as much as a handle can be hit outside a
+    /// zone.
+    static constexpr int sideMargin = 24;
 
     /// The model has to outlive the canvas.
     explicit LayoutEditorCanvas(LayoutEditorModel& model, QWidget* parent = nullptr);

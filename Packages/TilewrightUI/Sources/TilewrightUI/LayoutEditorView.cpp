@@ -168,7 +168,8 @@ void LayoutEditorView::arrange() {
                        area.top() + headerHeight + rowSpacing, width, height);
     // The handles of small zones may stick out into the padding and the spacing.
     const int margin = LayoutEditorCanvas::margin;
-    canvas_->setGeometry(canvas.adjusted(-margin, -margin, margin, margin));
+    const int side = std::min(LayoutEditorCanvas::sideMargin, canvas.left());
+    canvas_->setGeometry(canvas.adjusted(-side, -margin, side, margin));
     controls_->arrange(
         {area.left(), canvas.bottom() + 1 + rowSpacing, area.width(), controlsHeight});
     toast_->updatePlace();

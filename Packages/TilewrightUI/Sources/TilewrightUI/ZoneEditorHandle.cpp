@@ -40,8 +40,18 @@ double inset(double size) {
                       -ZoneEditorHandle::diameter, 0.0);
 }
 
-/// The circle's surroundings, outward from the zone as far as the bounds go, else inward as far as
-/// the body stays free.
+/// The middle of what stays free of the zone, from left to right: its own, or beside it where the
+/// bounds are so near that there would be too little room for the handles at that side.
+double freeMiddle(const QRectF& zone, const QRectF& bounds) {
+    const double room = leastHitSide + (bodyRoom / 2);
+    const double middle =
+        std::max(std::min(zone.center().x(), bounds.right() - room), bounds.left() + room);
+    const double half = std::min(bodyRoom, zone.width()) / 2;
+    return std::min(std::max(middle, zone.left() + half), zone.right() - half);
+}
+
+/// The circle's surroundings, outward from the zone as far as the bounds go, else inward. Beside
+/// the body, which stays free, it may be as far down or up as it has to.
 QRectF hitAreaOf(const QRectF& circle, const QRectF& zone, const QRectF& bounds,
                  ZoneEditorGeometry::Corner corner) {
     QRectF area(0, 0, leastHitSide, leastHitSide);
@@ -49,16 +59,11 @@ QRectF hitAreaOf(const QRectF& circle, const QRectF& zone, const QRectF& bounds,
     area.moveTop(isTop(corner) ? circle.bottom() - leastHitSide : circle.top());
     area.moveLeft(std::max(std::min(area.left(), bounds.right() - leastHitSide), bounds.left()));
     area.moveTop(std::max(std::min(area.top(), bounds.bottom() - leastHitSide), bounds.top()));
-    const QPointF middle = zone.center();
-    const double half = bodyRoom / 2;
+    const double middle = freeMiddle(zone, bounds);
     if (isLeft(corner))
-        area.setRight(std::min(area.right(), middle.x() - half));
+        area.setRight(std::min(area.right(), middle - (bodyRoom / 2)));
     else
-        area.setLeft(std::max(area.left(), middle.x() + half));
-    if (isTop(corner))
-        area.setBottom(std::min(area.bottom(), middle.y() - half));
-    else
-        area.setTop(std::max(area.top(), middle.y() + half));
+        area.setLeft(std::max(area.left(), middle + (bodyRoom / 2)));
     return area;
 }
 
@@ -94,8 +99,12 @@ ZoneEditorHandle::ZoneEditorHandle(LayoutEditorModel& model, Corner corner, QWid
 
 void ZoneEditorHandle::attach(std::size_t index, const QRectF& zoneFrame, const QRectF& bounds) {
     index_ = index;
-    const double x = isLeft(corner_) ? zoneFrame.left() + inset(zoneFrame.width())
-                                     : zoneFrame.right() - inset(zoneFrame.width()) - diameter;
+    const double middle = freeMiddle(zoneFrame, bounds);
+    const double x = isLeft(corner_)
+                         ? std::min(zoneFrame.left() + inset(zoneFrame.width()),
+                                    middle - (bodyRoom / 2) - diameter)
+                         : std::max(zoneFrame.right() - inset(zoneFrame.width()) - diameter,
+                                    middle + (bodyRoom / 2));
     const double y = isTop(corner_) ? zoneFrame.top() + inset(zoneFrame.height())
                                     : zoneFrame.bottom() - inset(zoneFrame.height()) - diameter;
     const QRectF circle(std::max(std::min(x, bounds.right() - diameter), bounds.left()),
