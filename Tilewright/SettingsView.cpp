@@ -8,6 +8,8 @@
 #include <TilewrightUI/LayoutEditorView.h>
 #include <TilewrightUI/LayoutManagerView.h>
 #include <TilewrightUI/Look.h>
+#include <TilewrightUI/SlimScrollArea.h>
+#include <TilewrightUI/SlimScrollBar.h>
 
 #include <QShortcut>
 #include <QStackedWidget>
@@ -17,15 +19,15 @@
 namespace tilewright {
 
 SettingsView::SettingsView(QWidget* parent)
-    : QWidget(parent)
+    : SettingsContent(parent)
     , tabBar_(new SymbolTabBar(this))
-    , pages_(new QStackedWidget(this)) {
+    , pages_(new QStackedWidget)
+    , room_(new SlimScrollArea(pages_, this)) {
     tabBar_->setAccessibleName(tr("Settings"));
     add(Tab::layouts, "square.grid.2x2", tr("Layouts"), new LayoutEditorView);
     add(Tab::manage, "list.bullet.rectangle", tr("Manage"), new LayoutManagerView);
     add(Tab::general, "gearshape", tr("General"), new GeneralSettingsView);
     add(Tab::accessibility, "accessibility", tr("Accessibility"), new AccessibilitySettingsView);
-    pages_->setFixedSize(contentSize);
     connect(tabBar_, &QTabBar::currentChanged, pages_, &QStackedWidget::setCurrentIndex);
     const auto turn = [this](QKeySequence::StandardKey key, int step) {
         connect(new QShortcut(key, this), &QShortcut::activated, this, [this, step] {
@@ -44,8 +46,23 @@ SettingsView::SettingsView(QWidget* parent)
     auto* below = new QVBoxLayout;
     below->setSpacing(0);
     below->addWidget(new Hairline);
-    below->addWidget(pages_);
+    below->addWidget(room_);
     column->addLayout(below);
+    limitHeight(QWIDGETSIZE_MAX);
+}
+
+void SettingsView::limitHeight(int most) {
+    constexpr int least = 120;
+    layout()->activate();
+    const int around = layout()->sizeHint().height() - room_->height();
+    const int height = std::clamp(most - around, least, contentSize.height());
+    const bool scrolls = height < contentSize.height();
+    // The bar takes its room of the contents' trailing padding.
+    room_->setVerticalScrollBarPolicy(scrolls ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAlwaysOff);
+    pages_->setFixedSize(contentSize - QSize(scrolls ? SlimScrollBar::thickness : 0, 0));
+    room_->setFixedSize(contentSize.width(), height);
+    // The window asks for the size before a turn of the loop.
+    layout()->activate();
 }
 
 void SettingsView::add(Tab tab, const char* symbol, const QString& title, QWidget* content) {

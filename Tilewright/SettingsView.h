@@ -1,18 +1,20 @@
 #pragma once
 
-#include <QWidget>
+#include "SettingsWindow.h"
+
 #include <vector>
 
 class QStackedWidget;
 
 namespace tilewright {
 
+class SlimScrollArea;
 class SymbolTabBar;
 
 /// The content of the settings window: a row of four tabs above their contents, which have 520 ×
-/// 460 points. Starts at the layouts. The views of all tabs live as long as it does: changing the
-/// tab keeps what they hold.
-class SettingsView final : public QWidget {
+/// 460 points and scroll where there is less room. Starts at the layouts. The views of all tabs
+/// live as long as it does: changing the tab keeps what they hold.
+class SettingsView final : public SettingsContent {
     Q_OBJECT
 
 public:
@@ -26,6 +28,7 @@ public:
     [[nodiscard]] Tab selection() const;
     /// Shows a tab, as a click on it does.
     void setSelection(Tab tab);
+    void limitHeight(int most) override;
     /// The view of a tab.
     [[nodiscard]] QWidget* content(Tab tab) const;
 
@@ -35,6 +38,7 @@ private:
 
     SymbolTabBar* tabBar_;
     QStackedWidget* pages_;
+    SlimScrollArea* room_;
     /// In the order of the row and of the pages.
     std::vector<Tab> tabs_;
 };

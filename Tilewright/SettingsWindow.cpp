@@ -7,12 +7,20 @@
 #include <QGuiApplication>
 #include <QScreen>
 #include <QShortcut>
+#include <QStyle>
 #include <QVBoxLayout>
+#include <QWindow>
 #include <algorithm>
 
 namespace tilewright {
 
-SettingsWindow::SettingsWindow(std::unique_ptr<QWidget> view) {
+SettingsWindow::SettingsWindow(std::unique_ptr<SettingsContent> content)
+    : content_(content.get())
+    , displaysChanged_([this] {
+        fitToDisplay();
+        if (isVisible())
+            moveIntoView();
+    }) {
     setObjectName(QStringLiteral("settings"));
     setWindowTitle(tr("Tilewright Settings"));
     setWindowIcon(symbols::applicationIcon());
@@ -20,10 +28,37 @@ SettingsWindow::SettingsWindow(std::unique_ptr<QWidget> view) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins({});
     layout->setSizeConstraint(QLayout::SetFixedSize);
-    layout->addWidget(view.release());
+    layout->addWidget(content.release());
+    fitToDisplay();
+    // Qt tells of a display that goes before the window has another one: look once all is told.
+    connect(qGuiApp, &QGuiApplication::screenAdded, this, [this](const QScreen* screen) {
+        follow(*screen);
+        displaysChanged_.schedule();
+    });
+    connect(qGuiApp, &QGuiApplication::screenRemoved, &displaysChanged_, &Refresh::schedule);
+    for (const QScreen* each : QGuiApplication::screens())
+        follow(*each);
 }
 
 SettingsWindow::~SettingsWindow() = default;
+
+void SettingsWindow::follow(const QScreen& screen) {
+    connect(&screen, &QScreen::geometryChanged, &displaysChanged_, &Refresh::schedule);
+    connect(&screen, &QScreen::availableGeometryChanged, &displaysChanged_, &Refresh::schedule);
+}
+
+void SettingsWindow::fitToDisplay() {
+    // The frame is known once a window manager has made it; until then, as high as they make it.
+    const int known = frameGeometry().height() - height();
+    const int frame = known > 0 ? known : style()->pixelMetric(QStyle::PM_TitleBarHeight);
+    content_->limitHeight(screen()->availableGeometry().height() - frame);
+}
+
+void SettingsWindow::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    connect(windowHandle(), &QWindow::screenChanged, &displaysChanged_, &Refresh::schedule,
+            Qt::UniqueConnection);
+}
 
 void SettingsWindow::moveIntoView() {
     QRegion outOfSight(frameGeometry());
@@ -57,6 +92,7 @@ bool SettingsWindow::event(QEvent* event) {
     // Window managers know the window, and heed requests for it, once it is on the screen.
     if (event->type() == QEvent::Paint && wantsActivation_) {
         wantsActivation_ = false;
+        displaysChanged_.schedule();
         Platform::current().workspace.activateThisApplication();
     }
     return isHandled;

@@ -1,17 +1,33 @@
 #pragma once
 
+#include <Platform/ObservableObject.h>
+
 #include <QWidget>
 #include <functional>
 #include <memory>
 
+class QScreen;
+
 namespace tilewright {
 
-/// The settings window: an ordinary window around its content, whose size it takes and keeps.
+/// What the settings window shows. It has one size, but for what a low display asks of it.
+class SettingsContent : public QWidget {
+    Q_OBJECT
+
+public:
+    using QWidget::QWidget;
+
+    /// Has it take this height at most, in points; what does not fit then scrolls.
+    virtual void limitHeight(int most) = 0;
+};
+
+/// The settings window: an ordinary window around its content, whose size it takes. It follows the
+/// displays: on a low one its content scrolls, and it comes back from one that goes.
 class SettingsWindow final : public QWidget {
     Q_OBJECT
 
 public:
-    explicit SettingsWindow(std::unique_ptr<QWidget> view);
+    explicit SettingsWindow(std::unique_ptr<SettingsContent> content);
     ~SettingsWindow() override;
 
     /// Shows the window in front of every other one, focused, and whole where a part of it is on no
@@ -24,11 +40,16 @@ Q_SIGNALS:
 
 protected:
     bool event(QEvent* event) override;
+    void showEvent(QShowEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
 private:
+    void follow(const QScreen& screen);
+    void fitToDisplay();
     void moveIntoView();
 
+    SettingsContent* content_;
+    Refresh displaysChanged_;
     bool wantsActivation_ = false;
 };
 
@@ -38,7 +59,7 @@ class SettingsScene final : public QObject {
     Q_OBJECT
 
 public:
-    using ViewFactory = std::function<std::unique_ptr<QWidget>()>;
+    using ViewFactory = std::function<std::unique_ptr<SettingsContent>()>;
 
     explicit SettingsScene(ViewFactory makeView);
     ~SettingsScene() override;

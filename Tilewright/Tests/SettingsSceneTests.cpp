@@ -9,14 +9,28 @@
 namespace tilewright::testing {
 namespace {
 
+/// Wants 520 x 460 points, and notes how many it may have.
+class PlainContent final : public SettingsContent {
+public:
+    PlainContent() { setFixedSize(520, 460); }
+
+    void limitHeight(int most) override {
+        mostHeight = most;
+        setFixedHeight(std::min(460, most));
+    }
+
+    int mostHeight = 0;
+};
+
 struct SettingsSceneTest : public ::testing::Test {
     FakeDesktop desktop;
     int viewsMade = 0;
+    PlainContent* content = nullptr;
     SettingsScene scene{[this] {
         ++viewsMade;
-        auto view = std::make_unique<QWidget>();
-        view->setFixedSize(520, 460);
-        return view;
+        auto made = std::make_unique<PlainContent>();
+        content = made.get();
+        return made;
     }};
 };
 
@@ -61,6 +75,39 @@ TEST_F(SettingsSceneTest, ComesBackWholeFromADisplayThatIsGone) {
     scene.window()->move(chosen);
     scene.open();
     EXPECT_EQ(scene.window()->pos(), chosen) << "a window in sight stays where it is";
+}
+
+TEST_F(SettingsSceneTest, ComesBackByItselfWhenADisplayGoes) {
+    scene.open();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(scene.window()));
+    desktop.platform.fakeMainLoop.runPosted();
+    QScreen* display = scene.window()->screen();
+    scene.window()->move(display->geometry().right() + 500, 40);
+    QApplication::processEvents();
+    ASSERT_FALSE(display->geometry().intersects(scene.window()->frameGeometry()));
+    // As Qt says of the other display, while the window is still on it.
+    Q_EMIT qGuiApp->screenRemoved(display);
+    desktop.platform.fakeMainLoop.runPosted();
+    EXPECT_TRUE(display->availableGeometry().contains(scene.window()->frameGeometry()));
+
+    scene.window()->move(display->geometry().right() + 500, 40);
+    QApplication::processEvents();
+    Q_EMIT display->geometryChanged(display->geometry());
+    desktop.platform.fakeMainLoop.runPosted();
+    EXPECT_TRUE(display->availableGeometry().contains(scene.window()->frameGeometry()))
+        << "a display became smaller";
+}
+
+TEST_F(SettingsSceneTest, TakesNoMoreHeightThanItsDisplayHas) {
+    scene.open();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(scene.window()));
+    desktop.platform.fakeMainLoop.runPosted();
+    const int room = scene.window()->screen()->availableGeometry().height();
+    EXPECT_GT(content->mostHeight, room - 60) << "but for a frame";
+    EXPECT_LE(content->mostHeight, room);
+    content->limitHeight(300);
+    QApplication::processEvents();
+    EXPECT_EQ(scene.window()->size(), QSize(520, 300)) << "the window follows";
 }
 
 TEST_F(SettingsSceneTest, ClosesByTheUsualKeys) {

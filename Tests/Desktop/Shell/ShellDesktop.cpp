@@ -103,7 +103,8 @@ void RecordingIdleService::UnInhibit(uint cookie) {
         ++releases_;
 }
 
-ShellDesktop::ShellDesktop(WindowManagerKind windowManager) {
+ShellDesktop::ShellDesktop(WindowManagerKind windowManager, std::unique_ptr<XServer> server)
+    : session_(std::move(server)) {
     EXPECT_TRUE(session_.startWindowManager(windowManager));
 }
 

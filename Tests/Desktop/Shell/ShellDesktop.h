@@ -46,7 +46,8 @@ private:
 /// A desktop in which the program runs as a user runs it, seen and used from outside only.
 class ShellDesktop {
 public:
-    explicit ShellDesktop(WindowManagerKind windowManager = WindowManagerKind::openbox);
+    explicit ShellDesktop(WindowManagerKind windowManager = WindowManagerKind::openbox,
+                          std::unique_ptr<XServer> server = XServer::virtualScreen());
 
     /// Starts a tray host, the only thing on its bar, and waits until it takes items in; an earlier
     /// one is ended.

@@ -20,6 +20,14 @@ using appkit::MonitorKind;
 
 namespace {
 
+/// Settings that are as high on every display.
+class PlainSettings final : public SettingsContent {
+public:
+    PlainSettings() { setFixedSize(300, 100); }
+
+    void limitHeight(int /*most*/) override {}
+};
+
 /// Nothing painted, in a margin of its own.
 class PlainChrome final : public PanelChrome {
 public:
@@ -219,7 +227,7 @@ TEST_F(MacPanel, LeavesTheKeyboardToTheSettingsThatItOpens) {
     activate(getpid());
     clickItem();
     panel->close();
-    SettingsScene settings([this] { return makeView(); });
+    SettingsScene settings([] { return std::make_unique<PlainSettings>(); });
     settings.open();
     settle();
     EXPECT_TRUE(appKit.broughtForward.empty());
