@@ -1,5 +1,6 @@
 #include "GeneralSettingsView.h"
 
+#include <Platform/Platform.h>
 #include <TilewrightUI/Hairline.h>
 #include <TilewrightUI/Look.h>
 #include <TilewrightUI/PopUpButton.h>
@@ -64,6 +65,7 @@ GeneralSettingsView::GeneralSettingsView(QWidget* parent)
     : QWidget(parent)
     , snapSettings_(SnapSettings::shared())
     , modifierPicker_(new PopUpButton(tr("Snap modifier"), this))
+    , modifierRow_(new QHBoxLayout)
     , caption_(makeCaption({}))
     , refresh_([this] { refresh(); }) {
     std::vector<PopUpButton::Item> items;
@@ -83,13 +85,12 @@ GeneralSettingsView::GeneralSettingsView(QWidget* parent)
         ->column()
         ->addWidget(makeCaption(tr("Configure default session durations in the menu bar.")));
     QVBoxLayout* zones = addSection(form, tr("Window Zones"))->column();
-    auto* row = new QHBoxLayout;
     auto* title = new TextLabel(tr("Snap modifier"), look::TextStyle::body);
     title->setBuddy(modifierPicker_);
-    row->addWidget(title);
-    row->addStretch();
-    row->addWidget(modifierPicker_);
-    zones->addLayout(row);
+    modifierRow_->addWidget(title);
+    modifierRow_->addStretch();
+    modifierRow_->addWidget(modifierPicker_);
+    zones->addLayout(modifierRow_);
     zones->addWidget(new Hairline);
     zones->addWidget(caption_);
     form->addStretch();
@@ -98,13 +99,28 @@ GeneralSettingsView::GeneralSettingsView(QWidget* parent)
     refresh();
 }
 
+GeneralSettingsView::~GeneralSettingsView() = default;
+
 void GeneralSettingsView::refresh() {
     const SnapModifier modifier = snapSettings_.modifier();
     modifierPicker_->select(rawValue(modifier));
+    showLocalName(modifier);
     caption_->setText(
         tr("Hold %1 (%2) and drag a window to snap it into a zone. Assign a layout per display "
            "from the menu bar, or build your own in the Layouts tab.")
             .arg(symbol(modifier), rawValue(modifier)));
+}
+
+void GeneralSettingsView::showLocalName(SnapModifier modifier) {
+    const auto name = Platform::current().keyNames.localName(eventFlag(modifier));
+    const QString title = modifierPicker_->accessibleName();
+    modifierPicker_->setAccessibleDescription(name ? tr("%1: %2").arg(title, *name) : title);
+    localName_.reset();
+    if (!name)
+        return;
+    localName_ =
+        std::make_unique<TextLabel>(*name, look::TextStyle::body, TextLabel::Importance::secondary);
+    modifierRow_->insertWidget(modifierRow_->indexOf(modifierPicker_), localName_.get());
 }
 
 } // namespace tilewright

@@ -69,6 +69,17 @@ public:
     bool isDark = false;
 };
 
+/// Keys that bear the words that a test says.
+class FakeKeyNames final : public KeyNames {
+public:
+    std::optional<QString> localName(ModifierFlag key) const override {
+        const auto name = names.find(key);
+        return name == names.end() ? std::nullopt : std::optional(name->second);
+    }
+
+    std::map<ModifierFlag, QString> names;
+};
+
 /// Power assertions that are counted, and refused on demand.
 class FakePowerAssertions final : public PowerAssertions {
 public:
@@ -207,6 +218,7 @@ struct Fakes {
     FakeMainLoop fakeMainLoop;
     FakeApplicationSupport fakeApplicationSupport;
     FakeInstanceActivation fakeInstanceActivation;
+    FakeKeyNames fakeKeyNames;
     FakeStatusItem fakeStatusItem;
     FakeOverlaySurface::Record overlay;
     /// The last one made, while there is one.
@@ -224,7 +236,8 @@ struct Fakes {
                 .userDefaults = fakeUserDefaults,
                 .mainLoop = loop ? *loop : fakeMainLoop,
                 .applicationSupport = fakeApplicationSupport,
-                .instanceActivation = fakeInstanceActivation};
+                .instanceActivation = fakeInstanceActivation,
+                .keyNames = fakeKeyNames};
     }
 };
 

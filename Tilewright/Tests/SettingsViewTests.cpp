@@ -240,6 +240,71 @@ TEST_F(SettingsViewTest, GeneralHasItsSectionsBelowEachOtherInTheirStyles) {
               labels[3]->mapTo(&view, labels[3]->rect().center()).y() / 8);
 }
 
+TEST_F(SettingsViewTest, GeneralSaysWhichKeyThisDesktopsKeyboardsMean) {
+    desktop.platform.fakeKeyNames.names = {{ModifierFlag::option, QStringLiteral("Alt")}};
+    GeneralSettingsView view;
+    view.resize(520, 460);
+    view.show();
+    settle();
+    EXPECT_EQ(view.localName(), nullptr);
+    EXPECT_EQ(view.modifierPicker()->accessibleDescription(), QStringLiteral("Snap modifier"));
+    SnapSettings::shared().setModifier(SnapModifier::option);
+    settle();
+    ASSERT_NE(view.localName(), nullptr);
+    EXPECT_EQ(view.localName()->text(), QStringLiteral("Alt"));
+    EXPECT_EQ(view.localName()->importance(), TextLabel::Importance::secondary);
+    EXPECT_EQ(view.modifierPicker()->accessibleDescription(), QStringLiteral("Snap modifier: Alt"));
+    EXPECT_EQ(view.modifierPicker()->currentText(), QStringLiteral("⌥ Option")) << "as ever";
+    for (const auto direction : {Qt::LeftToRight, Qt::RightToLeft}) {
+        view.setLayoutDirection(direction);
+        settle();
+        const QRect word = view.localName()->geometry();
+        const QRect choice = view.modifierPicker()->geometry();
+        const int gap = direction == Qt::LeftToRight ? choice.left() - word.right() - 1
+                                                     : word.left() - choice.right() - 1;
+        EXPECT_GE(gap, 4) << "before the choice, in reading order";
+        EXPECT_LE(gap, 16);
+    }
+    SnapSettings::shared().setModifier(SnapModifier::shift);
+    settle();
+    EXPECT_EQ(view.localName(), nullptr);
+    EXPECT_EQ(view.modifierPicker()->accessibleDescription(), QStringLiteral("Snap modifier"));
+}
+
+TEST_F(SettingsViewTest, ScrollsItsContentsOnADisplayThatIsLow) {
+    SettingsView view;
+    view.show();
+    settle();
+    const QSize whole = view.size();
+    EXPECT_EQ(whole.width(), SettingsView::contentSize.width());
+    EXPECT_EQ(view.content(SettingsView::Tab::layouts)->size(), SettingsView::contentSize);
+    view.limitHeight(400);
+    settle();
+    EXPECT_EQ(view.size(), QSize(whole.width(), 400));
+    QWidget* editor = view.content(SettingsView::Tab::layouts);
+    EXPECT_EQ(editor->height(), SettingsView::contentSize.height()) << "nothing is squeezed";
+    // The last control is below the edge, and the focus brings it up.
+    QWidget* last = nullptr;
+    for (auto* each : editor->findChildren<QAbstractButton*>()) {
+        if (each->isVisibleTo(editor) &&
+            (!last || each->mapTo(&view, QPoint()).y() > last->mapTo(&view, QPoint()).y()))
+            last = each;
+    }
+    ASSERT_NE(last, nullptr);
+    const auto isInView = [&] {
+        return view.rect().contains(QRect(last->mapTo(&view, QPoint()), last->size()));
+    };
+    EXPECT_FALSE(isInView());
+    makeActive(view);
+    last->setFocus(Qt::TabFocusReason);
+    settle();
+    EXPECT_TRUE(isInView());
+    view.limitHeight(2000);
+    settle();
+    EXPECT_EQ(view.size(), whole);
+    EXPECT_EQ(editor->size(), SettingsView::contentSize);
+}
+
 TEST_F(SettingsViewTest, GeneralStoresAChoiceAtOnceAndFollowsIt) {
     GeneralSettingsView view;
     view.show();

@@ -59,7 +59,8 @@ private:
                     .userDefaults = parts->fakes.userDefaults,
                     .mainLoop = parts->loop,
                     .applicationSupport = parts->fakes.applicationSupport,
-                    .instanceActivation = parts->fakes.instanceActivation})
+                    .instanceActivation = parts->fakes.instanceActivation,
+                    .keyNames = parts->fakes.keyNames})
         , parts_(std::move(parts)) {}
 
     std::unique_ptr<X11TestParts> parts_;

@@ -13,6 +13,7 @@
 #include <Companion/CompanionStatusItem.h>
 #include <Companion/CompanionWorkspace.h>
 #include <FreeDesktop/FreeDesktopApplicationSupport.h>
+#include <FreeDesktop/FreeDesktopKeyNames.h>
 #include <FreeDesktop/FreeDesktopUserDefaults.h>
 #include <FreeDesktop/FreeDesktopUserNotifications.h>
 #include <FreeDesktop/InhibitingPowerAssertions.h>
@@ -29,6 +30,7 @@ struct GnomePlatform::Parts {
     QtMainLoop mainLoop;
     FreeDesktopUserDefaults userDefaults;
     FreeDesktopApplicationSupport applicationSupport;
+    FreeDesktopKeyNames keyNames;
     MessageBus sessionBus{mainLoop, MessageBus::Kind::session};
     MessageBus systemBus{mainLoop, MessageBus::Kind::system};
     FreeDesktopUserNotifications userNotifications{sessionBus};
@@ -80,7 +82,8 @@ PlatformServices GnomePlatform::Parts::services() {
             .userDefaults = userDefaults,
             .mainLoop = mainLoop,
             .applicationSupport = applicationSupport,
-            .instanceActivation = instanceActivation};
+            .instanceActivation = instanceActivation,
+            .keyNames = keyNames};
 }
 
 GnomePlatform::GnomePlatform()

@@ -8,6 +8,7 @@
 #include "MacEventMonitors.h"
 #include "MacFocusReturn.h"
 #include "MacInstanceActivation.h"
+#include "MacKeyNames.h"
 #include "MacOverlaySurface.h"
 #include "MacPanelSurface.h"
 #include "MacPointer.h"
@@ -31,6 +32,7 @@ struct MacPlatform::Parts {
     MacUserDefaults userDefaults;
     MacApplicationSupport applicationSupport;
     MacInstanceActivation instanceActivation;
+    MacKeyNames keyNames;
     MacFocusReturn focusReturn{mainLoop, workspace};
     std::unique_ptr<MacStatusItem> statusItem;
     MacEditMenu editMenu;
@@ -46,7 +48,8 @@ struct MacPlatform::Parts {
                 .userDefaults = userDefaults,
                 .mainLoop = mainLoop,
                 .applicationSupport = applicationSupport,
-                .instanceActivation = instanceActivation};
+                .instanceActivation = instanceActivation,
+                .keyNames = keyNames};
     }
 };
 

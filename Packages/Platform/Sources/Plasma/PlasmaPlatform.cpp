@@ -11,6 +11,7 @@
 #include <Companion/CompanionPointer.h>
 #include <Companion/CompanionWorkspace.h>
 #include <FreeDesktop/FreeDesktopApplicationSupport.h>
+#include <FreeDesktop/FreeDesktopKeyNames.h>
 #include <FreeDesktop/FreeDesktopStatusItem.h>
 #include <FreeDesktop/FreeDesktopUserDefaults.h>
 #include <FreeDesktop/FreeDesktopUserNotifications.h>
@@ -40,6 +41,7 @@ struct PlasmaPlatform::Parts {
     QtMainLoop mainLoop;
     FreeDesktopUserDefaults userDefaults;
     FreeDesktopApplicationSupport applicationSupport;
+    FreeDesktopKeyNames keyNames;
     MessageBus sessionBus{mainLoop, MessageBus::Kind::session};
     MessageBus systemBus{mainLoop, MessageBus::Kind::system};
     FreeDesktopUserNotifications userNotifications{sessionBus};
@@ -119,7 +121,8 @@ PlatformServices PlasmaPlatform::Parts::services() {
             .userDefaults = userDefaults,
             .mainLoop = mainLoop,
             .applicationSupport = applicationSupport,
-            .instanceActivation = instanceActivation};
+            .instanceActivation = instanceActivation,
+            .keyNames = keyNames};
 }
 
 PlasmaPlatform::PlasmaPlatform()

@@ -5,6 +5,7 @@
 #include "ApplicationSupport.h"
 #include "EventMonitors.h"
 #include "InstanceActivation.h"
+#include "KeyNames.h"
 #include "MainLoop.h"
 #include "OverlaySurface.h"
 #include "PanelSurface.h"
@@ -35,6 +36,7 @@ struct PlatformServices {
     MainLoop& mainLoop;
     ApplicationSupport& applicationSupport;
     InstanceActivation& instanceActivation;
+    const KeyNames& keyNames;
 };
 
 /// One desktop: everything that differs between macOS, Linux and a test. What is shown to the user

@@ -7,6 +7,7 @@
 #include <FreeDesktop/FreeDesktopApplicationSupport.h>
 #include <FreeDesktop/FreeDesktopGuidance.h>
 #include <FreeDesktop/FreeDesktopInstanceActivation.h>
+#include <FreeDesktop/FreeDesktopKeyNames.h>
 #include <FreeDesktop/FreeDesktopStatusItem.h>
 #include <FreeDesktop/FreeDesktopUserDefaults.h>
 #include <FreeDesktop/FreeDesktopUserNotifications.h>
@@ -105,6 +106,7 @@ struct WaylandPlatform::Parts {
     QtMainLoop mainLoop;
     FreeDesktopUserDefaults userDefaults;
     FreeDesktopApplicationSupport applicationSupport;
+    FreeDesktopKeyNames keyNames;
     MessageBus sessionBus{mainLoop, MessageBus::Kind::session};
     MessageBus systemBus{mainLoop, MessageBus::Kind::system};
     FreeDesktopUserNotifications userNotifications{sessionBus};
@@ -137,7 +139,8 @@ struct WaylandPlatform::Parts {
                 .userDefaults = userDefaults,
                 .mainLoop = mainLoop,
                 .applicationSupport = applicationSupport,
-                .instanceActivation = instanceActivation};
+                .instanceActivation = instanceActivation,
+                .keyNames = keyNames};
     }
 };
 

@@ -11,6 +11,7 @@
 #include "X11SystemTray.h"
 
 #include <FreeDesktop/FreeDesktopApplicationSupport.h>
+#include <FreeDesktop/FreeDesktopKeyNames.h>
 #include <FreeDesktop/FreeDesktopStatusItem.h>
 #include <FreeDesktop/FreeDesktopUserDefaults.h>
 #include <FreeDesktop/FreeDesktopUserNotifications.h>
@@ -40,6 +41,7 @@ struct X11Platform::Parts {
     QtMainLoop mainLoop;
     FreeDesktopUserDefaults userDefaults;
     FreeDesktopApplicationSupport applicationSupport;
+    FreeDesktopKeyNames keyNames;
     MessageBus sessionBus{mainLoop, MessageBus::Kind::session};
     MessageBus systemBus{mainLoop, MessageBus::Kind::system};
     FreeDesktopUserNotifications userNotifications{sessionBus};
@@ -90,7 +92,8 @@ PlatformServices X11Platform::Parts::services() {
             .userDefaults = userDefaults,
             .mainLoop = mainLoop,
             .applicationSupport = applicationSupport,
-            .instanceActivation = instanceActivation};
+            .instanceActivation = instanceActivation,
+            .keyNames = keyNames};
 }
 
 std::unique_ptr<X11Platform> X11Platform::open(X11Session session) {

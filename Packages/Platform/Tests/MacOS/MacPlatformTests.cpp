@@ -45,6 +45,8 @@ TEST(MacPlatform, IsTheBackendOfAProgramBuiltForMacOS) {
     EXPECT_TRUE(platform.accessibility.isTrusted());
     EXPECT_EQ(platform.applicationSupport.folder(), backend.appKit.applicationSupport.path());
     EXPECT_TRUE(platform.appearance.blendsWindows());
+    for (const auto key : {ModifierFlag::option, ModifierFlag::command})
+        EXPECT_EQ(platform.keyNames.localName(key), std::nullopt);
     EXPECT_FALSE(backend.appKit.statusItem);
     EXPECT_EQ(&platform.statusItem(), &platform.statusItem());
     EXPECT_TRUE(backend.appKit.statusItem);

@@ -11,6 +11,7 @@
 #include <MacOS/MacEventMonitors.h>
 #include <MacOS/MacFocusReturn.h>
 #include <MacOS/MacInstanceActivation.h>
+#include <MacOS/MacKeyNames.h>
 #include <MacOS/MacOverlaySurface.h>
 #include <MacOS/MacPanelSurface.h>
 #include <MacOS/MacPointer.h>
@@ -34,6 +35,7 @@ struct MacTestParts {
     MacUserDefaults userDefaults;
     MacApplicationSupport applicationSupport;
     MacInstanceActivation instanceActivation;
+    MacKeyNames keyNames;
     MacFocusReturn focusReturn{loop, workspace};
     std::unique_ptr<MacStatusItem> statusItem;
 };
@@ -71,7 +73,8 @@ private:
                     .userDefaults = parts->userDefaults,
                     .mainLoop = parts->loop,
                     .applicationSupport = parts->applicationSupport,
-                    .instanceActivation = parts->instanceActivation})
+                    .instanceActivation = parts->instanceActivation,
+                    .keyNames = parts->keyNames})
         , parts_(std::move(parts)) {}
 
     std::unique_ptr<MacTestParts> parts_;
