@@ -1,8 +1,10 @@
 #include <FakePlatform.h>
 #include <Tilewright/MenuBarExtra.h>
 
+#include <QPushButton>
 #include <QWidget>
 #include <gtest/gtest.h>
+#include <string_view>
 
 namespace tilewright::testing {
 namespace {
@@ -14,7 +16,13 @@ struct MenuBarExtraTest : public ::testing::Test {
     int viewsMade = 0;
     MenuBarExtra extra{[this] {
         ++viewsMade;
-        return std::make_unique<QWidget>();
+        auto view = std::make_unique<QWidget>();
+        for (const char* name : {"hidden", "first", "second"}) {
+            auto* button = new QPushButton(view.get());
+            button->setObjectName(QString::fromLatin1(name));
+            button->setVisible(name != std::string_view("hidden"));
+        }
+        return view;
     }};
 };
 
@@ -38,6 +46,24 @@ TEST_F(MenuBarExtraTest, OpensThePanelByThePointerWhenTheProgramIsStartedAgain) 
     Q_EMIT platform.fakeInstanceActivation.activationRequested();
     EXPECT_TRUE(extra.panel().isOpen()) << "it stays open";
     EXPECT_EQ(platform.panel->anchors, std::vector<PanelSurface::Anchor>{std::nullopt});
+}
+
+TEST_F(MenuBarExtraTest, GivesTheFirstControlTheFocusWhereItOpensWithoutThePointer) {
+    const auto focused = [this] {
+        const QWidget* widget = platform.panel->view->focusWidget();
+        return widget ? widget->objectName() : QString();
+    };
+    platform.fakeStatusItem.click(itemPlace);
+    EXPECT_EQ(focused(), QString()) << "who clicks knows where";
+    platform.fakeStatusItem.click(itemPlace);
+    platform.fakeStatusItem.click(std::nullopt);
+    EXPECT_EQ(focused(), QStringLiteral("first"));
+    platform.fakeStatusItem.click(std::nullopt);
+    Q_EMIT platform.fakeInstanceActivation.activationRequested();
+    EXPECT_EQ(focused(), QStringLiteral("first"));
+    platform.fakeStatusItem.click(std::nullopt);
+    platform.fakeStatusItem.click(itemPlace);
+    EXPECT_EQ(focused(), QString()) << "the next click is one again";
 }
 
 TEST_F(MenuBarExtraTest, MakesItsContentNewAtEachOpening) {

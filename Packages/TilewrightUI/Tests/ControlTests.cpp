@@ -2,6 +2,7 @@
 #include <TilewrightUI/GlassButton.h>
 #include <TilewrightUI/Hairline.h>
 #include <TilewrightUI/PopUpButton.h>
+#include <TilewrightUI/SlimScrollBar.h>
 #include <TilewrightUI/TextLabel.h>
 #include <TilewrightUI/ToggleSwitch.h>
 
@@ -157,6 +158,23 @@ TEST_F(Controls, APlainButtonHasNoBezel) {
     const QImage image = button.grab().toImage();
     EXPECT_EQ(image.pixel(2, 2), image.pixel(57, 27));
     EXPECT_EQ(image.pixel(2, 15), button.palette().color(QPalette::Window).rgb());
+}
+
+TEST_F(Controls, TheFirstOneShowsTheFocusInAViewThatWasOpenedWithoutThePointer) {
+    QWidget window;
+    auto* off = new GlassButton(QStringLiteral("Off"), GlassButton::Kind::bordered, &window);
+    off->setEnabled(false);
+    auto* first = new GlassButton(QStringLiteral("First"), GlassButton::Kind::bordered, &window);
+    auto* second = new GlassButton(QStringLiteral("Second"), GlassButton::Kind::bordered, &window);
+    first->move(0, 40);
+    second->move(0, 80);
+    window.show();
+    makeActive(window);
+    QTest::mouseClick(second, Qt::LeftButton);
+    second->setFocus(Qt::MouseFocusReason);
+    ASSERT_FALSE(look::showsFocus(*second));
+    look::focusFirstControl(window);
+    EXPECT_TRUE(look::showsFocus(*first));
 }
 
 TEST_F(Controls, AButtonsFocusCanBeSeen) {
@@ -348,6 +366,31 @@ TEST_F(Controls, HairlinesAreOnePointThick) {
     Hairline line;
     EXPECT_EQ(line.minimumHeight(), 1);
     EXPECT_EQ(line.maximumHeight(), 1);
+}
+
+TEST_F(Controls, AScrollBarIsDraggedWhereverItsSliderIsSeen) {
+    SlimScrollBar bar;
+    bar.resize(SlimScrollBar::thickness, 200);
+    bar.setRange(0, 300);
+    bar.setPageStep(100);
+    bar.setSingleStep(10);
+    bar.show();
+    // Its slider is as long as a quarter, and lies at the very top, then at the very bottom.
+    QTest::mousePress(&bar, Qt::LeftButton, {}, {5, 4});
+    QTest::mouseMove(&bar, {5, 4 + 49});
+    EXPECT_NEAR(bar.value(), 100, 3);
+    QTest::mouseMove(&bar, {5, 500});
+    EXPECT_EQ(bar.value(), 300);
+    QTest::mouseRelease(&bar, Qt::LeftButton, {}, {5, 500});
+    EXPECT_FALSE(bar.isSliderDown());
+    QTest::mousePress(&bar, Qt::LeftButton, {}, {5, 195});
+    EXPECT_TRUE(bar.isSliderDown());
+    QTest::mouseMove(&bar, {5, 195 - 147});
+    EXPECT_NEAR(bar.value(), 0, 3);
+    QTest::mouseRelease(&bar, Qt::LeftButton, {}, {5, 48});
+    bar.setValue(150);
+    QTest::mouseClick(&bar, Qt::LeftButton, {}, {5, 2});
+    EXPECT_EQ(bar.value(), 50) << "a page, beside the slider";
 }
 
 } // namespace

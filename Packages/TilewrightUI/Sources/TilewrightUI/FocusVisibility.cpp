@@ -13,7 +13,7 @@ namespace {
 class InputWatch final : public QObject {
 public:
     /// The one watch of the running application.
-    static const InputWatch& shared() {
+    static InputWatch& shared() {
         static QPointer<InputWatch> watch;
         if (!watch)
             watch = new InputWatch(QCoreApplication::instance());
@@ -21,6 +21,7 @@ public:
     }
 
     [[nodiscard]] bool usesKeyboard() const { return device_ == Device::keyboard; }
+    void noteKeyboard() { note(Device::keyboard); }
 
 protected:
     bool eventFilter(QObject* /*watched*/, QEvent* event) override {
@@ -72,6 +73,17 @@ Q_COREAPP_STARTUP_FUNCTION(startWatch)
 
 bool showsFocus(const QWidget& widget) {
     return InputWatch::shared().usesKeyboard() && widget.hasFocus();
+}
+
+void focusFirstControl(const QWidget& view) {
+    InputWatch::shared().noteKeyboard();
+    for (QWidget* each = view.nextInFocusChain(); each != &view; each = each->nextInFocusChain()) {
+        const bool isControl = (each->focusPolicy() & Qt::TabFocus) != 0 && each->isEnabled();
+        if (isControl && view.isAncestorOf(each) && each->isVisibleTo(&view)) {
+            each->setFocus(Qt::TabFocusReason);
+            return;
+        }
+    }
 }
 
 } // namespace tilewright::look

@@ -9,4 +9,8 @@ namespace tilewright::look {
 /// has the focus is repainted when the answer changes.
 [[nodiscard]] bool showsFocus(const QWidget& widget);
 
+/// Gives the focus to the first control within a view that was opened without the pointer, and
+/// counts that as a use of the keyboard.
+void focusFirstControl(const QWidget& view);
+
 } // namespace tilewright::look
