@@ -16,9 +16,7 @@ BusNameOwner::BusNameOwner(const QDBusConnection& bus, const QString& name, QObj
         new QDBusServiceWatcher(name, bus, QDBusServiceWatcher::WatchForOwnerChange, this);
     connect(watch, &QDBusServiceWatcher::serviceOwnerChanged, this,
             [this](const QString&, const QString&, const QString& newOwner) { heard(newOwner); });
-    QDBusMessage getOwner = callToBus(QStringLiteral("GetNameOwner"));
-    getOwner << name;
-    auto* pending = new QDBusPendingCallWatcher(bus.asyncCall(getOwner), this);
+    auto* pending = new QDBusPendingCallWatcher(askForOwner(bus, name), this);
     connect(pending, &QDBusPendingCallWatcher::finished, this,
             [this](QDBusPendingCallWatcher* call) {
                 call->deleteLater();

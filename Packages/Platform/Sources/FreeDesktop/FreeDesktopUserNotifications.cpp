@@ -60,7 +60,17 @@ void FreeDesktopUserNotifications::show(const QString& title, const QString& tex
                     return;
                 shown_ = reply.arguments().value(0).toUInt();
                 chosen_ = chosen;
-                listenTo(reply.service());
+                listenToOwner();
+            });
+}
+
+void FreeDesktopUserNotifications::listenToOwner() {
+    auto* pending = new QDBusPendingCallWatcher(askForOwner(bus_.connection(), service()), this);
+    connect(pending, &QDBusPendingCallWatcher::finished, this,
+            [this](QDBusPendingCallWatcher* finished) {
+                finished->deleteLater();
+                const QDBusPendingReply<QString> owner = *finished;
+                listenTo(owner.isValid() ? owner.value() : QString());
             });
 }
 

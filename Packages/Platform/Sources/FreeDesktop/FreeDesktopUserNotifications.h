@@ -27,6 +27,7 @@ private Q_SLOTS:
     void actionInvoked(const QDBusMessage& notice);
 
 private:
+    void listenToOwner();
     void listenTo(const QString& service);
 
     const MessageBus& bus_;

@@ -1,6 +1,7 @@
 #include "IdleInhibition.h"
 
 #include "FreeDesktopLog.h"
+#include "MessageBus.h"
 
 #include <QCoreApplication>
 #include <QDBusError>
@@ -84,6 +85,7 @@ void IdleInhibition::request() {
         expectPortalAnswer(arguments);
     message.setArguments(arguments);
     qCDebug(idleLog, "Asked %ls to inhibit idling", qUtf16Printable(service_.name));
+    callee_ = askForOwner(bus_, service_.name);
     call_ = new QDBusPendingCallWatcher(bus_.asyncCall(message, withoutTimeout), this);
     connect(call_, &QDBusPendingCallWatcher::finished, this, &IdleInhibition::takeReply);
 }
@@ -129,7 +131,9 @@ void IdleInhibition::takeAnswers() {
 }
 
 void IdleInhibition::answered(const QDBusMessage& reply) {
-    const bool isStale = ownerMeanwhile_ && *ownerMeanwhile_ != reply.service();
+    const QString answerer =
+        callee_.isFinished() && callee_.isValid() ? callee_.value() : QString();
+    const bool isStale = ownerMeanwhile_ && *ownerMeanwhile_ != answerer;
     if (isStale && !isEnding_) {
         pathIndex_ = 0;
         if (ownerMeanwhile_->isEmpty())
@@ -140,7 +144,7 @@ void IdleInhibition::answered(const QDBusMessage& reply) {
     }
     if (reply.type() == QDBusMessage::ReplyMessage) {
         grant_ = grantIn(reply, service_.grant);
-        grantedBy_ = reply.service();
+        grantedBy_ = answerer;
         if (!grant_.isValid())
             state_ = State::refused;
         else if (service_.grant != IdleService::Grant::request)

@@ -6,6 +6,7 @@
 
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QDBusPendingReply>
 #include <QObject>
 #include <QVariantMap>
 #include <utility>
@@ -69,6 +70,8 @@ private:
     const QString reason_;
     QDBusServiceWatcher* ownerWatcher_;
     QDBusPendingCallWatcher* call_ = nullptr;
+    /// Whom it goes to.
+    QDBusPendingReply<QString> callee_;
     State state_ = State::unanswered;
     qsizetype pathIndex_ = 0;
     /// What was granted, and by which connection of the bus.

@@ -48,6 +48,12 @@ QDBusMessage callToBus(const QString& method) {
                                           QStringLiteral("org.freedesktop.DBus"), method);
 }
 
+QDBusPendingReply<QString> askForOwner(const QDBusConnection& bus, const QString& name) {
+    QDBusMessage getOwner = callToBus(QStringLiteral("GetNameOwner"));
+    getOwner << name;
+    return bus.asyncCall(getOwner);
+}
+
 QByteArray MessageBus::addresses(Kind kind) {
     QByteArray told =
         qgetenv(kind == Kind::session ? "DBUS_SESSION_BUS_ADDRESS" : "DBUS_SYSTEM_BUS_ADDRESS");

@@ -6,6 +6,7 @@
 
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QDBusPendingReply>
 #include <QObject>
 #include <QSocketNotifier>
 #include <memory>
@@ -16,6 +17,13 @@ namespace tilewright {
 
 /// A call of one of the bus's own methods.
 [[nodiscard]] QDBusMessage callToBus(const QString& method);
+
+/// Asks a bus who owns a name now, without waiting; an error is the answer where nobody does. The
+/// bus takes in what one connection sends in its order: a call to the name that follows at once
+/// goes to that owner, and is answered after this. What a reply itself says of its sender Qt passes
+/// on in some versions only.
+[[nodiscard]] QDBusPendingReply<QString> askForOwner(const QDBusConnection& bus,
+                                                     const QString& name);
 
 /// This program's way to a message bus that may be there, or come, or say nothing for as long as it
 /// likes: nothing ever waits for it. It is connected to when it answers, and again when it has gone
