@@ -20,11 +20,8 @@ class FrameWriter {
     write(window, frame) {
         this.forget(window);
         const pending = {frame, asks: 0, isAsking: false, refusal: null};
-        pending.look = () => this._look(window, pending);
-        pending.timer = later(CALM, () => {
-            this.forget(window);
-            this._settled(window);
-        });
+        pending.look = () => FrameWriter._look(window, pending);
+        pending.timer = later(CALM, () => this._settle(window, pending));
         this._pending.set(window, pending);
         window.frameGeometryChanged.connect(pending.look);
         FrameWriter._ask(window, pending);
@@ -40,18 +37,32 @@ class FrameWriter {
         window.frameGeometryChanged.disconnect(pending.look);
     }
 
-    _look(window, pending) {
+    /** Whatever undoes what was asked for, it is asked for again at once. */
+    static _look(window, pending) {
         if (pending.isAsking)
             return;
-        const now = copyOf(window.frameGeometry);
-        const isDone = isSameRect(now, pending.frame);
-        // What comes back a second time is all that the client can do.
-        const isRefused = pending.refusal !== null && isSameRect(now, pending.refusal);
-        pending.refusal = isDone ? pending.refusal : now;
-        if (isDone || isRefused || pending.asks >= MOST_ASKS)
+        if (FrameWriter._isDone(window, pending) || pending.asks >= MOST_ASKS)
             pending.timer.start();
         else
             FrameWriter._ask(window, pending);
+    }
+
+    /** A frame that comes back once more is all that the client can do. */
+    _settle(window, pending) {
+        const now = copyOf(window.frameGeometry);
+        const isRefused = pending.refusal !== null && isSameRect(now, pending.refusal);
+        if (FrameWriter._isDone(window, pending) || isRefused || pending.asks >= MOST_ASKS) {
+            this.forget(window);
+            this._settled(window);
+            return;
+        }
+        pending.refusal = now;
+        FrameWriter._ask(window, pending);
+    }
+
+    /** KWin 5 does not tell whether a window is maximized. */
+    static _isDone(window, pending) {
+        return isSameRect(window.frameGeometry, pending.frame) && !window.maximizeMode;
     }
 
     static _ask(window, pending) {
@@ -62,8 +73,8 @@ class FrameWriter {
             window.fullScreen = false;
         if (window.tile)
             window.tile = null;
-        if (window.maximizeMode !== 0)
-            window.setMaximize(false, false);
+        // Also where it is not maximized yet, but about to be.
+        window.setMaximize(false, false);
         window.frameGeometry = pending.frame;
         pending.isAsking = false;
         pending.timer.start();
