@@ -74,6 +74,8 @@ public:
     /// Whether overlay surfaces show their views at all, and so end the views' animations. A fake
     /// that notes what it is told does neither.
     [[nodiscard]] virtual bool drawsOverlays() const = 0;
+    /// Whether the view's widget itself is what such a surface shows; else it is painted from it.
+    [[nodiscard]] virtual bool showsOverlayWidgets() const { return drawsOverlays(); }
     /// Whether this program has come before the application whose window was opened.
     [[nodiscard]] virtual bool isThisApplicationInFront() const = 0;
 

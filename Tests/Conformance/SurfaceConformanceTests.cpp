@@ -66,7 +66,7 @@ TEST_P(PlatformConformance, ShowsTheOverlayOnTheWholeDisplayFromItsShowingToItsH
         overlay->orderFront();
         ASSERT_TRUE(world->waitUntil([&] { return world->overlayFrame() == frame; }));
         EXPECT_EQ(view->endings, world->drawsOverlays() ? showing - 1 : 0);
-        EXPECT_EQ(view->widget().isVisible(), world->drawsOverlays());
+        EXPECT_EQ(view->widget().isVisible(), world->showsOverlayWidgets());
         overlay->orderOut();
         EXPECT_TRUE(world->waitUntil([&] { return !world->overlayFrame(); }));
         EXPECT_EQ(view->endings, world->drawsOverlays() ? showing : 0);

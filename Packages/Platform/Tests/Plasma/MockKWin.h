@@ -16,13 +16,19 @@ public:
     explicit MockKWin(QDBusConnection bus)
         : MockTeller(std::move(bus))
         , scripting_(*this) {
+        come();
+    }
+    ~MockKWin() { leave(); }
+
+    void come() {
         bus_.registerVirtualObject(QStringLiteral("/Scripting"), &scripting_);
         bus_.registerVirtualObject(QStringLiteral("/Effects"), &scripting_);
         EXPECT_TRUE(bus_.registerService(KWinCompanion::compositorName()));
     }
-    ~MockKWin() { leave(); }
-
+    /// Its end, with whatever ran inside.
     void leave() {
+        running.clear();
+        loaded_.clear();
         bus_.unregisterService(KWinCompanion::compositorName());
         bus_.unregisterObject(QStringLiteral("/Scripting"));
         bus_.unregisterObject(QStringLiteral("/Effects"));
