@@ -41,6 +41,8 @@ public:
                 state_.take(*message);
             if (oneIn(50))
                 state_.lose();
+            if (oneIn(20))
+                tellKeysOfOthers();
             if (oneIn(3))
                 act();
             loop_.runPosted();
@@ -50,6 +52,7 @@ public:
 
     /// What has to work after everything that may have been.
     void checkThatADragWorks() {
+        state_.setKeys(std::nullopt);
         state_.take(*CompanionDecoder::decode(u"Hello", helloText()));
         isDragged_ = false;
         EXPECT_FALSE(state_.dragged());
@@ -109,10 +112,10 @@ private:
         const int serial = upTo(8);
         const QByteArray pointer = anyNumbers(2);
         std::vector<std::pair<QString, QByteArray>> messages{
-            {QStringLiteral("Hello"), R"({"protocol":)" + QByteArray(oneIn(6) ? "2" : "1") +
-                                          R"(,"shell":"","displays":)" + anyDisplays() +
-                                          R"(,"focus":)" + (oneIn(2) ? "null" : anyWindow()) +
-                                          R"(,"pointer":)" + pointer + R"(,"keys":0})"},
+            {QStringLiteral("Hello"),
+             R"({"protocol":)" + QByteArray(oneIn(6) ? "2" : "1") + R"(,"shell":"","displays":)" +
+                 anyDisplays() + (oneIn(4) ? R"(,"tellsKeys":false)" : "") + R"(,"focus":)" +
+                 (oneIn(2) ? "null" : anyWindow()) + R"(,"pointer":)" + pointer + R"(,"keys":0})"},
             {QStringLiteral("Displays"), R"({"displays":)" + anyDisplays() + "}"},
             {QStringLiteral("Focus"),
              R"({"focus":)" + (oneIn(3) ? QByteArray("null") : anyWindow()) + "}"},
@@ -146,6 +149,12 @@ private:
         return message;
     }
 
+    /// Where somebody else than the companion knows the keys.
+    void tellKeysOfOthers() {
+        const ModifierFlags keys =
+            oneIn(2) ? ModifierFlags{ModifierFlag::control} : ModifierFlags();
+        state_.setKeys(oneIn(3) ? std::nullopt : std::optional(keys));
+    }
     /// What the core does meanwhile.
     void act() {
         const auto element = accessibility_.elementAtPosition({200, 200}).value;
