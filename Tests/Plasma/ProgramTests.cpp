@@ -25,7 +25,11 @@ bool isAmber(const QColor& colour) {
 struct ProgramInPlasma : ::testing::Test {
     static constexpr QRect start{600, 300, 640, 420};
 
-    ProgramInPlasma() { program = &startProgram(); }
+    explicit ProgramInPlasma(const char* modifier = "control") {
+        writeFile(session.home() + QStringLiteral("/.config/Tilewright/Tilewright.conf"),
+                  QByteArray("[General]\nsnapActivationModifier=") + modifier + "\n");
+        program = &startProgram();
+    }
 
     Subprocess& startProgram() {
         Subprocess& started = session.start(QStringLiteral(TILEWRIGHT_PROGRAM));
@@ -124,6 +128,43 @@ TEST_P(ProgramDrag, WithControlShowsTheZonesAndEndsInTheOneUnderThePointer) {
         session.input().releaseKey(*dropped.more);
     EXPECT_TRUE(endsIn(title, zone(1))) << session.describe();
     EXPECT_FALSE(isHighlighted(zone(1)));
+}
+
+/// A snap modifier, and the key that it is.
+struct Modifier {
+    const char* name;
+    KernelKey key;
+
+    friend std::ostream& operator<<(std::ostream& out, const Modifier& modifier) {
+        return out << modifier.name;
+    }
+};
+
+struct ProgramWithModifier : ::testing::TestWithParam<Modifier> {};
+
+INSTANTIATE_TEST_SUITE_P(Of, ProgramWithModifier,
+                         ::testing::Values(Modifier{"shift", KernelKey::shift},
+                                           Modifier{"option", KernelKey::alt},
+                                           Modifier{"command", KernelKey::meta}),
+                         [](const auto& modifier) { return std::string(modifier.param.name); });
+
+TEST_P(ProgramWithModifier, SnapsWithThatKeyAndNoOther) {
+    /// Not the fixture itself, which is to be told the modifier.
+    struct Bench : ProgramInPlasma {
+        using ProgramInPlasma::ProgramInPlasma;
+        void TestBody() override {}
+    } bench(GetParam().name);
+    const QString title = bench.session.startClient(PlasmaClient::qt, Bench::start);
+    bench.dragToFirstZone(title, GetParam().key);
+    bench.drop(GetParam().key);
+    EXPECT_TRUE(bench.endsIn(title, Bench::zone(0))) << bench.session.describe();
+
+    bench.session.grab(title);
+    bench.session.input().pressKey(KernelKey::control);
+    bench.session.input().glide(Bench::zone(1).center());
+    bench.drop();
+    EXPECT_FALSE(bench.isHighlighted(Bench::zone(1)));
+    EXPECT_NE(bench.session.frame(title), Bench::zone(1));
 }
 
 } // namespace
