@@ -31,7 +31,8 @@ namespace {
 QString explanation() {
     return QCoreApplication::translate(
         "tilewright::WaylandPlatform",
-        "Windows can be moved in an X11 session only. Choose one when you log in.");
+        "Windows can be moved in X11 sessions and, with qt6-wayland installed, in those of GNOME "
+        "and Plasma. Choose one when you log in.");
 }
 
 class WaylandPointer final : public Pointer {

@@ -41,7 +41,9 @@ QString X11Trust::explanation(Lack lack) {
     case Lack::nothing:
         return {};
     case Lack::x11Session:
-        return tr("Windows can be moved in an X11 session only. Choose one when you log in.");
+        return tr(
+            "Windows can be moved in X11 sessions and, with qt6-wayland installed, in those of "
+            "GNOME and Plasma. Choose one when you log in.");
     case Lack::connection:
         return tr("The X server does not answer.");
     case Lack::inputEvents:
