@@ -151,7 +151,7 @@ QString KWinCompanion::write(const QByteArray& lastLine) {
     const QByteArray text = kwinCompanionScript() + lastLine + ";\n";
     if (!file->open() || file->write(text) != text.size() || !file->flush())
         return {};
-    const QString path = file->fileName();
+    QString path = file->fileName();
     file->close();
     files_.push_back(std::move(file));
     if (files_.size() > mostFiles)
