@@ -45,6 +45,13 @@ protected:
     std::optional<AccessibleNode> find(const QString& role, const QString& name) {
         return reader.find(program->pid(), role, name);
     }
+    /// All that shows, for the message of a failed test.
+    std::string everything() {
+        std::string text;
+        for (const AccessibleNode& node : nodes())
+            text += "\n    " + keyOf(node).toStdString();
+        return text;
+    }
     /// Waits for a control. Fails the test when it does not come.
     AccessibleNode control(const QString& role, const QString& name) {
         std::optional<AccessibleNode> found;
@@ -52,7 +59,7 @@ protected:
             found = find(role, name);
             return found.has_value();
         })) << role.toStdString()
-            << " “" << name.toStdString() << "”";
+            << " “" << name.toStdString() << "” is not among" << everything();
         return found.value_or(AccessibleNode());
     }
     void click(const QString& role, const QString& name) {
