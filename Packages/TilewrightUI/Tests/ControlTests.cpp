@@ -2,6 +2,7 @@
 #include <TilewrightUI/GlassButton.h>
 #include <TilewrightUI/Hairline.h>
 #include <TilewrightUI/PopUpButton.h>
+#include <TilewrightUI/SlimScrollArea.h>
 #include <TilewrightUI/SlimScrollBar.h>
 #include <TilewrightUI/TextLabel.h>
 #include <TilewrightUI/ToggleSwitch.h>
@@ -369,6 +370,22 @@ TEST_F(Controls, HairlinesAreOnePointThick) {
     Hairline line;
     EXPECT_EQ(line.minimumHeight(), 1);
     EXPECT_EQ(line.maximumHeight(), 1);
+}
+
+TEST_F(Controls, AColumnThatScrollsIsTakenApartWithTheFocusInside) {
+    QWidget window;
+    auto* button = new GlassButton(QStringLiteral("Inside"));
+    auto area = std::make_unique<SlimScrollArea>(button, &window);
+    area->resize(200, 100);
+    window.show();
+    makeActive(window);
+    button->setFocus(Qt::TabFocusReason);
+    ASSERT_TRUE(button->hasFocus());
+    QSignalSpy changes(qApp, &QApplication::focusChanged);
+    // What would be called on the rest of the column only a sanitizer sees.
+    area.reset();
+    EXPECT_FALSE(changes.isEmpty());
+    EXPECT_EQ(QApplication::focusWidget(), nullptr);
 }
 
 TEST_F(Controls, AScrollBarIsDraggedWhereverItsSliderIsSeen) {

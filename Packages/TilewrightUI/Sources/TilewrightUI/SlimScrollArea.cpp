@@ -30,6 +30,12 @@ SlimScrollArea::SlimScrollArea(QWidget* content, QWidget* parent)
             [this](QWidget*, QWidget* focused) { followFocus(focused); });
 }
 
+SlimScrollArea::~SlimScrollArea() {
+    // What is inside loses the focus when it is destroyed, and by then this is no such area any
+    // more.
+    disconnect(qApp, nullptr, this, nullptr);
+}
+
 QSize SlimScrollArea::sizeHint() const {
     return widget()->sizeHint() + QSize(SlimScrollBar::thickness, 0);
 }

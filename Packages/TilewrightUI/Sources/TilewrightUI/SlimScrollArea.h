@@ -13,6 +13,7 @@ class SlimScrollArea final : public QScrollArea {
 public:
     /// Takes the content over.
     explicit SlimScrollArea(QWidget* content, QWidget* parent = nullptr);
+    ~SlimScrollArea() override;
 
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
