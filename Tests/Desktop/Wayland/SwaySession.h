@@ -1,13 +1,11 @@
 #pragma once
 
-#include <Subprocess.h>
+#include <PrivateHome.h>
 #include <Waiting.h>
 
 #include <QDir>
 #include <QFile>
 #include <QImage>
-#include <QProcessEnvironment>
-#include <QTemporaryDir>
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <tuple>
@@ -22,8 +20,6 @@ public:
 
     explicit SwaySession(double scale = 1, Beside beside = Beside::nothing) {
         using namespace Qt::StringLiterals;
-        for (const QString& name : {u"PATH"_s, u"LD_LIBRARY_PATH"_s})
-            environment_.insert(name, qEnvironmentVariable(name.toLatin1().constData()));
         environment_.insert(u"HOME"_s, folder_.path());
         environment_.insert(u"XDG_RUNTIME_DIR"_s, folder_.path());
         environment_.insert(u"WLR_BACKENDS"_s, u"headless"_s);
@@ -117,7 +113,7 @@ private:
     }
 
     QTemporaryDir folder_;
-    QProcessEnvironment environment_;
+    QProcessEnvironment environment_ = inheritedEnvironment();
     Subprocess compositor_;
 };
 

@@ -1,15 +1,13 @@
 #pragma once
 
-#include <Subprocess.h>
+#include <PrivateHome.h>
 #include <Waiting.h>
 #include <XClient.h>
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QFile>
-#include <QProcessEnvironment>
 #include <QRegularExpression>
-#include <QTemporaryDir>
 #include <algorithm>
 #include <csignal>
 #include <gtest/gtest.h>
@@ -29,8 +27,6 @@ protected:
     enum class Beside { nothing, xServer };
 
     void start(Beside beside) {
-        for (const QString& name : {u"PATH"_s, u"LD_LIBRARY_PATH"_s})
-            environment.insert(name, qEnvironmentVariable(name.toLatin1().constData()));
         environment.insert(u"HOME"_s, folder.path());
         environment.insert(u"XDG_RUNTIME_DIR"_s, folder.path());
         startBus();
@@ -113,7 +109,7 @@ protected:
     }
 
     QTemporaryDir folder;
-    QProcessEnvironment environment;
+    QProcessEnvironment environment = inheritedEnvironment();
     Subprocess bus;
     Subprocess compositor;
     Subprocess program;

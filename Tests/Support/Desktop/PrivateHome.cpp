@@ -15,12 +15,18 @@ void writeFile(const QString& path, const QByteArray& contents) {
     EXPECT_EQ(file.write(contents), contents.size()) << path.toStdString();
 }
 
-PrivateHome::PrivateHome() {
+QProcessEnvironment inheritedEnvironment() {
+    QProcessEnvironment environment;
     for (const char* kept : {"PATH", "LANG", "LD_LIBRARY_PATH", "ASAN_OPTIONS", "UBSAN_OPTIONS",
                              "LSAN_OPTIONS", "GCOV_PREFIX"}) {
         if (qEnvironmentVariableIsSet(kept))
-            set(kept, qEnvironmentVariable(kept));
+            environment.insert(QString::fromLatin1(kept), qEnvironmentVariable(kept));
     }
+    return environment;
+}
+
+PrivateHome::PrivateHome()
+    : environment_(inheritedEnvironment()) {
     const auto folder = [this](const char* variable, const char* below) {
         const QString full = path() + QString::fromLatin1(below);
         QDir().mkpath(full);

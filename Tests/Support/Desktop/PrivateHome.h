@@ -17,6 +17,10 @@ namespace tilewright::testing {
 /// it cannot.
 void writeFile(const QString& path, const QByteArray& contents);
 
+/// What programs of a desktop of a test's own take over from the outer one: where things are found,
+/// and what the checkers of memory are told.
+[[nodiscard]] QProcessEnvironment inheritedEnvironment();
+
 /// The home of a desktop of a test's own, and the programs that run in it: a folder with everything
 /// below it that programs look for in a home, gone with the object.
 class PrivateHome {
