@@ -9,11 +9,11 @@ const QString dragBegin = QStringLiteral("DragBegin");
 const QString dragMotion = QStringLiteral("DragMotion");
 const QString dragEnd = QStringLiteral("DragEnd");
 
-struct CompanionDrag : CompanionTest, ::testing::WithParamInterface<GnomeClient> {};
+struct CompanionDrag : CompanionTest, ::testing::WithParamInterface<CompositorClient> {};
 
 INSTANTIATE_TEST_SUITE_P(Of, CompanionDrag,
-                         ::testing::Values(GnomeClient::qt, GnomeClient::gtk4,
-                                           GnomeClient::xwayland),
+                         ::testing::Values(CompositorClient::qt, CompositorClient::gtk4,
+                                           CompositorClient::xwayland),
                          [](const auto& client) { return std::string(name(client.param)); });
 
 TEST_P(CompanionDrag, ShowsTheZonesExactlyAndEndsInTheZonesFrame) {
@@ -54,7 +54,7 @@ TEST_P(CompanionDrag, ShowsTheZonesExactlyAndEndsInTheZonesFrame) {
               (QJsonArray{rightZone.x(), rightZone.y(), rightZone.width(), rightZone.height()}));
     EXPECT_EQ(session.frame(title), rightZone);
     const QJsonObject window = program->last(dragEnd)[QStringLiteral("window")].toObject();
-    EXPECT_EQ(window[QStringLiteral("x11")].toBool(), GetParam() == GnomeClient::xwayland);
+    EXPECT_EQ(window[QStringLiteral("x11")].toBool(), GetParam() == CompositorClient::xwayland);
     EXPECT_FALSE(window[QStringLiteral("ours")].toBool());
 }
 
@@ -75,7 +75,7 @@ TEST_P(CompanionDrag, OfAMaximizedWindowEndsInTheZonesFrame) {
 
 TEST_F(CompanionTest, TellsAKeyThatGoesDownOrUpWhileThePointerRests) {
     greet();
-    const QString title = session.startClient(GnomeClient::qt, start);
+    const QString title = session.startClient(CompositorClient::qt, start);
     session.grab(title);
     const std::pair<KernelKey, int> keys[] = {
         {KernelKey::shift, 1}, {KernelKey::control, 2}, {KernelKey::alt, 4}, {KernelKey::super, 8}};
@@ -94,7 +94,7 @@ TEST_F(CompanionTest, TellsAKeyThatGoesDownOrUpWhileThePointerRests) {
 TEST_F(CompanionTest, TellsThatEscapeCancelsADragAndShowsNothingMore) {
     greet();
     snapWithControl();
-    const QString title = session.startClient(GnomeClient::gtk4, start);
+    const QString title = session.startClient(CompositorClient::gtk4, start);
     dragToLeftZone(title);
     session.input().tap(KernelKey::escape);
     ASSERT_TRUE(program->waitFor(dragEnd));
@@ -109,7 +109,7 @@ TEST_F(CompanionTest, TellsThatEscapeCancelsADragAndShowsNothingMore) {
 TEST_F(CompanionTest, DoesNotHoldUpADragForAProgramThatHangsAndTellsItTheNewestAfterwards) {
     greet();
     snapWithControl();
-    const QString title = session.startClient(GnomeClient::qt, start);
+    const QString title = session.startClient(CompositorClient::qt, start);
     dragToLeftZone(title);
     program->isHung = true;
     program->forgetCalls();
@@ -135,7 +135,7 @@ TEST_F(CompanionTest, TakesEverythingAwayWhenTheProgramGoesInMidDrag) {
                       {QStringLiteral("name"), QStringLiteral("Tilewright")}});
     ASSERT_TRUE(waitUntil([&] { return hasItem(); }));
     const int actors = actorsOnStage();
-    const QString title = session.startClient(GnomeClient::qt, start);
+    const QString title = session.startClient(CompositorClient::qt, start);
     dragToLeftZone(title);
     program.reset();
     EXPECT_TRUE(waitUntil([&] { return isBare(inLeftTile); }));
@@ -152,7 +152,7 @@ TEST_F(CompanionTest, TakesEverythingAwayWhenTheProgramGoesInMidDrag) {
 TEST_F(CompanionTest, ForgetsADragOnRequest) {
     greet();
     snapWithControl();
-    const QString title = session.startClient(GnomeClient::qt, start);
+    const QString title = session.startClient(CompositorClient::qt, start);
     dragToLeftZone(title);
     program->command({{QStringLiteral("c"), QStringLiteral("forgetDrag")}});
     EXPECT_TRUE(waitUntil([&] { return isBare(inLeftTile); }));

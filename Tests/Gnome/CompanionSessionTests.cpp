@@ -22,7 +22,7 @@ const QJsonObject ourItem =
 } // namespace
 
 TEST_F(CompanionTest, GreetsTheProgramWithTheDisplaysAndTheWindowInFront) {
-    const QString title = session.startClient(GnomeClient::gtk4, start);
+    const QString title = session.startClient(CompositorClient::gtk4, start);
     ASSERT_TRUE(waitUntil([&] {
         return session.ask(QStringLiteral("global.display.focus_window?.get_title()")).toString() ==
                title;
@@ -48,7 +48,7 @@ TEST_F(CompanionTest, GreetsTheProgramWithTheDisplaysAndTheWindowInFront) {
 
 TEST_F(CompanionTest, TellsOfTheWindowInFrontThePointerAndTheWorkArea) {
     greet();
-    const QString title = session.startClient(GnomeClient::gtk4, start);
+    const QString title = session.startClient(CompositorClient::gtk4, start);
     const QJsonValue window = session.ask(QStringLiteral("global.display.focus_window.get_id()"));
     EXPECT_TRUE(waitUntil([&] {
         return program->last(QStringLiteral("Focus"))[QStringLiteral("focus")]
@@ -73,7 +73,7 @@ TEST(Companion, SaysNothingToAnotherProgramThatTookTheName) {
     GnomeSession session(QStringLiteral("/usr/bin/tilewright"));
     FakeProgram stranger(session.busAddress());
     // The companion has looked at the stranger by the time that all of this is done.
-    const QString title = session.startClient(GnomeClient::qt, CompanionTest::start);
+    const QString title = session.startClient(CompositorClient::qt, CompanionTest::start);
     session.grab(title);
     session.input().release();
     EXPECT_TRUE(staysTrue([&] { return stranger.calls().empty() && !stranger.isListenedTo(); },
@@ -114,7 +114,7 @@ TEST_F(CompanionTest, HidesEverythingBehindTheLockAndGreetsAgainAfterIt) {
     program->command(ourItem);
     ASSERT_TRUE(waitUntil([&] { return hasItem(); }));
     const int actors = actorsOnStage();
-    const QString title = session.startClient(GnomeClient::qt, start);
+    const QString title = session.startClient(CompositorClient::qt, start);
     dragToLeftZone(title);
     program->forgetCalls();
     session.tell(QStringLiteral("Main.sessionMode.pushMode('unlock-dialog')"));
@@ -133,7 +133,7 @@ TEST_F(CompanionTest, CanBeSwitchedOffAndOnInMidDrag) {
     greet();
     snapWithControl();
     const int actors = actorsOnStage();
-    const QString title = session.startClient(GnomeClient::qt, start);
+    const QString title = session.startClient(CompositorClient::qt, start);
     dragToLeftZone(title);
     session.setCompanionEnabled(false);
     EXPECT_TRUE(waitUntil([&] { return isBare(inLeftTile); }));
@@ -176,7 +176,7 @@ TEST_F(CompanionTest, LeavesNothingWhenItIsSwitchedOffHoweverOften) {
 
 TEST_F(CompanionTest, BelievesNothingThatMakesNoSenseAndGoesOn) {
     greet();
-    const QString title = session.startClient(GnomeClient::qt, start);
+    const QString title = session.startClient(CompositorClient::qt, start);
     session.grab(title);
     const int actors = actorsOnStage();
     const auto sent = [&](const QJsonObject& commands) {

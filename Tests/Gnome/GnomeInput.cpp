@@ -45,12 +45,6 @@ void GnomeInput::move(QPoint to) {
         << to.x() << ", " << to.y();
 }
 
-void GnomeInput::glide(QPoint to, int steps) {
-    const QPoint from = pointer_();
-    for (int step = 1; step <= steps; ++step)
-        move(from + (to - from) * step / steps);
-}
-
 void GnomeInput::press() {
     call(QStringLiteral("NotifyPointerButton"), {leftButton, true});
 }
@@ -59,22 +53,12 @@ void GnomeInput::release() {
     call(QStringLiteral("NotifyPointerButton"), {leftButton, false});
 }
 
-void GnomeInput::click() {
-    press();
-    release();
-}
-
 void GnomeInput::pressKey(KernelKey key) {
     call(QStringLiteral("NotifyKeyboardKeycode"), {unsigned(key), true});
 }
 
 void GnomeInput::releaseKey(KernelKey key) {
     call(QStringLiteral("NotifyKeyboardKeycode"), {unsigned(key), false});
-}
-
-void GnomeInput::tap(KernelKey key) {
-    pressKey(key);
-    releaseKey(key);
 }
 
 void GnomeInput::call(const QString& method, const QVariantList& arguments) {

@@ -2,58 +2,26 @@
 
 #include "GnomeSession.h"
 
-#include <Waiting.h>
-#include <WindowManager/ZoneLayout.h>
+#include <ProgramInCompositor.h>
 
 #include <QDir>
 #include <QFile>
-#include <cmath>
 #include <csignal>
-#include <gtest/gtest.h>
 
 namespace tilewright::testing {
 namespace {
 
-const QString panelTitle = QStringLiteral("Tilewright");
-
-bool isAmber(const QColor& colour) {
-    return std::abs(colour.red() - 209) < 12 && std::abs(colour.green() - 140) < 12 &&
-           std::abs(colour.blue() - 51) < 12;
-}
-
-struct ProgramInGnome : ::testing::Test {
+struct ProgramInGnome : ProgramInCompositor<GnomeSession> {
     static constexpr QRect start{500, 300, 640, 420};
 
     explicit ProgramInGnome(const QString& path = QStringLiteral(TILEWRIGHT_PROGRAM))
-        : session(path)
+        : ProgramInCompositor(path)
         , program(session.start(path)) {
         item = session.waitForItem();
     }
-    /// The frame of a zone of the layout that every display begins with.
-    [[nodiscard]] QRect zone(std::size_t index) {
-        const Zone zone = ZoneLayout::bentoBox().zones[index];
+    [[nodiscard]] QRect workArea() override {
         const int bar = session.ask(QStringLiteral("Main.panel.height")).toInt();
-        const auto edge = [](double part, int whole) { return int(std::lround(part * whole)); };
-        return {QPoint(edge(zone.x, 1920), bar + edge(zone.y, 1080 - bar)),
-                QPoint(edge(zone.x + zone.width, 1920) - 1,
-                       bar + edge(zone.y + zone.height, 1080 - bar) - 1)};
-    }
-    /// Whether the overlay highlights that zone, by its border at the foot of the left edge.
-    [[nodiscard]] bool isHighlighted(const QRect& zone) {
-        return isAmber(session.pixel({zone.left() + 5, zone.bottom() - 60}));
-    }
-    void dragToFirstZone(const QString& title) {
-        session.grab(title);
-        session.input().glide(zone(0).center());
-        session.input().pressKey(KernelKey::control);
-        // The zones show at the first motion with the key held.
-        session.input().glide(zone(0).center() + QPoint(6, 0), 2);
-        ASSERT_TRUE(waitUntil([&] { return isHighlighted(zone(0)); })) << session.describe();
-    }
-    void drop() {
-        session.input().release();
-        EXPECT_TRUE(waitUntil([&] { return !session.isDragging(); }));
-        session.input().releaseKey(KernelKey::control);
+        return {0, bar, 1920, 1080 - bar};
     }
     void clickItem() {
         session.input().move(item.center());
@@ -69,16 +37,15 @@ struct ProgramInGnome : ::testing::Test {
             .toBool();
     }
 
-    GnomeSession session;
     Subprocess& program;
     QRect item;
 };
 
-struct ProgramDrag : ProgramInGnome, ::testing::WithParamInterface<GnomeClient> {};
+struct ProgramDrag : ProgramInGnome, ::testing::WithParamInterface<CompositorClient> {};
 
 INSTANTIATE_TEST_SUITE_P(Of, ProgramDrag,
-                         ::testing::Values(GnomeClient::qt, GnomeClient::gtk4,
-                                           GnomeClient::xwayland),
+                         ::testing::Values(CompositorClient::qt, CompositorClient::gtk4,
+                                           CompositorClient::xwayland),
                          [](const auto& client) { return std::string(name(client.param)); });
 
 TEST_P(ProgramDrag, WithControlShowsTheZonesAndEndsInTheOneUnderThePointer) {
@@ -111,23 +78,11 @@ struct UpgradedProgram : ProgramInGnome {
 } // namespace
 
 TEST_F(ProgramInGnome, TakesNoPartInADragThatEscapeCancelsOrThatHasNoControl) {
-    const QString title = session.startClient(GnomeClient::qt, start);
-    dragToFirstZone(title);
-    session.input().tap(KernelKey::escape);
-    EXPECT_TRUE(waitUntil([&] { return !isHighlighted(zone(0)); }));
-    drop();
-    EXPECT_TRUE(waitUntil([&] { return session.frame(title) == start; })) << session.describe();
-
-    session.grab(title);
-    session.input().glide({700, 700});
-    EXPECT_FALSE(isHighlighted(zone(0)));
-    session.input().release();
-    EXPECT_TRUE(waitUntil([&] { return !session.isDragging(); }));
-    EXPECT_EQ(session.frame(title).size(), start.size());
+    expectNoPartAfterEscapeAndWithoutControl(session.startClient(CompositorClient::qt, start));
 }
 
 TEST_F(ProgramInGnome, LeavesNothingWhenItIsKilledInMidDrag) {
-    const QString title = session.startClient(GnomeClient::qt, start);
+    const QString title = session.startClient(CompositorClient::qt, start);
     dragToFirstZone(title);
     program.signal(SIGKILL);
     EXPECT_TRUE(waitUntil([&] { return !isHighlighted(zone(0)); }));
@@ -137,12 +92,8 @@ TEST_F(ProgramInGnome, LeavesNothingWhenItIsKilledInMidDrag) {
 }
 
 TEST_F(ProgramInGnome, DoesNotHoldUpADragWhileItIsStopped) {
-    const QString title = session.startClient(GnomeClient::qt, start);
-    dragToFirstZone(title);
-    program.signal(SIGSTOP);
-    session.input().glide({1300, 700}, 20);
-    EXPECT_TRUE(waitUntil([&] { return session.frame(title).contains(1300, 710); }));
-    drop();
+    const QString title = session.startClient(CompositorClient::qt, start);
+    dragWhileItIsStopped(title, program);
     EXPECT_TRUE(waitUntil([&] { return !isHighlighted(zone(0)); }));
     program.signal(SIGCONT);
     dragToFirstZone(title);
@@ -190,17 +141,10 @@ TEST_F(ProgramInGnome, OpensItsPanelBelowTheItemWithTheFocusAndClosesItInEveryWa
 TEST_F(ProgramInGnome, OpensItsPanelBelowThePointerAtASecondStart) {
     constexpr QPoint pointer(600, 500);
     session.input().move(pointer);
-    Subprocess& second = session.start(QStringLiteral(TILEWRIGHT_PROGRAM));
-    EXPECT_TRUE(second.waitForEnd());
-    EXPECT_EQ(second.exitCode(), 0);
+    startAgain();
     ASSERT_TRUE(waitUntil([&] { return panelIs(QStringLiteral("has_focus()")); }))
         << session.describe();
-    const QRect frame = session.frame(panelTitle);
-    EXPECT_NEAR(frame.center().x(), pointer.x(), 1);
-    // Its shadow begins above it.
-    constexpr int shadow = 60;
-    EXPECT_GT(frame.top(), pointer.y() - shadow);
-    EXPECT_LT(frame.top(), pointer.y() + shadow);
+    expectPanelBelow(pointer);
 }
 
 TEST_F(ProgramInGnome, BringsItsSettingsToTheFrontAgainWhenTheyAreAskedForAgain) {
@@ -219,13 +163,13 @@ TEST_F(ProgramInGnome, BringsItsSettingsToTheFrontAgainWhenTheyAreAskedForAgain)
         EXPECT_TRUE(waitUntil(isInFront)) << session.describe();
     };
     askFor();
-    static_cast<void>(session.startClient(GnomeClient::gtk4, start));
+    static_cast<void>(session.startClient(CompositorClient::gtk4, start));
     ASSERT_TRUE(waitUntil([&] { return !isInFront(); }));
     askFor();
 }
 
 TEST_F(ProgramInGnome, ShowsNothingBehindTheLockAndGoesOnAfterIt) {
-    const QString title = session.startClient(GnomeClient::qt, start);
+    const QString title = session.startClient(CompositorClient::qt, start);
     dragToFirstZone(title);
     session.tell(QStringLiteral("Main.sessionMode.pushMode('unlock-dialog')"));
     EXPECT_TRUE(waitUntil([&] { return !isHighlighted(zone(0)); }));
@@ -244,7 +188,7 @@ TEST_F(UpgradedProgram, IsStillBelievedWhenItsFileHasBeenReplacedBelowIt) {
     EXPECT_TRUE(session.item().isEmpty());
     session.setCompanionEnabled(true);
     static_cast<void>(session.waitForItem());
-    const QString title = session.startClient(GnomeClient::qt, start);
+    const QString title = session.startClient(CompositorClient::qt, start);
     dragToFirstZone(title);
     drop();
     EXPECT_TRUE(waitUntil([&] { return session.frame(title) == zone(0); })) << session.describe();

@@ -64,12 +64,6 @@ void PlasmaInput::move(QPoint to) {
     send();
 }
 
-void PlasmaInput::glide(QPoint to, int steps) {
-    const QPoint from = at_;
-    for (int step = 1; step <= steps; ++step)
-        move(from + (to - from) * step / steps);
-}
-
 void PlasmaInput::button(unsigned state) {
     if (!input_)
         return;
@@ -85,11 +79,6 @@ void PlasmaInput::release() {
     button(0);
 }
 
-void PlasmaInput::click() {
-    press();
-    release();
-}
-
 void PlasmaInput::key(KernelKey key, unsigned state) {
     if (!input_)
         return;
@@ -103,11 +92,6 @@ void PlasmaInput::pressKey(KernelKey key) {
 
 void PlasmaInput::releaseKey(KernelKey key) {
     this->key(key, 0);
-}
-
-void PlasmaInput::tap(KernelKey key) {
-    pressKey(key);
-    releaseKey(key);
 }
 
 } // namespace tilewright::testing

@@ -1,0 +1,161 @@
+#include "CompositorSession.h"
+
+#include "Repetition.h"
+#include "Waiting.h"
+
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <csignal>
+#include <gtest/gtest.h>
+
+namespace tilewright::testing {
+
+namespace {
+
+/// A bus on which nothing is but what the session starts: no service comes by itself.
+constexpr char busConfiguration[] = R"(<!DOCTYPE busconfig PUBLIC
+ "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+ "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig><type>session</type><listen>unix:path=%1</listen><auth>EXTERNAL</auth>
+<policy context="default"><allow send_destination="*" eavesdrop="true"/>
+<allow eavesdrop="true"/><allow own="*"/></policy></busconfig>)";
+
+} // namespace
+
+const char* name(CompositorClient client) {
+    switch (client) {
+    case CompositorClient::qt:
+        return "Qt";
+    case CompositorClient::gtk4:
+        return "Gtk4";
+    case CompositorClient::xwayland:
+        return "Xwayland";
+    }
+    return "";
+}
+
+CompositorSession::CompositorSession(const QString& desktop)
+    : witness_(QStringLiteral("witness-") + home_.path()) {
+    set("XDG_SESSION_TYPE", QStringLiteral("wayland"));
+    set("XDG_CURRENT_DESKTOP", desktop);
+    set("LIBGL_ALWAYS_SOFTWARE", QStringLiteral("1"));
+    set("GTK_A11Y", QStringLiteral("none"));
+}
+
+CompositorSession::~CompositorSession() {
+    input_.reset();
+    home_.endPrograms();
+    QDBusConnection::disconnectFromBus(witness_);
+    // Told to end, it takes the X server's lock file away with it.
+    compositor_.signal(SIGTERM);
+    static_cast<void>(compositor_.waitForEnd());
+    compositor_.stop();
+    sessionBus_.stop();
+    systemBus_.stop();
+}
+
+QString CompositorSession::quoted(const QString& text) {
+    return QString::fromUtf8(QJsonDocument(QJsonArray{text}).toJson(QJsonDocument::Compact))
+        .mid(1)
+        .chopped(1);
+}
+
+QRect CompositorSession::toRect(const QJsonValue& numbers) {
+    return QRectF(numbers[0].toDouble(), numbers[1].toDouble(), numbers[2].toDouble(),
+                  numbers[3].toDouble())
+        .toRect();
+}
+
+bool CompositorSession::startBuses() {
+    if (!startBus(systemBus_, QStringLiteral("system-bus"), "DBUS_SYSTEM_BUS_ADDRESS") ||
+        !startBus(sessionBus_, QStringLiteral("bus"), "DBUS_SESSION_BUS_ADDRESS"))
+        return false;
+    // The bus's socket is there a little before it takes anybody in.
+    return waitUntil([&] {
+        if (QDBusConnection::connectToBus(busAddress(), witness_).isConnected())
+            return true;
+        QDBusConnection::disconnectFromBus(witness_);
+        return false;
+    });
+}
+
+bool CompositorSession::startBus(Subprocess& bus, const QString& name, const char* variable) {
+    const QString socket = home() + QStringLiteral("/run/") + name;
+    const QString configuration = home() + QStringLiteral("/%1.conf").arg(name);
+    writeFile(configuration, QString::fromLatin1(busConfiguration).arg(socket).toUtf8());
+    set(variable, QStringLiteral("unix:path=") + socket);
+    return bus.start(QStringLiteral("dbus-daemon"),
+                     {QStringLiteral("--nofork"), QStringLiteral("--config-file=") + configuration},
+                     home_.environment(), home_.logFile()) &&
+           waitUntil([&] { return QFile::exists(socket); });
+}
+
+QString CompositorSession::busAddress() const {
+    return home_.environment().value(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"));
+}
+
+bool CompositorSession::startCompositor(const QString& program, const QStringList& arguments) {
+    // A second one is no guest of the first.
+    QProcessEnvironment environment = home_.environment();
+    environment.remove(QStringLiteral("WAYLAND_DISPLAY"));
+    set("WAYLAND_DISPLAY", socketName());
+    return compositor_.start(program, arguments, environment, home_.logFile());
+}
+
+void CompositorSession::useInput() {
+    input_->move({1700, 1000});
+    input_->click();
+    input_->tap(KernelKey::shift);
+}
+
+QString CompositorSession::startClient(CompositorClient client, QRect area) {
+    const QString title =
+        QStringLiteral("client-%1-%2").arg(QString::fromLatin1(name(client))).arg(++clients_);
+    startProgramOf(client, title);
+    EXPECT_TRUE(waitUntil([&] { return !frame(title).isEmpty(); }))
+        << "no window of " << name(client) << " appeared" << describe();
+    place(title, area);
+    return title;
+}
+
+void CompositorSession::startProgramOf(CompositorClient client, const QString& title) {
+    const QString platform = QStringLiteral("QT_QPA_PLATFORM");
+    const QStringList arguments{title, QStringLiteral("window")};
+    switch (client) {
+    case CompositorClient::qt:
+        start(QStringLiteral(TILEWRIGHT_TEST_WINDOW), arguments,
+              {{platform, QStringLiteral("wayland")}});
+        break;
+    case CompositorClient::gtk4:
+        start(QStringLiteral("/usr/bin/python3"), {QStringLiteral(TILEWRIGHT_GTK4_WINDOW), title},
+              {{QStringLiteral("GSK_RENDERER"), QStringLiteral("cairo")}});
+        break;
+    case CompositorClient::xwayland: {
+        std::map<QString, QString> environment = xServer();
+        environment[platform] = QStringLiteral("xcb");
+        start(QStringLiteral(TILEWRIGHT_TEST_WINDOW), arguments, environment);
+        break;
+    }
+    }
+}
+
+void CompositorSession::grab(const QString& title) {
+    constexpr QPoint inTitleBar(-60, 12);
+    constexpr std::chrono::milliseconds onceTold{1500};
+    constexpr int attempts = 4;
+    for (int attempt = 1; attempt <= attempts; ++attempt) {
+        const QRect before = frame(title);
+        const QPoint from = QPoint(before.center().x(), before.top()) + inTitleBar;
+        input_->move(from);
+        input_->press();
+        input_->glide(from + QPoint(60, 60));
+        if (waitUntil([&] { return isDragging(); }, onceTold))
+            return;
+        input_->release();
+        tellRepetition("a client that took no notice of a press on its title bar");
+    }
+    ADD_FAILURE() << "no drag began" << describe();
+}
+
+} // namespace tilewright::testing

@@ -1,0 +1,105 @@
+#pragma once
+
+#include "CompositorSession.h"
+#include "Waiting.h"
+
+#include <WindowManager/ZoneLayout.h>
+#include <cmath>
+#include <csignal>
+#include <gtest/gtest.h>
+
+namespace tilewright::testing {
+
+/// What a user does with the program in a session of a compositor, and sees of it. Whoever derives
+/// from this starts the program.
+template<class Session>
+struct ProgramInCompositor : ::testing::Test {
+    /// Starts a session from these.
+    template<class... Arguments>
+    explicit ProgramInCompositor(const Arguments&... arguments)
+        : session(arguments...) {}
+
+    /// The part of the display that zones divide.
+    [[nodiscard]] virtual QRect workArea() { return {0, 0, 1920, 1080}; }
+    /// The frame of a zone of the layout that every display begins with.
+    [[nodiscard]] QRect zone(std::size_t index) {
+        const Zone zone = ZoneLayout::bentoBox().zones[index];
+        const QRect area = workArea();
+        const auto edge = [](double part, int whole) { return int(std::lround(part * whole)); };
+        const QPoint topLeft(edge(zone.x, area.width()), edge(zone.y, area.height()));
+        const QPoint end(edge(zone.x + zone.width, area.width()),
+                         edge(zone.y + zone.height, area.height()));
+        return {area.topLeft() + topLeft, area.topLeft() + end - QPoint(1, 1)};
+    }
+    /// Whether the overlay highlights that zone, by its border at the foot of the left edge.
+    [[nodiscard]] bool isHighlighted(const QRect& zone) {
+        const QColor colour = session.pixel({zone.left() + 5, zone.bottom() - 60});
+        return std::abs(colour.red() - 209) < 12 && std::abs(colour.green() - 140) < 12 &&
+               std::abs(colour.blue() - 51) < 12;
+    }
+    void dragToFirstZone(const QString& title, KernelKey key = KernelKey::control) {
+        session.grab(title);
+        session.input().glide(zone(0).center());
+        session.input().pressKey(key);
+        // The zones show at the next motions with the key held.
+        session.input().glide(zone(0).center() + QPoint(6, 0), 3);
+        ASSERT_TRUE(waitUntil([&] { return isHighlighted(zone(0)); })) << session.describe();
+    }
+    void drop(KernelKey key = KernelKey::control) {
+        session.input().release();
+        EXPECT_TRUE(waitUntil([&] { return !session.isDragging(); }));
+        session.input().releaseKey(key);
+    }
+
+    /// Whether a window gets a frame, and keeps it.
+    [[nodiscard]] bool endsIn(const QString& title, const QRect& frame) {
+        return waitUntil([&] { return session.frame(title) == frame; }) &&
+               staysTrue([&] { return session.frame(title) == frame; },
+                         std::chrono::milliseconds(400));
+    }
+    /// Drags a window twice, and expects that the program does nothing to it: one drag is cancelled
+    /// by Escape, the other has no key held.
+    void expectNoPartAfterEscapeAndWithoutControl(const QString& title) {
+        const QRect start = session.frame(title);
+        dragToFirstZone(title);
+        session.input().tap(KernelKey::escape);
+        EXPECT_TRUE(waitUntil([&] { return !isHighlighted(zone(0)); }));
+        drop();
+        EXPECT_TRUE(endsIn(title, start)) << session.describe();
+
+        session.grab(title);
+        session.input().glide({700, 700});
+        EXPECT_FALSE(isHighlighted(zone(0)));
+        session.input().release();
+        EXPECT_TRUE(waitUntil([&] { return !session.isDragging(); }));
+        EXPECT_EQ(session.frame(title).size(), start.size());
+    }
+    /// Stops the program in mid-drag, and expects the window to follow the pointer as ever until it
+    /// is dropped.
+    void dragWhileItIsStopped(const QString& title, const Subprocess& program) {
+        dragToFirstZone(title);
+        program.signal(SIGSTOP);
+        session.input().glide({1300, 700}, 20);
+        EXPECT_TRUE(waitUntil([&] { return session.frame(title).contains(1300, 710); }));
+        drop();
+    }
+    /// Starts the program once more, which is to leave it at the one that runs.
+    void startAgain() {
+        Subprocess& second = session.start(QStringLiteral(TILEWRIGHT_PROGRAM));
+        EXPECT_TRUE(second.waitForEnd());
+        EXPECT_EQ(second.exitCode(), 0);
+    }
+    void expectPanelBelow(QPoint pointer) {
+        const QRect frame = session.frame(panelTitle);
+        EXPECT_NEAR(frame.center().x(), pointer.x(), 1);
+        // Its shadow begins above it.
+        constexpr int shadow = 60;
+        EXPECT_GT(frame.top(), pointer.y() - shadow);
+        EXPECT_LT(frame.top(), pointer.y() + shadow);
+    }
+
+    Session session;
+    const QString panelTitle = QStringLiteral("Tilewright");
+};
+
+} // namespace tilewright::testing
