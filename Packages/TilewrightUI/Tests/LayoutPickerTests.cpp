@@ -345,6 +345,23 @@ TEST_F(LayoutPickerView, TheContextMenuOpensByKeyboardToo) {
     menu->close();
 }
 
+TEST_F(LayoutPickerView, APressThatIsToldOfTwiceOpensOneContextMenu) {
+    LayoutStore::shared().addCustomLayout(customLayout(QStringLiteral("Mine"), {{0, 0, 1, 1}}));
+    LayoutPicker picker;
+    picker.show();
+    LayoutCard* card = picker.cards()[5];
+    for (int word = 0; word < 2; ++word) {
+        QContextMenuEvent event(QContextMenuEvent::Mouse, {5, 5}, card->mapToGlobal(QPoint(5, 5)));
+        QApplication::sendEvent(card, &event);
+    }
+    ASSERT_EQ(card->findChildren<QMenu*>().size(), 1);
+    card->findChild<QMenu*>()->close();
+    QContextMenuEvent again(QContextMenuEvent::Mouse, {5, 5}, card->mapToGlobal(QPoint(5, 5)));
+    QApplication::sendEvent(card, &again);
+    EXPECT_TRUE(card->findChildren<QMenu*>().back()->isVisible());
+    card->findChildren<QMenu*>().back()->close();
+}
+
 TEST_F(LayoutPickerView, CardsAreReachedByArrowsAndUsedByEnterAndSpace) {
     LayoutPicker picker;
     picker.show();

@@ -17,13 +17,15 @@ gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib
 
 COORDINATES = Atspi.CoordType.SCREEN
-# Roles are numbers to the bus; what the library calls this one changed with its age.
+# Roles are numbers to the bus; what the library calls them changed with its age. A button that opens a
+# menu is any button to an older Qt, and has a role of its own to a newer one.
 BUTTON = 43
+BUTTON_WITH_MENU = 129
 
 
 def role_of(node):
     role = node.get_role()
-    return "button" if int(role) == BUTTON else Atspi.role_get_name(role)
+    return "button" if int(role) in (BUTTON, BUTTON_WITH_MENU) else Atspi.role_get_name(role)
 
 
 def describe(node, depth):

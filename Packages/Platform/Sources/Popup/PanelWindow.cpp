@@ -5,6 +5,7 @@
 
 #include <QAccessibleWidget>
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -94,6 +95,19 @@ void PanelWindow::keyPressEvent(QKeyEvent* event) {
 void PanelWindow::mousePressEvent(QMouseEvent* event) {
     if (!rect().marginsRemoved(margins()).contains(event->position().toPoint()))
         Q_EMIT pressedOutside();
+    else if (event->button() == Qt::RightButton)
+        offerContextMenu(*event);
+}
+
+void PanelWindow::offerContextMenu(const QMouseEvent& press) {
+    // Qt 6.8 tells the widgets of a popup of none; older ones do so only where none is open yet.
+    const QPoint place = press.position().toPoint();
+    QWidget* under = childAt(place);
+    if (!under)
+        return;
+    QContextMenuEvent menu(QContextMenuEvent::Mouse, under->mapFrom(this, place),
+                           press.globalPosition().toPoint(), press.modifiers());
+    QCoreApplication::sendEvent(under, &menu);
 }
 
 void PanelWindow::paintEvent(QPaintEvent* /*event*/) {

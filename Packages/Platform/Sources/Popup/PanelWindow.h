@@ -58,6 +58,8 @@ private:
     void fitAndPlace();
     void placeAnew();
     void layOutView();
+    /// Tells the content of a press that opens menus and that it has no use for.
+    void offerContextMenu(const QMouseEvent& press);
     /// To be called while the window is not shown, hence without the focus.
     void dropStaleFocusConnections();
 

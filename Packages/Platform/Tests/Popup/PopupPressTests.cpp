@@ -133,6 +133,19 @@ TEST_F(PopupPanelSurfaceTest, StaysOpenOnAPressThatQtBringsToItsGround) {
     EXPECT_TRUE(isOpen());
 }
 
+TEST_F(PopupPanelSurfaceTest, OffersItsContentAContextMenuByTheRightButton) {
+    clickItem();
+    QPoint asked;
+    button->setContextMenuPolicy(Qt::CustomContextMenu);
+    QObject::connect(button, &QWidget::customContextMenuRequested, [&](QPoint at) { asked = at; });
+    const QPoint place(7, 9);
+    QTest::mousePress(button, Qt::LeftButton, {}, place);
+    EXPECT_TRUE(asked.isNull());
+    QTest::mousePress(button, Qt::RightButton, {}, place);
+    EXPECT_EQ(asked, place);
+    EXPECT_TRUE(isOpen());
+}
+
 TEST_F(PopupPanelSurfaceTest, WatchesPressesOnceHoweverOftenItIsOpened) {
     for (int opening = 0; opening < 3; ++opening) {
         // Closed again before the watch of the first opening has begun.

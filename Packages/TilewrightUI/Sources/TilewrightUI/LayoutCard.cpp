@@ -8,6 +8,7 @@
 #include "SymbolView.h"
 #include "TextLabel.h"
 
+#include <QApplication>
 #include <QContextMenuEvent>
 #include <QHelpEvent>
 #include <QKeyEvent>
@@ -78,6 +79,9 @@ QMenu* LayoutCard::makeContextMenu() {
 }
 
 void LayoutCard::contextMenuEvent(QContextMenuEvent* event) {
+    // A press may be told of twice, by Qt and by the panel.
+    if (const auto* open = QApplication::activePopupWidget(); open && open->parent() == this)
+        return;
     QMenu* menu = makeContextMenu();
     if (!menu) {
         event->ignore();
