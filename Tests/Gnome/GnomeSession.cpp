@@ -81,7 +81,7 @@ void GnomeSession::waitUntilItRests() {
     })) << describe();
     tell(QStringLiteral("Main.overview.hide()"));
     EXPECT_TRUE(waitUntil([&] { return !ask(QStringLiteral("Main.overview.visible")).toBool(); }));
-    useInput();
+    useInput({1700, 1000});
     EXPECT_TRUE(waitUntil([&] { return isCompanionActive(); })) << describe();
 }
 

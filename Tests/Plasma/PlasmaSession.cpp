@@ -63,9 +63,13 @@ public:
     std::map<QString, QString> answers;
 };
 
-PlasmaSession::PlasmaSession()
+PlasmaSession::PlasmaSession(const PlasmaDisplays& displays)
     : CompositorSession(QStringLiteral("KDE"))
+    , scale_(displays.scale)
     , ear_(std::make_unique<Ear>()) {
+    const QSize size = (QSizeF(1920, 1080) / scale_).toSize();
+    for (int number = 0; number < displays.count; ++number)
+        displays_.emplace_back(QPoint(number * size.width(), 0), size);
     // Without a graphics card KWin would paint without OpenGL, and run no effects.
     set("KWIN_COMPOSE", QStringLiteral("O2"));
     set("KWIN_EFFECTS_FORCE_ANIMATIONS", QStringLiteral("1"));
@@ -109,10 +113,13 @@ void PlasmaSession::startCompositor() {
         EXPECT_TRUE(
             QFile::copy(QStandardPaths::findExecutable(QStringLiteral("kwin_wayland")), program));
     }
+    const QSize size = displays_.front().size();
     EXPECT_TRUE(CompositorSession::startCompositor(
         program,
-        {QStringLiteral("--virtual"), QStringLiteral("--width"), QStringLiteral("1920"),
-         QStringLiteral("--height"), QStringLiteral("1080"), QStringLiteral("--no-lockscreen"),
+        {QStringLiteral("--virtual"), QStringLiteral("--output-count"),
+         QString::number(displays_.size()), QStringLiteral("--width"),
+         QString::number(size.width()), QStringLiteral("--height"), QString::number(size.height()),
+         QStringLiteral("--scale"), QString::number(scale_), QStringLiteral("--no-lockscreen"),
          QStringLiteral("--xwayland"), QStringLiteral("--socket"), socketName()}));
     EXPECT_TRUE(waitUntil([&] {
         return bus().interface()->isServiceRegistered(kwinService) &&
@@ -120,7 +127,7 @@ void PlasmaSession::startCompositor() {
                    QDBusMessage::ReplyMessage;
     })) << describe();
     setInput(std::make_unique<PlasmaInput>(home() + QStringLiteral("/run/") + socketName()));
-    useInput();
+    useInput(displays_.front().bottomRight() - QPoint(220, 80));
 }
 
 void PlasmaSession::killCompositor() {
@@ -228,8 +235,11 @@ QImage PlasmaSession::picture() {
     QDBusMessage message = QDBusMessage::createMethodCall(
         kwinService, QStringLiteral("/org/kde/KWin/ScreenShot2"),
         QStringLiteral("org.kde.KWin.ScreenShot2"), QStringLiteral("CaptureArea"));
-    message.setArguments(
-        {0, 0, 1920U, 1080U, QVariantMap(), QVariant::fromValue(QDBusUnixFileDescriptor(ends[1]))});
+    const QRect desktop = displays_.front() | displays_.back();
+    message.setArguments({desktop.x(), desktop.y(), unsigned(desktop.width()),
+                          unsigned(desktop.height()),
+                          QVariantMap{{QStringLiteral("native-resolution"), true}},
+                          QVariant::fromValue(QDBusUnixFileDescriptor(ends[1]))});
     ::close(ends[1]);
     const QDBusMessage answer = bus().call(message);
     message = {};
@@ -247,10 +257,12 @@ QImage PlasmaSession::picture() {
         bytes += some;
     }
     EXPECT_EQ(bytes.size(), stride * height);
-    return QImage(reinterpret_cast<const uchar*>(bytes.constData()),
-                  told[QStringLiteral("width")].toInt(), height, stride,
-                  static_cast<QImage::Format>(told[QStringLiteral("format")].toInt()))
-        .copy();
+    QImage picture = QImage(reinterpret_cast<const uchar*>(bytes.constData()),
+                            told[QStringLiteral("width")].toInt(), height, stride,
+                            static_cast<QImage::Format>(told[QStringLiteral("format")].toInt()))
+                         .copy();
+    picture.setDevicePixelRatio(scale_);
+    return picture;
 }
 
 } // namespace tilewright::testing

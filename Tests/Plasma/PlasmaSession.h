@@ -5,12 +5,19 @@
 
 namespace tilewright::testing {
 
+/// The displays of a session: side by side, each of 1920 by 1080 pixels.
+struct PlasmaDisplays {
+    int count = 1;
+    /// How many pixels along a unit of KWin's.
+    double scale = 1;
+};
+
 /// A session of KWin, with the effects that show the keys installed for its home. Places are KWin's
 /// units.
 class PlasmaSession final : public CompositorSession {
 public:
     /// Starts it and waits until it can be used. Fails the running test where it does not come up.
-    PlasmaSession();
+    explicit PlasmaSession(const PlasmaDisplays& displays = {});
     ~PlasmaSession() override;
 
     /// What an expression comes to. There, `find(title)` is a window, and `all()` are all of them.
@@ -26,6 +33,8 @@ public:
     /// Whether it runs, and sees the keys.
     [[nodiscard]] bool hasCompanion();
     [[nodiscard]] QImage picture() override;
+    /// The displays' frames, the first the primary one.
+    [[nodiscard]] const std::vector<QRect>& displays() const { return displays_; }
 
     /// Ends KWin at once, as when it crashes, and starts it again at the same socket.
     void killCompositor();
@@ -41,6 +50,8 @@ private:
     [[nodiscard]] QStringList xServerArguments();
     [[nodiscard]] std::map<QString, QString> xServer() override;
 
+    const double scale_;
+    std::vector<QRect> displays_;
     std::unique_ptr<Ear> ear_;
     int questions_ = 0;
 };

@@ -1,8 +1,6 @@
 // The real program with its companion in a session of KWin: seen and used as by a user.
 
-#include "PlasmaSession.h"
-
-#include <ProgramInCompositor.h>
+#include "ProgramInPlasma.h"
 
 #include <csignal>
 #include <ostream>
@@ -11,26 +9,6 @@ namespace tilewright::testing {
 namespace {
 
 const QString companion = QStringLiteral("tilewright");
-
-struct ProgramInPlasma : ProgramInCompositor<PlasmaSession> {
-    static constexpr QRect start{600, 300, 640, 420};
-
-    explicit ProgramInPlasma(const char* modifier = "control") {
-        writeFile(session.home() + QStringLiteral("/.config/Tilewright/Tilewright.conf"),
-                  QByteArray("[General]\nsnapActivationModifier=") + modifier + "\n");
-        program = &startProgram();
-    }
-
-    Subprocess& startProgram() {
-        Subprocess& started = session.start(QStringLiteral(TILEWRIGHT_PROGRAM));
-        EXPECT_TRUE(waitUntil([&] { return session.hasCompanion(); })) << session.describe();
-        // It greets once it has heard of the effects, which KWin tells one after the other.
-        session.tell(QStringLiteral("0"));
-        return started;
-    }
-
-    Subprocess* program;
-};
 
 /// Where, and how, a window is dropped: what KWin would do with it there is another thing.
 struct Drop {

@@ -103,8 +103,13 @@ bool CompositorSession::startCompositor(const QString& program, const QStringLis
     return compositor_.start(program, arguments, environment, home_.logFile());
 }
 
-void CompositorSession::useInput() {
-    input_->move({1700, 1000});
+QColor CompositorSession::pixel(QPoint at) {
+    const QImage now = picture();
+    return now.pixelColor((QPointF(at) * now.devicePixelRatio()).toPoint());
+}
+
+void CompositorSession::useInput(QPoint nowhere) {
+    input_->move(nowhere);
     input_->click();
     input_->tap(KernelKey::shift);
 }

@@ -52,10 +52,11 @@ public:
     /// compositor does not begin to move it.
     void grab(const QString& title);
 
-    /// What the displays look like, the pointer left out.
+    /// What the displays look like, the pointer left out: in their own pixels, of which the picture
+    /// knows how many there are along a unit.
     [[nodiscard]] virtual QImage picture() = 0;
-    /// One pixel of it.
-    [[nodiscard]] QColor pixel(QPoint at) { return picture().pixelColor(at); }
+    /// The pixel there in the compositor's units.
+    [[nodiscard]] QColor pixel(QPoint at);
 
     [[nodiscard]] CompositorInput& input() { return *input_; }
     [[nodiscard]] QString busAddress() const;
@@ -83,9 +84,9 @@ protected:
     [[nodiscard]] static QString socketName() { return QStringLiteral("wayland-test"); }
     [[nodiscard]] Subprocess& compositor() { return compositor_; }
     void setInput(std::unique_ptr<CompositorInput> input) { input_ = std::move(input); }
-    /// Uses the mouse and the keyboard once, on nothing: a seat gets each of them with its first
-    /// use, and clients lose that.
-    void useInput();
+    /// Uses the mouse and the keyboard once, where nothing is: a seat gets each of them with its
+    /// first use, and clients lose that.
+    void useInput(QPoint nowhere);
 
 private:
     [[nodiscard]] bool startBus(Subprocess& bus, const QString& name, const char* variable);

@@ -19,12 +19,14 @@ struct ProgramInCompositor : ::testing::Test {
     explicit ProgramInCompositor(const Arguments&... arguments)
         : session(arguments...) {}
 
-    /// The part of the display that zones divide.
-    [[nodiscard]] virtual QRect workArea() { return {0, 0, 1920, 1080}; }
+    /// The part of the first display that zones divide.
+    [[nodiscard]] virtual QRect workArea() = 0;
     /// The frame of a zone of the layout that every display begins with.
     [[nodiscard]] QRect zone(std::size_t index) {
-        const Zone zone = ZoneLayout::bentoBox().zones[index];
-        const QRect area = workArea();
+        return frameOf(ZoneLayout::bentoBox().zones[index], workArea());
+    }
+    /// The frame of a zone in a work area.
+    [[nodiscard]] static QRect frameOf(const Zone& zone, const QRect& area) {
         const auto edge = [](double part, int whole) { return int(std::lround(part * whole)); };
         const QPoint topLeft(edge(zone.x, area.width()), edge(zone.y, area.height()));
         const QPoint end(edge(zone.x + zone.width, area.width()),

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "PlasmaSession.h"
+
+#include <ProgramInCompositor.h>
+
+namespace tilewright::testing {
+
+/// The program with its companion in a session of KWin.
+struct ProgramInPlasma : ProgramInCompositor<PlasmaSession> {
+    /// Where clients begin.
+    static constexpr QRect start{600, 300, 640, 420};
+
+    /// Starts both, the program with that modifier and, where there are some, with these contents
+    /// of the file of its layouts.
+    explicit ProgramInPlasma(const char* modifier = "control", const PlasmaDisplays& displays = {},
+                             const QByteArray& layouts = {})
+        : ProgramInCompositor(displays) {
+        writeFile(session.home() + QStringLiteral("/.config/Tilewright/Tilewright.conf"),
+                  QByteArray("[General]\nsnapActivationModifier=") + modifier + "\n");
+        if (!layouts.isEmpty())
+            writeFile(session.home() + QStringLiteral("/.local/share/Tilewright/layouts.json"),
+                      layouts);
+        program = &session.start(QStringLiteral(TILEWRIGHT_PROGRAM));
+        EXPECT_TRUE(waitUntil([&] { return session.hasCompanion(); })) << session.describe();
+        // It greets once it has heard of the effects, which KWin tells one after the other.
+        session.tell(QStringLiteral("0"));
+    }
+    [[nodiscard]] QRect workArea() override { return session.displays().front(); }
+
+    Subprocess* program;
+};
+
+} // namespace tilewright::testing
