@@ -73,16 +73,18 @@ X11FramePlacement::Action X11FramePlacement::timePassed(const X11WindowFacts& fa
     if (phase_ == Phase::clearing)
         return ask(facts);
     const QRect outer = facts.outerFrame();
-    // This way moves a window that the other one did not.
-    if (outer != origin_)
-        manners_->way = way_;
-    if (isReached(facts) && !isPinned(facts))
+    if (isReached(facts) && !isPinned(facts)) {
+        remember(outer);
         return finish(facts);
+    }
+    // It listens again, and the hint is the better way.
+    if (way_ == Way::configure && outer != origin_ && canChangeWay(outer))
+        return askTheOtherWay(facts);
     // One that has not stirred may not have been heard: only where it went somewhere twice is that
     // the window manager's answer.
     const bool isAgreed = lastMiss_ == outer && outer != origin_;
     if (!mayAskAgain() || isAgreed)
-        return outer == origin_ && way_ == Way::hint ? askTheOtherWay(facts) : finish(facts);
+        return canChangeWay(outer) ? askTheOtherWay(facts) : finish(facts);
     lastMiss_ = outer;
     if (!isPinned(facts) && learnCornerOffset(facts)) {
         ++attempts_;
@@ -116,10 +118,26 @@ X11FramePlacement::Action X11FramePlacement::ask(const X11WindowFacts& facts) {
     return action;
 }
 
+bool X11FramePlacement::canChangeWay(const QRect& outer) const {
+    const bool isFirst = changesOfWay_ == 0;
+    if (way_ == Way::hint)
+        return isFirst && outer == origin_;
+    return manners_->announcesHint && changesOfWay_ < mostChangesOfWay &&
+           (isFirst || outer != origin_);
+}
+
 X11FramePlacement::Action X11FramePlacement::askTheOtherWay(const X11WindowFacts& facts) {
-    way_ = Way::configure;
+    ++changesOfWay_;
+    way_ = way_ == Way::hint ? Way::configure : Way::hint;
     attempts_ = 1;
     return isPinned(facts) ? clear(facts) : ask(facts);
+}
+
+void X11FramePlacement::remember(const QRect& outer) {
+    if (outer == origin_)
+        return;
+    manners_->isHintHeard = manners_->isHintHeard || way_ == Way::hint;
+    manners_->way = manners_->isHintHeard ? Way::hint : way_;
 }
 
 X11FramePlacement::Action X11FramePlacement::request(const X11WindowFacts& facts) {

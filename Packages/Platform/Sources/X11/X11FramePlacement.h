@@ -16,8 +16,10 @@ namespace tilewright {
 /// the window manager's own tiling may have acted on the same release of the mouse button. A frame
 /// that the client's size limits explain counts as reached, and so does one in which two attempts
 /// have ended alike; one that has done nothing at all is no answer: the client's own way to ask is
-/// tried last. After a change of maximised states a client may draw its shadow anew long after all
-/// else is done: that is followed.
+/// tried then. Some window managers keep a window that asks so away from panels, be they on another
+/// display: one that it brought elsewhere is asked for by the hint again. After a change of
+/// maximised states a client may draw its shadow anew long after all else is done: that is
+/// followed.
 class X11FramePlacement {
 public:
     /// How a window manager is asked for a frame.
@@ -59,7 +61,13 @@ public:
     /// What is known of the window manager that runs now. What one placement finds out serves those
     /// that come after it.
     struct Manners {
+        /// How it is asked first.
         Way way = Way::hint;
+        /// Whether it says that it knows the hint. One that does not is never asked by it.
+        bool announcesHint = true;
+        /// Whether the hint has brought a window where it belongs: one that does not stir is kept
+        /// by its client then, not by the window manager.
+        bool isHintHeard = false;
         CornerOffset corner;
     };
 
@@ -99,12 +107,16 @@ private:
     [[nodiscard]] bool isOutdated(const X11WindowFacts& facts) const;
     [[nodiscard]] QSize agreedSize(const X11WindowFacts& facts) const;
     [[nodiscard]] bool learnCornerOffset(const X11WindowFacts& facts);
+    [[nodiscard]] bool canChangeWay(const QRect& outer) const;
     [[nodiscard]] Action askTheOtherWay(const X11WindowFacts& facts);
+    void remember(const QRect& outer);
     [[nodiscard]] bool mayAskAgain() const { return attempts_ < mostAttempts; }
 
     static constexpr int mostAttempts = 3;
     /// How often a request is put right because the extents have changed under it.
     static constexpr int mostCorrections = 4;
+    /// From the hint to the client's way, and back.
+    static constexpr int mostChangesOfWay = 2;
 
     QRect goal_;
     std::shared_ptr<Manners> manners_;
@@ -113,6 +125,7 @@ private:
     Phase phase_ = Phase::clearing;
     int attempts_ = 0;
     int corrections_ = 0;
+    int changesOfWay_ = 0;
     X11Extents askedWithDecorations_;
     X11Extents askedWithShadow_;
     /// The offset's share in the corner that was asked for.

@@ -288,7 +288,8 @@ void X11FrameSetter::windowManagerChanged() {
     // Another one has manners of its own. What runs keeps the old ones, and alone goes on learning
     // them.
     manners_ = std::make_shared<X11FramePlacement::Manners>();
-    if (!windowManager_.supports(X11Atom::netMoveresizeWindow))
+    manners_->announcesHint = windowManager_.supports(X11Atom::netMoveresizeWindow);
+    if (!manners_->announcesHint)
         manners_->way = X11FramePlacement::Way::configure;
     answersFences_ = false;
     trialFence_.reset();

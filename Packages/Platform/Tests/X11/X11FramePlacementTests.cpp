@@ -234,6 +234,73 @@ TEST(X11FramePlacement, RemembersWhichWayWasHeard) {
     EXPECT_EQ(X11FramePlacement(goal, known).begin(still).way, Way::configure);
 }
 
+namespace {
+
+/// A placement under a window manager with these manners whose window has not stirred by the hint,
+/// and is asked for as clients ask.
+X11FramePlacement withoutAWord(const std::shared_ptr<X11FramePlacement::Manners>& known) {
+    const X11WindowFacts still = windowAt({0, 0, 300, 300});
+    X11FramePlacement placement(goal, known);
+    static_cast<void>(placement.begin(still));
+    static_cast<void>(placement.timePassed(still));
+    static_cast<void>(placement.timePassed(still));
+    EXPECT_EQ(placement.timePassed(still).way, Way::configure);
+    return placement;
+}
+
+/// Where a window manager may put what asks as clients do: below a panel of another display.
+const X11WindowFacts keptBelowAPanel = windowAt({100, 90, 600, 360});
+
+} // namespace
+
+TEST(X11FramePlacement, GoesBackToTheHintWhereTheOtherWayLeadsElsewhere) {
+    const auto known = std::make_shared<X11FramePlacement::Manners>();
+    X11FramePlacement placement = withoutAWord(known);
+    const auto action = placement.timePassed(keptBelowAPanel);
+    EXPECT_EQ(action.way, Way::hint);
+    EXPECT_EQ(action.request, QRect(100, 50, 596, 376));
+    EXPECT_FALSE(action.addsMaximized);
+    EXPECT_TRUE(placement.timePassed(windowAt(goal)).isFinished);
+    EXPECT_EQ(known->way, Way::hint);
+}
+
+TEST(X11FramePlacement, EndsWhereNeitherWayLeadsToTheGoal) {
+    X11FramePlacement placement = withoutAWord(std::make_shared<X11FramePlacement::Manners>());
+    EXPECT_EQ(placement.timePassed(keptBelowAPanel).way, Way::hint);
+    EXPECT_EQ(placement.timePassed(keptBelowAPanel).way, Way::hint);
+    EXPECT_TRUE(placement.timePassed(keptBelowAPanel).isFinished);
+}
+
+TEST(X11FramePlacement, DoesNotTakeABusyClientForAWindowManagerThatIgnoresTheHint) {
+    const auto known = std::make_shared<X11FramePlacement::Manners>();
+    X11FramePlacement first(goal, known);
+    static_cast<void>(first.begin(windowAt({0, 0, 300, 300})));
+    EXPECT_TRUE(first.timePassed(windowAt(goal)).isFinished);
+    X11FramePlacement placement = withoutAWord(known);
+    EXPECT_TRUE(placement.timePassed(windowAt(goal)).isFinished);
+    EXPECT_EQ(X11FramePlacement(goal, known).begin(windowAt({0, 0, 300, 300})).way, Way::hint);
+}
+
+TEST(X11FramePlacement, FindsOutThatTheHintIsHeardAfterAll) {
+    const auto known = std::make_shared<X11FramePlacement::Manners>();
+    EXPECT_TRUE(withoutAWord(known).timePassed(windowAt(goal)).isFinished);
+    X11FramePlacement placement(goal, known);
+    EXPECT_EQ(placement.begin(windowAt({0, 0, 300, 300})).way, Way::configure);
+    EXPECT_EQ(placement.timePassed(keptBelowAPanel).way, Way::hint);
+    EXPECT_TRUE(placement.timePassed(windowAt(goal)).isFinished);
+    EXPECT_EQ(known->way, Way::hint);
+}
+
+TEST(X11FramePlacement, NeverTriesAHintThatIsNotAnnounced) {
+    const auto known = std::make_shared<X11FramePlacement::Manners>();
+    known->way = Way::configure;
+    known->announcesHint = false;
+    X11FramePlacement placement(goal, known);
+    static_cast<void>(placement.begin(windowAt({0, 0, 300, 300})));
+    EXPECT_EQ(placement.timePassed(keptBelowAPanel).way, Way::configure);
+    EXPECT_TRUE(placement.timePassed(keptBelowAPanel).isFinished);
+}
+
 TEST(X11FramePlacement, AcceptsThatAWindowTooLargeForItsPlaceIsPushedBackOnTheScreen) {
     X11FramePlacement placement(goal);
     X11WindowFacts large = windowAt(QRect(100, 50, 600, 400));
