@@ -10,6 +10,8 @@ class OwnWindows {
         this._itemPlace = itemPlace;
         this._pressedOutside = pressedOutside;
         this._panel = null;
+        this._panelTitle = null;
+        this._veiled = new Set();
         this._frontTitle = null;
         this._windows = new Map();
         this._dressed = new Set();
@@ -30,12 +32,12 @@ class OwnWindows {
     /** Says how the panel's window is recognised and where it belongs, or that it goes. */
     setPanel(command) {
         this._panelSignals.disconnectAll();
+        this._panelTitle = textOf(command.title);
         this._panel = null;
         if (command.shown !== true)
             return;
         const anchor = rectOf(command.anchor);
         this._panel = {
-            title: textOf(command.title),
             margins: arrayOf(command.margins, 4).map(margin => numberWithin(margin, 0, LARGEST_LENGTH)),
             area: command.area ? rectOf(command.area) : null,
             anchor,
@@ -65,6 +67,7 @@ class OwnWindows {
         signals.connect(window, 'size-changed', () => this._place(window));
         signals.connect(window, 'unmanaging', () => {
             this._dressed.delete(window);
+            this._veiled.delete(window);
             this._release(window);
         });
         this._windows.set(window, signals);
@@ -73,17 +76,22 @@ class OwnWindows {
     _release(window) {
         this._windows.get(window).disconnectAll();
         this._windows.delete(window);
+        this._unveil(window);
         if (this._dressed.delete(window))
             OwnWindows._undress(window);
     }
 
     _isPanel(window) {
-        return this._panel !== null && window.get_title() === this._panel.title;
+        return this._panel !== null && this._isNamedAsPanel(window);
+    }
+
+    _isNamedAsPanel(window) {
+        return window.get_title() === this._panelTitle;
     }
 
     _named(window) {
         const actor = window.get_compositor_private();
-        if (this._isPanel(window) && actor && !actor.visible)
+        if (this._isNamedAsPanel(window) && actor && !actor.visible)
             Main.wm.skipNextEffect(actor);
     }
 
@@ -92,6 +100,11 @@ class OwnWindows {
             return;
         if (this._isPanel(window)) {
             this._dress(window);
+        } else if (this._isNamedAsPanel(window)) {
+            // Where it belongs is told by another way than the one by which it comes, and a little
+            // later at times: it is not to be seen elsewhere before.
+            this._veiled.add(window);
+            window.get_compositor_private().opacity = 0;
         } else if (this._frontTitle !== null && window.get_title() === this._frontTitle) {
             this._frontTitle = null;
             Main.activateWindow(window);
@@ -112,7 +125,13 @@ class OwnWindows {
                 Object.defineProperty(window, 'skip_taskbar', {get: () => true, configurable: true});
         }
         this._place(window);
+        this._unveil(window);
         Main.activateWindow(window);
+    }
+
+    _unveil(window) {
+        if (this._veiled.delete(window))
+            window.get_compositor_private().opacity = 255;
     }
 
     static _undress(window) {

@@ -6,6 +6,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QJsonArray>
 #include <csignal>
 
 namespace tilewright::testing {
@@ -35,6 +36,11 @@ struct ProgramInGnome : ProgramInCompositor<GnomeSession> {
                                 ".some(w => w.get_title() === 'Tilewright' && w.%1)")
                      .arg(property))
             .toBool();
+    }
+
+    /// Whether it is where it belongs: the shell gives a new window the focus before that.
+    [[nodiscard]] bool isPanelReady() {
+        return panelIs(QStringLiteral("is_above() && w.has_focus()"));
     }
 
     Subprocess& program;
@@ -103,9 +109,7 @@ TEST_F(ProgramInGnome, DoesNotHoldUpADragWhileItIsStopped) {
 
 TEST_F(ProgramInGnome, OpensItsPanelBelowTheItemWithTheFocusAndClosesItInEveryWay) {
     clickItem();
-    ASSERT_TRUE(waitUntil([&] { return panelIs(QStringLiteral("has_focus()")); }))
-        << session.describe();
-    EXPECT_TRUE(panelIs(QStringLiteral("is_above()")));
+    ASSERT_TRUE(waitUntil([&] { return isPanelReady(); })) << session.describe();
     EXPECT_TRUE(panelIs(QStringLiteral("is_on_all_workspaces()")));
     EXPECT_TRUE(panelIs(QStringLiteral("skip_taskbar")));
     const QRect frame = session.frame(panelTitle);
@@ -120,30 +124,59 @@ TEST_F(ProgramInGnome, OpensItsPanelBelowTheItemWithTheFocusAndClosesItInEveryWa
     EXPECT_TRUE(waitUntil([&] { return !isPanelOpen(); })) << "Escape";
 
     clickItem();
-    ASSERT_TRUE(waitUntil([&] { return panelIs(QStringLiteral("has_focus()")); }));
+    ASSERT_TRUE(waitUntil([&] { return isPanelReady(); }));
     // On nothing: no window gets the focus by it.
     session.input().move({300, 900});
     session.input().click();
     EXPECT_TRUE(waitUntil([&] { return !isPanelOpen(); })) << "a press outside";
 
     clickItem();
-    ASSERT_TRUE(waitUntil([&] { return panelIs(QStringLiteral("has_focus()")); }));
+    ASSERT_TRUE(waitUntil([&] { return isPanelReady(); }));
     session.input().click();
     EXPECT_TRUE(waitUntil([&] { return !isPanelOpen(); })) << "the item";
     EXPECT_TRUE(staysTrue([&] { return !isPanelOpen(); }, std::chrono::milliseconds(300)));
 
     clickItem();
-    ASSERT_TRUE(waitUntil([&] { return panelIs(QStringLiteral("has_focus()")); }));
+    ASSERT_TRUE(waitUntil([&] { return isPanelReady(); }));
     session.tell(QStringLiteral("Main.overview.show()"));
     EXPECT_TRUE(waitUntil([&] { return !isPanelOpen(); })) << "the overview";
+}
+
+TEST_F(ProgramInGnome, ShowsItsPanelNowhereElseBeforeItIsBelowTheItem) {
+    // Where the panel belongs comes by the bus, its window by the compositor's socket: whichever is
+    // later, here by far, no frame shows it in another place, nor in the shell's manner of opening
+    // windows.
+    session.tell(QStringLiteral(R"((() => {
+        const windows = Main.extensionManager.lookup('%1').stateObj._companion._windows;
+        const setPanel = windows.setPanel.bind(windows);
+        windows.setPanel = command => imports.gi.GLib.timeout_add(0, 300, () => setPanel(command) && false);
+        globalThis.seen = [];
+        global.stage.connect('after-paint', () => global.get_window_actors()
+            .filter(actor => actor.meta_window.get_title() === '%2' && actor.visible && actor.opacity > 0)
+            .forEach(actor => {
+                const {x, y} = actor.meta_window.get_frame_rect();
+                globalThis.seen.push([x, y, actor.scale_x, actor.scale_y]);
+            }));
+    })())")
+                     .arg(QString::fromLatin1(companionUuid), panelTitle));
+    clickItem();
+    ASSERT_TRUE(waitUntil([&] { return isPanelReady(); })) << session.describe();
+    QJsonArray seen;
+    ASSERT_TRUE(waitUntil([&] {
+        seen = session.ask(QStringLiteral("globalThis.seen")).toArray();
+        return !seen.isEmpty();
+    }));
+    const QPoint place = session.frame(panelTitle).topLeft();
+    const QJsonArray there{place.x(), place.y(), 1, 1};
+    for (const QJsonValue& frame : std::as_const(seen))
+        EXPECT_EQ(frame.toArray(), there);
 }
 
 TEST_F(ProgramInGnome, OpensItsPanelBelowThePointerAtASecondStart) {
     constexpr QPoint pointer(600, 500);
     session.input().move(pointer);
     startAgain();
-    ASSERT_TRUE(waitUntil([&] { return panelIs(QStringLiteral("has_focus()")); }))
-        << session.describe();
+    ASSERT_TRUE(waitUntil([&] { return isPanelReady(); })) << session.describe();
     expectPanelBelow(pointer);
 }
 
@@ -155,7 +188,7 @@ TEST_F(ProgramInGnome, BringsItsSettingsToTheFrontAgainWhenTheyAreAskedForAgain)
     };
     const auto askFor = [&] {
         clickItem();
-        EXPECT_TRUE(waitUntil([&] { return panelIs(QStringLiteral("has_focus()")); }));
+        EXPECT_TRUE(waitUntil([&] { return isPanelReady(); }));
         // The word in the lower left corner of the panel.
         session.input().move(session.frame(panelTitle).bottomLeft() + QPoint(60, -45));
         session.input().click();
