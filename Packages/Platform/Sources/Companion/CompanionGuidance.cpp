@@ -37,6 +37,12 @@ void CompanionGuidance::update() {
         window_->setStep(step());
 }
 
+CompanionGuidance::Step CompanionGuidance::lastStep() {
+    return {tr("Everything is in place"),
+            tr("Hold the snap modifier and drag a window: the zones appear."),
+            {}};
+}
+
 QString CompanionGuidance::forReading(QString path) {
     const QString home = QDir::homePath();
     if (path.startsWith(home + u'/'))

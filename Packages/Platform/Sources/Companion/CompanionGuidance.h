@@ -40,6 +40,8 @@ protected:
     /// Does what the step offers.
     virtual void act() = 0;
 
+    /// The step of one who has taken all of them.
+    [[nodiscard]] static Step lastStep();
     /// A path as users write it, which may be broken after each of its folders.
     [[nodiscard]] static QString forReading(QString path);
     /// The step may be another one by now.

@@ -2,8 +2,7 @@
 
 #include "MessageBus.h"
 
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
+#include <QDBusReply>
 #include <QDBusServiceWatcher>
 
 namespace tilewright {
@@ -16,15 +15,11 @@ BusNameOwner::BusNameOwner(const QDBusConnection& bus, const QString& name, QObj
         new QDBusServiceWatcher(name, bus, QDBusServiceWatcher::WatchForOwnerChange, this);
     connect(watch, &QDBusServiceWatcher::serviceOwnerChanged, this,
             [this](const QString&, const QString&, const QString& newOwner) { heard(newOwner); });
-    auto* pending = new QDBusPendingCallWatcher(askForOwner(bus, name), this);
-    connect(pending, &QDBusPendingCallWatcher::finished, this,
-            [this](QDBusPendingCallWatcher* call) {
-                call->deleteLater();
-                // A change is handed out at once, a reply only later: it may be the older of both.
-                const QDBusPendingReply<QString> reply = *call;
-                if (!hasHeard_)
-                    heard(reply.isValid() ? reply.value() : QString());
-            });
+    whenAnswered(askForOwner(bus, name), this, [this](const QDBusReply<QString>& owner) {
+        // A change is handed out at once, an answer only later: it may be the older of both.
+        if (!hasHeard_)
+            heard(owner.value());
+    });
 }
 
 BusNameOwner::~BusNameOwner() = default;

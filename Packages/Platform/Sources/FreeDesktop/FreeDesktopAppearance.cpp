@@ -2,7 +2,6 @@
 
 #include <QDBusArgument>
 #include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
 #include <QDBusVariant>
 #include <QMap>
 #include <QVariantMap>
@@ -115,27 +114,28 @@ void FreeDesktopAppearance::readAll() {
     groups.removeDuplicates();
     call << groups;
     changedSince_.reset();
-    auto* pending = new QDBusPendingCallWatcher(bus_.connection().asyncCall(call), this);
-    connect(pending, &QDBusPendingCallWatcher::finished, this,
-            [this, generation = ++generation_](QDBusPendingCallWatcher* finished) {
-                finished->deleteLater();
-                const QDBusMessage reply = finished->reply();
-                if (generation != generation_ || reply.type() != QDBusMessage::ReplyMessage ||
-                    reply.signature() != QStringLiteral("a{sa{sv}}"))
-                    return;
-                const auto told =
-                    qdbus_cast<QMap<QString, QVariantMap>>(reply.arguments().value(0));
-                Wishes wishes = wishes_;
-                for (std::size_t i = 0; i < settings.size(); ++i) {
-                    const auto& [group, key, wish] = settings[i];
-                    // A change is handed out at once, a reply only later: what has been heard of
-                    // is never older.
-                    if (!changedSince_[i])
-                        wishes[i] = wish(
-                            told.value(QString::fromLatin1(group)).value(QString::fromLatin1(key)));
-                }
-                take(wishes);
-            });
+    whenAnswered(bus_.connection().asyncCall(call), this,
+                 [this, generation = ++generation_](const QDBusMessage& answer) {
+                     if (generation == generation_)
+                         takeAll(answer);
+                 });
+}
+
+void FreeDesktopAppearance::takeAll(const QDBusMessage& answer) {
+    if (answer.type() != QDBusMessage::ReplyMessage ||
+        answer.signature() != QStringLiteral("a{sa{sv}}"))
+        return;
+    const auto told = qdbus_cast<QMap<QString, QVariantMap>>(answer.arguments().value(0));
+    Wishes wishes = wishes_;
+    for (std::size_t i = 0; i < settings.size(); ++i) {
+        const auto& [group, key, wish] = settings[i];
+        // A change is handed out at once, an answer only later: what has been heard of is never
+        // older.
+        if (!changedSince_[i])
+            wishes[i] =
+                wish(told.value(QString::fromLatin1(group)).value(QString::fromLatin1(key)));
+    }
+    take(wishes);
 }
 
 void FreeDesktopAppearance::settingChanged(const QString& group, const QString& key,

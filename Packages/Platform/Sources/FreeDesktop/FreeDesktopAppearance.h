@@ -57,6 +57,7 @@ private:
     void joinBus();
     void followPortal();
     void readAll();
+    void takeAll(const QDBusMessage& answer);
     void take(const Wishes& wishes);
 
     MessageBus& bus_;

@@ -1,7 +1,7 @@
 #include "FreeDesktopUserNotifications.h"
 
 #include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
+#include <QDBusReply>
 #include <QVariantMap>
 #include <utility>
 
@@ -51,27 +51,19 @@ void FreeDesktopUserNotifications::show(const QString& title, const QString& tex
     if (!bus_.isJoined())
         return;
     const QDBusMessage call = notify(title, text, {clickAction(), tr("Show")});
-    auto* pending = new QDBusPendingCallWatcher(bus_.connection().asyncCall(call), this);
-    connect(pending, &QDBusPendingCallWatcher::finished, this,
-            [this, chosen = std::move(chosen)](QDBusPendingCallWatcher* finished) {
-                finished->deleteLater();
-                const QDBusMessage reply = finished->reply();
-                if (reply.type() != QDBusMessage::ReplyMessage)
-                    return;
-                shown_ = reply.arguments().value(0).toUInt();
-                chosen_ = chosen;
-                listenToOwner();
-            });
+    whenAnswered(bus_.connection().asyncCall(call), this,
+                 [this, chosen = std::move(chosen)](const QDBusMessage& answer) {
+                     if (answer.type() != QDBusMessage::ReplyMessage)
+                         return;
+                     shown_ = answer.arguments().value(0).toUInt();
+                     chosen_ = chosen;
+                     listenToOwner();
+                 });
 }
 
 void FreeDesktopUserNotifications::listenToOwner() {
-    auto* pending = new QDBusPendingCallWatcher(askForOwner(bus_.connection(), service()), this);
-    connect(pending, &QDBusPendingCallWatcher::finished, this,
-            [this](QDBusPendingCallWatcher* finished) {
-                finished->deleteLater();
-                const QDBusPendingReply<QString> owner = *finished;
-                listenTo(owner.isValid() ? owner.value() : QString());
-            });
+    whenAnswered(askForOwner(bus_.connection(), service()), this,
+                 [this](const QDBusReply<QString>& owner) { listenTo(owner.value()); });
 }
 
 void FreeDesktopUserNotifications::listenTo(const QString& sender) {

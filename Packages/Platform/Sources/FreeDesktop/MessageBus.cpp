@@ -1,5 +1,6 @@
 #include "MessageBus.h"
 
+#include <QDBusPendingCallWatcher>
 #include <QFileInfo>
 #include <QFileSystemWatcher>
 
@@ -52,6 +53,16 @@ QDBusPendingReply<QString> askForOwner(const QDBusConnection& bus, const QString
     QDBusMessage getOwner = callToBus(QStringLiteral("GetNameOwner"));
     getOwner << name;
     return bus.asyncCall(getOwner);
+}
+
+void whenAnswered(const QDBusPendingCall& call, QObject* receiver,
+                  std::function<void(const QDBusMessage& answer)> then) {
+    auto* pending = new QDBusPendingCallWatcher(call, receiver);
+    QObject::connect(pending, &QDBusPendingCallWatcher::finished, receiver,
+                     [then = std::move(then)](QDBusPendingCallWatcher* finished) {
+                         finished->deleteLater();
+                         then(finished->reply());
+                     });
 }
 
 QByteArray MessageBus::addresses(Kind kind) {

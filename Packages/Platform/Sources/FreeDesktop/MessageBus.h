@@ -9,6 +9,7 @@
 #include <QDBusPendingReply>
 #include <QObject>
 #include <QSocketNotifier>
+#include <functional>
 #include <memory>
 
 class QFileSystemWatcher;
@@ -24,6 +25,11 @@ namespace tilewright {
 /// on in some versions only.
 [[nodiscard]] QDBusPendingReply<QString> askForOwner(const QDBusConnection& bus,
                                                      const QString& name);
+
+/// Hands `then` the answer of a call that nobody waits for, be it an error, unless the receiver has
+/// gone by then. Main thread only.
+void whenAnswered(const QDBusPendingCall& call, QObject* receiver,
+                  std::function<void(const QDBusMessage& answer)> then);
 
 /// This program's way to a message bus that may be there, or come, or say nothing for as long as it
 /// likes: nothing ever waits for it. It is connected to when it answers, and again when it has gone

@@ -6,7 +6,6 @@
 #include <QDBusAbstractAdaptor>
 #include <QDBusError>
 #include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
 #include <QDBusVariant>
 #include <utility>
 
@@ -207,17 +206,15 @@ void StatusNotifierItem::askForHost() {
     QDBusMessage get =
         callToWatcher(QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
     get << watcherService() << QStringLiteral("IsStatusNotifierHostRegistered");
-    auto* pending = new QDBusPendingCallWatcher(bus_.connection().asyncCall(get), this);
-    connect(pending, &QDBusPendingCallWatcher::finished, this,
-            [this, generation = watcherGeneration_](QDBusPendingCallWatcher* call) {
-                call->deleteLater();
-                if (generation != watcherGeneration_)
-                    return;
-                isHostAskedFor_ = false;
-                takeWord(call->reply());
-                if (isAnswerStale_)
-                    askForHost();
-            });
+    whenAnswered(bus_.connection().asyncCall(get), this,
+                 [this, generation = watcherGeneration_](const QDBusMessage& answer) {
+                     if (generation != watcherGeneration_)
+                         return;
+                     isHostAskedFor_ = false;
+                     takeWord(answer);
+                     if (isAnswerStale_)
+                         askForHost();
+                 });
 }
 
 void StatusNotifierItem::takeWord(const QDBusMessage& reply) {

@@ -1,32 +1,13 @@
 #include "GnomeCompanionFiles.h"
 
+#include <Companion/ExtensionFolder.h>
+
 #include <QCoreApplication>
 #include <QDir>
-#include <QDirIterator>
-#include <QFile>
-#include <QFileInfo>
 #include <QStandardPaths>
 #include <algorithm>
 
 namespace tilewright {
-
-namespace {
-
-/// Without it the shell takes a folder for no extension.
-QString description() {
-    return QStringLiteral("metadata.json");
-}
-
-bool isExtension(const QString& folder) {
-    return QFileInfo(folder + u'/' + description()).isFile();
-}
-
-bool copyOver(const QString& from, const QString& to) {
-    QFile::remove(to);
-    return QDir().mkpath(QFileInfo(to).path()) && QFile::copy(from, to);
-}
-
-} // namespace
 
 QString GnomeCompanionFiles::packagedName() {
     return QStringLiteral("tilewright@tilewright.org");
@@ -50,17 +31,17 @@ GnomeCompanionFiles::GnomeCompanionFiles(QStringList folders, QString offer)
     , offer_(std::move(offer)) {}
 
 QString GnomeCompanionFiles::name() const {
-    return isExtension(offer_) ? buildsName() : packagedName();
+    return isExtensionFolder(offer_) ? buildsName() : packagedName();
 }
 
 bool GnomeCompanionFiles::areInstalled() const {
     return std::any_of(folders_.begin(), folders_.end(), [name = name()](const QString& folder) {
-        return isExtension(folder + u'/' + name);
+        return isExtensionFolder(folder + u'/' + name);
     });
 }
 
 bool GnomeCompanionFiles::canBeInstalled() const {
-    return isExtension(offer_) && !folders_.isEmpty();
+    return isExtensionFolder(offer_) && !folders_.isEmpty();
 }
 
 QString GnomeCompanionFiles::place() const {
@@ -68,18 +49,7 @@ QString GnomeCompanionFiles::place() const {
 }
 
 bool GnomeCompanionFiles::install() const {
-    if (!canBeInstalled())
-        return false;
-    const QDir offer(offer_);
-    const QString last = offer.filePath(description());
-    // Whatever goes wrong before, what is there by then is no extension.
-    QFile::remove(place() + u'/' + description());
-    for (QDirIterator it(offer_, QDir::Files, QDirIterator::Subdirectories); it.hasNext();) {
-        const QString file = it.next();
-        if (file != last && !copyOver(file, place() + u'/' + offer.relativeFilePath(file)))
-            return false;
-    }
-    return copyOver(last, place() + u'/' + description());
+    return canBeInstalled() && installExtensionFolder(offer_, place());
 }
 
 } // namespace tilewright

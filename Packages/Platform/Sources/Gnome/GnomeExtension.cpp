@@ -2,7 +2,6 @@
 
 #include <QDBusArgument>
 #include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
 #include <QDBusVariant>
 #include <utility>
 
@@ -121,14 +120,15 @@ void GnomeExtension::ask() {
     QDBusMessage get =
         callToShell(heard_, extensionsInterface(), QStringLiteral("GetExtensionInfo"));
     get << files_.name();
-    call(get, [this, generation = generation_](const QDBusMessage& reply) {
-        if (generation != generation_)
-            return;
-        isAsked_ = false;
-        settle(stateIn(reply));
-        if (isStale_)
-            ask();
-    });
+    whenAnswered(bus_.connection().asyncCall(get), this,
+                 [this, generation = generation_](const QDBusMessage& reply) {
+                     if (generation != generation_)
+                         return;
+                     isAsked_ = false;
+                     settle(stateIn(reply));
+                     if (isStale_)
+                         ask();
+                 });
 }
 
 GnomeExtension::State GnomeExtension::stateIn(const QDBusMessage& reply) const {
@@ -163,17 +163,8 @@ void GnomeExtension::turnOn() {
     QDBusMessage enable =
         callToShell(heard_, extensionsInterface(), QStringLiteral("EnableExtension"));
     enable << files_.name();
-    call(enable, [this](const QDBusMessage&) { refresh(); });
-}
-
-void GnomeExtension::call(const QDBusMessage& message,
-                          std::function<void(const QDBusMessage&)> then) {
-    auto* pending = new QDBusPendingCallWatcher(bus_.connection().asyncCall(message), this);
-    connect(pending, &QDBusPendingCallWatcher::finished, this,
-            [then = std::move(then)](QDBusPendingCallWatcher* finished) {
-                finished->deleteLater();
-                then(finished->reply());
-            });
+    whenAnswered(bus_.connection().asyncCall(enable), this,
+                 [this](const QDBusMessage&) { refresh(); });
 }
 
 } // namespace tilewright

@@ -10,8 +10,6 @@
 #include <functional>
 #include <memory>
 
-class QDBusPendingCallWatcher;
-
 namespace tilewright {
 
 /// This program's companion as an extension of GNOME Shell: what the shell says of it, followed by
@@ -70,7 +68,6 @@ private:
     void ask();
     [[nodiscard]] State stateIn(const QDBusMessage& reply) const;
     void settle(State state);
-    void call(const QDBusMessage& message, std::function<void(const QDBusMessage&)> then);
 
     MessageBus& bus_;
     const GnomeCompanionFiles files_;

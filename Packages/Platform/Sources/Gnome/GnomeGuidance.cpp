@@ -6,9 +6,7 @@ GnomeGuidance::Step GnomeGuidance::stepFor(GnomeExtension::State state, bool isC
                                            const QString& place) {
     using State = GnomeExtension::State;
     if (isConnected)
-        return {tr("Everything is in place"),
-                tr("Hold the snap modifier and drag a window: the zones appear."),
-                {}};
+        return lastStep();
     switch (state) {
     case State::notInstalled:
         if (!place.isEmpty())

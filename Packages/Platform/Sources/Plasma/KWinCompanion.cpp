@@ -3,7 +3,6 @@
 #include "KWinCompanionScript.h"
 
 #include <QCoreApplication>
-#include <QDBusPendingCallWatcher>
 #include <QStandardPaths>
 #include <utility>
 
@@ -127,23 +126,25 @@ void KWinCompanion::start(const QString& name, const QByteArray& lastLine,
         return;
     }
     // One of that name may be there from an earlier run; until it has gone, no other is taken.
-    call(unloading(name), [this, name, path, then = std::move(then)](const QDBusMessage&) {
-        load(name, path, then);
-    });
+    whenAnswered(bus_.connection().asyncCall(unloading(name)), this,
+                 [this, name, path, then = std::move(then)](const QDBusMessage&) {
+                     load(name, path, then);
+                 });
 }
 
 void KWinCompanion::load(const QString& name, const QString& path, std::function<void(bool)> then) {
     QDBusMessage load = callToScripting(QStringLiteral("loadScript"));
     load << path << name;
-    call(load, [this, then = std::move(then)](const QDBusMessage& reply) {
-        const bool isTaken =
-            reply.type() == QDBusMessage::ReplyMessage && reply.arguments().value(0).toInt() >= 0;
-        // Not by its number, which KWin may have given to another script as well: all those are
-        // started that do not run yet.
-        if (isTaken)
-            bus_.connection().send(callToScripting(QStringLiteral("start")));
-        then(isTaken);
-    });
+    whenAnswered(bus_.connection().asyncCall(load), this,
+                 [this, then = std::move(then)](const QDBusMessage& reply) {
+                     const bool isTaken = reply.type() == QDBusMessage::ReplyMessage &&
+                                          reply.arguments().value(0).toInt() >= 0;
+                     // Not by its number, which KWin may have given to another script as well: all
+                     // those are started that do not run yet.
+                     if (isTaken)
+                         bus_.connection().send(callToScripting(QStringLiteral("start")));
+                     then(isTaken);
+                 });
 }
 
 QString KWinCompanion::write(const QByteArray& lastLine) {
@@ -157,16 +158,6 @@ QString KWinCompanion::write(const QByteArray& lastLine) {
     if (files_.size() > mostFiles)
         files_.pop_front();
     return path;
-}
-
-void KWinCompanion::call(const QDBusMessage& message,
-                         std::function<void(const QDBusMessage&)> then) {
-    auto* pending = new QDBusPendingCallWatcher(bus_.connection().asyncCall(message), this);
-    connect(pending, &QDBusPendingCallWatcher::finished, this,
-            [then = std::move(then)](QDBusPendingCallWatcher* finished) {
-                finished->deleteLater();
-                then(finished->reply());
-            });
 }
 
 } // namespace tilewright

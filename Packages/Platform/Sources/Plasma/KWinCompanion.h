@@ -61,7 +61,6 @@ private:
     void start(const QString& name, const QByteArray& lastLine, std::function<void(bool)> then);
     void load(const QString& name, const QString& path, std::function<void(bool)> then);
     [[nodiscard]] QString write(const QByteArray& lastLine);
-    void call(const QDBusMessage& message, std::function<void(const QDBusMessage&)> then);
 
     MessageBus& bus_;
     const QString folder_;

@@ -2,9 +2,10 @@
 
 #include "KWinCompanion.h"
 
+#include <Companion/ExtensionFolder.h>
+
 #include <QCoreApplication>
 #include <QDir>
-#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
@@ -17,11 +18,6 @@ namespace {
 
 constexpr char keysWish[] = "X-KDE-Wayland-Interfaces=org_kde_kwin_keystate";
 
-/// Without it KWin takes a folder for no effect.
-QString description() {
-    return QStringLiteral("metadata.json");
-}
-
 QString effectsFolder(const QString& dataFolder) {
     return dataFolder + QStringLiteral("/kwin/effects");
 }
@@ -29,13 +25,8 @@ QString effectsFolder(const QString& dataFolder) {
 bool hasAllEffects(const QString& folder) {
     const QStringList effects = KWinCompanion::keyEffects();
     return std::all_of(effects.begin(), effects.end(), [&](const QString& effect) {
-        return QFileInfo(folder + u'/' + effect + u'/' + description()).isFile();
+        return isExtensionFolder(folder + u'/' + effect);
     });
-}
-
-bool copyOver(const QString& from, const QString& to) {
-    QFile::remove(to);
-    return QDir().mkpath(QFileInfo(to).path()) && QFile::copy(from, to);
 }
 
 /// A path as an entry's command, whose rules for quotes are its own.
@@ -76,13 +67,10 @@ QString KWinKeyFiles::effectsPlace() const {
 bool KWinKeyFiles::installEffects() const {
     if (!canEffectsBeInstalled())
         return false;
-    const QDir offer(offer_);
-    for (QDirIterator it(offer_, QDir::Files, QDirIterator::Subdirectories); it.hasNext();) {
-        const QString file = it.next();
-        if (!copyOver(file, effectsPlace() + u'/' + offer.relativeFilePath(file)))
-            return false;
-    }
-    return true;
+    const QStringList effects = KWinCompanion::keyEffects();
+    return std::all_of(effects.begin(), effects.end(), [this](const QString& effect) {
+        return installExtensionFolder(offer_ + u'/' + effect, effectsPlace() + u'/' + effect);
+    });
 }
 
 QString KWinKeyFiles::entryPlace() const {

@@ -7,9 +7,7 @@ namespace tilewright {
 PlasmaGuidance::Step PlasmaGuidance::stepFor(Obstacle obstacle, const QString& place) {
     switch (obstacle) {
     case Obstacle::none:
-        return {tr("Everything is in place"),
-                tr("Hold the snap modifier and drag a window: the zones appear."),
-                {}};
+        return lastStep();
     case Obstacle::refusal:
         return {tr("KWin does not run the companion"),
                 tr("On this desktop, Tilewright sees and moves windows with the help of a small "

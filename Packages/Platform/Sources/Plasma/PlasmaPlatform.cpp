@@ -3,25 +3,11 @@
 #include "KWinCompanion.h"
 #include "PlasmaGuidance.h"
 
-#include <Companion/CompanionAccessibility.h>
-#include <Companion/CompanionBus.h>
-#include <Companion/CompanionEventMonitors.h>
-#include <Companion/CompanionInstanceActivation.h>
-#include <Companion/CompanionPanelSurface.h>
-#include <Companion/CompanionPointer.h>
-#include <Companion/CompanionWorkspace.h>
-#include <FreeDesktop/FreeDesktopApplicationSupport.h>
-#include <FreeDesktop/FreeDesktopKeyNames.h>
+#include <Companion/CompanionDesktop.h>
 #include <FreeDesktop/FreeDesktopStatusItem.h>
-#include <FreeDesktop/FreeDesktopUserDefaults.h>
-#include <FreeDesktop/FreeDesktopUserNotifications.h>
-#include <FreeDesktop/InhibitingPowerAssertions.h>
-#include <FreeDesktop/MessageBus.h>
-#include <FreeDesktop/PortalAppearance.h>
 #include <FreeDesktop/WaylandSocket.h>
 #include <LayerShell/LayerShellOverlaySurface.h>
 #include <LayerShell/WaylandKeyStates.h>
-#include <Platform/QtMainLoop.h>
 
 #include <QProcessEnvironment>
 #include <QRectF>
@@ -38,127 +24,90 @@ constexpr std::chrono::seconds untilEntryIsSeen{4};
 
 /// In the order in which they need each other.
 struct PlasmaPlatform::Parts {
-    QtMainLoop mainLoop;
-    FreeDesktopUserDefaults userDefaults;
-    FreeDesktopApplicationSupport applicationSupport;
-    FreeDesktopKeyNames keyNames;
-    MessageBus sessionBus{mainLoop, MessageBus::Kind::session};
-    MessageBus systemBus{mainLoop, MessageBus::Kind::system};
-    FreeDesktopUserNotifications userNotifications{sessionBus};
-    InhibitingPowerAssertions powerAssertions{mainLoop, nullptr, sessionBus, systemBus};
-    PortalAppearance appearance{sessionBus};
-    WaylandConnection wayland{mainLoop,
+    CompanionDesktop desktop{[this] { guidance.notify(); }, [this] { guidance.show(); }};
+    WaylandConnection wayland{desktop.mainLoop,
                               waylandSocketPath(QProcessEnvironment::systemEnvironment())};
     WaylandOutputs outputs{wayland};
     WaylandKeyStates keyStates{wayland};
-
-    CompanionState state;
-    CompanionOutbox outbox;
-    CompanionScreens screens{state};
-    CompanionPointer pointer{state, screens};
-    CompanionEventMonitors eventMonitors{state};
-    KWinCompanion companion{sessionBus};
-    PlasmaGuidance guidance{state, companion, userNotifications,
-                            [this] { workspace.activateThisApplication(); },
+    KWinCompanion companion{desktop.sessionBus};
+    PlasmaGuidance guidance{desktop.state, companion, desktop.userNotifications,
+                            [this] { desktop.workspace.activateThisApplication(); },
                             [this] { askForKeysLater(); }};
-    CompanionAccessibility accessibility{state, screens, outbox, mainLoop,
-                                         [this] { guidance.notify(); }};
-    CompanionWorkspace workspace{state, outbox, [this] { guidance.show(); }};
-    CompanionInstanceActivation instanceActivation{
-        qEnvironmentVariable("WAYLAND_DISPLAY"), sessionBus.connection(), state, outbox, mainLoop};
     std::optional<FreeDesktopStatusItem> statusItem;
     ScopedTimer askingForKeys;
     /// Last, so that nothing is told to what is not there yet, or no longer.
-    CompanionBus bus{mainLoop, sessionBus, outbox, KWinCompanion::compositorName(),
+    CompanionBus bus{desktop.mainLoop, desktop.sessionBus, desktop.outbox,
+                     KWinCompanion::compositorName(),
                      [this](const QString& commands) { companion.carry(commands); }};
 
     Parts();
-    [[nodiscard]] PlatformServices services();
     void takeKeys();
     void askForKeysLater();
     [[nodiscard]] const WaylandOutput* outputOf(const Screen& screen) const;
 };
 
 PlasmaPlatform::Parts::Parts() {
-    QObject::connect(&bus, &CompanionBus::told, &state, &CompanionState::take);
-    QObject::connect(&bus, &CompanionBus::overrun, &state, &CompanionState::cancelDrag);
-    QObject::connect(&bus, &CompanionBus::lost, &state, [this] {
-        outbox.clear();
-        state.lose();
-        // Another one may have come by now, at the same socket.
-        wayland.retry();
-    });
-    QObject::connect(&keyStates, &WaylandKeyStates::offerChanged, &state, [this] { takeKeys(); });
-    QObject::connect(&keyStates, &WaylandKeyStates::flagsChanged, &state, [this] { takeKeys(); });
+    desktop.listenTo(bus);
+    // Another one may have come by now, at the same socket.
+    QObject::connect(&bus, &CompanionBus::lost, &wayland, &WaylandConnection::retry);
+    QObject::connect(&keyStates, &WaylandKeyStates::offerChanged, &desktop.state,
+                     [this] { takeKeys(); });
+    QObject::connect(&keyStates, &WaylandKeyStates::flagsChanged, &desktop.state,
+                     [this] { takeKeys(); });
     takeKeys();
 }
 
 void PlasmaPlatform::Parts::takeKeys() {
-    state.setKeys(keyStates.isOffered() ? std::optional(keyStates.flags()) : std::nullopt);
+    desktop.state.setKeys(keyStates.isOffered() ? std::optional(keyStates.flags()) : std::nullopt);
 }
 
 void PlasmaPlatform::Parts::askForKeysLater() {
     // KWin decides once for each connection what it lets it see.
-    askingForKeys = ScopedTimer(mainLoop.scheduleOnce(untilEntryIsSeen, [this] {
+    askingForKeys = ScopedTimer(desktop.mainLoop.scheduleOnce(untilEntryIsSeen, [this] {
         if (!keyStates.isOffered())
             wayland.reconnect();
     }));
 }
 
 const WaylandOutput* PlasmaPlatform::Parts::outputOf(const Screen& screen) const {
-    const CompanionRect frame = screens.coordinates().toCompanion(screen.frame());
+    const CompanionRect frame = desktop.screens.coordinates().toCompanion(screen.frame());
     return outputs.at(QRectF(frame.x, frame.y, frame.width, frame.height).toRect());
-}
-
-PlatformServices PlasmaPlatform::Parts::services() {
-    return {.screens = screens,
-            .pointer = pointer,
-            .eventMonitors = eventMonitors,
-            .accessibility = accessibility,
-            .workspace = workspace,
-            .appearance = appearance,
-            .powerAssertions = powerAssertions,
-            .userDefaults = userDefaults,
-            .mainLoop = mainLoop,
-            .applicationSupport = applicationSupport,
-            .instanceActivation = instanceActivation,
-            .keyNames = keyNames};
 }
 
 PlasmaPlatform::PlasmaPlatform()
     : PlasmaPlatform(std::make_unique<Parts>()) {}
 PlasmaPlatform::PlasmaPlatform(std::unique_ptr<Parts> parts)
-    : Platform(parts->services())
+    : Platform(parts->desktop.services())
     , parts_(std::move(parts)) {}
 PlasmaPlatform::~PlasmaPlatform() = default;
 
 StatusItem& PlasmaPlatform::statusItem() {
+    CompanionDesktop& desktop = parts_->desktop;
     if (!parts_->statusItem) {
-        const auto place = [&screens = parts_->screens](NativePixel pixel) {
+        const auto place = [&screens = desktop.screens](NativePixel pixel) {
             return screens.coordinates().toAppKit(
                 CompanionPoint{static_cast<double>(pixel.x), static_cast<double>(pixel.y)});
         };
-        parts_->statusItem.emplace(parts_->screens, place, parts_->mainLoop, parts_->sessionBus);
+        parts_->statusItem.emplace(desktop.screens, place, desktop.mainLoop, desktop.sessionBus);
     }
     return *parts_->statusItem;
 }
 
 std::unique_ptr<OverlaySurface>
 PlasmaPlatform::makeOverlaySurface(std::shared_ptr<OverlayView> view) {
+    CompanionDesktop& desktop = parts_->desktop;
     auto surface = std::make_unique<LayerShellOverlaySurface>(
         parts_->wayland, parts_->outputs,
         [parts = parts_.get()](const Screen& screen) { return parts->outputOf(screen); },
-        parts_->mainLoop, std::move(view));
-    surface->prepareAtDrags(parts_->eventMonitors, parts_->screens, parts_->pointer);
+        desktop.mainLoop, std::move(view));
+    surface->prepareAtDrags(desktop.eventMonitors, desktop.screens, desktop.pointer);
     return surface;
 }
 
 std::unique_ptr<PanelSurface>
 PlasmaPlatform::makePanelSurface(PanelSurface::ViewFactory makeView,
                                  std::unique_ptr<PanelChrome> chrome) {
-    return std::make_unique<CompanionPanelSurface>(parts_->state, parts_->screens, parts_->pointer,
-                                                   parts_->outbox, parts_->mainLoop,
-                                                   std::move(makeView), std::move(chrome));
+    return parts_->desktop.makePanelSurface(std::move(makeView), std::move(chrome));
 }
 
 } // namespace tilewright

@@ -1,0 +1,68 @@
+#pragma once
+
+#include "CompanionAccessibility.h"
+#include "CompanionBus.h"
+#include "CompanionEventMonitors.h"
+#include "CompanionInstanceActivation.h"
+#include "CompanionOutbox.h"
+#include "CompanionPointer.h"
+#include "CompanionScreens.h"
+#include "CompanionState.h"
+#include "CompanionWorkspace.h"
+
+#include <FreeDesktop/FreeDesktopApplicationSupport.h>
+#include <FreeDesktop/FreeDesktopKeyNames.h>
+#include <FreeDesktop/FreeDesktopUserDefaults.h>
+#include <FreeDesktop/FreeDesktopUserNotifications.h>
+#include <FreeDesktop/InhibitingPowerAssertions.h>
+#include <FreeDesktop/MessageBus.h>
+#include <FreeDesktop/PortalAppearance.h>
+#include <Platform/PanelSurface.h>
+#include <Platform/Platform.h>
+#include <Platform/QtMainLoop.h>
+
+#include <functional>
+#include <memory>
+
+namespace tilewright {
+
+/// What all desktops share whose compositor has a companion of ours inside, in the order in which
+/// the parts need each other. A desktop adds its companion, the way to it and what it shows in its
+/// own manner. Needs Qt's application object, and has to end before it. Main thread only.
+struct CompanionDesktop {
+    /// `notify` tells the user that the companion is missing, `showGuidance` shows what to do about
+    /// it. Neither is called before the start has ended.
+    CompanionDesktop(std::function<void()> notify, std::function<void()> showGuidance);
+    ~CompanionDesktop();
+
+    /// The services that are parts of this.
+    [[nodiscard]] PlatformServices services();
+    /// A panel that the companion places.
+    [[nodiscard]] std::unique_ptr<PanelSurface>
+    makePanelSurface(PanelSurface::ViewFactory makeView, std::unique_ptr<PanelChrome> chrome);
+    /// Takes what comes there for the companion's word.
+    void listenTo(CompanionBus& bus);
+    /// Forgets what the companion has told, and what it was to do: it is gone, or another one.
+    void lose();
+
+    QtMainLoop mainLoop;
+    FreeDesktopUserDefaults userDefaults;
+    FreeDesktopApplicationSupport applicationSupport;
+    FreeDesktopKeyNames keyNames;
+    MessageBus sessionBus{mainLoop, MessageBus::Kind::session};
+    MessageBus systemBus{mainLoop, MessageBus::Kind::system};
+    FreeDesktopUserNotifications userNotifications{sessionBus};
+    InhibitingPowerAssertions powerAssertions{mainLoop, nullptr, sessionBus, systemBus};
+    PortalAppearance appearance{sessionBus};
+
+    CompanionState state;
+    CompanionOutbox outbox;
+    CompanionScreens screens{state};
+    CompanionPointer pointer{state, screens};
+    CompanionEventMonitors eventMonitors{state};
+    CompanionAccessibility accessibility;
+    CompanionWorkspace workspace;
+    CompanionInstanceActivation instanceActivation;
+};
+
+} // namespace tilewright
