@@ -1,10 +1,6 @@
 #include "BareOverlay.h"
 
 #include <array>
-#include <cstdlib>
-#include <poll.h>
-#include <sys/eventfd.h>
-#include <unistd.h>
 #include <xcb/xinput.h>
 
 namespace {
@@ -25,25 +21,19 @@ std::uint32_t blendedVisual(const xcb_screen_t* screen) {
 BareOverlay::BareOverlay(const char* display, bool isBlended)
     : connection_(xcb_connect(display, nullptr))
     , screen_(xcb_setup_roots_iterator(xcb_get_setup(connection_)).data)
-    , window_(xcb_generate_id(connection_))
-    , stop_(eventfd(0, EFD_CLOEXEC)) {
+    , window_(xcb_generate_id(connection_)) {
     createWindow(isBlended);
-    // Clients of XInput 2.0 hear nothing during a window manager's grab.
-    std::free(xcb_input_xi_query_version_reply(
-        connection_, xcb_input_xi_query_version(connection_, 2, 2), nullptr));
-    struct {
-        xcb_input_event_mask_t head;
-        std::uint32_t mask;
-    } const selection{{XCB_INPUT_DEVICE_ALL_MASTER, 1}, XCB_INPUT_XI_EVENT_MASK_RAW_MOTION};
-    xcb_input_xi_select_events(connection_, screen_->root, 1, &selection.head);
     xcb_flush(connection_);
-    thread_ = std::thread([this] { listen(); });
+    listener_.emplace(display, XCB_INPUT_XI_EVENT_MASK_RAW_MOTION, [this] {
+        if (!isArmed_.exchange(false))
+            return;
+        xcb_map_window(connection_, window_);
+        xcb_flush(connection_);
+    });
 }
 
 BareOverlay::~BareOverlay() {
-    static_cast<void>(eventfd_write(stop_, 1));
-    thread_.join();
-    close(stop_);
+    listener_.reset();
     xcb_disconnect(connection_);
 }
 
@@ -65,22 +55,4 @@ void BareOverlay::hide() {
     isArmed_ = false;
     xcb_unmap_window(connection_, window_);
     xcb_flush(connection_);
-}
-
-void BareOverlay::listen() {
-    std::array<pollfd, 2> sources{pollfd{xcb_get_file_descriptor(connection_), POLLIN, 0},
-                                  pollfd{stop_, POLLIN, 0}};
-    while (true) {
-        while (xcb_generic_event_t* event = xcb_poll_for_event(connection_)) {
-            const bool isGeneric = (event->response_type & 0x7f) == XCB_GE_GENERIC;
-            std::free(event);
-            if (!isGeneric || !isArmed_.exchange(false))
-                continue;
-            xcb_map_window(connection_, window_);
-            xcb_flush(connection_);
-        }
-        if (poll(sources.data(), sources.size(), -1) < 0 || sources[1].revents != 0 ||
-            xcb_connection_has_error(connection_) != 0)
-            return;
-    }
 }

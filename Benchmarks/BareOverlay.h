@@ -1,9 +1,9 @@
 #pragma once
 
+#include "BareListener.h"
+
 #include <atomic>
-#include <cstdint>
-#include <thread>
-#include <xcb/xcb.h>
+#include <optional>
 
 /// The least that a program can do to show something during a drag: hears the first move of the
 /// pointer and maps a window that is there already and that the server fills, in a thread of its
@@ -24,12 +24,10 @@ public:
 
 private:
     void createWindow(bool isBlended);
-    void listen();
 
     xcb_connection_t* connection_;
     const xcb_screen_t* screen_;
     std::uint32_t window_;
-    int stop_;
     std::atomic<bool> isArmed_ = false;
-    std::thread thread_;
+    std::optional<BareListener> listener_;
 };
