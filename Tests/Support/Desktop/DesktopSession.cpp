@@ -68,9 +68,11 @@ Command commandFor(WindowManagerKind kind, bool composited, const QString& home)
     case WindowManagerKind::pekwm:
         return {QStringLiteral("pekwm"), {}, {}};
     case WindowManagerKind::wmaker:
+        // By itself it is watched by another process, which holds the whole server when it dies.
         return {QStringLiteral("wmaker"),
                 {QStringLiteral("--no-dock"), QStringLiteral("--no-clip"),
-                 QStringLiteral("--no-drawer"), QStringLiteral("--no-autolaunch")},
+                 QStringLiteral("--no-drawer"), QStringLiteral("--no-autolaunch"),
+                 QStringLiteral("--for-real")},
                 {}};
     }
     return {};
@@ -216,6 +218,12 @@ bool DesktopSession::startWindowManager(WindowManagerKind kind, Compositing comp
         windowManager_.start(command.program, command.arguments, environment, logFile()) &&
         waitUntil([&] { return inspector_->hasWindowManager(); });
     EXPECT_TRUE(isUp) << name(kind) << " did not come up";
+    if (isUp && kind == WindowManagerKind::wmaker) {
+        // A window that comes and goes while it looks around at its start is its end.
+        EXPECT_TRUE(waitUntil([&] {
+            return !inspector_->property(inspector_->root(), "_NET_CURRENT_DESKTOP").empty();
+        }));
+    }
     // Some lose a window that shows between their first word and their first look around.
     if (isUp) {
         // Its connection stays: the next one would get its numbers, and a window of the same number
