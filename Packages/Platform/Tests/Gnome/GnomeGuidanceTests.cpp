@@ -1,3 +1,4 @@
+#include "GuidanceWords.h"
 #include "MockCompanion.h"
 #include "PrivateBus.h"
 
@@ -6,7 +7,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QLabel>
 #include <QPointer>
 #include <QPushButton>
 #include <QTemporaryDir>
@@ -23,12 +23,6 @@ class GnomeGuidanceTest : public ::testing::Test {
 protected:
     [[nodiscard]] bool stands(State wanted) {
         return waitUntil([&] { return extension.state() == wanted; });
-    }
-    [[nodiscard]] QString title() const {
-        return guidance.window()->findChild<QLabel*>(QStringLiteral("title"))->text();
-    }
-    [[nodiscard]] QPushButton* action() const {
-        return guidance.window()->findChild<QPushButton*>(QStringLiteral("action"));
     }
 
     PrivateBus bus;
@@ -64,19 +58,19 @@ TEST_F(GnomeGuidanceTest, FollowsTheStateWhileItsWindowIsOpenAndTurnsTheExtensio
     guidance.show();
     ASSERT_NE(guidance.window(), nullptr);
     EXPECT_EQ(forward, 1);
-    EXPECT_EQ(title(), GnomeGuidance::stepFor(State::notInstalled, false).title);
-    EXPECT_FALSE(action()->isVisible());
+    EXPECT_EQ(titleIn(guidance), GnomeGuidance::stepFor(State::notInstalled, false).title);
+    EXPECT_FALSE(actionIn(guidance)->isVisible());
     shell.extensionState = 2;
     shell.announceExtension();
     ASSERT_TRUE(stands(State::off));
-    EXPECT_EQ(title(), GnomeGuidance::stepFor(State::off, false).title);
-    ASSERT_TRUE(action()->isVisible());
-    action()->click();
+    EXPECT_EQ(titleIn(guidance), GnomeGuidance::stepFor(State::off, false).title);
+    ASSERT_TRUE(actionIn(guidance)->isVisible());
+    actionIn(guidance)->click();
     ASSERT_TRUE(stands(State::active));
     EXPECT_EQ(shell.enablings, 1);
-    EXPECT_FALSE(action()->isVisible());
+    EXPECT_FALSE(actionIn(guidance)->isVisible());
     state.take(*CompanionDecoder::decode(u"Hello", helloText()));
-    EXPECT_EQ(title(), GnomeGuidance::stepFor(State::active, true).title);
+    EXPECT_EQ(titleIn(guidance), GnomeGuidance::stepFor(State::active, true).title);
 }
 
 TEST_F(GnomeGuidanceTest, InstallsWhatTheBuildBringsAlongOnceTheUserWantsIt) {
@@ -88,13 +82,13 @@ TEST_F(GnomeGuidanceTest, InstallsWhatTheBuildBringsAlongOnceTheUserWantsIt) {
     MockCompanion shell(bus.connect());
     ASSERT_TRUE(stands(State::notInstalled));
     guidance.show();
-    ASSERT_TRUE(waitUntil([&] { return action()->isVisible(); }));
+    ASSERT_TRUE(waitUntil([&] { return actionIn(guidance)->isVisible(); }));
     EXPECT_FALSE(extension.files().areInstalled()) << "not before that";
-    action()->click();
+    actionIn(guidance)->click();
     EXPECT_TRUE(stands(State::notSeen));
     EXPECT_TRUE(extension.files().areInstalled());
-    EXPECT_EQ(title(), GnomeGuidance::stepFor(State::notSeen, false).title);
-    EXPECT_FALSE(action()->isVisible());
+    EXPECT_EQ(titleIn(guidance), GnomeGuidance::stepFor(State::notSeen, false).title);
+    EXPECT_FALSE(actionIn(guidance)->isVisible());
 }
 
 TEST_F(GnomeGuidanceTest, HasOneWindowAtATime) {

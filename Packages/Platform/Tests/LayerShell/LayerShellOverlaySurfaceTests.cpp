@@ -19,6 +19,10 @@ protected:
     /// Starts a compositor with a display of this kind, and shows the overlay on it.
     void show(const FakeOutput& output = {}, FakeCompositor::Offers offers = {}) {
         start(offers);
+        showOn(output);
+    }
+    /// Shows it on a new display of the compositor that was started.
+    void showOn(const FakeOutput& output) {
         compositor->addOutput(output);
         surface.setScreen(screen);
         surface.orderFront();
@@ -174,10 +178,7 @@ TEST_F(LayerShellOverlaySurfaceTest, NeedsOnePictureWhereTheCompositorCopiesIt) 
 TEST_F(LayerShellOverlaySurfaceTest, KeepsEveryPictureRightWhileTheCompositorHoldsOthers) {
     start();
     compositor->releases = false;
-    compositor->addOutput({});
-    surface.setScreen(screen);
-    surface.orderFront();
-    ASSERT_TRUE(comesTo(1));
+    showOn({});
     int pictures = 1;
     for (const int stripe : {0, 1, 2, 3, 1, 0, 2}) {
         view->highlight(stripe);
@@ -191,10 +192,7 @@ TEST_F(LayerShellOverlaySurfaceTest, KeepsEveryPictureRightWhileTheCompositorHol
 TEST_F(LayerShellOverlaySurfaceTest, ShowsTheNewestStateOnceAPictureIsFreeWhenAllWereHeld) {
     start();
     compositor->releases = false;
-    compositor->addOutput({});
-    surface.setScreen(screen);
-    surface.orderFront();
-    ASSERT_TRUE(comesTo(1));
+    showOn({});
     view->highlight(0);
     ASSERT_TRUE(comesTo(2));
     view->highlight(1);

@@ -1,3 +1,4 @@
+#include "GuidanceWords.h"
 #include "MockKWin.h"
 #include "PrivateBus.h"
 
@@ -5,7 +6,6 @@
 #include <Plasma/PlasmaGuidance.h>
 
 #include <QDir>
-#include <QLabel>
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -24,12 +24,6 @@ protected:
         text.chop(1);
         state.take(*CompanionDecoder::decode(u"Hello", text + R"(,"tellsKeys":)" +
                                                            (tellsKeys ? "true}" : "false}")));
-    }
-    [[nodiscard]] QString title() const {
-        return guidance.window()->findChild<QLabel*>(QStringLiteral("title"))->text();
-    }
-    [[nodiscard]] QPushButton* action() const {
-        return guidance.window()->findChild<QPushButton*>(QStringLiteral("action"));
     }
 
     PrivateBus bus;
@@ -77,16 +71,16 @@ TEST_F(PlasmaGuidanceTest, FollowsWhatKWinSaysAndInstallsTheEntryOnceTheUserWant
     EXPECT_EQ(guidance.obstacle(), Obstacle::silence);
     greet("6", false);
     EXPECT_EQ(guidance.obstacle(), Obstacle::entryMissing);
-    EXPECT_EQ(title(), PlasmaGuidance::stepFor(Obstacle::entryMissing).title);
+    EXPECT_EQ(titleIn(guidance), PlasmaGuidance::stepFor(Obstacle::entryMissing).title);
     EXPECT_FALSE(QDir(folder.filePath(QStringLiteral("data"))).exists()) << "not before a yes";
     questions = 0;
-    action()->click();
+    actionIn(guidance)->click();
     EXPECT_EQ(guidance.obstacle(), Obstacle::entryNotSeen);
     EXPECT_EQ(questions, 1);
-    EXPECT_FALSE(action()->isVisible());
+    EXPECT_FALSE(actionIn(guidance)->isVisible());
     state.setKeys(ModifierFlags());
     EXPECT_EQ(guidance.obstacle(), Obstacle::none);
-    EXPECT_EQ(title(), PlasmaGuidance::stepFor(Obstacle::none).title);
+    EXPECT_EQ(titleIn(guidance), PlasmaGuidance::stepFor(Obstacle::none).title);
 }
 
 TEST_F(PlasmaGuidanceTest, InstallsTheEffectsOfKWin5WhichItTellsKeysByFromItsNextStartOn) {
@@ -99,7 +93,7 @@ TEST_F(PlasmaGuidanceTest, InstallsTheEffectsOfKWin5WhichItTellsKeysByFromItsNex
     greet("5", false);
     guidance.show();
     EXPECT_EQ(guidance.obstacle(), Obstacle::effectsMissing);
-    action()->click();
+    actionIn(guidance)->click();
     EXPECT_EQ(guidance.obstacle(), Obstacle::effectsNotSeen);
     greet("5", true);
     EXPECT_EQ(guidance.obstacle(), Obstacle::none);
