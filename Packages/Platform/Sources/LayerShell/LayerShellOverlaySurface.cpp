@@ -63,12 +63,9 @@ void LayerShellOverlaySurface::setScreen(const ScreenPtr& screen) {
     if (!screen)
         return;
     screen_ = screen;
-    if (!isShown_)
-        return;
+    // Paints at once: what the layout has become counts now, not only once its change has come
+    // round the loop.
     followOutputs();
-    // What the layout has become counts now, not only once its change has come round the loop.
-    repaint(view_->widget().rect());
-    paint();
 }
 
 void LayerShellOverlaySurface::orderFront() {
