@@ -3,7 +3,6 @@
 #include "GnomeInput.h"
 
 #include <QDBusConnectionInterface>
-#include <QDBusMessage>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <Waiting.h>
@@ -66,7 +65,9 @@ bool GnomeSession::startShell() {
     return waitUntil([&] {
         const auto* names = bus().interface();
         return names->isServiceRegistered(QStringLiteral("org.gnome.Shell")) &&
-               names->isServiceRegistered(QStringLiteral("org.gnome.Mutter.RemoteDesktop"));
+               names->isServiceRegistered(QStringLiteral("org.gnome.Mutter.RemoteDesktop")) &&
+               // Newer shells own their name before anything is there to be called.
+               evaluate(QStringLiteral("0")).type() == QDBusMessage::ReplyMessage;
     });
 }
 
@@ -85,12 +86,16 @@ void GnomeSession::waitUntilItRests() {
     EXPECT_TRUE(waitUntil([&] { return isCompanionActive(); })) << describe();
 }
 
-QJsonValue GnomeSession::ask(const QString& script) {
+QDBusMessage GnomeSession::evaluate(const QString& script) const {
     QDBusMessage message = QDBusMessage::createMethodCall(
         QStringLiteral("org.gnome.Shell"), QStringLiteral("/org/gnome/Shell"),
         QStringLiteral("org.gnome.Shell"), QStringLiteral("Eval"));
     message.setArguments({script});
-    const QDBusMessage answer = bus().call(message);
+    return bus().call(message);
+}
+
+QJsonValue GnomeSession::ask(const QString& script) {
+    const QDBusMessage answer = evaluate(script);
     const QVariantList values = answer.arguments();
     if (answer.type() != QDBusMessage::ReplyMessage || !values.value(0).toBool()) {
         ADD_FAILURE() << script.toStdString() << ": " << answer.errorMessage().toStdString()

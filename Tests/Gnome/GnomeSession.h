@@ -1,6 +1,7 @@
 #pragma once
 
 #include <CompositorSession.h>
+#include <QDBusMessage>
 
 namespace tilewright::testing {
 
@@ -35,6 +36,7 @@ private:
     void installCompanion(const QString& believedProgram);
     [[nodiscard]] bool startShell();
     void waitUntilItRests();
+    [[nodiscard]] QDBusMessage evaluate(const QString& script) const;
     [[nodiscard]] std::map<QString, QString> xServer() override;
 
     int pictures_ = 0;
