@@ -37,7 +37,7 @@ void GnomeInput::move(QPoint to) {
         if (from == to)
             return true;
         call(QStringLiteral("NotifyPointerMotionRelative"),
-             {double(to.x() - from.x()), double(to.y() - from.y())});
+             {double(to.x() - from.x()) / reach_, double(to.y() - from.y()) / reach_});
         // The shell takes the step a little later; a second one before it would lead beyond.
         static_cast<void>(waitUntil([&] { return pointer_() != from; }, oneStep));
         return false;

@@ -14,6 +14,9 @@ public:
     GnomeInput(const QDBusConnection& bus, std::function<QPoint()> pointer);
     ~GnomeInput() override;
 
+    /// How many units of the stage the shell goes for each that the mouse is moved by.
+    void setReach(int units) { reach_ = units; }
+
     void move(QPoint to) override;
     void press() override;
     void release() override;
@@ -27,6 +30,7 @@ private:
     QDBusConnection bus_;
     QString session_;
     std::function<QPoint()> pointer_;
+    int reach_ = 1;
 };
 
 } // namespace tilewright::testing

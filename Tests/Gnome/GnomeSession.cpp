@@ -1,7 +1,5 @@
 #include "GnomeSession.h"
 
-#include "GnomeInput.h"
-
 #include <QDBusConnectionInterface>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -20,11 +18,11 @@ QString windowScript(const QString& quotedTitle, const QString& rest) {
 
 } // namespace
 
-GnomeSession::GnomeSession(const QString& believedProgram)
+GnomeSession::GnomeSession(const QString& believedProgram, int displays)
     : CompositorSession(QStringLiteral("GNOME")) {
     writeSettings();
     installCompanion(believedProgram);
-    const bool isUp = startBuses() && startShell();
+    const bool isUp = startBuses() && startShell(displays);
     EXPECT_TRUE(isUp) << describe();
     if (isUp)
         waitUntilItRests();
@@ -55,12 +53,13 @@ void GnomeSession::installCompanion(const QString& believedProgram) {
     EXPECT_EQ(assembly.exitCode(), 0) << describe();
 }
 
-bool GnomeSession::startShell() {
-    if (!startCompositor(QStringLiteral("gnome-shell"),
-                         {QStringLiteral("--headless"), QStringLiteral("--wayland"),
-                          QStringLiteral("--unsafe-mode"), QStringLiteral("--virtual-monitor"),
-                          QStringLiteral("1920x1080"), QStringLiteral("--wayland-display"),
-                          socketName()}))
+bool GnomeSession::startShell(int displays) {
+    QStringList arguments{QStringLiteral("--headless"), QStringLiteral("--wayland"),
+                          QStringLiteral("--unsafe-mode"), QStringLiteral("--wayland-display"),
+                          socketName()};
+    for (int number = 0; number < displays; ++number)
+        arguments += {QStringLiteral("--virtual-monitor"), QStringLiteral("1920x1080")};
+    if (!startCompositor(QStringLiteral("gnome-shell"), arguments))
         return false;
     return waitUntil([&] {
         const auto* names = bus().interface();
@@ -73,10 +72,12 @@ bool GnomeSession::startShell() {
 
 void GnomeSession::waitUntilItRests() {
     // A pointer that begins in the corner opens the overview.
-    setInput(std::make_unique<GnomeInput>(bus(), [this] {
+    auto input = std::make_unique<GnomeInput>(bus(), [this] {
         const QJsonArray at = ask(QStringLiteral("global.get_pointer()")).toArray();
         return QPoint(at[0].toInt(), at[1].toInt());
-    }));
+    });
+    input_ = input.get();
+    setInput(std::move(input));
     EXPECT_TRUE(waitUntil([&] {
         return !ask(QStringLiteral("Main.layoutManager._startingUp")).toBool();
     })) << describe();
@@ -151,7 +152,45 @@ QImage GnomeSession::picture() {
     message.setArguments({false, false, path});
     const QDBusMessage answer = bus().call(message);
     EXPECT_TRUE(answer.arguments().value(0).toBool()) << answer.errorMessage().toStdString();
-    return QImage(path);
+    QImage picture(path);
+    picture.setDevicePixelRatio(picture.width() /
+                                ask(QStringLiteral("global.stage.width")).toDouble());
+    return picture;
+}
+
+QRect GnomeSession::workArea(int display) {
+    return toRect(ask(QStringLiteral("(r => [r.x, r.y, r.width, r.height])"
+                                     "(Main.layoutManager.getWorkAreaForMonitor(%1))")
+                          .arg(display)));
+}
+
+int GnomeSession::unitsPerPoint() {
+    return ask(QStringLiteral("Main.layoutManager.primaryMonitor.geometry_scale")).toInt();
+}
+
+void GnomeSession::setScale(int scale) {
+    const int bar = workArea(0).top();
+    // The shell serves the call itself, so nothing in it can wait for the answer.
+    tell(QStringLiteral(R"((() => {
+        const {Gio, GLib} = imports.gi;
+        const call = (method, body, then) => Gio.DBus.session.call(
+            'org.gnome.Mutter.DisplayConfig', '/org/gnome/Mutter/DisplayConfig',
+            'org.gnome.Mutter.DisplayConfig', method, body, null, 0, -1, null,
+            (connection, result) => then(connection.call_finish(result)));
+        call('GetCurrentState', null, state => {
+            const [serial, [[[connector], [[mode]]]]] = state.recursiveUnpack();
+            const display = [0, 0, %1, 0, true, [[connector, mode, {}]]];
+            call('ApplyMonitorsConfig', new GLib.Variant('(uua(iiduba(ssa{sv}))a{sv})',
+                [serial, 1, [display], {}]), () => {});
+        });
+    })())")
+             .arg(scale));
+    EXPECT_TRUE(waitUntil([&] {
+        return ask(QStringLiteral("global.display.get_monitor_scale(0)")).toInt() == scale &&
+               workArea(0).top() == bar * unitsPerPoint();
+    })) << describe();
+    // The mouse is moved by points.
+    input_->setReach(unitsPerPoint());
 }
 
 void GnomeSession::setCompanionEnabled(bool enabled) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "GnomeInput.h"
+
 #include <CompositorSession.h>
 #include <QDBusMessage>
 
@@ -10,8 +12,9 @@ namespace tilewright::testing {
 class GnomeSession final : public CompositorSession {
 public:
     /// Starts it, with a companion that believes the program at this path, and waits until the
-    /// shell rests. Fails the running test where it does not come up.
-    explicit GnomeSession(const QString& believedProgram);
+    /// shell rests. Fails the running test where it does not come up. The displays are side by
+    /// side, each of 1920 by 1080 pixels.
+    explicit GnomeSession(const QString& believedProgram, int displays = 1);
 
     /// What the script's last expression comes to.
     [[nodiscard]] QJsonValue ask(const QString& script) override;
@@ -20,6 +23,12 @@ public:
     void place(const QString& title, QRect area) override;
     [[nodiscard]] bool isDragging() override;
     [[nodiscard]] QImage picture() override;
+    /// What of a display is free of bars.
+    [[nodiscard]] QRect workArea(int display);
+    /// More than one where the stage has the display's pixels.
+    [[nodiscard]] int unitsPerPoint();
+    /// Gives the one display as many pixels along each point, as the user would, and waits for it.
+    void setScale(int scale);
 
     /// Switches the companion on or off, as the user would.
     void setCompanionEnabled(bool enabled);
@@ -34,11 +43,13 @@ public:
 private:
     void writeSettings() const;
     void installCompanion(const QString& believedProgram);
-    [[nodiscard]] bool startShell();
+    [[nodiscard]] bool startShell(int displays);
     void waitUntilItRests();
     [[nodiscard]] QDBusMessage evaluate(const QString& script) const;
     [[nodiscard]] std::map<QString, QString> xServer() override;
 
+    /// Which the base owns.
+    GnomeInput* input_ = nullptr;
     int pictures_ = 0;
 };
 

@@ -1,8 +1,6 @@
 // The real program with its companion in a session of GNOME Shell: seen and used as by a user.
 
-#include "GnomeSession.h"
-
-#include <ProgramInCompositor.h>
+#include "ProgramInGnome.h"
 
 #include <QDir>
 #include <QFile>
@@ -11,41 +9,6 @@
 
 namespace tilewright::testing {
 namespace {
-
-struct ProgramInGnome : ProgramInCompositor<GnomeSession> {
-    static constexpr QRect start{500, 300, 640, 420};
-
-    explicit ProgramInGnome(const QString& path = QStringLiteral(TILEWRIGHT_PROGRAM))
-        : ProgramInCompositor(path)
-        , program(session.start(path)) {
-        item = session.waitForItem();
-    }
-    [[nodiscard]] QRect workArea() override {
-        const int bar = session.ask(QStringLiteral("Main.panel.height")).toInt();
-        return {0, bar, 1920, 1080 - bar};
-    }
-    void clickItem() {
-        session.input().move(item.center());
-        session.input().click();
-    }
-    [[nodiscard]] bool isPanelOpen() { return !session.frame(panelTitle).isEmpty(); }
-    /// What the shell says of the panel's window.
-    [[nodiscard]] bool panelIs(const QString& property) {
-        return session
-            .ask(QStringLiteral("global.get_window_actors().map(a => a.meta_window)"
-                                ".some(w => w.get_title() === 'Tilewright' && w.%1)")
-                     .arg(property))
-            .toBool();
-    }
-
-    /// Whether it is where it belongs: the shell gives a new window the focus before that.
-    [[nodiscard]] bool isPanelReady() {
-        return panelIs(QStringLiteral("is_above() && w.has_focus()"));
-    }
-
-    Subprocess& program;
-    QRect item;
-};
 
 struct ProgramDrag : ProgramInGnome, ::testing::WithParamInterface<CompositorClient> {};
 

@@ -11,17 +11,12 @@ struct ProgramInPlasma : ProgramInCompositor<PlasmaSession> {
     /// Where clients begin.
     static constexpr QRect start{600, 300, 640, 420};
 
-    /// Starts both, the program with that modifier and, where there are some, with these contents
-    /// of the file of its layouts.
-    explicit ProgramInPlasma(const char* modifier = "control", const PlasmaDisplays& displays = {},
-                             const QByteArray& layouts = {})
+    /// Starts both, the program with that modifier.
+    explicit ProgramInPlasma(const char* modifier = "control", const PlasmaDisplays& displays = {})
         : ProgramInCompositor(displays) {
         writeFile(session.home() + QStringLiteral("/.config/Tilewright/Tilewright.conf"),
                   QByteArray("[General]\nsnapActivationModifier=") + modifier + "\n");
-        if (!layouts.isEmpty())
-            writeFile(session.home() + QStringLiteral("/.local/share/Tilewright/layouts.json"),
-                      layouts);
-        program = &session.start(QStringLiteral(TILEWRIGHT_PROGRAM));
+        program = &startProgram(QStringLiteral(TILEWRIGHT_PROGRAM), QStringLiteral("Virtual-1"));
         EXPECT_TRUE(waitUntil([&] { return session.hasCompanion(); })) << session.describe();
         // It greets once it has heard of the effects, which KWin tells one after the other.
         session.tell(QStringLiteral("0"));

@@ -3,6 +3,7 @@
 #include "CompositorSession.h"
 #include "Waiting.h"
 
+#include <FreeDesktop/DisplayKeys.h>
 #include <WindowManager/ZoneLayout.h>
 #include <cmath>
 #include <csignal>
@@ -19,8 +20,20 @@ struct ProgramInCompositor : ::testing::Test {
     explicit ProgramInCompositor(const Arguments&... arguments)
         : session(arguments...) {}
 
+    /// Starts the program for a user who has chosen thirds for the display at the second
+    /// connector, and nothing for any other.
+    Subprocess& startProgram(const QString& path, const QString& secondConnector) {
+        writeFile(session.home() + QStringLiteral("/.local/share/Tilewright/layouts.json"),
+                  QStringLiteral(R"({"customLayouts":[],"assignments":{"display-%1":"%2"}})")
+                      .arg(displayNumber(secondConnector))
+                      .arg(ZoneLayout::thirds().id.toString(QUuid::WithoutBraces).toUpper())
+                      .toUtf8());
+        return session.start(path);
+    }
     /// The part of the first display that zones divide.
     [[nodiscard]] virtual QRect workArea() = 0;
+    /// How many of the compositor's units lie along a point.
+    [[nodiscard]] virtual int unitsPerPoint() { return 1; }
     /// The frame of a zone of the layout that every display begins with.
     [[nodiscard]] QRect zone(std::size_t index) {
         return frameOf(ZoneLayout::bentoBox().zones[index], workArea());
@@ -35,7 +48,8 @@ struct ProgramInCompositor : ::testing::Test {
     }
     /// Whether the overlay highlights that zone, by its border at the foot of the left edge.
     [[nodiscard]] bool isHighlighted(const QRect& zone) {
-        const QColor colour = session.pixel({zone.left() + 5, zone.bottom() - 60});
+        const QColor colour = session.pixel(
+            {zone.left() + 5 * unitsPerPoint(), zone.bottom() - 60 * unitsPerPoint()});
         return std::abs(colour.red() - 209) < 12 && std::abs(colour.green() - 140) < 12 &&
                std::abs(colour.blue() - 51) < 12;
     }
@@ -75,6 +89,35 @@ struct ProgramInCompositor : ::testing::Test {
         session.input().release();
         EXPECT_TRUE(waitUntil([&] { return !session.isDragging(); }));
         EXPECT_EQ(session.frame(title).size(), start.size());
+    }
+    /// Drags a window to a display with this work area and back, and expects each display to show
+    /// and to fill its own zones, and only while the pointer is over it.
+    void expectEachDisplaysOwnZones(const QString& title, const QRect& second) {
+        const auto third = [&](int index) {
+            return frameOf(ZoneLayout::thirds().zones[std::size_t(index)], second);
+        };
+        const QPoint onFirst = zone(3).center();
+        const QPoint onSecond = third(0).center();
+        const QColor groundOfFirst = session.pixel(onFirst);
+        const QColor groundOfSecond = session.pixel(onSecond);
+        const auto becomes = [&](QPoint at, const QColor& ground) {
+            return waitUntil([&] { return session.pixel(at) == ground; });
+        };
+        dragToFirstZone(title);
+        EXPECT_NE(session.pixel(onFirst), groundOfFirst);
+        EXPECT_TRUE(becomes(onSecond, groundOfSecond));
+        session.input().glide(third(1).center());
+        EXPECT_TRUE(waitUntil([&] { return isHighlighted(third(1)); })) << session.describe();
+        EXPECT_NE(session.pixel(onSecond), groundOfSecond);
+        EXPECT_TRUE(becomes(onFirst, groundOfFirst));
+        drop();
+        EXPECT_TRUE(endsIn(title, third(1))) << session.describe();
+        EXPECT_TRUE(becomes(onSecond, groundOfSecond));
+
+        dragToFirstZone(title);
+        EXPECT_TRUE(becomes(onSecond, groundOfSecond));
+        drop();
+        EXPECT_TRUE(endsIn(title, zone(0))) << session.describe();
     }
     /// Stops the program in mid-drag, and expects the window to follow the pointer as ever until it
     /// is dropped.
