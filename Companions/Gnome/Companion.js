@@ -70,8 +70,11 @@ class Companion {
             () => this._tell('ItemClicked', {item: numbersOf(this._item.place), pointer: readPointer().pointer}));
         this._drag = new DragWatch(this._pid, this._outbox, () => this._overlay.hide());
         this._frames = new FrameWriter(window => this._tellSettled(window));
-        this._windows = new OwnWindows(this._pid, () => this._item.place,
-            overview => this._tell('PressOutside', {overview}));
+        this._windows = new OwnWindows(this._pid, {
+            itemPlace: () => this._item.place,
+            panelAwaited: () => this._tell('PanelAwaited', {}),
+            pressedOutside: overview => this._tell('PressOutside', {overview}),
+        });
         this._told = new ToldWindows(this._outbox);
         this._parts = [this._drag, this._windows, this._frames, this._item, this._overlay, this._told, this._outbox];
         this._signals = new Signals();

@@ -4,14 +4,16 @@ const GAP = 4;
 
 /** The program's own windows: its panel, which it cannot place itself, and those that it wants in front. */
 class OwnWindows {
-    /** `itemPlace()`: where the item is; `pressedOutside(isOverview)`: while the panel is shown. */
-    constructor(programPid, itemPlace, pressedOutside) {
+    /**
+     * `itemPlace()`: where the item is; `panelAwaited()`: the panel's window may come;
+     * `pressedOutside(isOverview)`: while the panel is shown.
+     */
+    constructor(programPid, {itemPlace, panelAwaited, pressedOutside}) {
         this._programPid = programPid;
         this._itemPlace = itemPlace;
+        this._panelAwaited = panelAwaited;
         this._pressedOutside = pressedOutside;
         this._panel = null;
-        this._panelTitle = null;
-        this._veiled = new Set();
         this._frontTitle = null;
         this._windows = new Map();
         this._dressed = new Set();
@@ -32,12 +34,12 @@ class OwnWindows {
     /** Says how the panel's window is recognised and where it belongs, or that it goes. */
     setPanel(command) {
         this._panelSignals.disconnectAll();
-        this._panelTitle = textOf(command.title);
         this._panel = null;
         if (command.shown !== true)
             return;
         const anchor = rectOf(command.anchor);
         this._panel = {
+            title: textOf(command.title),
             margins: arrayOf(command.margins, 4).map(margin => numberWithin(margin, 0, LARGEST_LENGTH)),
             area: command.area ? rectOf(command.area) : null,
             anchor,
@@ -48,6 +50,7 @@ class OwnWindows {
             if (this._isPanel(window) && window.get_compositor_private()?.visible)
                 this._dress(window);
         }
+        this._panelAwaited();
     }
 
     /** Brings the window of that title to the front with the focus, now or as soon as it shows. */
@@ -67,7 +70,6 @@ class OwnWindows {
         signals.connect(window, 'size-changed', () => this._place(window));
         signals.connect(window, 'unmanaging', () => {
             this._dressed.delete(window);
-            this._veiled.delete(window);
             this._release(window);
         });
         this._windows.set(window, signals);
@@ -76,22 +78,17 @@ class OwnWindows {
     _release(window) {
         this._windows.get(window).disconnectAll();
         this._windows.delete(window);
-        this._unveil(window);
         if (this._dressed.delete(window))
             OwnWindows._undress(window);
     }
 
     _isPanel(window) {
-        return this._panel !== null && this._isNamedAsPanel(window);
-    }
-
-    _isNamedAsPanel(window) {
-        return window.get_title() === this._panelTitle;
+        return this._panel !== null && window.get_title() === this._panel.title;
     }
 
     _named(window) {
         const actor = window.get_compositor_private();
-        if (this._isNamedAsPanel(window) && actor && !actor.visible)
+        if (this._isPanel(window) && actor && !actor.visible)
             Main.wm.skipNextEffect(actor);
     }
 
@@ -100,11 +97,6 @@ class OwnWindows {
             return;
         if (this._isPanel(window)) {
             this._dress(window);
-        } else if (this._isNamedAsPanel(window)) {
-            // Where it belongs is told by another way than the one by which it comes, and a little
-            // later at times: it is not to be seen elsewhere before.
-            this._veiled.add(window);
-            window.get_compositor_private().opacity = 0;
         } else if (this._frontTitle !== null && window.get_title() === this._frontTitle) {
             this._frontTitle = null;
             Main.activateWindow(window);
@@ -125,13 +117,7 @@ class OwnWindows {
                 Object.defineProperty(window, 'skip_taskbar', {get: () => true, configurable: true});
         }
         this._place(window);
-        this._unveil(window);
         Main.activateWindow(window);
-    }
-
-    _unveil(window) {
-        if (this._veiled.delete(window))
-            window.get_compositor_private().opacity = 255;
     }
 
     static _undress(window) {

@@ -26,8 +26,10 @@ class Errand {
                 .forEach(window => this._frames.write(window, rectOf(command.frame)));
             break;
         case 'panel':
-            if (command.shown)
+            if (command.shown) {
                 this._whenThere(command.title, window => this._dress(window, command));
+                this._program.tell('PanelAwaited', {});
+            }
             break;
         case 'front':
             this._whenThere(command.title, window => kwin.activate(window));

@@ -217,6 +217,7 @@ private:
             teller().call("FrameSettled", R"({"window":)" + QByteArray::number(window_) +
                                               R"(,"frame":)" + numbers(frame_) + "}");
         } else if (name == QStringLiteral("panel") && isPanelOnDisplay()) {
+            teller().call("PanelAwaited", "{}");
             teller().call("Focus", R"({"focus":)" +
                                        testing::windowText(999, "[0,0,300,200]", true, getpid()) +
                                        "}");

@@ -58,6 +58,7 @@ public Q_SLOTS:
     QString DragEnd(const QString& body) { return take(QStringLiteral("DragEnd"), body); }
     QString FrameSettled(const QString& body) { return take(QStringLiteral("FrameSettled"), body); }
     QString ItemClicked(const QString& body) { return take(QStringLiteral("ItemClicked"), body); }
+    QString PanelAwaited(const QString& body) { return take(QStringLiteral("PanelAwaited"), body); }
     QString PressOutside(const QString& body) { return take(QStringLiteral("PressOutside"), body); }
     QString Pointer(const QString& body) { return take(QStringLiteral("Pointer"), body); }
     QString Gone(const QString& body) { return take(QStringLiteral("Gone"), body); }

@@ -144,22 +144,29 @@ QDBusMessage PlasmaSession::callScripting(const QString& method, const QVariantL
     return bus().call(message);
 }
 
-QJsonValue PlasmaSession::ask(const QString& expression) {
+QString PlasmaSession::begin(const QString& script) {
     const QString name = QStringLiteral("question-%1").arg(++questions_);
     const QString path = home() + u'/' + name + QStringLiteral(".js");
     writeFile(path, QString::fromLatin1(prelude).toUtf8() +
-                        QStringLiteral("callDBus('%1', '/ear', 'org.tilewright.Ear', 'hear', '%2', "
-                                       "JSON.stringify([%3]));\n")
-                            .arg(bus().baseService(), name, expression)
+                        QStringLiteral("const answer = value => callDBus('%1', '/ear', "
+                                       "'org.tilewright.Ear', 'hear', '%2', "
+                                       "JSON.stringify([value]));\n%3;\n")
+                            .arg(bus().baseService(), name, script)
                             .toUtf8());
     const QDBusMessage id = callScripting(QStringLiteral("loadScript"), {path, name});
     EXPECT_GE(id.arguments().value(0, -1).toInt(), 0) << id.errorMessage().toStdString();
     static_cast<void>(callScripting(QStringLiteral("start")));
-    EXPECT_TRUE(waitUntil([&] { return ear_->answers.count(name) > 0; }))
-        << expression.toStdString() << describe();
-    static_cast<void>(callScripting(QStringLiteral("unloadScript"), {name}));
-    QFile::remove(path);
-    return QJsonDocument::fromJson(ear_->answers[name].toUtf8()).array().first();
+    return name;
+}
+
+QJsonValue PlasmaSession::answerTo(const QString& script) {
+    EXPECT_TRUE(waitUntil([&] { return ear_->answers.count(script) > 0; })) << describe();
+    static_cast<void>(callScripting(QStringLiteral("unloadScript"), {script}));
+    return QJsonDocument::fromJson(ear_->answers[script].toUtf8()).array().first();
+}
+
+QJsonValue PlasmaSession::ask(const QString& expression) {
+    return answerTo(begin(QStringLiteral("answer(%1)").arg(expression)));
 }
 
 QStringList PlasmaSession::xServerArguments() {

@@ -22,6 +22,10 @@ public:
 
     /// What an expression comes to. There, `find(title)` is a window, and `all()` are all of them.
     [[nodiscard]] QJsonValue ask(const QString& expression) override;
+    /// Has KWin run a script, which says `answer(value)` some time.
+    [[nodiscard]] QString begin(const QString& script);
+    /// What that one answers. Ends it.
+    [[nodiscard]] QJsonValue answerTo(const QString& script);
 
     [[nodiscard]] QRect frame(const QString& title) override;
     void place(const QString& title, QRect area) override;

@@ -2,6 +2,7 @@
 
 #include "ProgramInPlasma.h"
 
+#include <QJsonArray>
 #include <csignal>
 #include <ostream>
 
@@ -148,13 +149,32 @@ TEST_F(ProgramInPlasma, DoesNotHoldUpADragWhileItIsStoppedAndMovesNothingAfterwa
     EXPECT_TRUE(endsIn(title, zone(0))) << session.describe();
 }
 
+TEST_F(ProgramInPlasma, ShowsItsPanelNowhereElseBeforeItIsBelowThePointer) {
+    constexpr QPoint pointer(600, 300);
+    session.input().move(pointer);
+    // Where it is a way to the bus and back after it has come.
+    const QString watch = session.begin(
+        QStringLiteral("(workspace.windowAdded || workspace.clientAdded).connect(window => {"
+                       " if (String(window.caption) === '%1')"
+                       "  callDBus('org.freedesktop.DBus', '/', 'org.freedesktop.DBus', 'GetId',"
+                       "   () => answer([window.frameGeometry.x, window.frameGeometry.y]));"
+                       "})")
+            .arg(panelTitle));
+    startAgain();
+    const QJsonArray first = session.answerTo(watch).toArray();
+    expectPanelBelow(pointer);
+    const QPoint place = session.frame(panelTitle).topLeft();
+    EXPECT_EQ(first, (QJsonArray{place.x(), place.y()}));
+}
+
 TEST_F(ProgramInPlasma, OpensItsPanelBelowThePointerAtASecondStartAndClosesItInEveryWay) {
     constexpr QPoint pointer(600, 300);
     const auto open = [&] {
         session.input().move(pointer);
         startAgain();
         EXPECT_TRUE(waitUntil([&] {
-            return session.isWindow(panelTitle, QStringLiteral("active"));
+            // A new window is active before it is dressed as the panel.
+            return session.isWindow(panelTitle, QStringLiteral("active && w.keepAbove"));
         })) << session.describe();
     };
     const auto isOpen = [&] { return !session.frame(panelTitle).isEmpty(); };

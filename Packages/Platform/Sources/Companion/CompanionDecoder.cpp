@@ -214,6 +214,8 @@ std::optional<CompanionMessage> read(QStringView method, Fields& fields) {
         return CompanionFrameSettled{fields.windowID(Key("window")), fields.rect(Key("frame"))};
     if (method == u"ItemClicked")
         return CompanionItemClick{fields.rect(Key("item")), fields.point(Key("pointer"))};
+    if (method == u"PanelAwaited")
+        return CompanionPanelAwaited{};
     if (method == u"PressOutside")
         return CompanionPressOutside{fields.truth(Key("overview"))};
     if (method == u"Pointer")

@@ -126,6 +126,11 @@ struct CompanionItemClick {
     friend bool operator==(const CompanionItemClick&, const CompanionItemClick&) = default;
 };
 
+/// The companion awaits the panel's window: where it belongs from its first frame on.
+struct CompanionPanelAwaited {
+    friend bool operator==(const CompanionPanelAwaited&, const CompanionPanelAwaited&) = default;
+};
+
 /// While the panel was shown, the user pressed outside it, or opened the overview.
 struct CompanionPressOutside {
     bool isOverview = false;
@@ -155,7 +160,7 @@ struct CompanionPoll {
 
 using CompanionMessage =
     std::variant<CompanionHello, CompanionDisplays, CompanionFocus, CompanionDrag,
-                 CompanionFrameSettled, CompanionItemClick, CompanionPressOutside,
-                 CompanionPointerPlace, CompanionGone, CompanionPoll>;
+                 CompanionFrameSettled, CompanionItemClick, CompanionPanelAwaited,
+                 CompanionPressOutside, CompanionPointerPlace, CompanionGone, CompanionPoll>;
 
 } // namespace tilewright

@@ -7,7 +7,7 @@ namespace tilewright {
 
 CompanionPanelSurface::CompanionPanelSurface(CompanionState& state, const CompanionScreens& screens,
                                              const Pointer& pointer, CompanionOutbox& outbox,
-                                             const MainLoop& loop, ViewFactory makeView,
+                                             MainLoop& loop, ViewFactory makeView,
                                              std::unique_ptr<PanelChrome> chrome)
     : state_(state)
     , screens_(screens)
@@ -21,6 +21,7 @@ CompanionPanelSurface::CompanionPanelSurface(CompanionState& state, const Compan
         if (!state_.isConnected())
             dismiss(PanelDismissal::desktop);
     });
+    connect(&state_, &CompanionState::panelAwaited, this, &CompanionPanelSurface::present);
     connect(&state_, &CompanionState::pressedOutside, this, [this](bool isOverview) {
         dismiss(isOverview ? PanelDismissal::anotherWindow : PanelDismissal::pressOutside);
     });
@@ -72,12 +73,23 @@ void CompanionPanelSurface::open(const Anchor& anchor) {
     window_ = std::make_unique<ToplevelPanelWindow>(makeView_(), *chrome_,
                                                     [this](PanelDismissal why) { dismiss(why); });
     hasHadFocus_ = false;
-    fit();
-    if (state_.isConnected())
+    if (state_.isConnected()) {
+        fit();
         outbox_.setPanel(description());
+        presenting_ = ScopedTimer(loop_.scheduleOnce(companionPatience, [this] { present(); }));
+    } else {
+        present();
+    }
+    Q_EMIT opened();
+}
+
+void CompanionPanelSurface::present() {
+    presenting_.reset();
+    if (!window_ || window_->isVisible())
+        return;
+    fit();
     window_->show();
     window_->activateWindow();
-    Q_EMIT opened();
 }
 
 void CompanionPanelSurface::fit() {
@@ -115,6 +127,7 @@ void CompanionPanelSurface::focusChanged() {
 void CompanionPanelSurface::dismiss(PanelDismissal why) {
     if (!window_)
         return;
+    presenting_.reset();
     // Perhaps called by the window itself, or by a button in it.
     window_.release()->retire();
     if (why == PanelDismissal::anotherWindow)

@@ -14,8 +14,9 @@
 namespace tilewright {
 
 /// The panel as an ordinary frameless window that a companion places, raises and focuses before its
-/// first frame. It goes on Escape, on a press outside, in the overview, once another window has the
-/// focus, and with the companion. Where none is there it is a window like others. Main thread only.
+/// first frame: it comes once the companion awaits it. It goes on Escape, on a press outside, in
+/// the overview, once another window has the focus, and with the companion. Where none is there it
+/// is a window like others. Main thread only.
 class CompanionPanelSurface final : public PanelSurface {
     Q_OBJECT
 
@@ -27,9 +28,12 @@ public:
     /// and so dismissed it, the click that follows does not open it again.
     static constexpr MainLoop::Interval clickPatience{500};
 
+    /// How long a companion that does not say that it awaits the window is waited for.
+    static constexpr MainLoop::Interval companionPatience{2000};
+
     /// All but the factory and the chrome have to outlive this.
     CompanionPanelSurface(CompanionState& state, const CompanionScreens& screens,
-                          const Pointer& pointer, CompanionOutbox& outbox, const MainLoop& loop,
+                          const Pointer& pointer, CompanionOutbox& outbox, MainLoop& loop,
                           ViewFactory makeView, std::unique_ptr<PanelChrome> chrome);
     ~CompanionPanelSurface() override;
 
@@ -42,6 +46,7 @@ public:
     [[nodiscard]] QWidget* window() const;
 
 private:
+    void present();
     void dismiss(PanelDismissal why);
     void focusChanged();
     void fit();
@@ -52,11 +57,13 @@ private:
     const CompanionScreens& screens_;
     const Pointer& pointer_;
     CompanionOutbox& outbox_;
-    const MainLoop& loop_;
+    MainLoop& loop_;
     ViewFactory makeView_;
     std::unique_ptr<PanelChrome> chrome_;
     std::unique_ptr<ToplevelPanelWindow> window_;
     AppKitRect anchor_;
+    /// Runs while the companion is waited for.
+    ScopedTimer presenting_;
     /// Whether the companion has told, since the opening, that the panel has the focus.
     bool hasHadFocus_ = false;
     /// When it went for want of the focus, as the loop counts, and no click has come since.

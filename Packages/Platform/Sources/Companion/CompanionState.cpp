@@ -154,6 +154,10 @@ void CompanionState::hear(const CompanionItemClick& message) {
     Q_EMIT itemClicked(message.item);
 }
 
+void CompanionState::hear(const CompanionPanelAwaited& /*message*/) {
+    Q_EMIT panelAwaited();
+}
+
 void CompanionState::hear(const CompanionPressOutside& message) {
     Q_EMIT pressedOutside(message.isOverview);
 }

@@ -66,6 +66,7 @@ Q_SIGNALS:
     /// program's own.
     void input(const tilewright::Event& event, bool isOurs);
     void itemClicked(const tilewright::CompanionRect& item);
+    void panelAwaited();
     void pressedOutside(bool isOverview);
     /// The pointer's place was asked for, and is known now.
     void pointerTold();
@@ -83,6 +84,7 @@ private:
     void hear(const CompanionDrag& message);
     void hear(const CompanionFrameSettled& message);
     void hear(const CompanionItemClick& message);
+    void hear(const CompanionPanelAwaited& message);
     void hear(const CompanionPressOutside& message);
     void hear(const CompanionPointerPlace& message);
     void hear(const CompanionGone& message);

@@ -97,6 +97,7 @@ TEST(CompanionDecoder, ReadsTheSmallMessages) {
               (CompanionFrameSettled{CompanionWindowID{9}, {1, 2, 3, 4}}));
     EXPECT_EQ(decodeAs<CompanionItemClick>("ItemClicked", R"({"item":[1,2,3,4],"pointer":[5,6]})"),
               (CompanionItemClick{{1, 2, 3, 4}, {5, 6}}));
+    EXPECT_EQ(decodeAs<CompanionPanelAwaited>("PanelAwaited", "{}"), CompanionPanelAwaited{});
     EXPECT_EQ(decodeAs<CompanionPressOutside>("PressOutside", R"({"overview":true})"),
               CompanionPressOutside{true});
     EXPECT_EQ(decodeAs<CompanionPointerPlace>("Pointer", R"({"pointer":[5,6],"keys":2})"),

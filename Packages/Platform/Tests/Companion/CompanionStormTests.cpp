@@ -128,6 +128,7 @@ private:
              R"({"window":)" + anyNumber() + R"(,"frame":)" + anyRect() + "}"},
             {QStringLiteral("ItemClicked"),
              R"({"item":)" + anyRect() + R"(,"pointer":)" + pointer + "}"},
+            {QStringLiteral("PanelAwaited"), "{}"},
             {QStringLiteral("PressOutside"), R"({"overview":true})"},
             {QStringLiteral("Pointer"), R"({"keys":1,"pointer":)" + pointer + "}"},
             {QStringLiteral("Gone"), R"({"window":)" + anyNumber() + "}"},

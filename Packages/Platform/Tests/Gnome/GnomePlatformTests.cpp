@@ -188,10 +188,45 @@ TEST_F(GnomePartsTest, APanelFollowsTheSizeThatItsContentWants) {
     tell("Hello", helloText());
     const auto panel = makePanel();
     panel->open(std::nullopt);
+    tell("PanelAwaited", "{}");
     viewHeight = 260;
     QEvent wish(QEvent::LayoutRequest);
     QCoreApplication::sendEvent(view, &wish);
     EXPECT_EQ(panel->window()->height(), 260 + 23 + 25);
+}
+
+TEST_F(GnomePartsTest, APanelComesOnceTheCompanionAwaitsIt) {
+    tell("Hello", helloText());
+    const auto panel = makePanel();
+    panel->open(std::nullopt);
+    EXPECT_TRUE(panel->isOpen());
+    EXPECT_FALSE(panel->window()->isVisible()) << "it would be seen elsewhere";
+    tell("PanelAwaited", "{}");
+    EXPECT_TRUE(panel->window()->isVisible());
+    panel->close();
+    tell("PanelAwaited", "{}");
+    EXPECT_FALSE(panel->isOpen());
+}
+
+TEST_F(GnomePartsTest, APanelWaitsForACompanionOnlySoLong) {
+    tell("Hello", helloText());
+    const auto panel = makePanel();
+    panel->open(std::nullopt);
+    loop.advance(CompanionPanelSurface::companionPatience - 1ms);
+    EXPECT_FALSE(panel->window()->isVisible());
+    loop.advance(1ms);
+    EXPECT_TRUE(panel->window()->isVisible());
+    panel->close();
+    panel->open(std::nullopt);
+    panel->close();
+    loop.advance(CompanionPanelSurface::companionPatience);
+    EXPECT_FALSE(panel->isOpen());
+}
+
+TEST_F(GnomePartsTest, APanelComesAtOnceWhereNoCompanionIs) {
+    const auto panel = makePanel();
+    panel->open(std::nullopt);
+    EXPECT_TRUE(panel->window()->isVisible());
 }
 
 TEST_F(GnomePartsTest, APanelThatThePressOfAClickCostTheFocusStaysClosedAtThatClick) {
