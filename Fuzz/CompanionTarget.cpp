@@ -82,6 +82,7 @@ struct Checker {
         check(message.pointer);
     }
     void operator()(const CompanionPointerPlace& message) const { check(message.pointer); }
+    void operator()(const CompanionPanelAwaited&) const {}
     void operator()(const CompanionPressOutside&) const {}
     void operator()(const CompanionGone&) const {}
     void operator()(const CompanionPoll&) const {}
