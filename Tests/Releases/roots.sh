@@ -12,6 +12,13 @@ cannot() {
     exit $cannot_be_had
 }
 
+# need_room FOLDER MEGABYTES: on the disk of that folder.
+need_room() {
+    local free
+    free=$(df --output=avail -m "$1" | tail -n 1)
+    [ "$free" -ge "$2" ] || cannot "no room on the disk: $1 has $((free)) MB and needs $2"
+}
+
 # The name of a release, which also becomes that of a folder.
 check_release() {
     case ${1:-} in
