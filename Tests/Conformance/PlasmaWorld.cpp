@@ -35,7 +35,7 @@ public:
 
     std::optional<AppKitRect> overlayFrame() const override {
         const FakeSurface* surface = compositor_.layer();
-        if (!surface || !surface->isShown())
+        if (!surface || !surface->isSeen())
             return std::nullopt;
         const QRect frame = compositor_.output(surface->outputName)->frame;
         EXPECT_EQ(surface->destination, frame.size());

@@ -69,6 +69,34 @@ TEST_P(ProgramDrag, WithControlShowsTheZonesAndEndsInTheOneUnderThePointer) {
     EXPECT_FALSE(isHighlighted(zone(1)));
 }
 
+TEST_F(ProgramInPlasma, ShowsItsZonesAndTakesThemAwayWithNoneOfKWinsEffects) {
+    const QString title = session.startClient(CompositorClient::qt, start);
+    const QPoint at = zone(3).center();
+    const QColor ground = session.pixel(at);
+    const auto firstAfter = [&](const QColor& before) {
+        QColor colour;
+        EXPECT_TRUE(waitUntil([&] {
+            colour = session.pixel(at);
+            return colour != before;
+        }));
+        return colour;
+    };
+    // The overlay is made when it is needed for the first time, and stays, unseen, from then on.
+    dragToFirstZone(title);
+    drop();
+    ASSERT_TRUE(waitUntil([&] { return session.pixel(at) == ground; }));
+
+    session.grab(title);
+    session.input().glide(zone(0).center());
+    session.input().pressKey(KernelKey::control);
+    session.input().glide(zone(0).center() + QPoint(6, 0), 3);
+    const QColor first = firstAfter(ground);
+    ASSERT_TRUE(waitUntil([&] { return isHighlighted(zone(0)); })) << session.describe();
+    EXPECT_EQ(session.pixel(at), first);
+    drop();
+    EXPECT_EQ(firstAfter(first), ground);
+}
+
 /// A snap modifier, and the key that it is.
 struct Modifier {
     const char* name;

@@ -46,6 +46,7 @@ LayerShellOverlaySurface::LayerShellOverlaySurface(WaylandConnection& connection
                          [this] {
                              end();
                              buffers_.reset();
+                             veil_.reset();
                          }),
         QObject::connect(&outputs_, &WaylandOutputs::changed, [this] { followOutputs(); }),
     };
@@ -69,24 +70,29 @@ void LayerShellOverlaySurface::setScreen(const ScreenPtr& screen) {
 }
 
 void LayerShellOverlaySurface::orderFront() {
-    isShown_ = true;
+    releasing_.reset();
+    const bool wasShown = std::exchange(isShown_, true);
     view_->setRepaint([this](const QRegion& region) { repaint(region); });
-    begin();
+    if (!wasShown)
+        followOutputs();
 }
 
 void LayerShellOverlaySurface::orderOut() {
     isShown_ = false;
     view_->setRepaint({});
     view_->finishAnimations();
-    if (!surface_)
-        return;
-    end();
+    dirty_ = {};
+    if (surface_ && !canBeVeiled())
+        end();
+    else if (surface_ && !size_.isEmpty())
+        veil();
     connection_.flush();
-    keepPixelsForAWhile();
+    if (surface_ || buffers_)
+        keepForAWhile();
 }
 
 void LayerShellOverlaySurface::prepare(const ScreenPtr& screen) {
-    if (surface_ || !screen || !connection_.globals().canShowLayers())
+    if (isShown_ || !screen || !connection_.globals().canShowLayers())
         return;
     const WaylandOutput* output = outputOf_(*screen);
     if (!output)
@@ -100,8 +106,12 @@ void LayerShellOverlaySurface::prepare(const ScreenPtr& screen) {
         render(widget, stale, scale, buffer->image());
         buffers_->noteShown(*buffer, stale);
     }
+    if (canBeVeiled()) {
+        setScreen(screen);
+        begin();
+    }
     connection_.flush();
-    keepPixelsForAWhile();
+    keepForAWhile();
 }
 
 void LayerShellOverlaySurface::prepareAtDrags(EventMonitors& monitors, const Screens& screens,
@@ -119,7 +129,7 @@ void LayerShellOverlaySurface::prepareAtDrags(EventMonitors& monitors, const Scr
 }
 
 void LayerShellOverlaySurface::begin() {
-    if (surface_ || !isShown_ || !screen_ || !connection_.globals().canShowLayers())
+    if (surface_ || !screen_ || !connection_.globals().canShowLayers())
         return;
     const WaylandOutput* output = outputOf_(*screen_);
     wl_output* object = output ? outputs_.object(output->number) : nullptr;
@@ -142,17 +152,16 @@ void LayerShellOverlaySurface::end() {
 }
 
 void LayerShellOverlaySurface::followOutputs() {
-    if (!isShown_)
-        return;
     const WaylandOutput* output = screen_ ? outputOf_(*screen_) : nullptr;
     if (surface_ && (!output || output->number != output_.number))
         end();
     if (!surface_) {
-        begin();
+        if (isShown_)
+            begin();
         return;
     }
     output_ = *output;
-    if (!size_.isEmpty())
+    if (isShown_ && !size_.isEmpty())
         surfaceResized(size_);
 }
 
@@ -175,6 +184,10 @@ void LayerShellOverlaySurface::makePixels(QSize size, double scale) {
 
 void LayerShellOverlaySurface::surfaceResized(QSize size) {
     size_ = size;
+    if (!isShown_) {
+        veil();
+        return;
+    }
     makePixels(size, scaleFor(output_));
     dirty_ = view_->widget().rect();
     paint();
@@ -183,15 +196,18 @@ void LayerShellOverlaySurface::surfaceResized(QSize size) {
 void LayerShellOverlaySurface::surfaceScaled(double pixelsPerUnit) {
     const double before = scaleFor(output_);
     preferredScale_ = pixelsPerUnit;
-    if (!size_.isEmpty() && scaleFor(output_) != before)
+    if (isShown_ && !size_.isEmpty() && scaleFor(output_) != before)
         surfaceResized(size_);
 }
 
 void LayerShellOverlaySurface::surfaceClosed() {
     end();
-    keepPixelsForAWhile();
+    keepForAWhile();
     // Perhaps the compositor has another place for it already; else an output will come.
-    loop_.post(life_.guard([this] { begin(); }));
+    loop_.post(life_.guard([this] {
+        if (isShown_)
+            begin();
+    }));
 }
 
 void LayerShellOverlaySurface::repaint(const QRegion& region) {
@@ -208,7 +224,7 @@ void LayerShellOverlaySurface::repaint(const QRegion& region) {
 
 void LayerShellOverlaySurface::paint() {
     QWidget& widget = view_->widget();
-    if (!surface_ || size_.isEmpty() || !buffers_ || dirty_.isEmpty())
+    if (!isShown_ || !surface_ || size_.isEmpty() || !buffers_ || dirty_.isEmpty())
         return;
     // Without one, the next to be released is painted with all that has changed until then.
     OverlayBuffer* buffer = buffers_->acquire();
@@ -224,8 +240,29 @@ void LayerShellOverlaySurface::paint() {
     connection_.flush();
 }
 
-void LayerShellOverlaySurface::keepPixelsForAWhile() {
+bool LayerShellOverlaySurface::canBeVeiled() const {
+    // One pixel is stretched over the display.
+    return connection_.globals().viewporter != nullptr;
+}
+
+void LayerShellOverlaySurface::veil() {
+    constexpr QSize pixel(1, 1);
+    if (!veil_)
+        veil_ = std::make_unique<OverlayBuffer>(connection_, pixel, [] {});
+    if (!veil_->isValid()) {
+        end();
+        return;
+    }
+    surface_->show(veil_->object(), pixel, QRect(QPoint(), pixel));
+    connection_.flush();
+}
+
+void LayerShellOverlaySurface::keepForAWhile() {
     releasing_ = ScopedTimer(loop_.scheduleOnce(pixelsKept, [this] {
+        if (!isShown_) {
+            end();
+            veil_.reset();
+        }
         buffers_.reset();
         connection_.flush();
     }));

@@ -20,16 +20,17 @@ namespace tilewright {
 /// The overlay as a layer surface of its own, painted by the view: it stays above full-screen
 /// windows and panels, takes no focus, and lets clicks and a compositor's drag through.
 ///
-/// The surface is made for each showing, its pixels are kept for a while after it is hidden. Only
-/// what has changed is painted, never into what the compositor may be reading. What the compositor
-/// ends (the display is gone, or it has ended itself) is made anew as soon as that is possible.
-/// Main thread only.
+/// The surface is made as a drag begins, and kept for a while after it is hidden, with a picture
+/// that nobody sees: compositors play effects as windows come and go, and the overlay has to be
+/// there, and gone, at once. Only what has changed is painted, never into what the compositor may
+/// be reading. What the compositor ends (the display is gone, or it has ended itself) is made anew
+/// as soon as that is possible. Main thread only.
 class LayerShellOverlaySurface final : public OverlaySurface, private LayerSurface::Owner {
 public:
     /// Which of the compositor's outputs a display is; null where it is none of them now.
     using OutputOf = std::function<const WaylandOutput*(const Screen&)>;
 
-    /// How long the pixels are kept while the surface is hidden.
+    /// How long the surface and its pixels are kept while it is hidden.
     static constexpr std::chrono::seconds pixelsKept{60};
 
     /// All but the view have to outlive the surface.
@@ -41,8 +42,8 @@ public:
     void orderFront() override;
     void orderOut() override;
 
-    /// Allocates and paints the pixels for a screen now, so that a showing on it that may follow
-    /// soon need not.
+    /// Makes the surface and paints the pixels for a screen now, unseen, so that a showing on it
+    /// that may follow soon need not.
     void prepare(const ScreenPtr& screen);
     /// From now on prepares for the screen beneath the pointer as each drag of another
     /// application's begins. All of these have to outlive the surface.
@@ -59,9 +60,11 @@ private:
     /// Takes pixels of the size that the view has on an output of this size.
     void makePixels(QSize size, double scale);
     void repaint(const QRegion& region);
+    [[nodiscard]] bool canBeVeiled() const;
+    void veil();
     void paint();
     [[nodiscard]] double scaleFor(const WaylandOutput& output) const;
-    void keepPixelsForAWhile();
+    void keepForAWhile();
 
     WaylandConnection& connection_;
     WaylandOutputs& outputs_;
@@ -78,6 +81,8 @@ private:
     double preferredScale_ = 1;
     double scale_ = 1;
     std::unique_ptr<OverlayBuffers> buffers_;
+    /// One transparent pixel.
+    std::unique_ptr<OverlayBuffer> veil_;
     /// What has to be painted.
     QRegion dirty_;
     bool isPaintPosted_ = false;

@@ -41,6 +41,10 @@ public:
 
     [[nodiscard]] bool hasRole() const { return role_ != nullptr; }
     [[nodiscard]] bool isShown() const { return !picture.isNull(); }
+    /// Whether its picture is more than one transparent pixel.
+    [[nodiscard]] bool isSeen() const {
+        return isShown() && (picture.size() != QSize(1, 1) || qAlpha(picture.pixel(0, 0)) != 0);
+    }
     /// Pictures that the client may not paint into now.
     [[nodiscard]] int picturesHeld() const { return static_cast<int>(held_.size()); }
 

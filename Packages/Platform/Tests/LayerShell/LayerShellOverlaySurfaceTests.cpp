@@ -32,10 +32,18 @@ protected:
     [[nodiscard]] FakeSurface* shown() {
         time.runPosted();
         FakeSurface* layer = compositor ? compositor->layer() : nullptr;
-        return layer && layer->isShown() ? layer : nullptr;
+        return layer && layer->isSeen() ? layer : nullptr;
     }
     [[nodiscard]] bool comesTo(int pictures) {
         return waitUntil([&] { return shown() && shown()->pictures == pictures; });
+    }
+    /// Whether it is there, all of it transparent.
+    [[nodiscard]] bool isVeiled() {
+        return waitUntil([&] {
+            time.runPosted();
+            const FakeSurface* layer = compositor->layer();
+            return layer && layer->isShown() && !layer->isSeen();
+        });
     }
     [[nodiscard]] bool isGone() {
         return waitUntil([&] {
@@ -70,7 +78,7 @@ TEST_F(LayerShellOverlaySurfaceTest, LiesAboveEverythingOnItsDisplayAndLetsAllIn
     EXPECT_EQ(shown()->purpose, "tilewright-overlay");
 }
 
-TEST_F(LayerShellOverlaySurfaceTest, IsThereOnlyWhileItIsShown) {
+TEST_F(LayerShellOverlaySurfaceTest, IsSeenOnlyWhileItIsShown) {
     start();
     compositor->addOutput({});
     surface.setScreen(screen);
@@ -80,11 +88,61 @@ TEST_F(LayerShellOverlaySurfaceTest, IsThereOnlyWhileItIsShown) {
     ASSERT_TRUE(comesTo(1));
     EXPECT_TRUE(view->isShown());
     surface.orderOut();
-    EXPECT_TRUE(isGone());
+    EXPECT_TRUE(isVeiled());
+    EXPECT_EQ(compositor->layer()->destination, QSize(1920, 1080)) << "nothing of it is left out";
     EXPECT_FALSE(view->isShown());
     EXPECT_EQ(view->endings, 1);
+    view->highlight(1);
+    time.runPosted();
+    hearAll();
+    EXPECT_EQ(shown(), nullptr);
     surface.orderFront();
-    EXPECT_TRUE(comesTo(1));
+    EXPECT_TRUE(comesTo(3)) << "the same surface: one that came anew would be faded in";
+}
+
+TEST_F(LayerShellOverlaySurfaceTest, IsThereUnseenFromTheBeginningOfADragOn) {
+    connect();
+    ASSERT_TRUE(waitUntil([&] { return outputs.all().size() == 1; }));
+    surface.prepare(screen);
+    ASSERT_TRUE(isVeiled());
+    EXPECT_TRUE(compositor->layer()->letsInputThrough);
+    surface.setScreen(screen);
+    surface.orderFront();
+    EXPECT_TRUE(comesTo(2));
+}
+
+TEST_F(LayerShellOverlaySurfaceTest, IsMadeAnewWhereADragBeginsOnAnotherDisplay) {
+    connect();
+    compositor->addOutput(second);
+    ASSERT_TRUE(waitUntil([&] { return outputs.all().size() == 2; }));
+    surface.prepare(screen);
+    ASSERT_TRUE(isVeiled());
+    surface.prepare(otherScreen);
+    EXPECT_TRUE(waitUntil([&] {
+        return compositor->layers().size() == 1 && compositor->layer()->outputName == second.name;
+    }));
+    EXPECT_TRUE(isVeiled());
+}
+
+TEST_F(LayerShellOverlaySurfaceTest, IsThereOnlyWhileItIsShownWhereOnePixelCannotBeStretched) {
+    show({}, {.viewporter = 0});
+    surface.orderOut();
+    EXPECT_TRUE(isGone());
+    surface.prepare(screen);
+    hearAll();
+    EXPECT_TRUE(compositor->layers().empty());
+}
+
+TEST_F(LayerShellOverlaySurfaceTest, GoesUnseenWithItsDisplayAndStaysAway) {
+    show();
+    surface.orderOut();
+    ASSERT_TRUE(isVeiled());
+    compositor->removeOutput(QStringLiteral("DP-1"));
+    ASSERT_TRUE(isGone());
+    compositor->addOutput({});
+    ASSERT_TRUE(waitUntil([&] { return outputs.all().size() == 1; }));
+    hearAll();
+    EXPECT_TRUE(compositor->layers().empty());
 }
 
 TEST_F(LayerShellOverlaySurfaceTest, HasNoPictureBeforeItsSizeIsKnown) {
@@ -210,21 +268,23 @@ TEST_F(LayerShellOverlaySurfaceTest, ShowsTheNewestStateOnceAPictureIsFreeWhenAl
     EXPECT_EQ(shown()->changed, QRegion(480, 0, 1440, 1080));
 }
 
-TEST_F(LayerShellOverlaySurfaceTest, KeepsItsPixelsForAMinuteAfterItIsHidden) {
+TEST_F(LayerShellOverlaySurfaceTest, KeepsItselfAndItsPixelsForAMinuteAfterItIsHidden) {
+    constexpr int viewsAndVeil = 2;
     show();
     surface.orderOut();
-    ASSERT_TRUE(isGone());
+    ASSERT_TRUE(isVeiled());
     time.advance(LayerShellOverlaySurface::pixelsKept - 1ms);
     hearAll();
-    EXPECT_EQ(compositor->picturesAlive(), 1);
+    EXPECT_EQ(compositor->picturesAlive(), viewsAndVeil);
     surface.orderFront();
-    ASSERT_TRUE(comesTo(1));
+    ASSERT_TRUE(comesTo(3));
     time.advance(10min);
     hearAll();
-    EXPECT_EQ(compositor->picturesAlive(), 1);
+    EXPECT_EQ(compositor->picturesAlive(), viewsAndVeil);
     surface.orderOut();
-    ASSERT_TRUE(isGone());
+    ASSERT_TRUE(isVeiled());
     time.advance(LayerShellOverlaySurface::pixelsKept);
+    EXPECT_TRUE(isGone());
     EXPECT_TRUE(waitUntil([&] { return compositor->picturesAlive() == 0; }));
     EXPECT_EQ(time.activeTimerCount(), 0U);
 }
@@ -232,10 +292,10 @@ TEST_F(LayerShellOverlaySurfaceTest, KeepsItsPixelsForAMinuteAfterItIsHidden) {
 TEST_F(LayerShellOverlaySurfaceTest, ShowsWhatItLooksLikeNowAfterChangesWhileHidden) {
     show();
     surface.orderOut();
-    ASSERT_TRUE(isGone());
+    ASSERT_TRUE(isVeiled());
     view->highlight(2);
     surface.orderFront();
-    ASSERT_TRUE(comesTo(1));
+    ASSERT_TRUE(comesTo(3));
     EXPECT_EQ(shown()->picture, view->expected({1920, 1080}, {1920, 1080}, 1));
 }
 
@@ -321,14 +381,13 @@ TEST_F(LayerShellOverlaySurfaceTest, ShowsThePixelsThatItHasPreparedForTheDispla
     connect();
     ASSERT_TRUE(waitUntil([&] { return outputs.all().size() == 1; }));
     surface.prepare(screen);
-    hearAll();
-    EXPECT_TRUE(compositor->layers().empty());
+    ASSERT_TRUE(isVeiled());
     view->highlight(2);
     surface.setScreen(screen);
     surface.orderFront();
-    ASSERT_TRUE(comesTo(1));
+    ASSERT_TRUE(comesTo(2));
     EXPECT_EQ(shown()->picture, view->expected({1920, 1080}, {1920, 1080}, 1));
-    EXPECT_EQ(compositor->picturesAlive(), 1);
+    EXPECT_EQ(compositor->picturesAlive(), 2) << "it and the veil";
 }
 
 TEST_F(LayerShellOverlaySurfaceTest, PreparesOnceForEachDragUntilItEnds) {
@@ -361,6 +420,20 @@ TEST_F(LayerShellOverlaySurfaceTest, PreparesOnceForEachDragUntilItEnds) {
     EXPECT_TRUE(monitors.monitors.empty());
 }
 
+TEST_F(LayerShellOverlaySurfaceTest, ForgetsPreparedPixelsOfADisplayThatGoesBeforeItIsShown) {
+    connect();
+    ASSERT_TRUE(waitUntil([&] { return outputs.all().size() == 1; }));
+    surface.prepare(screen);
+    ASSERT_TRUE(isVeiled());
+    compositor->removeOutput(QStringLiteral("DP-1"));
+    ASSERT_TRUE(isGone());
+    surface.orderFront();
+    surface.orderOut();
+    EXPECT_EQ(time.activeTimerCount(), 1U);
+    time.advance(LayerShellOverlaySurface::pixelsKept);
+    EXPECT_EQ(time.activeTimerCount(), 0U);
+}
+
 TEST_F(LayerShellOverlaySurfaceTest, ForgetsPreparedPixelsAfterAMinute) {
     connect();
     ASSERT_TRUE(waitUntil([&] { return outputs.all().size() == 1; }));
@@ -368,6 +441,7 @@ TEST_F(LayerShellOverlaySurfaceTest, ForgetsPreparedPixelsAfterAMinute) {
     EXPECT_EQ(time.activeTimerCount(), 1U);
     time.advance(LayerShellOverlaySurface::pixelsKept);
     EXPECT_EQ(time.activeTimerCount(), 0U);
+    EXPECT_TRUE(isGone());
     surface.setScreen(screen);
     surface.orderFront();
     EXPECT_TRUE(comesTo(1));
