@@ -208,7 +208,9 @@ private:
             // the keyboard yet, since the bar still holds it.
             return waitUntil([&] { return !desktop_.panel(); }, std::chrono::seconds(1));
         });
-        EXPECT_TRUE(isClosed) << "the panel does not close";
+        EXPECT_TRUE(isClosed) << "the panel does not close by "
+                              << (end == PanelEnd::escape ? "Escape" : "a press outside")
+                              << desktop_.session().describe();
         --repeated_;
     }
 
