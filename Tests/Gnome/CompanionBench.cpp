@@ -74,6 +74,11 @@ bool CompanionTest::isNear(QColor one, QColor other) {
            near(one.blue(), other.blue());
 }
 
+bool CompanionTest::isInFront(const QString& title) {
+    return session.ask(QStringLiteral("global.display.focus_window?.get_title()")).toString() ==
+           title;
+}
+
 int CompanionTest::actorsOnStage() {
     return session.ask(QStringLiteral("Main.layoutManager.uiGroup.get_n_children()")).toInt();
 }

@@ -40,6 +40,8 @@ struct CompanionTest : ::testing::Test {
     [[nodiscard]] bool isBare(QPoint at) { return isNear(session.pixel(at), ground); }
     /// The same up to rounding.
     [[nodiscard]] static bool isNear(QColor one, QColor other);
+    /// Whether that window has the focus.
+    [[nodiscard]] bool isInFront(const QString& title);
     /// How many things lie on the shell's stage that may be ours.
     [[nodiscard]] int actorsOnStage();
     [[nodiscard]] bool hasItem() { return !session.item().isEmpty(); }

@@ -62,6 +62,8 @@ TEST_P(CompanionDrag, OfAMaximizedWindowEndsInTheZonesFrame) {
     greet();
     snapWithControl();
     const QString title = session.startClient(GetParam(), start);
+    // The X server's clients get it a little later than they are given it.
+    ASSERT_TRUE(waitUntil([&] { return isInFront(title); })) << session.describe();
     session.tell(QStringLiteral("global.display.focus_window.maximize("
                                 "imports.gi.Meta.MaximizeFlags.BOTH)"));
     ASSERT_TRUE(waitUntil([&] { return session.frame(title).width() == 1920; }));

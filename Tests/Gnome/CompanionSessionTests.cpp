@@ -23,10 +23,7 @@ const QJsonObject ourItem =
 
 TEST_F(CompanionTest, GreetsTheProgramWithTheDisplaysAndTheWindowInFront) {
     const QString title = session.startClient(CompositorClient::gtk4, start);
-    ASSERT_TRUE(waitUntil([&] {
-        return session.ask(QStringLiteral("global.display.focus_window?.get_title()")).toString() ==
-               title;
-    }));
+    ASSERT_TRUE(waitUntil([&] { return isInFront(title); }));
     greet();
     const QJsonObject body = program->last(hello);
     EXPECT_EQ(body[QStringLiteral("protocol")].toInt(), 1);

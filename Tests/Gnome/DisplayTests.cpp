@@ -26,7 +26,10 @@ TEST_F(ProgramOnTwoMonitors, ShowsTheZonesOfTheOneUnderThePointerAndEndsInThem) 
 
 TEST_F(ProgramAtDoubleScale, ShowsTheZonesPixelByPixelAndEndsInThem) {
     const QColor ground = session.pixel(workArea().center());
-    const QString title = session.startClient(CompositorClient::qt, {200, 120, 480, 320});
+    // Small enough to leave both edges that are looked at on the bare ground.
+    const int unit = unitsPerPoint();
+    const QString title =
+        session.startClient(CompositorClient::qt, {100 * unit, 60 * unit, 240 * unit, 160 * unit});
     dragToFirstZone(title);
     EXPECT_TRUE(waitUntil([&] { return OverlayEdges(session.picture(), 2).areCrispOn(ground); }))
         << session.describe();

@@ -165,7 +165,10 @@ QRect GnomeSession::workArea(int display) {
 }
 
 int GnomeSession::unitsPerPoint() {
-    return ask(QStringLiteral("Main.layoutManager.primaryMonitor.geometry_scale")).toInt();
+    // A monitor's own scale is no measure of it: newer shells have one of 2, and a stage in points.
+    return ask(QStringLiteral(
+                   "imports.gi.St.ThemeContext.get_for_stage(global.stage).scale_factor"))
+        .toInt();
 }
 
 void GnomeSession::setScale(int scale) {
