@@ -18,9 +18,10 @@ struct ProgramAtScale : ProgramInPlasma, ::testing::WithParamInterface<double> {
         : ProgramInPlasma("control", {.scale = GetParam()}) {}
 };
 
-INSTANTIATE_TEST_SUITE_P(Of, ProgramAtScale, ::testing::Values(1.25, 2), [](const auto& scale) {
-    return QString::number(scale.param * 100).toStdString();
-});
+INSTANTIATE_TEST_SUITE_P(Of, ProgramAtScale, ::testing::Values(1.25, 1.5, 2),
+                         [](const auto& scale) {
+                             return QString::number(scale.param * 100).toStdString();
+                         });
 
 } // namespace
 
@@ -38,14 +39,14 @@ TEST_P(ProgramAtScale, ShowsTheZonesPixelByPixelAndEndsInThem) {
         return OverlayEdges(session.picture(), GetParam()).areCrispOn(Qt::black);
     })) << session.describe();
     drop();
-    EXPECT_TRUE(endsIn(title, zone(0))) << session.describe();
+    EXPECT_TRUE(endsIn(title, zone(0), session.roundOff())) << session.describe();
 
     session.grab(title);
     session.input().pressKey(KernelKey::control);
     session.input().glide(zone(1).center());
     EXPECT_TRUE(waitUntil([&] { return isHighlighted(zone(1)); })) << session.describe();
     drop();
-    EXPECT_TRUE(endsIn(title, zone(1))) << session.describe();
+    EXPECT_TRUE(endsIn(title, zone(1), session.roundOff())) << session.describe();
 }
 
 } // namespace tilewright::testing

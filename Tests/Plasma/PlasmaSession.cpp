@@ -12,8 +12,10 @@
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QJsonObject>
 #include <QStandardPaths>
 #include <Waiting.h>
+#include <csignal>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -22,6 +24,9 @@ namespace tilewright::testing {
 namespace {
 
 const QString kwinService = QStringLiteral("org.kde.KWin");
+
+/// In the home, which X server KWin has for clients: a line with its display, one with its cookies.
+const QString xServerFile = QStringLiteral("/x-server");
 
 /// Effects that need a graphics card end KWin where there is none.
 constexpr char configuration[] = R"([Plugins]
@@ -48,6 +53,16 @@ const find = title => all().filter(window => String(window.caption) === title)[0
 const active = () => workspace.windowList ? workspace.activeWindow : workspace.activeClient;
 )";
 
+QString installedKwin() {
+    return QStandardPaths::findExecutable(QStringLiteral("kwin_wayland"));
+}
+
+/// The first that is made with Qt 6. Asking it for its version takes a display.
+bool isKwin6() {
+    return outputOf(QStringLiteral("ldd"), {installedKwin()}, inheritedEnvironment())
+        .contains(QStringLiteral("libQt6Core"));
+}
+
 } // namespace
 
 /// Where scripts inside KWin answer.
@@ -70,29 +85,88 @@ PlasmaSession::PlasmaSession(const PlasmaDisplays& displays)
     const QSize size = (QSizeF(1920, 1080) / scale_).toSize();
     for (int number = 0; number < displays.count; ++number)
         displays_.emplace_back(QPoint(number * size.width(), 0), size);
-    // Without a graphics card KWin would paint without OpenGL, and run no effects.
-    set("KWIN_COMPOSE", QStringLiteral("O2"));
     set("KWIN_EFFECTS_FORCE_ANIMATIONS", QStringLiteral("1"));
     set("KWIN_SCREENSHOT_NO_PERMISSION_CHECKS", QStringLiteral("1"));
     set("QT_QPA_PLATFORMTHEME", QStringLiteral("generic"));
     set("QT_FORCE_STDERR_LOGGING", QStringLiteral("1"));
+    if (isKwin6())
+        host_ = std::make_unique<HostDisplay>(displays.count);
     installFiles();
     EXPECT_TRUE(startBuses()) << describe();
+    if (!host_)
+        // Without a graphics card KWin would paint without OpenGL, and run no effects.
+        set("KWIN_COMPOSE", QStringLiteral("O2"));
     bus().registerVirtualObject(QStringLiteral("/ear"), ear_.get());
     startCompositor();
 }
 
-PlasmaSession::~PlasmaSession() = default;
+PlasmaSession::~PlasmaSession() {
+    if (!host_)
+        return;
+    // A guest that loses its host leaves its X server's lock file behind.
+    setInput(nullptr);
+    compositor().signal(SIGTERM);
+    static_cast<void>(compositor().waitForEnd());
+}
 
 void PlasmaSession::installFiles() const {
     writeFile(home() + QStringLiteral("/.config/kwinrc"), configuration);
-    const QString data = home() + QStringLiteral("/.local/share/");
+    installDisplays();
+    installEntries();
+    installEffects();
+}
+
+void PlasmaSession::installDisplays() const {
+    // KWin 5 has no such file, and takes the scale it is started with.
+    QJsonArray outputs;
+    QJsonArray places;
+    for (const QRect& display : displays_) {
+        const int number = int(outputs.size());
+        outputs.append(
+            QJsonObject{{QStringLiteral("connectorName"), QStringLiteral("X11-%1").arg(number)},
+                        {QStringLiteral("mode"),
+                         QJsonObject{{QStringLiteral("width"), HostDisplay::displaySize.width()},
+                                     {QStringLiteral("height"), HostDisplay::displaySize.height()},
+                                     {QStringLiteral("refreshRate"), 60000}}},
+                        {QStringLiteral("scale"), scale_}});
+        places.append(QJsonObject{
+            {QStringLiteral("enabled"), true},
+            {QStringLiteral("outputIndex"), number},
+            {QStringLiteral("priority"), number},
+            {QStringLiteral("position"),
+             QJsonObject{{QStringLiteral("x"), display.x()}, {QStringLiteral("y"), display.y()}}}});
+    }
+    const QJsonObject setup{{QStringLiteral("lidClosed"), false},
+                            {QStringLiteral("outputs"), places}};
+    const auto part = [](const char* name, const QJsonArray& data) {
+        return QJsonObject{{QStringLiteral("name"), QLatin1String(name)},
+                           {QStringLiteral("data"), data}};
+    };
+    writeFile(home() + QStringLiteral("/.config/kwinoutputconfig.json"),
+              QJsonDocument(QJsonArray{part("outputs", outputs), part("setups", QJsonArray{setup})})
+                  .toJson());
+}
+
+void PlasmaSession::installEntries() const {
+    const auto install = [this](const QString& program, const char* interface) {
+        writeFile(home() + QStringLiteral("/.local/share/applications/%1.desktop")
+                               .arg(QString::fromLatin1(interface)),
+                  "[Desktop Entry]\nType=Application\nName=Tests\nNoDisplay=true\nExec=" +
+                      QFile::encodeName(QFileInfo(program).canonicalFilePath()) +
+                      "\nX-KDE-Wayland-Interfaces=" + interface + '\n');
+    };
     // What is restricted stays restricted to others.
-    writeFile(data + QStringLiteral("applications/tests.desktop"),
-              "[Desktop Entry]\nType=Application\nName=Tests\nNoDisplay=true\nExec=" +
-                  QFile::encodeName(
-                      QFileInfo(QCoreApplication::applicationFilePath()).canonicalFilePath()) +
-                  "\nX-KDE-Wayland-Interfaces=org_kde_kwin_fake_input\n");
+    install(QCoreApplication::applicationFilePath(), "org_kde_kwin_fake_input");
+    install(QStringLiteral(TILEWRIGHT_PROGRAM), "org_kde_kwin_keystate");
+    // KWin 6 finds entries by the menu that has them.
+    writeFile(home() + QStringLiteral("/.config/menus/applications.menu"),
+              "<!DOCTYPE Menu PUBLIC \"-//freedesktop//DTD Menu 1.0//EN\" "
+              "\"http://www.freedesktop.org/standards/menu-spec/1.0/menu.dtd\">\n"
+              "<Menu><Name>Applications</Name><DefaultAppDirs/><Include><All/></Include></Menu>\n");
+}
+
+void PlasmaSession::installEffects() const {
+    const QString data = home() + QStringLiteral("/.local/share/");
     const QDir effects(QStringLiteral(TILEWRIGHT_KWIN_EFFECTS));
     int count = 0;
     for (QDirIterator it(effects.path(), QDir::Files, QDirIterator::Subdirectories); it.hasNext();
@@ -110,22 +184,30 @@ void PlasmaSession::startCompositor() {
     // A copy has not the privileges of the installed one, which some containers may not give.
     const QString program = home() + QStringLiteral("/kwin_wayland");
     if (!QFile::exists(program)) {
-        EXPECT_TRUE(
-            QFile::copy(QStandardPaths::findExecutable(QStringLiteral("kwin_wayland")), program));
+        EXPECT_TRUE(QFile::copy(installedKwin(), program));
     }
     const QSize size = displays_.front().size();
+    const QStringList backend = host_ ? QStringList{QStringLiteral("--x11-display"), host_->name()}
+                                      : QStringList{QStringLiteral("--virtual")};
+    // KWin starts it with what its X server's clients need.
+    const QString witness = home() + QStringLiteral("/x-server.sh");
+    writeFile(witness, "#!/bin/sh\nprintf '%s\\n' \"$DISPLAY\" \"$XAUTHORITY\" >\"$HOME" +
+                           xServerFile.toUtf8() + "\"\n");
+    EXPECT_TRUE(QFile::setPermissions(witness, QFile::ReadOwner | QFile::ExeOwner));
     EXPECT_TRUE(CompositorSession::startCompositor(
         program,
-        {QStringLiteral("--virtual"), QStringLiteral("--output-count"),
-         QString::number(displays_.size()), QStringLiteral("--width"),
-         QString::number(size.width()), QStringLiteral("--height"), QString::number(size.height()),
-         QStringLiteral("--scale"), QString::number(scale_), QStringLiteral("--no-lockscreen"),
-         QStringLiteral("--xwayland"), QStringLiteral("--socket"), socketName()}));
+        backend + QStringList{QStringLiteral("--output-count"), QString::number(displays_.size()),
+                              QStringLiteral("--width"), QString::number(size.width()),
+                              QStringLiteral("--height"), QString::number(size.height()),
+                              QStringLiteral("--scale"), QString::number(scale_),
+                              QStringLiteral("--no-lockscreen"), QStringLiteral("--xwayland"),
+                              QStringLiteral("--socket"), socketName(), witness}));
     EXPECT_TRUE(waitUntil([&] {
         return bus().interface()->isServiceRegistered(kwinService) &&
                callScripting(QStringLiteral("isScriptLoaded"), {QStringLiteral("none")}).type() ==
                    QDBusMessage::ReplyMessage;
     })) << describe();
+    EXPECT_TRUE(!host_ || waitUntil([&] { return host_->spread(); })) << describe();
     setInput(std::make_unique<PlasmaInput>(home() + QStringLiteral("/run/") + socketName()));
     useInput(displays_.front().bottomRight() - QPoint(220, 80));
 }
@@ -169,28 +251,15 @@ QJsonValue PlasmaSession::ask(const QString& expression) {
     return answerTo(begin(QStringLiteral("answer(%1)").arg(expression)));
 }
 
-QStringList PlasmaSession::xServerArguments() {
-    QFile children(QStringLiteral("/proc/%1/task/%1/children").arg(compositor().pid()));
-    if (!children.open(QIODevice::ReadOnly))
-        return {};
-    const QStringList numbers = QString::fromLatin1(children.readAll()).split(u' ');
-    for (const QString& child : numbers) {
-        QFile command(QStringLiteral("/proc/%1/cmdline").arg(child));
-        if (!command.open(QIODevice::ReadOnly))
-            continue;
-        const QStringList arguments = QString::fromLocal8Bit(command.readAll()).split(u'\0');
-        if (arguments.first().endsWith(QStringLiteral("Xwayland")))
-            return arguments;
-    }
-    return {};
-}
-
 std::map<QString, QString> PlasmaSession::xServer() {
-    QStringList server;
-    EXPECT_TRUE(waitUntil([&] { return (server = xServerArguments()).size() > 2; })) << describe();
-    return {
-        {QStringLiteral("DISPLAY"), server.value(1)},
-        {QStringLiteral("XAUTHORITY"), server.value(server.indexOf(QStringLiteral("-auth")) + 1)}};
+    QStringList told;
+    EXPECT_TRUE(waitUntil([&] {
+        QFile file(home() + xServerFile);
+        told = QString::fromUtf8(file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray())
+                   .split(u'\n');
+        return told.size() > 2;
+    })) << describe();
+    return {{QStringLiteral("DISPLAY"), told[0]}, {QStringLiteral("XAUTHORITY"), told.value(1)}};
 }
 
 void PlasmaSession::place(const QString& title, QRect area) {
@@ -200,7 +269,7 @@ void PlasmaSession::place(const QString& title, QRect area) {
              .arg(area.y())
              .arg(area.width())
              .arg(area.height()));
-    EXPECT_TRUE(waitUntil([&] { return frame(title) == area; }))
+    EXPECT_TRUE(waitUntil([&] { return isNear(frame(title), area, roundOff()); }))
         << title.toStdString() << " does not get its place" << describe();
 }
 
@@ -227,6 +296,8 @@ bool PlasmaSession::hasScript(const QString& name) {
 bool PlasmaSession::hasCompanion() {
     if (!hasScript(QStringLiteral("tilewright")))
         return false;
+    if (host_)
+        return true;
     QDBusMessage get = QDBusMessage::createMethodCall(
         kwinService, QStringLiteral("/Effects"), QStringLiteral("org.freedesktop.DBus.Properties"),
         QStringLiteral("Get"));
@@ -237,6 +308,11 @@ bool PlasmaSession::hasCompanion() {
 }
 
 QImage PlasmaSession::picture() {
+    if (host_) {
+        QImage picture = host_->picture();
+        picture.setDevicePixelRatio(scale_);
+        return picture;
+    }
     int ends[2] = {-1, -1};
     EXPECT_EQ(::pipe(ends), 0);
     QDBusMessage message = QDBusMessage::createMethodCall(

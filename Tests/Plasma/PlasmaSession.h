@@ -1,5 +1,7 @@
 #pragma once
 
+#include "HostDisplay.h"
+
 #include <CompositorSession.h>
 #include <QDBusMessage>
 
@@ -12,8 +14,8 @@ struct PlasmaDisplays {
     double scale = 1;
 };
 
-/// A session of KWin, with the effects that show the keys installed for its home. Places are KWin's
-/// units.
+/// A session of KWin, with what it takes to see the keys installed for its home: effects for KWin
+/// 5, an entry for newer ones. Places are KWin's units.
 class PlasmaSession final : public CompositorSession {
 public:
     /// Starts it and waits until it can be used. Fails the running test where it does not come up.
@@ -40,6 +42,14 @@ public:
     /// The displays' frames, the first the primary one.
     [[nodiscard]] const std::vector<QRect>& displays() const { return displays_; }
 
+    /// How far a frame may be from what was asked for: KWin 6 and its clients make sizes whole
+    /// pixels, each of the parts of a window by itself.
+    [[nodiscard]] int roundOff() const { return host_ && scale_ != int(scale_) ? 1 : 0; }
+    /// What KWin calls the connector of the second one.
+    [[nodiscard]] QString secondConnector() const {
+        return host_ ? QStringLiteral("X11-1") : QStringLiteral("Virtual-1");
+    }
+
     /// Ends KWin at once, as when it crashes, and starts it again at the same socket.
     void killCompositor();
     void startCompositor();
@@ -48,14 +58,17 @@ private:
     class Ear;
 
     void installFiles() const;
+    void installDisplays() const;
+    void installEffects() const;
+    void installEntries() const;
     [[nodiscard]] QDBusMessage callScripting(const QString& method,
                                              const QVariantList& arguments = {});
-    /// The arguments of the X server that KWin has started.
-    [[nodiscard]] QStringList xServerArguments();
     [[nodiscard]] std::map<QString, QString> xServer() override;
 
     const double scale_;
     std::vector<QRect> displays_;
+    /// Null for KWin 5, which paints without a host.
+    std::unique_ptr<HostDisplay> host_;
     std::unique_ptr<Ear> ear_;
     int questions_ = 0;
 };

@@ -16,7 +16,7 @@ struct ProgramInPlasma : ProgramInCompositor<PlasmaSession> {
         : ProgramInCompositor(displays) {
         writeFile(session.home() + QStringLiteral("/.config/Tilewright/Tilewright.conf"),
                   QByteArray("[General]\nsnapActivationModifier=") + modifier + "\n");
-        program = &startProgram(QStringLiteral(TILEWRIGHT_PROGRAM), QStringLiteral("Virtual-1"));
+        program = &startProgram(QStringLiteral(TILEWRIGHT_PROGRAM), session.secondConnector());
         EXPECT_TRUE(waitUntil([&] { return session.hasCompanion(); })) << session.describe();
         // It greets once it has heard of the effects, which KWin tells one after the other.
         session.tell(QStringLiteral("0"));

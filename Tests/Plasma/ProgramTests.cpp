@@ -66,7 +66,7 @@ TEST_P(ProgramDrag, WithControlShowsTheZonesAndEndsInTheOneUnderThePointer) {
     if (dropped.more)
         session.input().releaseKey(*dropped.more);
     EXPECT_TRUE(endsIn(title, zone(1))) << session.describe();
-    EXPECT_FALSE(isHighlighted(zone(1)));
+    EXPECT_TRUE(waitUntil([&] { return !isHighlighted(zone(1)); }));
 }
 
 TEST_F(ProgramInPlasma, ShowsItsZonesAndTakesThemAwayWithNoneOfKWinsEffects) {

@@ -7,6 +7,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <csignal>
+#include <cstdlib>
 #include <gtest/gtest.h>
 
 namespace tilewright::testing {
@@ -33,6 +34,12 @@ const char* name(CompositorClient client) {
         return "Xwayland";
     }
     return "";
+}
+
+bool isNear(const QRect& frame, const QRect& other, int tolerance) {
+    const auto differ = [&](int one, int two) { return std::abs(one - two) > tolerance; };
+    return !differ(frame.x(), other.x()) && !differ(frame.y(), other.y()) &&
+           !differ(frame.width(), other.width()) && !differ(frame.height(), other.height());
 }
 
 CompositorSession::CompositorSession(const QString& desktop)

@@ -19,6 +19,9 @@ enum class CompositorClient { qt, gtk4, xwayland };
 /// Its name, as in a test's name.
 [[nodiscard]] const char* name(CompositorClient client);
 
+/// Whether neither the place nor the size of two frames differs by more than that along a side.
+[[nodiscard]] bool isNear(const QRect& frame, const QRect& other, int tolerance);
+
 /// A session of a compositor on Wayland of a test's own: without a screen, with a home, a session
 /// bus and a system bus of its own. It and whatever was started in it are gone when the object
 /// ends. All places are the compositor's units.
@@ -76,6 +79,8 @@ protected:
 
     /// Gives the environment of what is started from now on a variable.
     void set(const char* variable, const QString& value) { home_.set(variable, value); }
+    [[nodiscard]] const QProcessEnvironment& environment() const { return home_.environment(); }
+    [[nodiscard]] QString logFile() const { return home_.logFile(); }
     /// Starts both buses and joins the session's. False when one does not come up.
     [[nodiscard]] bool startBuses();
     /// Starts the compositor, which is to listen at the socket of that name in the run folder.

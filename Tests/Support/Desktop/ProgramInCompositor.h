@@ -67,11 +67,10 @@ struct ProgramInCompositor : ::testing::Test {
         session.input().releaseKey(key);
     }
 
-    /// Whether a window gets a frame, and keeps it.
-    [[nodiscard]] bool endsIn(const QString& title, const QRect& frame) {
-        return waitUntil([&] { return session.frame(title) == frame; }) &&
-               staysTrue([&] { return session.frame(title) == frame; },
-                         std::chrono::milliseconds(400));
+    /// Whether a window gets a frame that is no more than that off, and keeps it.
+    [[nodiscard]] bool endsIn(const QString& title, const QRect& frame, int tolerance = 0) {
+        const auto isThere = [&] { return isNear(session.frame(title), frame, tolerance); };
+        return waitUntil(isThere) && staysTrue(isThere, std::chrono::milliseconds(400));
     }
     /// Drags a window twice, and expects that the program does nothing to it: one drag is cancelled
     /// by Escape, the other has no key held.
