@@ -2,6 +2,14 @@
  *  program is still there. */
 const PATIENCE = 3000;
 
+/** KWin does not say whether the keyboard is to move a window, which then follows the pointer with no
+ *  button down. But it brings the pointer to the window's very middle first; a hand hardly ever does. */
+function isForKeyboard(window) {
+    const {x, y, width, height} = window.frameGeometry;
+    const [left, top] = pointer();
+    return Math.abs(left - x - width / 2) <= 1 && Math.abs(top - y - height / 2) <= 1;
+}
+
 /** Reports windows being moved by the pointer. */
 class DragWatch {
     /** `events`: `began(window)`, from when on the user's hand is on it; `dropped(window, answer)`;
@@ -33,7 +41,7 @@ class DragWatch {
     }
 
     _start(window) {
-        if (window.resize)
+        if (window.resize || isForKeyboard(window))
             return;
         const frame = copyOf(window.frameGeometry);
         this._drag = {window, serial: ++this._serial, start: frame, last: frame, sent: 0, isTelling: false, hasNews: false};

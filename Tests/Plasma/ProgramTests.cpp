@@ -11,11 +11,15 @@ namespace {
 
 const QString companion = QStringLiteral("tilewright");
 
+/// What KWin does to a window before it is dragged, as a script says it.
+constexpr const char* maximized = "active().setMaximize(true, true)";
+constexpr const char* tiled = "workspace.slotWindowQuickTileRight()";
+
 /// Where, and how, a window is dropped: what KWin would do with it there is another thing.
 struct Drop {
     const char* name;
     QPoint at;
-    bool isMaximizedBefore = false;
+    const char* before = nullptr;
     std::optional<KernelKey> more = std::nullopt;
 
     friend std::ostream& operator<<(std::ostream& out, const Drop& drop) {
@@ -34,14 +38,17 @@ INSTANTIATE_TEST_SUITE_P(
         std::tuple(CompositorClient::qt, Drop{"InTheMiddle", inTheMiddle}),
         std::tuple(CompositorClient::gtk4, Drop{"InTheMiddle", inTheMiddle}),
         std::tuple(CompositorClient::xwayland, Drop{"InTheMiddle", inTheMiddle}),
-        std::tuple(CompositorClient::qt, Drop{"WhenItWasMaximized", inTheMiddle, true}),
-        std::tuple(CompositorClient::gtk4, Drop{"WhenItWasMaximized", inTheMiddle, true}),
-        std::tuple(CompositorClient::xwayland, Drop{"WhenItWasMaximized", inTheMiddle, true}),
+        std::tuple(CompositorClient::qt, Drop{"WhenItWasMaximized", inTheMiddle, maximized}),
+        std::tuple(CompositorClient::gtk4, Drop{"WhenItWasMaximized", inTheMiddle, maximized}),
+        std::tuple(CompositorClient::xwayland, Drop{"WhenItWasMaximized", inTheMiddle, maximized}),
+        std::tuple(CompositorClient::qt, Drop{"WhenItWasTiled", inTheMiddle, tiled}),
+        std::tuple(CompositorClient::gtk4, Drop{"WhenItWasTiled", inTheMiddle, tiled}),
+        std::tuple(CompositorClient::xwayland, Drop{"WhenItWasTiled", inTheMiddle, tiled}),
         std::tuple(CompositorClient::qt, Drop{"AtTheUpperEdge", {1500, 0}}),
         std::tuple(CompositorClient::gtk4, Drop{"AtTheRightEdge", {1919, 200}}),
         std::tuple(CompositorClient::xwayland, Drop{"InTheUpperRightCorner", {1919, 0}}),
         std::tuple(CompositorClient::gtk4,
-                   Drop{"WithShift", inTheMiddle, false, KernelKey::shift})),
+                   Drop{"WithShift", inTheMiddle, nullptr, KernelKey::shift})),
     [](const auto& parameter) {
         return std::string(name(std::get<CompositorClient>(parameter.param))) +
                std::get<Drop>(parameter.param).name;
@@ -50,9 +57,9 @@ INSTANTIATE_TEST_SUITE_P(
 TEST_P(ProgramDrag, WithControlShowsTheZonesAndEndsInTheOneUnderThePointer) {
     const auto& [client, dropped] = GetParam();
     const QString title = session.startClient(client, start);
-    if (dropped.isMaximizedBefore) {
-        session.tell(QStringLiteral("active().setMaximize(true, true)"));
-        ASSERT_TRUE(waitUntil([&] { return session.frame(title).width() == 1920; }));
+    if (dropped.before) {
+        session.tell(QString::fromLatin1(dropped.before));
+        ASSERT_TRUE(waitUntil([&] { return session.frame(title).height() == 1080; }));
     }
     dragToFirstZone(title);
     if (dropped.more)
@@ -66,6 +73,8 @@ TEST_P(ProgramDrag, WithControlShowsTheZonesAndEndsInTheOneUnderThePointer) {
     if (dropped.more)
         session.input().releaseKey(*dropped.more);
     EXPECT_TRUE(endsIn(title, zone(1))) << session.describe();
+    EXPECT_FALSE(session.isWindow(title, QStringLiteral("tile")));
+    EXPECT_FALSE(session.isWindow(title, QStringLiteral("maximizeMode")));
     EXPECT_TRUE(waitUntil([&] { return !isHighlighted(zone(1)); }));
 }
 
@@ -138,6 +147,36 @@ TEST_P(ProgramWithModifier, SnapsWithThatKeyAndNoOther) {
 
 TEST_F(ProgramInPlasma, TakesNoPartInADragThatEscapeCancelsOrThatHasNoControl) {
     expectNoPartAfterEscapeAndWithoutControl(session.startClient(CompositorClient::qt, start));
+}
+
+TEST_F(ProgramInPlasma, TakesNoPartInAMoveOrAResizeByTheKeyboard) {
+    const QString title = session.startClient(CompositorClient::qt, start);
+    const auto isAskedForZones = [&] {
+        session.input().pressKey(KernelKey::control);
+        session.input().glide(zone(1).center());
+        const bool shows =
+            !staysTrue([&] { return !isHighlighted(zone(1)); }, std::chrono::milliseconds(500));
+        session.input().releaseKey(KernelKey::control);
+        session.input().tap(KernelKey::enter);
+        return shows;
+    };
+    session.tell(QStringLiteral("workspace.slotWindowMove()"));
+    ASSERT_TRUE(waitUntil([&] { return session.isDragging(); }));
+    EXPECT_FALSE(isAskedForZones());
+    ASSERT_TRUE(waitUntil([&] { return !session.isDragging(); }));
+    EXPECT_EQ(session.frame(title).size(), start.size());
+    EXPECT_TRUE(session.frame(title).contains(zone(1).center()));
+
+    session.place(title, start);
+    session.tell(QStringLiteral("workspace.slotWindowResize()"));
+    ASSERT_TRUE(waitUntil([&] { return session.isWindow(title, QStringLiteral("resize")); }));
+    EXPECT_FALSE(isAskedForZones());
+    ASSERT_TRUE(waitUntil([&] { return !session.isWindow(title, QStringLiteral("resize")); }));
+    EXPECT_EQ(session.frame(title).topLeft(), start.topLeft());
+
+    dragToFirstZone(title);
+    drop();
+    EXPECT_TRUE(endsIn(title, zone(0))) << session.describe();
 }
 
 TEST_F(ProgramInPlasma, LeavesNothingWhenItIsKilledInMidDrag) {
