@@ -3,6 +3,7 @@
 #include "KWinCompanionScript.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QStandardPaths>
 #include <utility>
 
@@ -12,6 +13,10 @@ namespace {
 
 /// More are never on their way to KWin at a time.
 constexpr std::size_t mostFiles = 8;
+
+QString filesOfThisProcess() {
+    return QStringLiteral("tilewright-%1-%2.js").arg(QCoreApplication::applicationPid());
+}
 
 QDBusMessage callToKWin(const QString& path, const QString& interface, const QString& method) {
     QDBusMessage message =
@@ -62,6 +67,10 @@ QString KWinCompanion::runtimeFolder() {
 KWinCompanion::KWinCompanion(MessageBus& bus, QString folder)
     : bus_(bus)
     , folder_(std::move(folder)) {
+    // A former life of this process, or of one with its number, may have had no time to do so.
+    QDir files(folder_, filesOfThisProcess().arg(QStringLiteral("*")));
+    for (const QString& file : files.entryList(QDir::Files))
+        files.remove(file);
     connect(&bus_, &MessageBus::joined, this, &KWinCompanion::joinBus);
     connect(&bus_, &MessageBus::left, this, &KWinCompanion::leaveBus);
     if (bus_.isJoined())
@@ -148,7 +157,8 @@ void KWinCompanion::load(const QString& name, const QString& path, std::function
 }
 
 QString KWinCompanion::write(const QByteArray& lastLine) {
-    auto file = std::make_unique<QTemporaryFile>(folder_ + QStringLiteral("/tilewright-XXXXXX.js"));
+    auto file = std::make_unique<QTemporaryFile>(
+        folder_ + u'/' + filesOfThisProcess().arg(QStringLiteral("XXXXXX")));
     const QByteArray text = kwinCompanionScript() + lastLine + ";\n";
     if (!file->open() || file->write(text) != text.size() || !file->flush())
         return {};

@@ -41,6 +41,24 @@ TEST_F(KWinCompanionTest, IsHandedToTheKWinThatIsThereAndTakenBackAtTheEnd) {
     EXPECT_EQ(files(), 0);
 }
 
+TEST_F(KWinCompanionTest, TakesAwayWhatAFormerLifeOfItsProcessHasLeft) {
+    const qint64 pid = QCoreApplication::applicationPid();
+    const auto write = [&](qint64 process) {
+        QFile file(folder.filePath(QStringLiteral("tilewright-%1-abcdef.js").arg(process)));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+    };
+    write(pid);
+    write(pid + 1);
+    auto companion = makeCompanion();
+    EXPECT_EQ(files(), 1);
+    MockKWin kwin(bus.connect());
+    EXPECT_TRUE(waitUntil([&] { return kwin.hasCompanion(); }));
+    const QStringList names = {QStringLiteral("tilewright-%1-*.js").arg(pid)};
+    EXPECT_EQ(QDir(folder.path()).entryList(names, QDir::Files).size(), 1);
+    companion.reset();
+    EXPECT_EQ(files(), 1) << "another process's";
+}
+
 TEST_F(KWinCompanionTest, IsHandedToEveryKWinThatComes) {
     const auto companion = makeCompanion();
     EXPECT_EQ(companion->state(), KWinCompanion::State::unknown);
