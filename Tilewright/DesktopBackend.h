@@ -3,6 +3,7 @@
 #include <Platform/Platform.h>
 
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -13,8 +14,10 @@ namespace tilewright {
 class DesktopBackend {
 public:
     /// Looks around, before Qt is told which platform to use. Null, after saying on standard error
-    /// what was looked for, when there is no desktop.
-    [[nodiscard]] static std::unique_ptr<DesktopBackend> find();
+    /// what was looked for, when there is no desktop. The process's arguments tell of a former life
+    /// in which it lost its desktop: then it is waited for until it has come back; null, in
+    /// silence, when it does not.
+    [[nodiscard]] static std::unique_ptr<DesktopBackend> find(std::span<char*> arguments = {});
 
     DesktopBackend() = default;
     DesktopBackend(const DesktopBackend&) = delete;
@@ -31,6 +34,10 @@ public:
     /// Opens the desktop; null, after saying why on standard error, when it is gone by now. Needs
     /// Qt's application object, and the platform has to end before that.
     [[nodiscard]] virtual std::unique_ptr<Platform> open() const = 0;
+    /// To be held while the application runs: takes up what ran when its former life lost its
+    /// desktop, and lets it outlive such a loss where this desktop may come back. Null where that
+    /// is nothing. Needs the platform that was opened to be installed, and has to end before that.
+    [[nodiscard]] virtual std::shared_ptr<void> beginLife() const = 0;
 };
 
 } // namespace tilewright

@@ -6,18 +6,25 @@
 #include <Gnome/GnomeExtension.h>
 #include <Gnome/GnomePlatform.h>
 #include <Plasma/KWinCompanion.h>
+#include <Plasma/KWinReturn.h>
 #include <Plasma/PlasmaPlatform.h>
+#include <Platform/QtMainLoop.h>
 #include <Tilewright/DesktopChoice.h>
+#include <Tilewright/Legacy.h>
+#include <Tilewright/Succession.h>
 #include <Wayland/WaylandPlatform.h>
 #include <X11/X11Platform.h>
 #include <X11/X11ServerProbe.h>
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QLibraryInfo>
 #include <QProcessEnvironment>
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
+#include <optional>
 
 namespace tilewright {
 
@@ -25,9 +32,10 @@ namespace {
 
 class LinuxBackend : public DesktopBackend {
 public:
-    [[nodiscard]] std::shared_ptr<void> precaution() const final {
+    [[nodiscard]] std::shared_ptr<void> precaution() const override {
         return std::make_shared<BusPrecaution>();
     }
+    [[nodiscard]] std::shared_ptr<void> beginLife() const override { return nullptr; }
 };
 
 class X11Backend final : public LinuxBackend {
@@ -50,7 +58,7 @@ private:
 };
 
 template<class Desktop>
-class WaylandBackend final : public LinuxBackend {
+class WaylandBackend : public LinuxBackend {
 public:
     [[nodiscard]] std::vector<std::string> qtArguments() const override {
         return {"-platform", "wayland"};
@@ -59,6 +67,55 @@ public:
         return std::make_unique<Desktop>();
     }
 };
+
+/// Plasma 6 has Qt connect to the next KWin by itself, with whatever was there in the midst of what
+/// it did. To begin anew, as with every other version, is the surer way: what Plasma says stays
+/// with the programs that this one starts.
+class ReconnectPrecaution {
+public:
+    ReconnectPrecaution()
+        : wish_(qgetenv(variable)) {
+        qunsetenv(variable);
+    }
+    ReconnectPrecaution(const ReconnectPrecaution&) = delete;
+    ReconnectPrecaution& operator=(const ReconnectPrecaution&) = delete;
+    ~ReconnectPrecaution() {
+        if (!wish_.isNull())
+            qputenv(variable, wish_);
+    }
+
+private:
+    static constexpr auto variable = "QT_WAYLAND_RECONNECT";
+    const QByteArray wish_;
+    const BusPrecaution bus_;
+};
+
+/// KWin may end and come back within a session.
+class PlasmaBackend final : public WaylandBackend<PlasmaPlatform> {
+public:
+    PlasmaBackend(std::string name, const Legacy& former)
+        : succession_(std::make_unique<Succession>(std::move(name), former)) {}
+
+    [[nodiscard]] std::shared_ptr<void> precaution() const override {
+        return std::make_shared<ReconnectPrecaution>();
+    }
+    [[nodiscard]] std::shared_ptr<void> beginLife() const override { return succession_->begin(); }
+
+private:
+    std::unique_ptr<Succession> succession_;
+};
+
+/// Waits for it, for as long as there is hope.
+bool isKWinBack(std::span<char*> arguments) {
+    int count = static_cast<int>(arguments.size());
+    const QCoreApplication application(count, arguments.data());
+    QtMainLoop loop;
+    MessageBus bus(loop, MessageBus::Kind::session);
+    const KWinReturn kwin(loop, bus, waylandSocketPath(QProcessEnvironment::systemEnvironment()));
+    QObject::connect(&kwin, &KWinReturn::returned, [] { QCoreApplication::exit(EXIT_SUCCESS); });
+    QObject::connect(&kwin, &KWinReturn::missing, [] { QCoreApplication::exit(EXIT_FAILURE); });
+    return QCoreApplication::exec() == EXIT_SUCCESS;
+}
 
 SessionFacts::XServer factOf(X11Server server) {
     switch (server) {
@@ -86,7 +143,10 @@ bool hasQtWaylandPlugin(const QProcessEnvironment& environment) {
 
 } // namespace
 
-std::unique_ptr<DesktopBackend> DesktopBackend::find() {
+std::unique_ptr<DesktopBackend> DesktopBackend::find(std::span<char*> arguments) {
+    const std::optional<Legacy> former = Legacy::in(arguments);
+    if (former && !isKWinBack(arguments))
+        return nullptr;
     const QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     SessionFacts facts;
     facts.xServer = factOf(probeX11Server());
@@ -108,7 +168,8 @@ std::unique_ptr<DesktopBackend> DesktopBackend::find() {
     case DesktopChoice::gnome:
         return std::make_unique<WaylandBackend<GnomePlatform>>();
     case DesktopChoice::plasma:
-        return std::make_unique<WaylandBackend<PlasmaPlatform>>();
+        return std::make_unique<PlasmaBackend>(arguments.empty() ? "tilewright" : arguments[0],
+                                               former.value_or(Legacy()));
     case DesktopChoice::none:
         break;
     }

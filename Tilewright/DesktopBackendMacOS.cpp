@@ -21,11 +21,12 @@ public:
     [[nodiscard]] std::unique_ptr<Platform> open() const override {
         return std::make_unique<MacPlatform>();
     }
+    [[nodiscard]] std::shared_ptr<void> beginLife() const override { return nullptr; }
 };
 
 } // namespace
 
-std::unique_ptr<DesktopBackend> DesktopBackend::find() {
+std::unique_ptr<DesktopBackend> DesktopBackend::find(std::span<char*> /*arguments*/) {
     return std::make_unique<MacBackend>();
 }
 

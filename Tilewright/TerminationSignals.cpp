@@ -12,9 +12,11 @@ namespace {
 /// The end that the signal handler writes to; nothing but async-signal-safe calls may be made
 /// there.
 volatile sig_atomic_t writingEnd = -1;
+volatile sig_atomic_t hasSignalCome = 0;
 
 extern "C" void passOnTerminationSignal(int /*signal*/) {
     const int formerError = errno;
+    hasSignalCome = 1;
     const char byte = 1;
     // A full socket already holds the news.
     [[maybe_unused]] const ssize_t written = write(writingEnd, &byte, sizeof byte);
@@ -27,6 +29,7 @@ TerminationSignals::TerminationSignals(QObject* parent)
     : QObject(parent) {
     if (socketpair(AF_UNIX, SOCK_STREAM, 0, sockets_.data()) != 0)
         return;
+    hasSignalCome = 0;
     for (const int socket : sockets_) {
         fcntl(socket, F_SETFD, FD_CLOEXEC);
         fcntl(socket, F_SETFL, O_NONBLOCK);
@@ -59,6 +62,10 @@ TerminationSignals::~TerminationSignals() {
     writingEnd = -1;
     for (const int socket : sockets_)
         close(socket);
+}
+
+bool TerminationSignals::hasCome() {
+    return hasSignalCome != 0;
 }
 
 } // namespace tilewright

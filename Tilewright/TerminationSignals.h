@@ -18,6 +18,10 @@ public:
     explicit TerminationSignals(QObject* parent = nullptr);
     ~TerminationSignals() override;
 
+    /// Whether one has come that was turned into a call, even where that has yet to be made. Any
+    /// thread.
+    [[nodiscard]] static bool hasCome();
+
 Q_SIGNALS:
     void terminationRequested();
 

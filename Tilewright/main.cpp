@@ -10,7 +10,8 @@
 
 int main(int argc, char** argv) {
     using namespace tilewright;
-    const std::unique_ptr<DesktopBackend> desktop = DesktopBackend::find();
+    const std::unique_ptr<DesktopBackend> desktop =
+        DesktopBackend::find({argv, static_cast<std::size_t>(argc)});
     if (!desktop)
         return EXIT_FAILURE;
     std::vector<std::string> arguments = desktop->qtArguments();
@@ -35,5 +36,6 @@ int main(int argc, char** argv) {
         return EXIT_SUCCESS;
     const Platform::Installation installation(*platform);
     TilewrightApp app;
+    const std::shared_ptr<void> life = desktop->beginLife();
     return app.run();
 }

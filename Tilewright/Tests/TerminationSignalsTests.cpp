@@ -35,10 +35,12 @@ protected:
 TEST_F(TerminationSignalsTest, TurnsEachSignalIntoACallFromTheEventLoop) {
     const TerminationSignals termination;
     QSignalSpy requested(&termination, &TerminationSignals::terminationRequested);
+    EXPECT_FALSE(TerminationSignals::hasCome());
     int expected = 0;
     for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
         ASSERT_EQ(std::raise(number), 0);
         EXPECT_EQ(requested.size(), expected) << "within the signal's handler";
+        EXPECT_TRUE(TerminationSignals::hasCome());
         ++expected;
         EXPECT_TRUE(waitUntil([&] { return requested.size() == expected; }));
     }
@@ -75,6 +77,7 @@ TEST_F(TerminationSignalsTest, LeavesASignalIgnoredThatTheProcessWasStartedToIgn
         ASSERT_EQ(std::raise(SIGHUP), 0);
         QCoreApplication::processEvents();
         EXPECT_EQ(requested.size(), 0);
+        EXPECT_FALSE(TerminationSignals::hasCome());
     }
     EXPECT_EQ(handlerOf(SIGHUP), SIG_IGN);
     std::signal(SIGHUP, SIG_DFL);

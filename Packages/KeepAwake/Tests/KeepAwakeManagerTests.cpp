@@ -132,6 +132,28 @@ TEST_F(KeepAwakeManagerTest, AFractionalDurationEndsAtTheFirstCountOfZeroOrLess)
     expectInactive();
 }
 
+TEST_F(KeepAwakeManagerTest, ResumesATimedSessionWithWhatIsLeftOfIt) {
+    manager.resume(quarter, 2);
+    expectActive(quarter, 2);
+    loop.advance(1s);
+    expectActive(quarter, 1);
+    loop.advance(1s);
+    expectInactive();
+}
+
+TEST_F(KeepAwakeManagerTest, ResumesAnIndefiniteSessionAsItWas) {
+    manager.resume(indefinite, 7);
+    expectActive(indefinite, 0);
+}
+
+TEST_F(KeepAwakeManagerTest, ResumesNothingWithoutAnAssertion) {
+    power.failure = 5;
+    for (const auto& session : {indefinite, quarter}) {
+        manager.resume(session, 2);
+        expectInactive();
+    }
+}
+
 TEST_F(KeepAwakeManagerTest, AFailedAssertionLeavesItInactive) {
     power.failure = 5;
     for (const auto& session : {indefinite, quarter}) {

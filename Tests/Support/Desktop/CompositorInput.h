@@ -11,6 +11,7 @@ enum class KernelKey : unsigned {
     control = 29,
     shift = 42,
     alt = 56,
+    space = 57,
     super = 125
 };
 

@@ -33,6 +33,12 @@ void KeepAwakeManager::activate(const KeepAwakeSession& session) {
     }
 }
 
+void KeepAwakeManager::resume(const KeepAwakeSession& session, double remainingSeconds) {
+    activate(session);
+    if (isActive() && session.asTimed())
+        remainingSeconds_ = remainingSeconds;
+}
+
 void KeepAwakeManager::deactivate() {
     if (timer_)
         timer_->invalidate();

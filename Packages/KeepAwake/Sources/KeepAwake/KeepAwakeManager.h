@@ -33,6 +33,9 @@ public:
 
     /// Ends any running session, then starts this one.
     void activate(const KeepAwakeSession& session);
+    /// Starts a session as `activate` does; a timed one with these seconds left of its duration, as
+    /// when it has run for a while already.
+    void resume(const KeepAwakeSession& session, double remainingSeconds);
     /// Ends whatever runs.
     void deactivate();
 
