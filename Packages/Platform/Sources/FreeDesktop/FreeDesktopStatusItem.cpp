@@ -3,8 +3,10 @@
 #include "StatusNotifierPixmap.h"
 
 #include <QDBusConnection>
+#include <QLibraryInfo>
 #include <QStandardPaths>
 #include <QSystemTrayIcon>
+#include <QVersionNumber>
 #include <array>
 #include <cmath>
 #include <dlfcn.h>
@@ -34,6 +36,12 @@ QIcon trayIcon(const QIcon& icon) {
     for (const int size : sizes)
         tray.addPixmap(QPixmap::fromImage(recoloured(icon, size, iconColorForAnyBar())));
     return tray;
+}
+
+/// Whether Qt puts tray icons on the bus for a watcher that has no host: 6.4 asked for one, 6.8
+/// does not.
+bool isWatcherEnoughForQt() {
+    return QLibraryInfo::version() >= QVersionNumber(6, 5);
 }
 
 /// Ends a connection for all who hold it, as when its bus dies; giving up its name would leave it
@@ -103,7 +111,9 @@ void FreeDesktopStatusItem::chooseHost() {
         systemTray_.reset();
         return;
     }
-    if (notifierItem_.trust() == StatusNotifierItem::Trust::none && endBusOfQt())
+    const bool wouldQtTakeTheBus = notifierItem_.trust() == StatusNotifierItem::Trust::none ||
+                                   (isWatcherEnoughForQt() && notifierItem_.hasWatcher());
+    if (wouldQtTakeTheBus && endBusOfQt())
         return;
     systemTray_ = std::make_unique<QSystemTrayIcon>();
     systemTray_->setIcon(systemTrayIcon());
@@ -114,8 +124,9 @@ void FreeDesktopStatusItem::chooseHost() {
 }
 
 bool FreeDesktopStatusItem::endBusOfQt() {
-    // Qt asks the watcher for its host too before it makes its first tray icon, and believes
-    // whatever it says, or waits for 25 s. It leaves that out where its bus is gone.
+    // Qt asks for the watcher, and older ones for its host, too before it makes its first tray
+    // icon, and believes whatever they are told, or waits for 25 s. It leaves that out where its
+    // bus is gone.
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected())
         return false;

@@ -48,6 +48,8 @@ public:
     [[nodiscard]] bool isHosted() const { return isHosted_; }
     /// Whether the bus has told if there is a host, or has had its time.
     [[nodiscard]] bool isSettled() const { return isSettled_; }
+    /// Whether somebody keeps the list of items, be there a host or not.
+    [[nodiscard]] bool hasWatcher() const { return !heard_.isEmpty(); }
     /// None after a watcher, or the bus, has not answered in time or said what makes no sense.
     [[nodiscard]] Trust trust() const { return trust_; }
 
