@@ -193,7 +193,8 @@ void PlasmaSession::startCompositor() {
     const QString witness = home() + QStringLiteral("/x-server.sh");
     writeFile(witness, "#!/bin/sh\nprintf '%s\\n' \"$DISPLAY\" \"$XAUTHORITY\" >\"$HOME" +
                            xServerFile.toUtf8() + "\"\n");
-    EXPECT_TRUE(QFile::setPermissions(witness, QFile::ReadOwner | QFile::ExeOwner));
+    EXPECT_TRUE(
+        QFile::setPermissions(witness, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
     EXPECT_TRUE(CompositorSession::startCompositor(
         program,
         backend + QStringList{QStringLiteral("--output-count"), QString::number(displays_.size()),

@@ -181,7 +181,8 @@ void* WaylandConnection::bound(const WaylandOffer& offer, const wl_interface& in
 }
 
 void WaylandConnection::flush() {
-    if (!display_)
+    // While it is being told that it is lost, there are no notifiers any more.
+    if (!display_ || !writable_)
         return;
     const bool isFull = wl_display_flush(display_.get()) < 0 && errno == EAGAIN;
     writable_->setEnabled(isFull);

@@ -86,6 +86,19 @@ TEST_F(WaylandConnectionTest, ComesBackWithTheNextCompositorAtTheSameSocket) {
     }
 }
 
+TEST_F(WaylandConnectionTest, CanBeFlushedByWhomItTellsThatItIsLost) {
+    connect();
+    bool wasTold = false;
+    QObject::connect(&connection, &WaylandConnection::lost, &connection, [&] {
+        connection.flush();
+        wasTold = true;
+    });
+    compositor.reset();
+    EXPECT_TRUE(waitUntil([&] { return wasTold; }));
+    start();
+    EXPECT_TRUE(waitUntil([&] { return connection.isReady(); }));
+}
+
 TEST_F(WaylandConnectionTest, FindsACompositorThatListensAMomentAfterItHasMadeItsSocket) {
     const FileDescriptor socket = socketAt(socketPath());
     // What the folder has told is told before this.
