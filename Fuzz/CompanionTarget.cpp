@@ -82,6 +82,7 @@ struct Checker {
         check(message.pointer);
     }
     void operator()(const CompanionPointerPlace& message) const { check(message.pointer); }
+    void operator()(const CompanionMotionWish&) const {}
     void operator()(const CompanionPanelAwaited&) const {}
     void operator()(const CompanionPressOutside&) const {}
     void operator()(const CompanionGone&) const {}
@@ -98,7 +99,9 @@ bool checkCompanionMessage(const QByteArray& bytes) {
         return false;
     std::visit(Checker(), *message);
     CompanionState state;
-    state.take(CompanionHello{CompanionDecoder::protocol, {}, {}, {}, {}, {}});
+    CompanionHello hello;
+    hello.protocol = CompanionDecoder::protocol;
+    state.take(hello);
     state.take(*message);
     state.take(*message);
     state.lose();

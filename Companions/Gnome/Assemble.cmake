@@ -5,7 +5,7 @@
 cmake_minimum_required(VERSION 3.22)
 
 set(parts Checks Signals Keys Windows ProgramLink Outbox ToldWindows Displays DragWatch FrameWriter Overlay
-  BarItem OwnWindows Companion)
+  BarItem OwnWindows MotionWish Companion)
 set(icons "${CMAKE_CURRENT_LIST_DIR}/../../Packaging/icons")
 
 string(REPLACE "\\" "\\\\" program "${PROGRAM}")

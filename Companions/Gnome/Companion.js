@@ -53,7 +53,10 @@ class Companion {
     _greet(displays) {
         this._watch();
         const {pointer, keys} = readPointer();
-        const hello = {protocol: PROTOCOL, shell: Config.PACKAGE_VERSION, displays, focus: this._focus(), pointer, keys};
+        const hello = {
+            protocol: PROTOCOL, shell: Config.PACKAGE_VERSION, displays, focus: this._focus(), pointer, keys,
+            reducedMotion: this._motion.isReduced,
+        };
         this._link.call('Hello', hello, answer => {
             const isUnderstood = answer !== null && (answer.protocol ?? PROTOCOL) === PROTOCOL;
             if (!isUnderstood)
@@ -76,7 +79,9 @@ class Companion {
             pressedOutside: overview => this._tell('PressOutside', {overview}),
         });
         this._told = new ToldWindows(this._outbox);
-        this._parts = [this._drag, this._windows, this._frames, this._item, this._overlay, this._told, this._outbox];
+        this._motion = new MotionWish(reduced => this._tell('MotionWish', {reduced}));
+        this._parts = [this._drag, this._windows, this._frames, this._item, this._overlay, this._told, this._motion,
+            this._outbox];
         this._signals = new Signals();
         this._signals.connect(global.display, 'notify::focus-window', () => this._tell('Focus', {focus: this._focus()}));
         this._signals.connect(global.display, 'grab-op-begin', (_display, window) => this._grabbed(window));

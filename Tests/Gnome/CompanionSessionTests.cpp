@@ -66,6 +66,27 @@ TEST_F(CompanionTest, TellsOfTheWindowInFrontThePointerAndTheWorkArea) {
     }));
 }
 
+TEST_F(CompanionTest, TellsOfTheWishForLessMotion) {
+    const QString setting =
+        QStringLiteral("new imports.gi.Gio.Settings({schema_id: 'org.gnome.desktop.interface'})"
+                       ".set_boolean('enable-animations', %1)");
+    greet();
+    EXPECT_EQ(program->last(hello)[QStringLiteral("reducedMotion")], QJsonValue(false));
+    for (const bool isReduced : {true, false}) {
+        session.tell(setting.arg(isReduced ? QStringLiteral("false") : QStringLiteral("true")));
+        EXPECT_TRUE(waitUntil([&] {
+            return program->last(QStringLiteral("MotionWish"))[QStringLiteral("reduced")] ==
+                   QJsonValue(isReduced);
+        })) << session.describe();
+    }
+    session.tell(setting.arg(QStringLiteral("false")));
+    session.setCompanionEnabled(false);
+    const int greetings = program->count(hello);
+    session.setCompanionEnabled(true);
+    ASSERT_TRUE(program->waitFor(hello, greetings));
+    EXPECT_EQ(program->last(hello)[QStringLiteral("reducedMotion")], QJsonValue(true));
+}
+
 TEST(Companion, SaysNothingToAnotherProgramThatTookTheName) {
     GnomeSession session(QStringLiteral("/usr/bin/tilewright"));
     FakeProgram stranger(session.busAddress());

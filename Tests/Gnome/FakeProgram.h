@@ -53,6 +53,7 @@ public Q_SLOTS:
     QString Hello(const QString& body) { return take(QStringLiteral("Hello"), body); }
     QString Displays(const QString& body) { return take(QStringLiteral("Displays"), body); }
     QString Focus(const QString& body) { return take(QStringLiteral("Focus"), body); }
+    QString MotionWish(const QString& body) { return take(QStringLiteral("MotionWish"), body); }
     QString DragBegin(const QString& body) { return take(QStringLiteral("DragBegin"), body); }
     QString DragMotion(const QString& body) { return take(QStringLiteral("DragMotion"), body); }
     QString DragEnd(const QString& body) { return take(QStringLiteral("DragEnd"), body); }

@@ -69,6 +69,9 @@ public:
         require(object_[key].isBool());
         return object_[key].toBool();
     }
+    [[nodiscard]] std::optional<bool> truthIfAny(Key key) {
+        return has(key) ? std::optional(truth(key)) : std::nullopt;
+    }
     /// Empty where there is none.
     [[nodiscard]] QString text(Key key) {
         QString value = object_[key].toString();
@@ -182,7 +185,8 @@ CompanionHello hello(Fields& fields) {
     message.focus = fields.windowIfAny(Key("focus"));
     message.pointer = fields.point(Key("pointer"));
     message.keys = fields.keys();
-    message.tellsKeys = !fields.has(Key("tellsKeys")) || fields.truth(Key("tellsKeys"));
+    message.reducedMotion = fields.truthIfAny(Key("reducedMotion"));
+    message.tellsKeys = fields.truthIfAny(Key("tellsKeys")).value_or(true);
     return message;
 }
 
@@ -204,6 +208,8 @@ std::optional<CompanionMessage> read(QStringView method, Fields& fields) {
         return CompanionDisplays{fields.displays()};
     if (method == u"Focus")
         return CompanionFocus{fields.windowIfAny(Key("focus"))};
+    if (method == u"MotionWish")
+        return CompanionMotionWish{fields.truth(Key("reduced"))};
     if (method == u"DragBegin")
         return drag(fields, Step::begin);
     if (method == u"DragMotion")

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CompanionAccessibility.h"
+#include "CompanionAppearance.h"
 #include "CompanionBus.h"
 #include "CompanionEventMonitors.h"
 #include "CompanionInstanceActivation.h"
@@ -16,7 +17,6 @@
 #include <FreeDesktop/FreeDesktopUserNotifications.h>
 #include <FreeDesktop/InhibitingPowerAssertions.h>
 #include <FreeDesktop/MessageBus.h>
-#include <FreeDesktop/PortalAppearance.h>
 #include <Platform/PanelSurface.h>
 #include <Platform/Platform.h>
 #include <Platform/QtMainLoop.h>
@@ -53,9 +53,9 @@ struct CompanionDesktop {
     MessageBus systemBus{mainLoop, MessageBus::Kind::system};
     FreeDesktopUserNotifications userNotifications{sessionBus};
     InhibitingPowerAssertions powerAssertions{mainLoop, nullptr, sessionBus, systemBus};
-    PortalAppearance appearance{sessionBus};
 
     CompanionState state;
+    CompanionAppearance appearance{sessionBus, state};
     CompanionOutbox outbox;
     CompanionScreens screens{state};
     CompanionPointer pointer{state, screens};

@@ -78,6 +78,8 @@ struct CompanionHello {
     ModifierFlags keys;
     /// The keys in its messages are those that are down; else somebody else has to tell them.
     bool tellsKeys = true;
+    /// Whether the user wishes for less motion; none where the companion does not say.
+    std::optional<bool> reducedMotion;
 
     friend bool operator==(const CompanionHello&, const CompanionHello&) = default;
 };
@@ -94,6 +96,13 @@ struct CompanionFocus {
     std::optional<CompanionWindow> window;
 
     friend bool operator==(const CompanionFocus&, const CompanionFocus&) = default;
+};
+
+/// The user wishes for less motion by now, or for all of it.
+struct CompanionMotionWish {
+    bool isReduced = false;
+
+    friend bool operator==(const CompanionMotionWish&, const CompanionMotionWish&) = default;
 };
 
 /// A step of a window's being dragged by the user.
@@ -159,8 +168,8 @@ struct CompanionPoll {
 };
 
 using CompanionMessage =
-    std::variant<CompanionHello, CompanionDisplays, CompanionFocus, CompanionDrag,
-                 CompanionFrameSettled, CompanionItemClick, CompanionPanelAwaited,
+    std::variant<CompanionHello, CompanionDisplays, CompanionFocus, CompanionMotionWish,
+                 CompanionDrag, CompanionFrameSettled, CompanionItemClick, CompanionPanelAwaited,
                  CompanionPressOutside, CompanionPointerPlace, CompanionGone, CompanionPoll>;
 
 } // namespace tilewright

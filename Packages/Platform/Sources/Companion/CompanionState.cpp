@@ -51,6 +51,7 @@ void CompanionState::hear(const CompanionHello& hello) {
     active_.clear();
     lastSerial_ = 0;
     shell_ = hello.shell;
+    reducedMotion_ = hello.reducedMotion;
     displays_ = hello.displays;
     pointer_ = hello.pointer;
     if (hello.focus)
@@ -62,6 +63,7 @@ void CompanionState::hear(const CompanionHello& hello) {
     if (!wasConnected)
         Q_EMIT connectedChanged();
     Q_EMIT keySourceChanged();
+    Q_EMIT reducedMotionTold();
     Q_EMIT focusChanged();
     hearKeys(hello.keys, false);
 }
@@ -77,6 +79,11 @@ void CompanionState::hear(const CompanionFocus& message) {
         return;
     noteActive(*message.window);
     Q_EMIT focusChanged();
+}
+
+void CompanionState::hear(const CompanionMotionWish& message) {
+    reducedMotion_ = message.isReduced;
+    Q_EMIT reducedMotionTold();
 }
 
 void CompanionState::hear(const CompanionDrag& message) {

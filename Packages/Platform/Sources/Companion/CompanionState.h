@@ -35,6 +35,9 @@ public:
     [[nodiscard]] bool hasKeys() const { return doesCompanionTellKeys_ || keysOfOthers_; }
     /// What the companion that introduced itself last said of its compositor.
     [[nodiscard]] const QString& shell() const { return shell_; }
+    /// Whether the user wishes for less motion, as the companion that introduced itself last has
+    /// it; none where it does not say.
+    [[nodiscard]] std::optional<bool> prefersReducedMotion() const { return reducedMotion_; }
     /// The displays in the companion's order; empty as long as none has been told of.
     [[nodiscard]] const std::vector<CompanionDisplay>& displays() const { return displays_; }
     /// None as long as none has been told of.
@@ -58,6 +61,8 @@ Q_SIGNALS:
     void connectedChanged();
     /// `hasKeys()` may have another answer than before.
     void keySourceChanged();
+    /// `prefersReducedMotion()` may have another answer than before.
+    void reducedMotionTold();
     /// `displays()` may have another answer than before.
     void displaysChanged();
     /// Another window has the focus by now, be it this program's own.
@@ -81,6 +86,7 @@ private:
     void hear(const CompanionHello& hello);
     void hear(const CompanionDisplays& message);
     void hear(const CompanionFocus& message);
+    void hear(const CompanionMotionWish& message);
     void hear(const CompanionDrag& message);
     void hear(const CompanionFrameSettled& message);
     void hear(const CompanionItemClick& message);
@@ -101,6 +107,7 @@ private:
 
     bool isConnected_ = false;
     QString shell_;
+    std::optional<bool> reducedMotion_;
     std::vector<CompanionDisplay> displays_;
     std::optional<CompanionPoint> pointer_;
     /// As they were told to the monitors last.

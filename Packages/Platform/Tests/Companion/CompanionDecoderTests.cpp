@@ -57,6 +57,20 @@ TEST(CompanionDecoder, TakesACompanionThatDoesNotSayOtherwiseForOneThatTellsTheK
     EXPECT_EQ(tellsKeys(R"("tellsKeys":1,)"), std::nullopt);
 }
 
+TEST(CompanionDecoder, ReadsTheWishForLessMotionWhereACompanionTellsIt) {
+    const auto greeted = [](const QByteArray& field) {
+        return decodeAs<CompanionHello>("Hello", "{" + field + helloText().mid(1));
+    };
+    EXPECT_EQ(greeted("")->reducedMotion, std::nullopt) << "an older one";
+    EXPECT_EQ(greeted(R"("reducedMotion":null,)")->reducedMotion, std::nullopt);
+    EXPECT_EQ(greeted(R"("reducedMotion":true,)")->reducedMotion, true);
+    EXPECT_EQ(greeted(R"("reducedMotion":false,)")->reducedMotion, false);
+    EXPECT_FALSE(greeted(R"("reducedMotion":1,)"));
+    EXPECT_EQ(decodeAs<CompanionMotionWish>("MotionWish", R"({"reduced":true})"),
+              CompanionMotionWish{true});
+    EXPECT_FALSE(decode("MotionWish", "{}"));
+}
+
 TEST(CompanionDecoder, ReadsNothingMoreOfAProtocolThatIsNotSpokenHere) {
     const auto hello = decodeAs<CompanionHello>("Hello", R"({"protocol":2,"displays":"others"})");
     ASSERT_TRUE(hello);

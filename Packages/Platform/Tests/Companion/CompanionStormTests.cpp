@@ -119,6 +119,8 @@ private:
             {QStringLiteral("Displays"), R"({"displays":)" + anyDisplays() + "}"},
             {QStringLiteral("Focus"),
              R"({"focus":)" + (oneIn(3) ? QByteArray("null") : anyWindow()) + "}"},
+            {QStringLiteral("MotionWish"),
+             R"({"reduced":)" + QByteArray(oneIn(2) ? "true}" : "false}")},
             {QStringLiteral("DragBegin"), dragText(serial, pointer, upTo(20), anyWindow())},
             {QStringLiteral("DragMotion"), dragText(serial, pointer, upTo(20), anyWindow())},
             {QStringLiteral("DragMotion"), dragText(serial, pointer, upTo(20), anyWindow())},
