@@ -78,6 +78,18 @@ TEST_P(ProgramDrag, WithControlShowsTheZonesAndEndsInTheOneUnderThePointer) {
     EXPECT_TRUE(waitUntil([&] { return !isHighlighted(zone(1)); }));
 }
 
+TEST_F(ProgramInPlasma, FillsAZoneWithATerminalAsFarAsItsCellsGo) {
+    constexpr int largestCell = 32;
+    const QString title = session.startClient(CompositorClient::terminal, start);
+    dragToFirstZone(title);
+    drop();
+    EXPECT_TRUE(endsIn(title, zone(0), largestCell)) << session.describe();
+    const QRect frame = session.frame(title);
+    EXPECT_EQ(frame.topLeft(), zone(0).topLeft());
+    EXPECT_TRUE(
+        staysTrue([&] { return session.frame(title) == frame; }, std::chrono::milliseconds(400)));
+}
+
 TEST_F(ProgramInPlasma, ShowsItsZonesAndTakesThemAwayWithNoneOfKWinsEffects) {
     const QString title = session.startClient(CompositorClient::qt, start);
     const QPoint at = zone(3).center();

@@ -32,6 +32,8 @@ const char* name(CompositorClient client) {
         return "Gtk4";
     case CompositorClient::xwayland:
         return "Xwayland";
+    case CompositorClient::terminal:
+        return "Terminal";
     }
     return "";
 }
@@ -127,7 +129,8 @@ QString CompositorSession::startClient(CompositorClient client, QRect area) {
     startProgramOf(client, title);
     EXPECT_TRUE(waitUntil([&] { return !frame(title).isEmpty(); }))
         << "no window of " << name(client) << " appeared" << describe();
-    place(title, area);
+    place(title,
+          client == CompositorClient::terminal ? QRect(area.topLeft(), frame(title).size()) : area);
     return title;
 }
 
@@ -147,6 +150,15 @@ void CompositorSession::startProgramOf(CompositorClient client, const QString& t
         std::map<QString, QString> environment = xServer();
         environment[platform] = QStringLiteral("xcb");
         start(QStringLiteral(TILEWRIGHT_TEST_WINDOW), arguments, environment);
+        break;
+    }
+    case CompositorClient::terminal: {
+        const QString shell = home() + u'/' + title;
+        writeFile(
+            shell,
+            QStringLiteral("#!/bin/sh\nprintf '\\033]0;%1\\007'\nexec cat\n").arg(title).toUtf8());
+        EXPECT_TRUE(QFile::setPermissions(shell, QFile::ReadOwner | QFile::ExeOwner));
+        start(QStringLiteral("weston-terminal"), {QStringLiteral("--shell=") + shell});
         break;
     }
     }

@@ -13,8 +13,9 @@
 
 namespace tilewright::testing {
 
-/// The kinds of windows that are dragged about in a session of a compositor.
-enum class CompositorClient { qt, gtk4, xwayland };
+/// The kinds of windows that are dragged about in a session of a compositor. A terminal's sizes are
+/// those of its cells.
+enum class CompositorClient { qt, gtk4, xwayland, terminal };
 
 /// Its name, as in a test's name.
 [[nodiscard]] const char* name(CompositorClient client);
@@ -42,7 +43,8 @@ public:
                       const std::map<QString, QString>& moreEnvironment = {}) {
         return home_.start(program, arguments, moreEnvironment);
     }
-    /// Starts a client and waits for its window, which is put there. Answers the window's title.
+    /// Starts a client and waits for its window, which is put there; a terminal keeps the size that
+    /// it begins with. Answers the window's title.
     [[nodiscard]] QString startClient(CompositorClient client, QRect area);
 
     /// A window's frame, as the compositor itself has it; empty where there is no such window.
