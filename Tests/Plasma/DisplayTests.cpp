@@ -7,15 +7,21 @@
 namespace tilewright::testing {
 namespace {
 
-struct ProgramOnTwoDisplays : ProgramInPlasma {
+/// Two displays, the second one with so many pixels along each unit.
+struct ProgramOnTwoDisplays : ProgramInPlasma, ::testing::WithParamInterface<double> {
     ProgramOnTwoDisplays()
-        : ProgramInPlasma("control", {.count = 2}) {}
+        : ProgramInPlasma("control", {.scales = {1, GetParam()}}) {}
 };
+
+INSTANTIATE_TEST_SUITE_P(Of, ProgramOnTwoDisplays, ::testing::Values(1, 1.5),
+                         [](const auto& scale) {
+                             return "100And" + QString::number(scale.param * 100).toStdString();
+                         });
 
 /// A display with as many pixels along each unit.
 struct ProgramAtScale : ProgramInPlasma, ::testing::WithParamInterface<double> {
     ProgramAtScale()
-        : ProgramInPlasma("control", {.scale = GetParam()}) {}
+        : ProgramInPlasma("control", {.scales = {GetParam()}}) {}
 };
 
 INSTANTIATE_TEST_SUITE_P(Of, ProgramAtScale, ::testing::Values(1.25, 1.5, 2),
@@ -25,11 +31,11 @@ INSTANTIATE_TEST_SUITE_P(Of, ProgramAtScale, ::testing::Values(1.25, 1.5, 2),
 
 } // namespace
 
-TEST_F(ProgramOnTwoDisplays, ShowsTheZonesOfTheOneUnderThePointerAndEndsInThem) {
+TEST_P(ProgramOnTwoDisplays, ShowsTheZonesOfTheOneUnderThePointerAndEndsInThem) {
     // KWin by itself clears what lies bare on the first one only.
     static_cast<void>(session.startClient(CompositorClient::qt, session.displays()[1]));
     expectEachDisplaysOwnZones(session.startClient(CompositorClient::qt, start),
-                               session.displays()[1]);
+                               session.displays()[1], session.roundOff());
 }
 
 TEST_P(ProgramAtScale, ShowsTheZonesPixelByPixelAndEndsInThem) {

@@ -22,8 +22,10 @@ public:
     /// Puts KWin's windows, which all begin at the same place, side by side in the order they were
     /// made. False while one of them is missing.
     [[nodiscard]] bool spread();
-    /// What they look like now, the pointer left out.
-    [[nodiscard]] QImage picture() const { return inspector_->screenshot(); }
+    /// What one of them looks like now, the pointer left out.
+    [[nodiscard]] QImage picture(int display) const {
+        return inspector_->screenshot({QPoint(display * displaySize.width(), 0), displaySize});
+    }
 
 private:
     const int displays_;

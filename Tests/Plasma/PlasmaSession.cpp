@@ -1,5 +1,6 @@
 #include "PlasmaSession.h"
 
+#include "DisplayFiles.h"
 #include "PlasmaInput.h"
 
 #include <QCoreApplication>
@@ -12,7 +13,6 @@
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QJsonObject>
 #include <QStandardPaths>
 #include <Waiting.h>
 #include <csignal>
@@ -80,17 +80,20 @@ public:
 
 PlasmaSession::PlasmaSession(const PlasmaDisplays& displays)
     : CompositorSession(QStringLiteral("KDE"))
-    , scale_(displays.scale)
+    , scales_(displays.scales)
     , ear_(std::make_unique<Ear>()) {
-    const QSize size = (QSizeF(1920, 1080) / scale_).toSize();
-    for (int number = 0; number < displays.count; ++number)
-        displays_.emplace_back(QPoint(number * size.width(), 0), size);
+    int left = 0;
+    for (const double scale : scales_) {
+        displays_.emplace_back(QPoint(left, 0),
+                               (QSizeF(HostDisplay::displaySize) / scale).toSize());
+        left += displays_.back().width();
+    }
     set("KWIN_EFFECTS_FORCE_ANIMATIONS", QStringLiteral("1"));
     set("KWIN_SCREENSHOT_NO_PERMISSION_CHECKS", QStringLiteral("1"));
     set("QT_QPA_PLATFORMTHEME", QStringLiteral("generic"));
     set("QT_FORCE_STDERR_LOGGING", QStringLiteral("1"));
     if (isKwin6())
-        host_ = std::make_unique<HostDisplay>(displays.count);
+        host_ = std::make_unique<HostDisplay>(int(scales_.size()));
     installFiles();
     EXPECT_TRUE(startBuses()) << describe();
     if (!host_)
@@ -111,40 +114,9 @@ PlasmaSession::~PlasmaSession() {
 
 void PlasmaSession::installFiles() const {
     writeFile(home() + QStringLiteral("/.config/kwinrc"), configuration);
-    installDisplays();
+    (host_ ? writeDisplaysOfKwin6 : writeDisplaysOfKwin5)(home(), displays_, scales_);
     installEntries();
     installEffects();
-}
-
-void PlasmaSession::installDisplays() const {
-    // KWin 5 has no such file, and takes the scale it is started with.
-    QJsonArray outputs;
-    QJsonArray places;
-    for (const QRect& display : displays_) {
-        const int number = int(outputs.size());
-        outputs.append(
-            QJsonObject{{QStringLiteral("connectorName"), QStringLiteral("X11-%1").arg(number)},
-                        {QStringLiteral("mode"),
-                         QJsonObject{{QStringLiteral("width"), HostDisplay::displaySize.width()},
-                                     {QStringLiteral("height"), HostDisplay::displaySize.height()},
-                                     {QStringLiteral("refreshRate"), 60000}}},
-                        {QStringLiteral("scale"), scale_}});
-        places.append(QJsonObject{
-            {QStringLiteral("enabled"), true},
-            {QStringLiteral("outputIndex"), number},
-            {QStringLiteral("priority"), number},
-            {QStringLiteral("position"),
-             QJsonObject{{QStringLiteral("x"), display.x()}, {QStringLiteral("y"), display.y()}}}});
-    }
-    const QJsonObject setup{{QStringLiteral("lidClosed"), false},
-                            {QStringLiteral("outputs"), places}};
-    const auto part = [](const char* name, const QJsonArray& data) {
-        return QJsonObject{{QStringLiteral("name"), QLatin1String(name)},
-                           {QStringLiteral("data"), data}};
-    };
-    writeFile(home() + QStringLiteral("/.config/kwinoutputconfig.json"),
-              QJsonDocument(QJsonArray{part("outputs", outputs), part("setups", QJsonArray{setup})})
-                  .toJson());
 }
 
 void PlasmaSession::installEntries() const {
@@ -200,7 +172,7 @@ void PlasmaSession::startCompositor() {
         backend + QStringList{QStringLiteral("--output-count"), QString::number(displays_.size()),
                               QStringLiteral("--width"), QString::number(size.width()),
                               QStringLiteral("--height"), QString::number(size.height()),
-                              QStringLiteral("--scale"), QString::number(scale_),
+                              QStringLiteral("--scale"), QString::number(scales_.front()),
                               QStringLiteral("--no-lockscreen"), QStringLiteral("--xwayland"),
                               QStringLiteral("--socket"), socketName(), witness}));
     EXPECT_TRUE(waitUntil([&] {
@@ -308,20 +280,28 @@ bool PlasmaSession::hasCompanion() {
     return effects.contains(QStringLiteral("tilewright_key_meta"));
 }
 
-QImage PlasmaSession::picture() {
-    if (host_) {
-        QImage picture = host_->picture();
-        picture.setDevicePixelRatio(scale_);
-        return picture;
-    }
+QColor PlasmaSession::pixel(QPoint at) {
+    std::size_t display = 0;
+    while (display + 1 < displays_.size() && !displays_[display].contains(at))
+        ++display;
+    const QImage picture = pictureOf(display);
+    return picture.pixelColor(
+        (QPointF(at - displays_[display].topLeft()) * picture.devicePixelRatio()).toPoint());
+}
+
+QImage PlasmaSession::pictureOf(std::size_t display) {
+    QImage picture = host_ ? host_->picture(int(display)) : screenshot(displays_[display]);
+    picture.setDevicePixelRatio(scales_[display]);
+    return picture;
+}
+
+QImage PlasmaSession::screenshot(const QRect& area) {
     int ends[2] = {-1, -1};
     EXPECT_EQ(::pipe(ends), 0);
     QDBusMessage message = QDBusMessage::createMethodCall(
         kwinService, QStringLiteral("/org/kde/KWin/ScreenShot2"),
         QStringLiteral("org.kde.KWin.ScreenShot2"), QStringLiteral("CaptureArea"));
-    const QRect desktop = displays_.front() | displays_.back();
-    message.setArguments({desktop.x(), desktop.y(), unsigned(desktop.width()),
-                          unsigned(desktop.height()),
+    message.setArguments({area.x(), area.y(), unsigned(area.width()), unsigned(area.height()),
                           QVariantMap{{QStringLiteral("native-resolution"), true}},
                           QVariant::fromValue(QDBusUnixFileDescriptor(ends[1]))});
     ::close(ends[1]);
@@ -341,12 +321,10 @@ QImage PlasmaSession::picture() {
         bytes += some;
     }
     EXPECT_EQ(bytes.size(), stride * height);
-    QImage picture = QImage(reinterpret_cast<const uchar*>(bytes.constData()),
-                            told[QStringLiteral("width")].toInt(), height, stride,
-                            static_cast<QImage::Format>(told[QStringLiteral("format")].toInt()))
-                         .copy();
-    picture.setDevicePixelRatio(scale_);
-    return picture;
+    return QImage(reinterpret_cast<const uchar*>(bytes.constData()),
+                  told[QStringLiteral("width")].toInt(), height, stride,
+                  static_cast<QImage::Format>(told[QStringLiteral("format")].toInt()))
+        .copy();
 }
 
 } // namespace tilewright::testing

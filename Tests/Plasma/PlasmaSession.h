@@ -9,9 +9,8 @@ namespace tilewright::testing {
 
 /// The displays of a session: side by side, each of 1920 by 1080 pixels.
 struct PlasmaDisplays {
-    int count = 1;
-    /// How many pixels along a unit of KWin's.
-    double scale = 1;
+    /// How many pixels lie along a unit of KWin's, of each display.
+    std::vector<double> scales{1};
 };
 
 /// A session of KWin, with what it takes to see the keys installed for its home: effects for KWin
@@ -38,13 +37,17 @@ public:
     [[nodiscard]] bool hasScript(const QString& name);
     /// Whether it runs, and sees the keys.
     [[nodiscard]] bool hasCompanion();
-    [[nodiscard]] QImage picture() override;
+    /// What the first display looks like.
+    [[nodiscard]] QImage picture() override { return pictureOf(0); }
+    [[nodiscard]] QColor pixel(QPoint at) override;
     /// The displays' frames, the first the primary one.
     [[nodiscard]] const std::vector<QRect>& displays() const { return displays_; }
 
     /// How far a frame may be from what was asked for: KWin 6 and its clients make sizes whole
     /// pixels, each of the parts of a window by itself.
-    [[nodiscard]] int roundOff() const { return host_ && scale_ != int(scale_) ? 1 : 0; }
+    [[nodiscard]] int roundOff() const {
+        return host_ && scales_.back() != int(scales_.back()) ? 1 : 0;
+    }
     /// What KWin calls the connector of the second one.
     [[nodiscard]] QString secondConnector() const {
         return host_ ? QStringLiteral("X11-1") : QStringLiteral("Virtual-1");
@@ -58,14 +61,16 @@ private:
     class Ear;
 
     void installFiles() const;
-    void installDisplays() const;
     void installEffects() const;
     void installEntries() const;
+    [[nodiscard]] QImage pictureOf(std::size_t display);
+    /// As KWin itself makes it, which KWin 6 does only with a graphics card.
+    [[nodiscard]] QImage screenshot(const QRect& area);
     [[nodiscard]] QDBusMessage callScripting(const QString& method,
                                              const QVariantList& arguments = {});
     [[nodiscard]] std::map<QString, QString> xServer() override;
 
-    const double scale_;
+    const std::vector<double> scales_;
     std::vector<QRect> displays_;
     /// Null for KWin 5, which paints without a host.
     std::unique_ptr<HostDisplay> host_;

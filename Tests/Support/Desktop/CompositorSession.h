@@ -61,7 +61,7 @@ public:
     /// knows how many there are along a unit.
     [[nodiscard]] virtual QImage picture() = 0;
     /// The pixel there in the compositor's units.
-    [[nodiscard]] QColor pixel(QPoint at);
+    [[nodiscard]] virtual QColor pixel(QPoint at);
 
     [[nodiscard]] CompositorInput& input() { return *input_; }
     [[nodiscard]] QString busAddress() const;

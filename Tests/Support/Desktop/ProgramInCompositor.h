@@ -91,7 +91,7 @@ struct ProgramInCompositor : ::testing::Test {
     }
     /// Drags a window to a display with this work area and back, and expects each display to show
     /// and to fill its own zones, and only while the pointer is over it.
-    void expectEachDisplaysOwnZones(const QString& title, const QRect& second) {
+    void expectEachDisplaysOwnZones(const QString& title, const QRect& second, int tolerance = 0) {
         const auto third = [&](int index) {
             return frameOf(ZoneLayout::thirds().zones[std::size_t(index)], second);
         };
@@ -110,13 +110,13 @@ struct ProgramInCompositor : ::testing::Test {
         EXPECT_NE(session.pixel(onSecond), groundOfSecond);
         EXPECT_TRUE(becomes(onFirst, groundOfFirst));
         drop();
-        EXPECT_TRUE(endsIn(title, third(1))) << session.describe();
+        EXPECT_TRUE(endsIn(title, third(1), tolerance)) << session.describe();
         EXPECT_TRUE(becomes(onSecond, groundOfSecond));
 
         dragToFirstZone(title);
         EXPECT_TRUE(becomes(onSecond, groundOfSecond));
         drop();
-        EXPECT_TRUE(endsIn(title, zone(0))) << session.describe();
+        EXPECT_TRUE(endsIn(title, zone(0), tolerance)) << session.describe();
     }
     /// Stops the program in mid-drag, and expects the window to follow the pointer as ever until it
     /// is dropped.

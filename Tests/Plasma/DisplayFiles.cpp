@@ -1,0 +1,78 @@
+#include "DisplayFiles.h"
+
+#include "HostDisplay.h"
+
+#include <PrivateHome.h>
+#include <QCryptographicHash>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+namespace tilewright::testing {
+
+namespace {
+
+constexpr QSize pixels = HostDisplay::displaySize;
+
+} // namespace
+
+void writeDisplaysOfKwin5(const QString& home, const std::vector<QRect>& frames,
+                          const std::vector<double>& scales) {
+    QJsonArray outputs;
+    QByteArray connectors;
+    for (const QRect& frame : frames) {
+        const int number = int(outputs.size());
+        const QString connector = QStringLiteral("Virtual-%1").arg(number);
+        connectors += connector.toLatin1();
+        outputs.append(QJsonObject{
+            {QStringLiteral("id"), connector},
+            {QStringLiteral("metadata"), QJsonObject{{QStringLiteral("name"), connector}}},
+            {QStringLiteral("enabled"), true},
+            {QStringLiteral("rotation"), 1},
+            {QStringLiteral("mode"),
+             QJsonObject{{QStringLiteral("refresh"), 60},
+                         {QStringLiteral("size"),
+                          QJsonObject{{QStringLiteral("width"), pixels.width()},
+                                      {QStringLiteral("height"), pixels.height()}}}}},
+            {QStringLiteral("primary"), number == 0},
+            {QStringLiteral("scale"), scales[std::size_t(number)]},
+            {QStringLiteral("pos"),
+             QJsonObject{{QStringLiteral("x"), frame.x()}, {QStringLiteral("y"), frame.y()}}}});
+    }
+    // Which displays it is of, its name says.
+    const QByteArray name = QCryptographicHash::hash(connectors, QCryptographicHash::Md5).toHex();
+    writeFile(home + QStringLiteral("/.local/share/kscreen/") + QString::fromLatin1(name),
+              QJsonDocument(outputs).toJson());
+}
+
+void writeDisplaysOfKwin6(const QString& home, const std::vector<QRect>& frames,
+                          const std::vector<double>& scales) {
+    QJsonArray outputs;
+    QJsonArray places;
+    for (const QRect& frame : frames) {
+        const int number = int(outputs.size());
+        outputs.append(QJsonObject{
+            {QStringLiteral("connectorName"), QStringLiteral("X11-%1").arg(number)},
+            {QStringLiteral("mode"), QJsonObject{{QStringLiteral("width"), pixels.width()},
+                                                 {QStringLiteral("height"), pixels.height()},
+                                                 {QStringLiteral("refreshRate"), 60000}}},
+            {QStringLiteral("scale"), scales[std::size_t(number)]}});
+        places.append(QJsonObject{
+            {QStringLiteral("enabled"), true},
+            {QStringLiteral("outputIndex"), number},
+            {QStringLiteral("priority"), number},
+            {QStringLiteral("position"),
+             QJsonObject{{QStringLiteral("x"), frame.x()}, {QStringLiteral("y"), frame.y()}}}});
+    }
+    const QJsonObject setup{{QStringLiteral("lidClosed"), false},
+                            {QStringLiteral("outputs"), places}};
+    const auto part = [](const char* name, const QJsonArray& data) {
+        return QJsonObject{{QStringLiteral("name"), QLatin1String(name)},
+                           {QStringLiteral("data"), data}};
+    };
+    writeFile(home + QStringLiteral("/.config/kwinoutputconfig.json"),
+              QJsonDocument(QJsonArray{part("outputs", outputs), part("setups", QJsonArray{setup})})
+                  .toJson());
+}
+
+} // namespace tilewright::testing

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QRect>
+#include <QString>
+#include <vector>
+
+namespace tilewright::testing {
+
+/// Writes into a home what KWin 5 keeps its displays in, where they are without a screen: their
+/// frames in KWin's units, and how many pixels lie along a unit of each.
+void writeDisplaysOfKwin5(const QString& home, const std::vector<QRect>& frames,
+                          const std::vector<double>& scales);
+
+/// The same for KWin 6, where they are windows of an X server.
+void writeDisplaysOfKwin6(const QString& home, const std::vector<QRect>& frames,
+                          const std::vector<double>& scales);
+
+} // namespace tilewright::testing
