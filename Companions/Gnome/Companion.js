@@ -57,13 +57,13 @@ class Companion {
             protocol: PROTOCOL, shell: Config.PACKAGE_VERSION, displays, focus: this._focus(), pointer, keys,
             reducedMotion: this._motion.isReduced,
         };
-        this._link.call('Hello', hello, answer => {
+        this._link.callWithoutLimit('Hello', hello, answer => {
             const isUnderstood = answer !== null && (answer.protocol ?? PROTOCOL) === PROTOCOL;
             if (!isUnderstood)
                 return;
             this._outbox.open();
             this._link.listen();
-        }, NO_TIME_LIMIT);
+        });
     }
 
     _watch() {
@@ -109,7 +109,7 @@ class Companion {
     }
 
     _focus() {
-        const window = global.display.focus_window;
+        const window = windowInFront();
         if (window)
             this._told.add(window);
         return window ? describeWindow(window, this._pid) : null;

@@ -3,8 +3,15 @@ const BUS_NAME = 'org.tilewright.Companion';
 const OBJECT_PATH = '/org/tilewright/Companion';
 const INTERFACE = 'org.tilewright.Companion1';
 
-/** Answers that come later than this, in milliseconds, are dropped. */
+/** Answers that come later than this, in milliseconds, are waited for no longer. */
 const PATIENCE = 1000;
+
+/** For so long, in milliseconds, a late answer still counts for what it says of how things are to look. */
+const LAST_CALL = 60 * 1000;
+
+/** The commands that count late, too. The program takes them for carried out, and says nothing more until
+ *  something changes. */
+const COUNT_LATE = ['overlay', 'overlayGone', 'item', 'panel'];
 
 /** What the bus takes for "without a limit". */
 const NO_TIME_LIMIT = 0x7fffffff;
@@ -32,6 +39,7 @@ class ProgramLink {
         this._owner = null;
         this._cancellable = null;
         this._pause = 0;
+        this._waits = new Set();
         this._watch = Gio.bus_watch_name(Gio.BusType.SESSION, BUS_NAME, Gio.BusNameWatcherFlags.NONE,
             (_connection, _name, owner) => this._verify(owner), () => this._forget());
     }
@@ -41,17 +49,44 @@ class ProgramLink {
         this._forget();
     }
 
-    /** Calls the program. `answered(answer)` gets null where there was none that can be used. */
-    call(method, body, answered, patience = PATIENCE) {
+    /** Calls the program. `answered(answer)` gets null where there was none in time that can be used. */
+    call(method, body, answered) {
+        let isLate = false;
+        const wait = GLib.timeout_add(GLib.PRIORITY_DEFAULT, PATIENCE, () => {
+            this._waits.delete(wait);
+            isLate = true;
+            answered(null);
+            return GLib.SOURCE_REMOVE;
+        });
+        this._waits.add(wait);
+        this._send(method, body, LAST_CALL, answer => {
+            if (isLate) {
+                this._carryOutAll(answer?.do, command => COUNT_LATE.includes(command.c));
+                return;
+            }
+            this._waits.delete(wait);
+            GLib.source_remove(wait);
+            this._carryOutAll(answer?.do);
+            answered(answer);
+        });
+    }
+
+    /** The same, however long it takes. */
+    callWithoutLimit(method, body, answered) {
+        this._send(method, body, NO_TIME_LIMIT, answer => {
+            this._carryOutAll(answer?.do);
+            answered(answer);
+        });
+    }
+
+    _send(method, body, limit, answered) {
         const cancellable = this._cancellable;
         Gio.DBus.session.call(this._owner, OBJECT_PATH, INTERFACE, method,
             new GLib.Variant('(s)', [JSON.stringify(body)]), new GLib.VariantType('(s)'),
-            Gio.DBusCallFlags.NO_AUTO_START, patience, cancellable, (connection, result) => {
+            Gio.DBusCallFlags.NO_AUTO_START, limit, cancellable, (connection, result) => {
                 const answer = ProgramLink._answerOf(connection, result);
-                if (cancellable.is_cancelled())
-                    return;
-                this._carryOutAll(answer?.do);
-                answered(answer);
+                if (!cancellable.is_cancelled())
+                    answered(answer);
             });
     }
 
@@ -63,7 +98,7 @@ class ProgramLink {
     }
 
     _poll() {
-        this.call('NextCommand', {}, answer => this._pollAgain(answer !== null), NO_TIME_LIMIT);
+        this.callWithoutLimit('NextCommand', {}, answer => this._pollAgain(answer !== null));
     }
 
     _pollAgain(isAnswered) {
@@ -84,12 +119,13 @@ class ProgramLink {
         });
     }
 
-    _carryOutAll(commands) {
+    _carryOutAll(commands, counts = () => true) {
         if (!Array.isArray(commands))
             return;
         for (const command of commands.slice(0, MOST_COMMANDS)) {
             try {
-                this._carryOut(command);
+                if (counts(command))
+                    this._carryOut(command);
             } catch (error) {
                 console.debug(`Tilewright: a command that cannot be carried out: ${error.message}`);
             }
@@ -129,6 +165,9 @@ class ProgramLink {
         if (this._pause)
             GLib.source_remove(this._pause);
         this._pause = 0;
+        for (const wait of this._waits)
+            GLib.source_remove(wait);
+        this._waits.clear();
         if (this._owner === null)
             return;
         this._owner = null;

@@ -20,6 +20,14 @@ function describeWindow(window, programPid) {
     };
 }
 
+/** The window that the user works in; null where that is the desktop itself: what draws icons on it, or a
+ *  bar, is a window as well. */
+function windowInFront() {
+    const window = global.display.focus_window;
+    const {DESKTOP, DOCK} = Meta.WindowType;
+    return window && ![DESKTOP, DOCK].includes(window.get_window_type()) ? window : null;
+}
+
 function managedWindows() {
     return global.get_window_actors().map(actor => actor.meta_window).filter(window => window);
 }

@@ -128,6 +128,33 @@ TEST_F(CompanionTest, DoesNotHoldUpADragForAProgramThatHangsAndTellsItTheNewestA
     session.input().releaseKey(KernelKey::control);
 }
 
+TEST_F(CompanionTest, ShowsWhatAProgramSaysThatWasSlowButMovesNothingForIt) {
+    // Longer than an answer is waited for.
+    constexpr std::chrono::milliseconds tooLong(1400);
+    greet();
+    snapWithControl();
+    const QString title = session.startClient(CompositorClient::qt, start);
+    session.grab(title);
+    session.input().glide({700, 500});
+    program->isHung = true;
+    session.input().pressKey(KernelKey::control);
+    ASSERT_TRUE(
+        waitUntil([&] { return program->last(dragMotion)[QStringLiteral("keys")].toInt() == 2; }));
+    EXPECT_TRUE(staysTrue([&] { return isBare(inLeftTile); }, tooLong));
+    program->goOn();
+    EXPECT_TRUE(waitUntil([&] { return isHighlighted(inLeftTile); })) << session.describe();
+
+    program->isHung = true;
+    session.input().release();
+    ASSERT_TRUE(program->waitFor(dragEnd));
+    EXPECT_TRUE(staysTrue([&] { return session.frame(title).size() == start.size(); }, tooLong));
+    program->goOn();
+    EXPECT_TRUE(staysTrue([&] { return session.frame(title).size() == start.size(); },
+                          std::chrono::milliseconds(400)));
+    EXPECT_TRUE(isBare(inLeftTile));
+    session.input().releaseKey(KernelKey::control);
+}
+
 TEST_F(CompanionTest, TakesEverythingAwayWhenTheProgramGoesInMidDrag) {
     greet();
     snapWithControl();

@@ -66,6 +66,36 @@ TEST_F(CompanionTest, TellsOfTheWindowInFrontThePointerAndTheWorkArea) {
     }));
 }
 
+TEST_F(CompanionTest, TakesTheDesktopsOwnWindowForNone) {
+    greet();
+    const auto focus = [&] {
+        return program->last(QStringLiteral("Focus"))[QStringLiteral("focus")];
+    };
+    const QString ordinary = session.startClient(CompositorClient::gtk4, start);
+    ASSERT_TRUE(waitUntil([&] { return focus().isObject() && isInFront(ordinary); }));
+    const QString icons = session.startClient(CompositorClient::xwayland, start);
+    ASSERT_TRUE(waitUntil([&] { return isInFront(icons); }));
+    const QString iconsWindow = QStringLiteral("global.get_window_actors().map(a => a.meta_window)"
+                                               ".find(w => w.get_title() === '%1')")
+                                    .arg(icons);
+    // It becomes a window as those are that draw icons on the desktop. Its frame may have its name.
+    session.tell(QStringLiteral("imports.gi.GLib.spawn_command_line_async(`xprop -id "
+                                "${%1.get_description().split(' ')[0]} -f _NET_WM_WINDOW_TYPE 32a "
+                                "-set _NET_WM_WINDOW_TYPE _NET_WM_WINDOW_TYPE_DESKTOP`)")
+                     .arg(iconsWindow));
+    ASSERT_TRUE(waitUntil([&] {
+        return session
+            .ask(iconsWindow +
+                 QStringLiteral("?.get_window_type() === imports.gi.Meta.WindowType.DESKTOP"))
+            .toBool();
+    })) << session.describe();
+    session.place(ordinary, start.translated(20, 20));
+    ASSERT_TRUE(waitUntil([&] { return focus().isObject() && isInFront(ordinary); }));
+    session.tell(QStringLiteral("Main.activateWindow(%1)").arg(iconsWindow));
+    ASSERT_TRUE(waitUntil([&] { return isInFront(icons); })) << session.describe();
+    EXPECT_TRUE(waitUntil([&] { return focus().isNull(); }));
+}
+
 TEST_F(CompanionTest, TellsOfTheWishForLessMotion) {
     const QString setting =
         QStringLiteral("new imports.gi.Gio.Settings({schema_id: 'org.gnome.desktop.interface'})"

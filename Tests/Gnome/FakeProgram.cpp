@@ -6,6 +6,7 @@
 #include <Waiting.h>
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <utility>
 
 namespace tilewright::testing {
 
@@ -56,6 +57,12 @@ void FakeProgram::answerRaw(const QString& text) {
     poll_.reset();
 }
 
+void FakeProgram::goOn() {
+    isHung = false;
+    for (const auto& [call, what] : std::exchange(held_, {}))
+        EXPECT_TRUE(bus_.send(call.createReply(answerText(answer ? answer(what) : QJsonArray()))));
+}
+
 QString FakeProgram::NextCommand(const QString&) {
     setDelayedReply(true);
     poll_ = message();
@@ -66,6 +73,7 @@ QString FakeProgram::take(const QString& method, const QString& text) {
     calls_.push_back({method, QJsonDocument::fromJson(text.toUtf8()).object()});
     if (isHung) {
         setDelayedReply(true);
+        held_.emplace_back(message(), calls_.back());
         return {};
     }
     return answerText(answer ? answer(calls_.back()) : QJsonArray());

@@ -33,6 +33,8 @@ public:
     std::function<QJsonArray(const CompanionCall&)> answer;
     /// While set, no call is answered, as by a program that is stopped; what comes is noted.
     bool isHung = false;
+    /// Answers all that came meanwhile, as one that goes on.
+    void goOn();
 
     /// What has come so far, the long poll left out.
     [[nodiscard]] const std::vector<CompanionCall>& calls() const { return calls_; }
@@ -72,6 +74,8 @@ private:
     QDBusConnection bus_;
     std::vector<CompanionCall> calls_;
     std::optional<QDBusMessage> poll_;
+    /// What has not been answered.
+    std::vector<std::pair<QDBusMessage, CompanionCall>> held_;
 };
 
 } // namespace tilewright::testing
