@@ -1,5 +1,5 @@
-// Measures the real program on X servers of its own: DesktopFigures. See
-// Documentation/performance.md.
+// Measures the real program on X servers of its own: DesktopFigures [idle|latencies|drops|drag].
+// See Documentation/performance.md.
 
 #include "BareDrop.h"
 #include "FinalNotice.h"
@@ -204,12 +204,21 @@ void measureIdle() {
 int main(int argc, char** argv) {
     ::testing::InitGoogleTest(&argc, argv);
     const QCoreApplication application(argc, argv);
-    tilewright::testing::measureIdle();
-    tilewright::testing::measureLatencies();
-    const auto& zones = tilewright::ZoneLayout::bentoBox().zones;
-    tilewright::testing::measureDrops("moved", {zones[2], zones[3]});
-    tilewright::testing::measureDrops("moved and resized", {zones[0], zones[1]});
-    tilewright::testing::measureDrag({1920, 1080});
-    tilewright::testing::measureDrag({3840, 2160});
+    const std::string wanted = argc > 1 ? argv[1] : "";
+    const auto isWanted = [&](const char* part) { return wanted.empty() || wanted == part; };
+    using namespace tilewright::testing;
+    if (isWanted("idle"))
+        measureIdle();
+    if (isWanted("latencies"))
+        measureLatencies();
+    if (isWanted("drops")) {
+        const auto& zones = tilewright::ZoneLayout::bentoBox().zones;
+        measureDrops("moved", {zones[2], zones[3]});
+        measureDrops("moved and resized", {zones[0], zones[1]});
+    }
+    if (isWanted("drag")) {
+        measureDrag({1920, 1080});
+        measureDrag({3840, 2160});
+    }
     return 0;
 }

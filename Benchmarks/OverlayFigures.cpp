@@ -1,5 +1,6 @@
 // Measures how soon the real program's overlay shows, beside a bare client that only maps a window,
-// on X servers of their own: OverlayFigures [rounds]. See Documentation/performance.md.
+// on X servers of their own: OverlayFigures [rounds [part of the name
+// of a desktop]]. See Documentation/performance.md.
 
 #include "BareOverlay.h"
 
@@ -13,6 +14,7 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <memory>
+#include <string_view>
 
 namespace tilewright::testing {
 namespace {
@@ -88,15 +90,17 @@ void measure(const Desktop& kind, int rounds) {
     DesktopSession desktop;
     desktop.startWindowManager(kind.windowManager, kind.compositing);
     Watch watch(desktop);
-    const auto measureBare = [&] {
+    const auto measureBare = [&](unsigned long rest, int times) {
         BareOverlay bare(desktop.display().toLatin1().constData(),
                          kind.compositing == Compositing::on);
-        return medianOf(rounds, [&] {
+        return medianOf(times, [&] {
             return watch.measure(
-                shortRest, [&] { bare.arm(); }, [&] { bare.hide(); });
+                rest, [&] { bare.arm(); }, [&] { bare.hide(); });
         });
     };
-    const double bareBefore = measureBare();
+    const int fewRounds = std::max(1, rounds / 4);
+    const double bareBefore = measureBare(shortRest, rounds);
+    const double bareRested = measureBare(restingMilliseconds, fewRounds);
     RunningProgram program(desktop);
     const auto measureProgram = [&](unsigned long rest, int times) {
         return medianOf(times, [&] {
@@ -106,13 +110,13 @@ void measure(const Desktop& kind, int rounds) {
         });
     };
     const double soon = measureProgram(shortRest, rounds);
-    const double rested = measureProgram(restingMilliseconds, std::max(1, rounds / 4));
+    const double rested = measureProgram(restingMilliseconds, fewRounds);
     program.process().signal(SIGTERM);
     static_cast<void>(program.process().waitForEnd());
-    const double bareAfter = measureBare();
-    std::printf("%-22s bare client %5.2f and %5.2f ms; overlay shortly after another %5.2f ms, "
-                "after a rest %5.2f ms\n",
-                kind.name, bareBefore, bareAfter, soon, rested);
+    const double bareAfter = measureBare(shortRest, rounds);
+    std::printf("%-22s shortly after another: bare client %5.2f and %5.2f ms, overlay %5.2f ms; "
+                "after a rest: %5.2f ms, %5.2f ms\n",
+                kind.name, bareBefore, bareAfter, soon, bareRested, rested);
     std::fflush(stdout);
 }
 
@@ -126,8 +130,13 @@ int main(int argc, char** argv) {
     constexpr int usualRounds = 40;
     const int rounds = argc > 1 ? std::max(4, std::atoi(argv[1])) : usualRounds;
     std::printf("first dragged event to the first pixel on the screen, medians\n");
-    measure({"openbox, nothing blends", WindowManagerKind::openbox, Compositing::off}, rounds);
-    measure({"openbox and picom", WindowManagerKind::openbox, Compositing::on}, rounds);
-    measure({"xfwm4, compositing", WindowManagerKind::xfwm4, Compositing::on}, rounds);
+    const Desktop desktops[]{
+        {"openbox, nothing blends", WindowManagerKind::openbox, Compositing::off},
+        {"openbox and picom", WindowManagerKind::openbox, Compositing::on},
+        {"xfwm4, compositing", WindowManagerKind::xfwm4, Compositing::on}};
+    for (const Desktop& desktop : desktops) {
+        if (argc < 3 || std::string_view(desktop.name).find(argv[2]) != std::string_view::npos)
+            measure(desktop, rounds);
+    }
     return 0;
 }

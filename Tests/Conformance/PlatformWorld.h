@@ -76,6 +76,9 @@ public:
     [[nodiscard]] virtual bool drawsOverlays() const = 0;
     /// Whether the view's widget itself is what such a surface shows; else it is painted from it.
     [[nodiscard]] virtual bool showsOverlayWidgets() const { return drawsOverlays(); }
+    /// Whether the desktop has an overlay's picture before it shows the overlay, without another
+    /// turn of the loop.
+    [[nodiscard]] virtual bool showsOverlaysWhole() const { return false; }
     /// Whether this program has come before the application whose window was opened.
     [[nodiscard]] virtual bool isThisApplicationInFront() const = 0;
 

@@ -2,6 +2,7 @@
 
 #include "PlatformWorld.h"
 
+#include <QDeadlineTimer>
 #include <QIcon>
 #include <QPaintEvent>
 #include <QPainter>
@@ -18,6 +19,7 @@ public:
     void onPictureChanged(std::function<void()>) override {}
     QWidget& widget() override { return canvas_; }
     void setRepaint(std::function<void(const QRegion&)>) override {}
+    void setShown(bool) override {}
     void setRendering(OverlayRendering) override {}
     // The surface may ask before the view has its size: more than any display has.
     QRegion outline() override { return QRect(0, 0, 10'000, 10'000); }
@@ -75,6 +77,18 @@ TEST_P(PlatformConformance, ShowsTheOverlayOnTheWholeDisplayFromItsShowingToItsH
     if (world->drawsOverlays()) {
         EXPECT_EQ(view->widget().size(), QSize(int(frame.width), int(frame.height)));
     }
+}
+
+TEST_P(PlatformConformance, HasTheOverlaysPictureReadyBeforeItShows) {
+    auto overlay = platform().makeOverlaySurface(std::make_shared<PlainView>());
+    overlay->setScreen(screens().front());
+    overlay->orderFront();
+    // The surface is given no turn of the loop in which it could paint.
+    std::optional<AppKitRect> shown;
+    for (QDeadlineTimer deadline(5000);
+         world->showsOverlaysWhole() && !shown && !deadline.hasExpired();)
+        shown = world->overlayFrame();
+    EXPECT_EQ(shown.has_value(), world->showsOverlaysWhole());
 }
 
 TEST_P(PlatformConformance, TakesTheOverlayAwayWithItsSurface) {

@@ -125,6 +125,8 @@ public:
         return overlay && look.toplevelAt(look.clientFrame(*overlay).center()) == *overlay;
     }
     bool drawsOverlays() const override { return true; }
+    bool showsOverlayWidgets() const override { return false; }
+    bool showsOverlaysWhole() const override { return true; }
     bool isThisApplicationInFront() const override {
         const XInspector& look = desktop_.inspector();
         return look.processID(look.activeWindow()) == quint32(getpid());

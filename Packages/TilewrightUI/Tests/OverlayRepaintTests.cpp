@@ -11,6 +11,7 @@ protected:
     OverlayRepaintTest() {
         show({makeZone(0, 0, 0.5, 1), makeZone(0.5, 0, 0.5, 1)});
         view.setRepaint([this](const QRegion& region) { told += region; });
+        view.setShown(true);
         static_cast<void>(picture());
         told = {};
     }
@@ -45,21 +46,29 @@ TEST_F(OverlayRepaintTest, TellsBothTilesWhenTheHighlightMovesOn) {
     EXPECT_EQ(toldSince(), left + right);
 }
 
-TEST_F(OverlayRepaintTest, FadesNothingThatChangedBeforeItWasShown) {
-    view.setRepaint({});
+TEST_F(OverlayRepaintTest, TellsAtOnceAndWithoutAFadeWhatChangesWhileNobodySeesIt) {
+    view.setShown(false);
     highlight(zone(0).id);
+    loop().advance(1ms);
     EXPECT_EQ(loop().activeTimerCount(), 0U);
-    view.setRepaint([this](const QRegion& region) { told += region; });
+    EXPECT_EQ(toldSince(), left);
+    view.setShown(true);
     EXPECT_EQ(loop().activeTimerCount(), 0U);
+    EXPECT_TRUE(toldSince().isEmpty());
     EXPECT_TRUE(looksLike(shadeOf(pictureOver(white).pixelColor(250, 5)), amber));
 }
 
-TEST_F(OverlayRepaintTest, EndsItsFadesAndTellsNoMoreOnceItIsTakenBack) {
+TEST_F(OverlayRepaintTest, TellsAllThatItsFadesHadYetToDoOnceItIsNotSeenAnyMore) {
     highlight(zone(0).id);
     loop().advance(32ms);
-    view.setRepaint({});
     static_cast<void>(toldSince());
+    view.setShown(false);
+    EXPECT_EQ(toldSince(), left);
     EXPECT_EQ(loop().activeTimerCount(), 0U);
+}
+
+TEST_F(OverlayRepaintTest, TellsNoMoreOnceItIsTakenBack) {
+    view.setRepaint({});
     highlight(zone(1).id);
     loop().advance(200ms);
     EXPECT_TRUE(told.isEmpty());

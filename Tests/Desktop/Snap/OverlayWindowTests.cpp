@@ -195,6 +195,54 @@ TEST_F(OverlayWindow, FollowsACompositorThatComesAndGoesInMidDrag) {
     script->drop();
 }
 
+TEST_F(OverlayWindow, IsOfTheScreensOwnKindWhereNothingBlendsIt) {
+    // The server would put a window of another kind together with the others by itself.
+    begin(Compositing::off);
+    hold();
+    EXPECT_EQ(inspector.depth(program->overlay()), inspector.depth(inspector.root()));
+    ASSERT_TRUE(desktop.startCompositor());
+    EXPECT_TRUE(waitUntil([&] { return inspector.depth(program->overlay()) == 32; }));
+    script->drop();
+}
+
+TEST_F(OverlayWindow, GoesThoughTheWindowManagerHangs) {
+    begin(Compositing::off);
+    const QColor ground = pixel(onHighlightedBorder);
+    hold();
+    EXPECT_TRUE(waitUntil([&] { return isAmber(pixel(onHighlightedBorder)); }));
+    desktop.windowManager().signal(SIGSTOP);
+    desktop.input().release();
+    EXPECT_TRUE(waitUntil([&] { return !program->overlayShows(); }));
+    EXPECT_EQ(pixel(onHighlightedBorder), ground);
+    desktop.windowManager().signal(SIGCONT);
+    program->releaseKey();
+}
+
+/// A server that shares no memory with its clients, as one on another machine.
+struct OverlayWithoutSharedMemory : ::testing::Test {
+    DesktopSession desktop{XServer::virtualScreen(
+        {1920, 1080}, {QStringLiteral("-extension"), QStringLiteral("MIT-SHM")})};
+};
+
+TEST_F(OverlayWithoutSharedMemory, IsTheSameAndFollowsThePointer) {
+    ASSERT_TRUE(desktop.startWindowManager(WindowManagerKind::openbox, Compositing::on));
+    RunningProgram program(desktop);
+    DragScript script(desktop, program);
+    const TestClient client = startClient(desktop, ClientKind::qt, {700, 300, 300, 200});
+    const QRect area = workArea(desktop.inspector());
+    script.grab(client, KeyTiming::beforeThePress);
+    for (const Zone& zone : ZoneLayout::bentoBox().zones) {
+        const QRect frame = zoneFrame(zone, area);
+        script.dragTo(frame.center());
+        EXPECT_TRUE(waitUntil([&] {
+            return isAmber(desktop.inspector().pixel({frame.left() + 5, frame.center().y()}));
+        }));
+    }
+    script.drop();
+    expectFills(desktop.inspector(), ClientKind::qt, client,
+                zoneFrame(ZoneLayout::bentoBox().zones.back(), area));
+}
+
 struct ScaledOverlay : OverlayWindow, ::testing::WithParamInterface<const char*> {};
 
 TEST_P(ScaledOverlay, CoversExactlyTheMonitorsPixelsAndSnapsToThem) {

@@ -116,6 +116,12 @@ bool XInspector::isOverrideRedirect(Window window) const {
     return reply && reply->override_redirect != 0;
 }
 
+int XInspector::depth(Window window) const {
+    const XReply<xcb_get_geometry_reply_t> geometry(
+        xcb_get_geometry_reply(connection(), xcb_get_geometry(connection(), window), nullptr));
+    return geometry ? geometry->depth : 0;
+}
+
 QRect XInspector::clientFrame(Window window) const {
     const XReply<xcb_get_geometry_reply_t> geometry(
         xcb_get_geometry_reply(connection(), xcb_get_geometry(connection(), window), nullptr));

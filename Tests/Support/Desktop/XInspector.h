@@ -43,6 +43,8 @@ public:
     [[nodiscard]] bool exists(Window window) const;
     [[nodiscard]] bool isMapped(Window window) const;
     [[nodiscard]] bool isOverrideRedirect(Window window) const;
+    /// How many bits the window's pixels have; 0 for one that is gone.
+    [[nodiscard]] int depth(Window window) const;
 
     /// The client's own area on the screen.
     [[nodiscard]] QRect clientFrame(Window window) const;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <fcntl.h>
 #include <unistd.h>
 #include <utility>
 
@@ -25,6 +26,10 @@ public:
 
     [[nodiscard]] bool isOpen() const { return number_ >= 0; }
     [[nodiscard]] int number() const { return number_; }
+    /// Another one for the same, closed in programs that this one starts; none on failure.
+    [[nodiscard]] FileDescriptor duplicate() const {
+        return FileDescriptor(::fcntl(number_, F_DUPFD_CLOEXEC, 0));
+    }
     /// Hands it over to the caller.
     [[nodiscard]] int release() { return std::exchange(number_, -1); }
 

@@ -1,35 +1,12 @@
 #include "LayerShellOverlaySurface.h"
 
+#include <FreeDesktop/OverlayPainting.h>
+
 #include <QWidget>
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 namespace tilewright {
-
-namespace {
-
-QSize scaled(QSize size, double scale) {
-    return {static_cast<int>(std::lround(size.width() * scale)),
-            static_cast<int>(std::lround(size.height() * scale))};
-}
-
-/// The pixels that a region of the view touches.
-QRegion pixelsOf(const QRegion& region, double scale, QSize pixels) {
-    QRegion touched;
-    for (const QRect& rect : region)
-        touched +=
-            QRectF(rect.x() * scale, rect.y() * scale, rect.width() * scale, rect.height() * scale)
-                .toAlignedRect();
-    return touched & QRect(QPoint(), pixels);
-}
-
-void render(QWidget& widget, const QRegion& region, double scale, QImage image) {
-    image.setDevicePixelRatio(scale);
-    widget.render(&image, region.boundingRect().topLeft(), region, QWidget::RenderFlags());
-}
-
-} // namespace
 
 LayerShellOverlaySurface::LayerShellOverlaySurface(WaylandConnection& connection,
                                                    WaylandOutputs& outputs, OutputOf outputOf,
@@ -41,6 +18,7 @@ LayerShellOverlaySurface::LayerShellOverlaySurface(WaylandConnection& connection
     , loop_(loop)
     , view_(std::move(view)) {
     view_->setRendering(OverlayRendering::translucent);
+    view_->setRepaint([this](const QRegion& region) { repaint(region); });
     following_ = {
         QObject::connect(&connection_, &WaylandConnection::lost,
                          [this] {
@@ -58,6 +36,7 @@ LayerShellOverlaySurface::~LayerShellOverlaySurface() {
     if (forgetDrags_)
         forgetDrags_();
     view_->setRepaint({});
+    view_->setShown(false);
 }
 
 void LayerShellOverlaySurface::setScreen(const ScreenPtr& screen) {
@@ -72,14 +51,14 @@ void LayerShellOverlaySurface::setScreen(const ScreenPtr& screen) {
 void LayerShellOverlaySurface::orderFront() {
     releasing_.reset();
     const bool wasShown = std::exchange(isShown_, true);
-    view_->setRepaint([this](const QRegion& region) { repaint(region); });
+    view_->setShown(true);
     if (!wasShown)
         followOutputs();
 }
 
 void LayerShellOverlaySurface::orderOut() {
     isShown_ = false;
-    view_->setRepaint({});
+    view_->setShown(false);
     view_->finishAnimations();
     dirty_ = {};
     if (surface_ && !canBeVeiled())
@@ -103,7 +82,7 @@ void LayerShellOverlaySurface::prepare(const ScreenPtr& screen) {
     QWidget& widget = view_->widget();
     const QRegion stale = buffer ? buffer->stale & widget.rect() : QRegion();
     if (!stale.isEmpty()) {
-        render(widget, stale, scale, buffer->image());
+        overlay::paint(widget, stale, scale, buffer->image());
         buffers_->noteShown(*buffer, stale);
     }
     if (canBeVeiled()) {
@@ -177,7 +156,7 @@ void LayerShellOverlaySurface::makePixels(QSize size, double scale) {
     releasing_.reset();
     scale_ = scale;
     view_->widget().resize(size);
-    const QSize pixels = scaled(size, scale);
+    const QSize pixels = overlay::pixelsOf(size, scale);
     if (!buffers_ || buffers_->pixels() != pixels)
         buffers_ = std::make_unique<OverlayBuffers>(connection_, pixels, [this] { paint(); });
 }
@@ -211,7 +190,8 @@ void LayerShellOverlaySurface::surfaceClosed() {
 }
 
 void LayerShellOverlaySurface::repaint(const QRegion& region) {
-    if (size_.isEmpty())
+    // A showing paints everything.
+    if (!isShown_ || size_.isEmpty())
         return;
     dirty_ += region;
     if (std::exchange(isPaintPosted_, true))
@@ -232,9 +212,9 @@ void LayerShellOverlaySurface::paint() {
         return;
     const QRegion changed = std::exchange(dirty_, {});
     const QRegion outdated = (changed + buffer->stale) & widget.rect();
-    render(widget, outdated, scale_, buffer->image());
+    overlay::paint(widget, outdated, scale_, buffer->image());
     surface_->show(buffer->object(), buffers_->pixels(),
-                   pixelsOf(changed, scale_, buffers_->pixels()));
+                   overlay::pixelsOf(changed, scale_, QRect(QPoint(), buffers_->pixels())));
     buffer->setBusy();
     buffers_->noteShown(*buffer, changed);
     connection_.flush();

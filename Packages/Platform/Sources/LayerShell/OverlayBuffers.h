@@ -1,7 +1,8 @@
 #pragma once
 
-#include "SharedMemory.h"
 #include "WaylandConnection.h"
+
+#include <FreeDesktop/SharedMemory.h>
 
 #include <QImage>
 #include <QRegion>

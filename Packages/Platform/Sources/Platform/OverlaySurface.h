@@ -33,9 +33,12 @@ public:
     /// The widget that draws. It fills the surface.
     [[nodiscard]] virtual QWidget& widget() = 0;
     /// For surfaces that show pixels of their own, painted by `QWidget::render`, while the widget
-    /// stays hidden: until it is taken back with a null function, the view counts as shown, and
-    /// calls the function with each area that looks different now, in the widget's own coordinates.
+    /// stays hidden: until it is taken back with a null function, the view calls the function with
+    /// each area that looks different now, in the widget's own coordinates.
     virtual void setRepaint(std::function<void(const QRegion&)> repaint) = 0;
+    /// Tells the view whether anybody sees such pixels. What changes while nobody does, as from the
+    /// beginning, changes at once.
+    virtual void setShown(bool isShown) = 0;
     /// Tells the view how it is shown from now on; it repaints where that matters.
     virtual void setRendering(OverlayRendering rendering) = 0;
     /// What is opaque under `OverlayRendering::shaped`, in the widget's own coordinates.

@@ -17,6 +17,7 @@ namespace tilewright {
     ATOM(gtkWorkareas2, "_GTK_WORKAREAS_D2")                                                       \
     ATOM(gtkWorkareas3, "_GTK_WORKAREAS_D3")                                                       \
     ATOM(kdeNetWmBlurBehindRegion, "_KDE_NET_WM_BLUR_BEHIND_REGION")                               \
+    ATOM(kdeNetWmWindowTypeOverride, "_KDE_NET_WM_WINDOW_TYPE_OVERRIDE")                           \
     ATOM(netActiveWindow, "_NET_ACTIVE_WINDOW")                                                    \
     ATOM(netClientList, "_NET_CLIENT_LIST")                                                        \
     ATOM(netCurrentDesktop, "_NET_CURRENT_DESKTOP")                                                \

@@ -8,6 +8,7 @@
 #include <cstring>
 #include <xcb/randr.h>
 #include <xcb/shape.h>
+#include <xcb/shm.h>
 #include <xcb/xcbext.h>
 #include <xcb/xfixes.h>
 #include <xcb/xinput.h>
@@ -178,7 +179,7 @@ X11Reply<Reply> X11Connection::firstReply(Cookie cookie) {
 
 void X11Connection::queryServer() {
     for (xcb_extension_t* id :
-         {&xcb_randr_id, &xcb_shape_id, &xcb_xfixes_id, &xcb_input_id, &xcb_xkb_id})
+         {&xcb_randr_id, &xcb_shape_id, &xcb_shm_id, &xcb_xfixes_id, &xcb_input_id, &xcb_xkb_id})
         xcb_prefetch_extension_data(connection_, id);
     const QByteArray compositorName = "_NET_WM_CM_S" + QByteArray::number(screenNumber_);
     const auto compositorCookie =
@@ -198,6 +199,7 @@ void X11Connection::queryServer() {
 
     randr_ = presence(connection_, xcb_randr_id);
     shape_ = presence(connection_, xcb_shape_id);
+    shm_ = presence(connection_, xcb_shm_id);
     xfixes_ = presence(connection_, xcb_xfixes_id);
     if (xfixes_.isPresent)
         stash_.setSelectionNotice(
@@ -210,6 +212,8 @@ void X11Connection::queryServer() {
                                         : xcb_randr_query_version_cookie_t{};
     const auto shape = shape_.isPresent ? xcb_shape_query_version(connection_)
                                         : xcb_shape_query_version_cookie_t{};
+    const auto shm =
+        shm_.isPresent ? xcb_shm_query_version(connection_) : xcb_shm_query_version_cookie_t{};
     const auto xfixes = xfixes_.isPresent ? xcb_xfixes_query_version(connection_, 5, 0)
                                           : xcb_xfixes_query_version_cookie_t{};
     const auto xinput = xinput_.isPresent ? xcb_input_xi_query_version(connection_, 2, 2)
@@ -220,6 +224,8 @@ void X11Connection::queryServer() {
         setVersion(randr_, firstReply<xcb_randr_query_version_reply_t>(randr));
     if (shape_.isPresent)
         setVersion(shape_, firstReply<xcb_shape_query_version_reply_t>(shape));
+    if (shm_.isPresent)
+        setVersion(shm_, firstReply<xcb_shm_query_version_reply_t>(shm));
     if (xfixes_.isPresent)
         setVersion(xfixes_, firstReply<xcb_xfixes_query_version_reply_t>(xfixes));
     if (xinput_.isPresent)

@@ -123,6 +123,7 @@ public:
 
     [[nodiscard]] const X11Extension& randr() const { return randr_; }
     [[nodiscard]] const X11Extension& shape() const { return shape_; }
+    [[nodiscard]] const X11Extension& shm() const { return shm_; }
     [[nodiscard]] const X11Extension& xfixes() const { return xfixes_; }
     [[nodiscard]] const X11Extension& xinput() const { return xinput_; }
     [[nodiscard]] const X11Extension& xkb() const { return xkb_; }
@@ -214,6 +215,7 @@ private:
     xcb_atom_t compositorSelection_ = XCB_ATOM_NONE;
     X11Extension randr_;
     X11Extension shape_;
+    X11Extension shm_;
     X11Extension xfixes_;
     X11Extension xinput_;
     X11Extension xkb_;

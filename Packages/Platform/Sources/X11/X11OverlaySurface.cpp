@@ -1,60 +1,13 @@
 #include "X11OverlaySurface.h"
 
-#include "X11Qt.h"
+#include <FreeDesktop/OverlayPainting.h>
 
-#include <QBackingStore>
-#include <QResizeEvent>
+#include <QScreen>
 #include <QWidget>
-#include <QWindow>
 #include <algorithm>
-#include <array>
-#include <cmath>
-#include <vector>
+#include <utility>
 
 namespace tilewright {
-namespace {
-
-std::uint32_t unsignedOf(int value) {
-    return static_cast<std::uint32_t>(value);
-}
-
-} // namespace
-
-/// The toplevel window. It draws nothing itself; the view's widget fills it.
-class X11OverlaySurface::Container final : public QWidget {
-public:
-    explicit Container(QWidget& content)
-        : QWidget(nullptr, Qt::Window | Qt::FramelessWindowHint | Qt::WindowTransparentForInput |
-                               Qt::WindowDoesNotAcceptFocus | Qt::BypassWindowManagerHint |
-                               Qt::WindowStaysOnTopHint | Qt::NoDropShadowWindowHint)
-        , content_(content) {
-        setAttribute(Qt::WA_TranslucentBackground);
-        setAttribute(Qt::WA_ShowWithoutActivating);
-        setAttribute(Qt::WA_TransparentForMouseEvents);
-        setAttribute(Qt::WA_QuitOnClose, false);
-        setFocusPolicy(Qt::NoFocus);
-        content_.setParent(this);
-        content_.show();
-    }
-    ~Container() override {
-        // The view owns its widget.
-        content_.hide();
-        content_.setParent(nullptr);
-    }
-
-    /// Makes the content as large as the window now, not only once Qt shows it: its areas are asked
-    /// for before.
-    void place(const QRect& geometry) {
-        setGeometry(geometry);
-        content_.setGeometry(rect());
-    }
-
-protected:
-    void resizeEvent(QResizeEvent*) override { content_.setGeometry(rect()); }
-
-private:
-    QWidget& content_;
-};
 
 X11OverlaySurface::X11OverlaySurface(X11Connection& connection, X11Compositor& compositor,
                                      const X11Screens& screens, X11EventMonitors& eventMonitors,
@@ -64,133 +17,143 @@ X11OverlaySurface::X11OverlaySurface(X11Connection& connection, X11Compositor& c
     , eventMonitors_(eventMonitors)
     , loop_(loop)
     , view_(std::move(view))
-    , container_(std::make_unique<Container>(view_->widget())) {
-    container_->winId();
-    if (xcb_connection_t* qtConnection = x11qt::connection()) {
-        // Transparent from the moment it is mapped until the first painting arrives.
-        const std::uint32_t transparent = 0;
-        xcb_change_window_attributes(qtConnection, window(), XCB_CW_BACK_PIXEL, &transparent);
-        // A fullscreen window beneath must not switch the blending off.
-        const std::uint32_t never = 2;
-        xcb_change_property(qtConnection, XCB_PROP_MODE_REPLACE, window(),
-                            connection_.atom(X11Atom::netWmBypassCompositor), XCB_ATOM_CARDINAL, 32,
-                            1, &never);
-    }
-    following_ = QObject::connect(&compositor, &X11Compositor::runningChanged, container_.get(),
+    , fence_(connection, [this] {
+        if (hiding_.isActive())
+            hideWindow();
+    }) {
+    following_ = QObject::connect(&compositor, &X11Compositor::runningChanged,
                                   [this, &compositor] { follow(compositor); });
     view_->onAreasChanged(life_.guard([this] {
-        if (container_->isVisible())
+        if (isShown_)
             applyAreas();
     }));
-    eventMonitors_.onDragAhead([this](AppKitPoint place) { preparePixels(place); });
-    rendering_ = compositor.isRunning() ? OverlayRendering::translucent : OverlayRendering::shaped;
-    view_->setRendering(rendering_);
-    readBlurOffer();
+    view_->setRepaint([this](const QRegion& region) { repaint(region); });
+    eventMonitors_.onDragAhead([this](AppKitPoint place) { prepare(place); });
+    makeWindow(compositor);
 }
 
 X11OverlaySurface::~X11OverlaySurface() {
     eventMonitors_.onDragAhead({});
     QObject::disconnect(following_);
+    view_->setRepaint({});
+    view_->setShown(false);
 }
 
 void X11OverlaySurface::setScreen(const ScreenPtr& screen) {
     if (!screen)
         return;
     screen_ = screen;
-    place();
-    if (container_->isVisible()) {
-        applyAreas();
-        container_->repaint();
-    }
-}
-
-void X11OverlaySurface::place() {
-    const QtSpace space = screens_.qtSpace(*screen_);
-    if (!space.screen())
+    if (!isShown_)
         return;
-    container_->setScreen(space.screen());
-    container_->place(space.toQt(screen_->frame()).toQRect());
-    // Qt rounds to whole points; set the monitor's exact pixels.
-    if (xcb_connection_t* qtConnection = x11qt::connection()) {
-        const QRect native = X11Screens::nativeFrame(*screen_);
-        const std::array<std::uint32_t, 4> geometry{unsignedOf(native.x()), unsignedOf(native.y()),
-                                                    unsignedOf(native.width()),
-                                                    unsignedOf(native.height())};
-        xcb_configure_window(qtConnection, window(),
-                             XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH |
-                                 XCB_CONFIG_WINDOW_HEIGHT,
-                             geometry.data());
+    if (place()) {
+        applyAreas();
+        paint(Painting::now);
     }
+    connection_.flush();
 }
 
 void X11OverlaySurface::orderFront() {
     releasing_.reset();
+    hiding_.reset();
+    isShown_ = true;
+    showWindow();
+}
+
+void X11OverlaySurface::showWindow() {
+    if (!place())
+        return;
     applyAreas();
-    container_->show();
-    // Showing sets Qt's own, rounded geometry once more.
-    if (screen_)
-        place();
-    container_->raise();
+    // What the view has taken over by now has changed unseen.
+    view_->setShown(true);
+    paint(Painting::now);
+    window_->show();
+    connection_.flush();
 }
 
 void X11OverlaySurface::orderOut() {
-    if (container_->isVisible()) {
-        container_->hide();
+    if (std::exchange(isShown_, false)) {
+        fence_.send();
+        hiding_ = ScopedTimer(loop_.scheduleOnce(longestDelay, [this] { hideWindow(); }));
         releasePixelsLater();
         readBlurOffer();
     }
+    view_->setShown(false);
     view_->finishAnimations();
 }
 
-void X11OverlaySurface::follow(const X11Compositor& compositor) {
-    rendering_ = compositor.isRunning() ? OverlayRendering::translucent : OverlayRendering::shaped;
+void X11OverlaySurface::hideWindow() {
+    hiding_.reset();
+    window_->hide();
+    connection_.flush();
+}
+
+bool X11OverlaySurface::place() {
+    if (!screen_)
+        return false;
+    const QtSpace space = screens_.qtSpace(*screen_);
+    const QRect native = X11Screens::nativeFrame(*screen_);
+    if (!space.screen() || native.isEmpty())
+        return false;
+    const double scale = space.screen()->devicePixelRatio();
+    const QSize points = space.toQt(screen_->frame()).toQRect().size();
+    QWidget& widget = view_->widget();
+    if (std::exchange(scale_, scale) != scale || widget.size() != points)
+        dirty_ = QRect(QPoint(), points);
+    widget.resize(points);
+    makePixels(native.size());
+    window_->place(native);
+    return true;
+}
+
+void X11OverlaySurface::makePixels(QSize pixels) {
+    if (pixels_ && pixels_->size() == pixels)
+        return;
+    // The old ones go first: the two together are more than is needed at any time.
+    pixels_.reset();
+    pixels_ = std::make_unique<X11OverlayPixels>(connection_, pixels, window_->depth());
+    pixels_->whenRead([this] {
+        if (isShown_)
+            paint(Painting::whenRead);
+    });
+    dirty_ = view_->widget().rect();
+}
+
+void X11OverlaySurface::makeWindow(const X11Compositor& compositor) {
+    const bool isBlended = compositor.isRunning();
+    pixels_.reset();
+    window_ = std::make_unique<X11OverlayWindow>(connection_,
+                                                 isBlended ? X11OverlayWindow::Pixels::blended
+                                                           : X11OverlayWindow::Pixels::plain);
+    rendering_ = isBlended ? OverlayRendering::translucent : OverlayRendering::shaped;
     view_->setRendering(rendering_);
     readBlurOffer();
-    if (container_->isVisible()) {
-        applyAreas();
-        container_->update();
-    }
+}
+
+void X11OverlaySurface::follow(const X11Compositor& compositor) {
+    hiding_.reset();
+    makeWindow(compositor);
+    if (isShown_)
+        showWindow();
 }
 
 void X11OverlaySurface::applyAreas() {
+    // Without any, a showing is still being made ready.
+    if (!pixels_)
+        return;
+    const QRect everywhere(QPoint(), pixels_->size());
     if (rendering_ == OverlayRendering::translucent) {
-        container_->clearMask();
+        window_->setOutline(std::nullopt);
         setBlur(view_->blurArea());
         return;
     }
     setBlur({});
-    // An empty mask would be none at all: nothing opaque is a region outside the window.
-    const QRegion outline = view_->outline();
-    container_->setMask(outline.isEmpty() ? QRegion(-1, -1, 1, 1) : outline);
+    window_->setOutline(overlay::pixelsOf(view_->outline(), scale_, everywhere));
 }
 
 void X11OverlaySurface::setBlur(const QRegion& region) {
-    xcb_connection_t* qtConnection = x11qt::connection();
-    if (!qtConnection)
-        return;
-    const xcb_atom_t property = connection_.atom(X11Atom::kdeNetWmBlurBehindRegion);
-    if (!isBlurOffered_ || region.isEmpty()) {
-        if (hasBlur_)
-            xcb_delete_property(qtConnection, window(), property);
-        hasBlur_ = false;
-        return;
-    }
-    const double scale = container_->devicePixelRatio();
-    std::vector<std::uint32_t> rectangles;
-    rectangles.reserve(static_cast<std::size_t>(region.rectCount()) * 4);
-    for (const QRect& rectangle : region) {
-        const int left = static_cast<int>(std::lround(rectangle.x() * scale));
-        const int top = static_cast<int>(std::lround(rectangle.y() * scale));
-        const int right =
-            static_cast<int>(std::lround((rectangle.x() + rectangle.width()) * scale));
-        const int bottom =
-            static_cast<int>(std::lround((rectangle.y() + rectangle.height()) * scale));
-        for (const int value : {left, top, right - left, bottom - top})
-            rectangles.push_back(unsignedOf(std::max(value, 0)));
-    }
-    xcb_change_property(qtConnection, XCB_PROP_MODE_REPLACE, window(), property, XCB_ATOM_CARDINAL,
-                        32, static_cast<std::uint32_t>(rectangles.size()), rectangles.data());
-    hasBlur_ = true;
+    window_->setBlur(isBlurOffered_
+                         ? overlay::pixelsOf(region, scale_, QRect(QPoint(), pixels_->size()))
+                         : QRegion());
 }
 
 void X11OverlaySurface::readBlurOffer() {
@@ -210,38 +173,57 @@ void X11OverlaySurface::readBlurOffer() {
             const auto* end = atoms + xcb_list_properties_atoms_length(properties.get());
             isBlurOffered_ =
                 std::find(atoms, end, connection_.atom(X11Atom::kdeNetWmBlurBehindRegion)) != end;
-            if (container_->isVisible())
+            if (isShown_)
                 applyAreas();
         });
 }
 
-void X11OverlaySurface::preparePixels(AppKitPoint place) {
-    QBackingStore* pixels = container_->backingStore();
-    if (container_->isVisible() || !pixels)
+void X11OverlaySurface::repaint(const QRegion& region) {
+    dirty_ += region;
+    if (!isShown_ || std::exchange(isPaintPosted_, true))
         return;
+    loop_.post(life_.guard([this] {
+        isPaintPosted_ = false;
+        paint(Painting::whenRead);
+    }));
+}
+
+void X11OverlaySurface::paint(Painting when) {
+    if (!pixels_ || dirty_.isEmpty() || (when == Painting::whenRead && pixels_->isBeingRead()))
+        return;
+    QImage picture = pixels_->image();
+    QWidget& widget = view_->widget();
+    const QRegion changed = std::exchange(dirty_, {}) & widget.rect();
+    if (picture.isNull() || changed.isEmpty())
+        return;
+    const QRegion pixels = overlay::pixelsOf(changed, scale_, picture.rect());
+    overlay::paint(widget, changed, scale_, std::move(picture));
+    pixels_->send(pixels);
+    window_->setPixmap(pixels_->pixmap());
+    window_->refresh(pixels);
+    connection_.flush();
+}
+
+void X11OverlaySurface::prepare(AppKitPoint place) {
+    if (isShown_)
+        return;
+    if (hiding_.isActive())
+        hideWindow();
     releasePixelsLater();
-    setScreen(screens_.nearest(place));
-    const QRect everywhere = container_->rect();
-    if (pixels->size() == everywhere.size())
+    screen_ = screens_.nearest(place);
+    if (!this->place())
         return;
-    pixels->resize(everywhere.size());
-    // The memory is the system's to give when it is first written to: most of what this takes.
-    pixels->beginPaint(everywhere);
-    pixels->endPaint();
+    // The view takes over what its model says now.
+    static_cast<void>(view_->blurArea());
+    paint(Painting::now);
 }
 
 void X11OverlaySurface::releasePixelsLater() {
-    releasing_ = ScopedTimer(loop_.scheduleOnce(pixelsKept, [this] { releasePixels(); }));
-}
-
-void X11OverlaySurface::releasePixels() {
-    // The next showing paints everything anew, so Qt makes the buffer the right size then.
-    if (QBackingStore* pixels = container_->backingStore())
-        pixels->resize(QSize(1, 1));
-}
-
-xcb_window_t X11OverlaySurface::window() const {
-    return static_cast<xcb_window_t>(container_->internalWinId());
+    releasing_ = ScopedTimer(loop_.scheduleOnce(pixelsKept, [this] {
+        window_->setPixmap(XCB_NONE);
+        pixels_.reset();
+        connection_.flush();
+    }));
 }
 
 } // namespace tilewright

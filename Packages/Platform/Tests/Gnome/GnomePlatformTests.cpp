@@ -47,6 +47,7 @@ public:
     void onPictureChanged(std::function<void()> callback) override { changed = callback; }
     QWidget& widget() override { return canvas_; }
     void setRepaint(std::function<void(const QRegion&)>) override {}
+    void setShown(bool) override {}
     void setRendering(OverlayRendering) override {}
     QRegion outline() override { return {}; }
     QRegion blurArea() override { return {}; }

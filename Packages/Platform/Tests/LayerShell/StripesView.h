@@ -21,6 +21,7 @@ public:
     void setRepaint(std::function<void(const QRegion&)> repaint) override {
         repaint_ = std::move(repaint);
     }
+    void setShown(bool isShown) override { isShown_ = isShown; }
     void setRendering(OverlayRendering) override {}
     QRegion outline() override { return {}; }
     QRegion blurArea() override { return {}; }
@@ -50,7 +51,7 @@ public:
         image.setDevicePixelRatio(1);
         return image;
     }
-    [[nodiscard]] bool isShown() const { return repaint_ != nullptr; }
+    [[nodiscard]] bool isShown() const { return isShown_; }
 
     int endings = 0;
 
@@ -76,6 +77,7 @@ private:
 
     std::optional<int> bright_;
     std::function<void(const QRegion&)> repaint_;
+    bool isShown_ = false;
     Canvas canvas_{*this};
 };
 

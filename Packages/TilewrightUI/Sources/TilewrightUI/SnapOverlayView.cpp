@@ -7,6 +7,7 @@
 #include <QPaintEvent>
 #include <QPainter>
 #include <algorithm>
+#include <utility>
 
 namespace tilewright {
 
@@ -74,10 +75,12 @@ void SnapOverlayView::onPictureChanged(std::function<void()> callback) {
 }
 
 void SnapOverlayView::setRepaint(std::function<void(const QRegion&)> repaint) {
-    const bool wasShown = isShown();
     repaint_ = std::move(repaint);
+}
+
+void SnapOverlayView::setShown(bool isShown) {
     // What changed while nobody could see it must not fade now.
-    if (isShown() != wasShown)
+    if (std::exchange(isShownAsPixels_, isShown) != isShown)
         finishAnimations();
 }
 

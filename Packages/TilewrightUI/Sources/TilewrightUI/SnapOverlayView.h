@@ -31,6 +31,7 @@ public:
     void onPictureChanged(std::function<void()> callback) override;
     [[nodiscard]] QWidget& widget() override { return *this; }
     void setRepaint(std::function<void(const QRegion&)> repaint) override;
+    void setShown(bool isShown) override;
     void setRendering(OverlayRendering rendering) override;
     [[nodiscard]] QRegion outline() override;
     [[nodiscard]] QRegion blurArea() override;
@@ -66,7 +67,7 @@ private:
     void changeFade(OverlayTile& tile, Change& change, Action action) const;
     void carryOut(const Change& change);
     /// Whether anybody can see the view, by itself or as somebody else's pixels.
-    [[nodiscard]] bool isShown() const { return repaint_ || isVisible(); }
+    [[nodiscard]] bool isShown() const { return isShownAsPixels_ || isVisible(); }
     void repaintLater(const QRegion& region);
     void advanceFades();
     void runFramesWhileFading();
@@ -87,6 +88,7 @@ private:
     Refresh refresh_;
     ScopedTimer frames_;
     std::function<void(const QRegion&)> repaint_;
+    bool isShownAsPixels_ = false;
     std::function<void()> onAreasChanged_;
     std::function<void()> onPictureChanged_;
 };

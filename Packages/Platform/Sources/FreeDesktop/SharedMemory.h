@@ -1,6 +1,6 @@
 #pragma once
 
-#include <FreeDesktop/FileDescriptor.h>
+#include "FileDescriptor.h"
 
 #include <cstddef>
 
