@@ -11,6 +11,7 @@
 #include <TilewrightUI/SlimScrollArea.h>
 #include <TilewrightUI/SlimScrollBar.h>
 
+#include <QAbstractScrollArea>
 #include <QShortcut>
 #include <QStackedWidget>
 #include <QVBoxLayout>
@@ -48,6 +49,7 @@ SettingsView::SettingsView(QWidget* parent)
     below->addWidget(new Hairline);
     below->addWidget(room_);
     column->addLayout(below);
+    connect(pages_, &QStackedWidget::currentChanged, this, &SettingsView::makeRoom);
     limitHeight(QWIDGETSIZE_MAX);
 }
 
@@ -55,12 +57,19 @@ void SettingsView::limitHeight(int most) {
     constexpr int least = 120;
     layout()->activate();
     const int around = layout()->sizeHint().height() - room_->height();
-    const int height = std::clamp(most - around, least, contentSize.height());
-    const bool scrolls = height < contentSize.height();
+    height_ = std::clamp(most - around, least, contentSize.height());
+    makeRoom();
+}
+
+void SettingsView::makeRoom() {
+    // A page that scrolls by itself gets no second bar beside its own.
+    const bool scrolls = height_ < contentSize.height() &&
+                         !qobject_cast<const QAbstractScrollArea*>(pages_->currentWidget());
     // The bar takes its room of the contents' trailing padding.
     room_->setVerticalScrollBarPolicy(scrolls ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAlwaysOff);
-    pages_->setFixedSize(contentSize - QSize(scrolls ? SlimScrollBar::thickness : 0, 0));
-    room_->setFixedSize(contentSize.width(), height);
+    pages_->setFixedSize(contentSize.width() - (scrolls ? SlimScrollBar::thickness : 0),
+                         scrolls ? contentSize.height() : height_);
+    room_->setFixedSize(contentSize.width(), height_);
     // The window asks for the size before a turn of the loop.
     layout()->activate();
 }

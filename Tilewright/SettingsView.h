@@ -35,10 +35,14 @@ public:
 private:
     void add(Tab tab, const char* symbol, const QString& title, QWidget* content);
     [[nodiscard]] int indexOf(Tab tab) const;
+    /// Gives the tab that shows the height that there is.
+    void makeRoom();
 
     SymbolTabBar* tabBar_;
     QStackedWidget* pages_;
     SlimScrollArea* room_;
+    /// How high the contents of a tab are to be seen, in points.
+    int height_ = 0;
     /// In the order of the row and of the pages.
     std::vector<Tab> tabs_;
 };

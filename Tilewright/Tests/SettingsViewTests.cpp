@@ -15,6 +15,7 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QLayout>
+#include <QScrollBar>
 #include <QTest>
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -303,6 +304,27 @@ TEST_F(SettingsViewTest, ScrollsItsContentsOnADisplayThatIsLow) {
     settle();
     EXPECT_EQ(view.size(), whole);
     EXPECT_EQ(editor->size(), SettingsView::contentSize);
+}
+
+TEST_F(SettingsViewTest, ATabThatScrollsByItselfHasOneBarWhereThereIsLessRoom) {
+    SettingsView view;
+    view.show();
+    view.limitHeight(400);
+    const auto barsOf = [&](SettingsView::Tab tab) {
+        view.setSelection(tab);
+        settle();
+        int bars = 0;
+        for (const QScrollBar* bar : view.findChildren<QScrollBar*>())
+            bars += bar->orientation() == Qt::Vertical && bar->isVisible();
+        return bars;
+    };
+    EXPECT_EQ(barsOf(SettingsView::Tab::manage), 1);
+    EXPECT_EQ(view.height(), 400);
+    EXPECT_LT(view.content(SettingsView::Tab::manage)->height(), 400);
+    EXPECT_EQ(barsOf(SettingsView::Tab::layouts), 1);
+    EXPECT_EQ(view.content(SettingsView::Tab::layouts)->height(),
+              SettingsView::contentSize.height());
+    EXPECT_EQ(barsOf(SettingsView::Tab::manage), 1);
 }
 
 TEST_F(SettingsViewTest, GeneralStoresAChoiceAtOnceAndFollowsIt) {
