@@ -112,11 +112,11 @@ TEST_F(DebianPackage, NamesWhatItNeedsInstallsRunsAndLeavesNothingBehind) {
     }
     packages.sort();
     // Each for a reason, and nothing of the tests.
-    EXPECT_EQ(
-        packages.join(u' ').toStdString(),
-        "fonts-dejavu-core libc6 libgcc-s1 libqt6core6 libqt6dbus6 libqt6gui6 libqt6svg6 "
-        "libqt6widgets6 libstdc++6 libwayland-client0 libx11-6 libxcb-randr0 "
-        "libxcb-screensaver0 libxcb-shape0 libxcb-xfixes0 libxcb-xinput0 libxcb-xkb1 libxcb1");
+    EXPECT_EQ(packages.join(u' ').toStdString(),
+              "fonts-dejavu-core libc6 libgcc-s1 libqt6core6 libqt6dbus6 libqt6gui6 libqt6svg6 "
+              "libqt6widgets6 libstdc++6 libwayland-client0 libx11-6 libxcb-randr0 "
+              "libxcb-screensaver0 libxcb-shape0 libxcb-shm0 libxcb-xfixes0 libxcb-xinput0 "
+              "libxcb-xkb1 libxcb1");
 
     dpkg({QStringLiteral("--install"), file});
     const QStringList files = installed();
