@@ -4,6 +4,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <Waiting.h>
+#include <csignal>
 #include <gtest/gtest.h>
 
 namespace tilewright::testing {
@@ -18,21 +19,40 @@ QString windowScript(const QString& quotedTitle, const QString& rest) {
 
 } // namespace
 
-GnomeSession::GnomeSession(const QString& believedProgram, int displays)
-    : CompositorSession(QStringLiteral("GNOME")) {
-    writeSettings();
-    installCompanion(believedProgram);
-    const bool isUp = startBuses() && startShell(displays);
+GnomeSession::GnomeSession(const QString& believedProgram, int displays, CompanionAtStart companion)
+    : CompositorSession(QStringLiteral("GNOME"))
+    , displays_(displays) {
+    writeSettings(companion);
+    if (companion == CompanionAtStart::runs)
+        installCompanion(believedProgram);
+    const bool isUp = startBuses() && startShell();
+    EXPECT_TRUE(isUp) << describe();
+    if (!isUp)
+        return;
+    waitUntilItRests();
+    EXPECT_TRUE(waitUntil([&] {
+        return isCompanionActive() == (companion == CompanionAtStart::runs);
+    })) << describe();
+}
+
+void GnomeSession::logInAgain() {
+    setInput(nullptr);
+    compositor().signal(SIGTERM);
+    EXPECT_TRUE(compositor().waitForEnd());
+    const bool isUp = startShell();
     EXPECT_TRUE(isUp) << describe();
     if (isUp)
         waitUntilItRests();
 }
 
-void GnomeSession::writeSettings() const {
+void GnomeSession::writeSettings(CompanionAtStart companion) const {
+    const QByteArray extensions = companion == CompanionAtStart::runs
+                                      ? QByteArray("['") + companionUuid + "']"
+                                      : QByteArray("@as []");
     // A plain ground, so that a picture says what lies on it.
     writeFile(home() + QStringLiteral("/.config/glib-2.0/settings/keyfile"),
-              QByteArray("[org/gnome/shell]\nenabled-extensions=['") + companionUuid +
-                  "']\ndisable-user-extensions=false\nwelcome-dialog-last-shown-version='999'\n"
+              "[org/gnome/shell]\nenabled-extensions=" + extensions +
+                  "\ndisable-user-extensions=false\nwelcome-dialog-last-shown-version='999'\n"
                   "[org/gnome/desktop/background]\npicture-options='none'\n"
                   "primary-color='#204060'\ncolor-shading-type='solid'\n"
                   "[org/gnome/desktop/session]\nidle-delay=uint32 0\n"
@@ -53,11 +73,11 @@ void GnomeSession::installCompanion(const QString& believedProgram) {
     EXPECT_EQ(assembly.exitCode(), 0) << describe();
 }
 
-bool GnomeSession::startShell(int displays) {
+bool GnomeSession::startShell() {
     QStringList arguments{QStringLiteral("--headless"), QStringLiteral("--wayland"),
                           QStringLiteral("--unsafe-mode"), QStringLiteral("--wayland-display"),
                           socketName()};
-    for (int number = 0; number < displays; ++number)
+    for (int number = 0; number < displays_; ++number)
         arguments += {QStringLiteral("--virtual-monitor"), QStringLiteral("1920x1080")};
     if (!startCompositor(QStringLiteral("gnome-shell"), arguments))
         return false;
@@ -84,7 +104,6 @@ void GnomeSession::waitUntilItRests() {
     tell(QStringLiteral("Main.overview.hide()"));
     EXPECT_TRUE(waitUntil([&] { return !ask(QStringLiteral("Main.overview.visible")).toBool(); }));
     useInput({1700, 1000});
-    EXPECT_TRUE(waitUntil([&] { return isCompanionActive(); })) << describe();
 }
 
 QDBusMessage GnomeSession::evaluate(const QString& script) const {

@@ -7,6 +7,9 @@
 
 namespace tilewright::testing {
 
+/// Whether our companion's files are there, and the companion is to run, before the shell starts.
+enum class CompanionAtStart { runs, isNowhere };
+
 /// A whole session of GNOME Shell, with our companion installed for its home. Places are units of
 /// the shell's stage.
 class GnomeSession final : public CompositorSession {
@@ -14,7 +17,13 @@ public:
     /// Starts it, with a companion that believes the program at this path, and waits until the
     /// shell rests. Fails the running test where it does not come up. The displays are side by
     /// side, each of 1920 by 1080 pixels.
-    explicit GnomeSession(const QString& believedProgram, int displays = 1);
+    explicit GnomeSession(const QString& believedProgram, int displays = 1,
+                          CompanionAtStart companion = CompanionAtStart::runs);
+
+    /// Puts the companion's files where the shell finds them at its next start.
+    void installCompanion(const QString& believedProgram);
+    /// Ends the shell, and everything that was shown by it, and starts another for the same user.
+    void logInAgain();
 
     /// What the script's last expression comes to.
     [[nodiscard]] QJsonValue ask(const QString& script) override;
@@ -41,13 +50,13 @@ public:
     [[nodiscard]] QRect waitForItem();
 
 private:
-    void writeSettings() const;
-    void installCompanion(const QString& believedProgram);
-    [[nodiscard]] bool startShell(int displays);
+    void writeSettings(CompanionAtStart companion) const;
+    [[nodiscard]] bool startShell();
     void waitUntilItRests();
     [[nodiscard]] QDBusMessage evaluate(const QString& script) const;
     [[nodiscard]] std::map<QString, QString> xServer() override;
 
+    const int displays_;
     /// Which the base owns.
     GnomeInput* input_ = nullptr;
     int pictures_ = 0;

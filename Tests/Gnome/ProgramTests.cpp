@@ -190,4 +190,20 @@ TEST_F(UpgradedProgram, IsStillBelievedWhenItsFileHasBeenReplacedBelowIt) {
     EXPECT_TRUE(waitUntil([&] { return session.frame(title) == zone(0); })) << session.describe();
 }
 
+TEST(CompanionThatTheShellHasYetToSee, RunsAfterTheNextLoginWithoutAClick) {
+    const QString program = QStringLiteral(TILEWRIGHT_PROGRAM);
+    GnomeSession session(program, 1, CompanionAtStart::isNowhere);
+    session.installCompanion(program);
+    session.start(program);
+    ASSERT_TRUE(waitUntil([&] {
+        return session.ask(QStringLiteral("global.settings.get_strv('enabled-extensions')"))
+            .toArray()
+            .contains(QString::fromLatin1(companionUuid));
+    })) << session.describe();
+    EXPECT_FALSE(session.isCompanionActive());
+    session.logInAgain();
+    session.start(program);
+    EXPECT_FALSE(session.waitForItem().isEmpty()) << session.describe();
+}
+
 } // namespace tilewright::testing

@@ -58,9 +58,10 @@ QString GnomeExtension::shellName() {
     return QStringLiteral("org.gnome.Shell");
 }
 
-GnomeExtension::GnomeExtension(MessageBus& bus, GnomeCompanionFiles files)
+GnomeExtension::GnomeExtension(MessageBus& bus, GnomeCompanionFiles files, QString settingsProgram)
     : bus_(bus)
-    , files_(std::move(files)) {
+    , files_(std::move(files))
+    , startList_(std::move(settingsProgram)) {
     connect(&bus_, &MessageBus::joined, this, &GnomeExtension::joinBus);
     connect(&bus_, &MessageBus::left, this, &GnomeExtension::leaveBus);
     if (bus_.isJoined())
@@ -149,6 +150,8 @@ void GnomeExtension::settle(State state) {
         return;
     if (before == State::active)
         Q_EMIT stopped();
+    if (state_ == State::notSeen)
+        startList_.add(files_.name());
     Q_EMIT changed();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "GnomeCompanionFiles.h"
+#include "GnomeStartList.h"
 
 #include <FreeDesktop/BusNameOwner.h>
 #include <FreeDesktop/MessageBus.h>
@@ -13,8 +14,9 @@
 namespace tilewright {
 
 /// This program's companion as an extension of GNOME Shell: what the shell says of it, followed by
-/// the shell's signal, and the way to turn it on. Everything is asynchronous; the shell alone is
-/// heard. Main thread only.
+/// the shell's signal, and the way to turn it on. One that the shell has yet to see is entered in
+/// the user's list of those that run, unless the user has turned it off: it runs from the next
+/// login on. Everything is asynchronous; the shell alone is heard. Main thread only.
 class GnomeExtension final : public QObject {
     Q_OBJECT
 
@@ -37,9 +39,8 @@ public:
     [[nodiscard]] static QString shellName();
 
     /// The bus has to outlive this. The files are looked at anew whenever the shell does not know
-    /// the extension.
-    explicit GnomeExtension(MessageBus& bus,
-                            GnomeCompanionFiles files = GnomeCompanionFiles::ofThisProgram());
+    /// the extension. `settingsProgram` is what the user's list is kept by.
+    GnomeExtension(MessageBus& bus, GnomeCompanionFiles files, QString settingsProgram);
     ~GnomeExtension() override;
 
     [[nodiscard]] State state() const { return state_; }
@@ -71,6 +72,7 @@ private:
 
     MessageBus& bus_;
     const GnomeCompanionFiles files_;
+    GnomeStartList startList_;
     std::unique_ptr<BusNameOwner> shell_;
     /// The shell's own address, whose signals are listened to; empty while there is none.
     QString heard_;

@@ -14,7 +14,8 @@ namespace tilewright {
 /// In the order in which they need each other.
 struct GnomePlatform::Parts {
     CompanionDesktop desktop{[this] { guidance.notify(); }, [this] { guidance.show(); }};
-    GnomeExtension extension{desktop.sessionBus};
+    GnomeExtension extension{desktop.sessionBus, GnomeCompanionFiles::ofThisProgram(),
+                             GnomeStartList::settingsProgram()};
     GnomeGuidance guidance{desktop.state, extension, desktop.userNotifications,
                            [this] { desktop.workspace.activateThisApplication(); }};
     std::optional<CompanionStatusItem> statusItem;

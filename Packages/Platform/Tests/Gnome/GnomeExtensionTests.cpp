@@ -1,5 +1,6 @@
 #include "MockCompanion.h"
 #include "PrivateBus.h"
+#include "SettingsProgram.h"
 
 #include <Gnome/GnomeExtension.h>
 
@@ -27,9 +28,11 @@ protected:
 
     PrivateBus bus;
     QTemporaryDir folder;
+    SettingsProgram settings;
     MessageBus own{bus.connect()};
     GnomeExtension extension{
-        own, GnomeCompanionFiles({QStringLiteral("/nonexistent"), folder.path()}, {})};
+        own, GnomeCompanionFiles({QStringLiteral("/nonexistent"), folder.path()}, {}),
+        settings.program()};
 };
 
 } // namespace
@@ -48,6 +51,18 @@ TEST_F(GnomeExtensionTest, TellsWhetherTheShellHasYetToSeeItOrItIsNowhere) {
     putFilesThere();
     extension.refresh();
     EXPECT_TRUE(becomes(State::notSeen));
+}
+
+TEST_F(GnomeExtensionTest, IsToRunFromTheNextLoginOnOnceItsFilesAreThere) {
+    MockCompanion shell(bus.connect());
+    ASSERT_TRUE(becomes(State::notInstalled));
+    EXPECT_EQ(settings.calls(), QStringList());
+    putFilesThere();
+    extension.refresh();
+    ASSERT_TRUE(becomes(State::notSeen));
+    EXPECT_TRUE(waitUntil([&] {
+        return settings.started() == "['" + GnomeCompanionFiles::packagedName().toUtf8() + "']";
+    }));
 }
 
 TEST_F(GnomeExtensionTest, IsWhatTheShellSaysOfIt) {

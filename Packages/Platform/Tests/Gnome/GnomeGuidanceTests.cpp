@@ -1,6 +1,7 @@
 #include "GuidanceWords.h"
 #include "MockCompanion.h"
 #include "PrivateBus.h"
+#include "SettingsProgram.h"
 
 #include <Companion/CompanionDecoder.h>
 #include <Gnome/GnomeGuidance.h>
@@ -29,8 +30,11 @@ protected:
     MessageBus own{bus.connect()};
     CompanionState state;
     QTemporaryDir folder;
-    GnomeExtension extension{own, GnomeCompanionFiles({folder.filePath(QStringLiteral("data"))},
-                                                      folder.filePath(QStringLiteral("offer")))};
+    SettingsProgram settings;
+    GnomeExtension extension{own,
+                             GnomeCompanionFiles({folder.filePath(QStringLiteral("data"))},
+                                                 folder.filePath(QStringLiteral("offer"))),
+                             settings.program()};
     FreeDesktopUserNotifications notifications{own};
     int forward = 0;
     GnomeGuidance guidance{state, extension, notifications, [this] { ++forward; }};
@@ -89,6 +93,9 @@ TEST_F(GnomeGuidanceTest, InstallsWhatTheBuildBringsAlongOnceTheUserWantsIt) {
     EXPECT_TRUE(extension.files().areInstalled());
     EXPECT_EQ(titleIn(guidance), GnomeGuidance::stepFor(State::notSeen, false).title);
     EXPECT_FALSE(actionIn(guidance)->isVisible());
+    EXPECT_TRUE(waitUntil([&] {
+        return settings.started() == "['" + GnomeCompanionFiles::buildsName().toUtf8() + "']";
+    })) << "no click is needed after the next login";
 }
 
 TEST_F(GnomeGuidanceTest, HasOneWindowAtATime) {
