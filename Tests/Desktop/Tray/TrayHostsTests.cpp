@@ -48,9 +48,9 @@ class SymbolicItem : public ::testing::TestWithParam<bool> {};
 
 } // namespace
 
-TEST(Trayer, ShowsTheItemThatOpensAndClosesThePanel) {
+TEST(LoneTray, ShowsTheItemThatOpensAndClosesThePanel) {
     TrayDesktop desktop;
-    startTrayer(desktop.session());
+    startLoneTray(desktop.session());
     desktop.startProgram();
     const QRect item = desktop.waitForItem();
     for (int round = 0; round < 2; ++round) {

@@ -1,5 +1,7 @@
 #include "Bars.h"
 
+#include <QStandardPaths>
+
 using namespace Qt::StringLiterals;
 
 namespace tilewright::testing {
@@ -24,11 +26,14 @@ Subprocess& startTint2(DesktopSession& desktop, int monitor, BarEdge edge) {
     return desktop.start(u"tint2"_s, {u"-c"_s, file});
 }
 
-Subprocess& startTrayer(DesktopSession& desktop, int monitor) {
-    return desktop.start(u"trayer"_s,
-                         {u"--edge"_s, u"top"_s, u"--align"_s, u"right"_s, u"--height"_s,
-                          QString::number(barHeight), u"--widthtype"_s, u"request"_s,
-                          u"--SetDockType"_s, u"true"_s, u"--monitor"_s, QString::number(monitor)});
+Subprocess& startLoneTray(DesktopSession& desktop) {
+    if (QStandardPaths::findExecutable(u"trayer"_s).isEmpty())
+        return desktop.start(u"stalonetray"_s,
+                             {u"--geometry"_s, u"1x1-0+0"_s, u"--slot-size"_s,
+                              QString::number(barHeight), u"--window-type"_s, u"dock"_s});
+    return desktop.start(u"trayer"_s, {u"--edge"_s, u"top"_s, u"--align"_s, u"right"_s,
+                                       u"--height"_s, QString::number(barHeight), u"--widthtype"_s,
+                                       u"request"_s, u"--SetDockType"_s, u"true"_s});
 }
 
 Subprocess& startXfcePanel(DesktopSession& desktop, XfceItems items) {

@@ -24,8 +24,9 @@ enum class XfceItems {
 
 /// Starts tint2, which takes in items of the X11 system tray, on a monitor counted from 0.
 Subprocess& startTint2(DesktopSession& desktop, int monitor = 0, BarEdge edge = BarEdge::top);
-/// Starts trayer, which takes them in as well.
-Subprocess& startTrayer(DesktopSession& desktop, int monitor = 0);
+/// Starts a bar that does nothing but take them in, in the upper right corner of the screen:
+/// trayer, or stalonetray where the release does not have that any longer.
+Subprocess& startLoneTray(DesktopSession& desktop);
 /// Starts Xfce's panel, which shows status-notifier items.
 Subprocess& startXfcePanel(DesktopSession& desktop, XfceItems items = XfceItems::asGiven);
 
