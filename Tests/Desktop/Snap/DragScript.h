@@ -46,8 +46,11 @@ private:
         Bar bar;
     };
     [[nodiscard]] Grip gripOf(const TestClient& client) const;
-    /// Moves to and fro until the window has moved more than once.
-    void moveUntilItFollows(const TestClient& client, QPoint here);
+    /// Presses the button, and moves to and fro until the window has moved more than once. Where it
+    /// does not, lets go and does so again, as a hand would.
+    void takeHold(const TestClient& client, QPoint from, QPoint here);
+    /// Whether the window has followed the mouse more than once; looks at it for a second.
+    [[nodiscard]] bool follows(const TestClient& client, QPoint here);
 
     DesktopSession& desktop_;
     RunningProgram& program_;

@@ -63,7 +63,9 @@ TEST_P(WindowManagerDrag, SnapsByOption) {
     SnapCases cases(desktop, QStringLiteral("option"));
     cases.dropInAZone(ClientKind::xterm, KeyTiming::afterTheDragBegan, 1);
     cases.pressEscape(ownBar(), KeyTiming::afterTheDragBegan, 0);
-    cases.releaseTheKeyFirst(ClientKind::qt, {KeyTiming::afterTheDragBegan});
+    // What a window manager has not seen by the time that it ends would come to pass in the next
+    // drag: muffin then resizes this window.
+    cases.releaseTheKeyFirst(ClientKind::qt, {KeyTiming::inMidDrag});
 }
 
 TEST_P(WindowManagerDrag, SnapsByCommand) {
