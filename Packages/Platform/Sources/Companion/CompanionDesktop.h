@@ -11,15 +11,10 @@
 #include "CompanionState.h"
 #include "CompanionWorkspace.h"
 
-#include <FreeDesktop/FreeDesktopApplicationSupport.h>
-#include <FreeDesktop/FreeDesktopKeyNames.h>
-#include <FreeDesktop/FreeDesktopUserDefaults.h>
-#include <FreeDesktop/FreeDesktopUserNotifications.h>
+#include <FreeDesktop/FreeDesktopSession.h>
 #include <FreeDesktop/InhibitingPowerAssertions.h>
-#include <FreeDesktop/MessageBus.h>
 #include <Platform/PanelSurface.h>
 #include <Platform/Platform.h>
-#include <Platform/QtMainLoop.h>
 
 #include <functional>
 #include <memory>
@@ -29,7 +24,7 @@ namespace tilewright {
 /// What all desktops share whose compositor has a companion of ours inside, in the order in which
 /// the parts need each other. A desktop adds its companion, the way to it and what it shows in its
 /// own manner. Needs Qt's application object, and has to end before it. Main thread only.
-struct CompanionDesktop {
+struct CompanionDesktop : FreeDesktopSession {
     /// `notify` tells the user that the companion is missing, `showGuidance` shows what to do about
     /// it. Neither is called before the start has ended.
     CompanionDesktop(std::function<void()> notify, std::function<void()> showGuidance);
@@ -45,13 +40,6 @@ struct CompanionDesktop {
     /// Forgets what the companion has told, and what it was to do: it is gone, or another one.
     void lose();
 
-    QtMainLoop mainLoop;
-    FreeDesktopUserDefaults userDefaults;
-    FreeDesktopApplicationSupport applicationSupport;
-    FreeDesktopKeyNames keyNames;
-    MessageBus sessionBus{mainLoop, MessageBus::Kind::session};
-    MessageBus systemBus{mainLoop, MessageBus::Kind::system};
-    FreeDesktopUserNotifications userNotifications{sessionBus};
     InhibitingPowerAssertions powerAssertions{mainLoop, nullptr, sessionBus, systemBus};
 
     CompanionState state;

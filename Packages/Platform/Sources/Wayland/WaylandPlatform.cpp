@@ -4,19 +4,14 @@
 #include "WaylandPanelSurface.h"
 #include "WaylandScreens.h"
 
-#include <FreeDesktop/FreeDesktopApplicationSupport.h>
 #include <FreeDesktop/FreeDesktopGuidance.h>
 #include <FreeDesktop/FreeDesktopInstanceActivation.h>
-#include <FreeDesktop/FreeDesktopKeyNames.h>
+#include <FreeDesktop/FreeDesktopSession.h>
 #include <FreeDesktop/FreeDesktopStatusItem.h>
-#include <FreeDesktop/FreeDesktopUserDefaults.h>
-#include <FreeDesktop/FreeDesktopUserNotifications.h>
 #include <FreeDesktop/InhibitingPowerAssertions.h>
-#include <FreeDesktop/MessageBus.h>
 #include <FreeDesktop/PortalAppearance.h>
 #include <FreeDesktop/WaylandSocket.h>
 #include <LayerShell/LayerShellScreenSaver.h>
-#include <Platform/QtMainLoop.h>
 
 #include <QCoreApplication>
 #include <QCursor>
@@ -103,14 +98,7 @@ private:
 } // namespace
 
 /// In the order in which they need each other.
-struct WaylandPlatform::Parts {
-    QtMainLoop mainLoop;
-    FreeDesktopUserDefaults userDefaults;
-    FreeDesktopApplicationSupport applicationSupport;
-    FreeDesktopKeyNames keyNames;
-    MessageBus sessionBus{mainLoop, MessageBus::Kind::session};
-    MessageBus systemBus{mainLoop, MessageBus::Kind::system};
-    FreeDesktopUserNotifications userNotifications{sessionBus};
+struct WaylandPlatform::Parts : FreeDesktopSession {
     FreeDesktopInstanceActivation instanceActivation{qEnvironmentVariable("WAYLAND_DISPLAY"),
                                                      sessionBus.connection()};
     WaylandConnection compositor{mainLoop,

@@ -10,16 +10,11 @@
 #include "X11StaleNotices.h"
 #include "X11SystemTray.h"
 
-#include <FreeDesktop/FreeDesktopApplicationSupport.h>
-#include <FreeDesktop/FreeDesktopKeyNames.h>
+#include <FreeDesktop/FreeDesktopSession.h>
 #include <FreeDesktop/FreeDesktopStatusItem.h>
-#include <FreeDesktop/FreeDesktopUserDefaults.h>
-#include <FreeDesktop/FreeDesktopUserNotifications.h>
 #include <FreeDesktop/InhibitingPowerAssertions.h>
-#include <FreeDesktop/MessageBus.h>
 #include <FreeDesktop/WaylandSocket.h>
 #include <LayerShell/LayerShellScreenSaver.h>
-#include <Platform/QtMainLoop.h>
 #include <Popup/PopupPanelSurface.h>
 
 #include <QGuiApplication>
@@ -29,7 +24,7 @@
 namespace tilewright {
 
 /// In the order in which they need each other.
-struct X11Platform::Parts {
+struct X11Platform::Parts : FreeDesktopSession {
     Parts(std::unique_ptr<X11Connection> opened, X11Session session)
         : connection(std::move(opened))
         , compositor(session == X11Session::besideWayland ? connectToCompositor() : nullptr)
@@ -38,13 +33,6 @@ struct X11Platform::Parts {
                   session == X11Session::besideWayland) {}
 
     std::unique_ptr<X11Connection> connection;
-    QtMainLoop mainLoop;
-    FreeDesktopUserDefaults userDefaults;
-    FreeDesktopApplicationSupport applicationSupport;
-    FreeDesktopKeyNames keyNames;
-    MessageBus sessionBus{mainLoop, MessageBus::Kind::session};
-    MessageBus systemBus{mainLoop, MessageBus::Kind::system};
-    FreeDesktopUserNotifications userNotifications{sessionBus};
     X11InstanceActivation instanceActivation{*connection};
     /// The one beside which the X server is; null where the session is the server's own.
     std::unique_ptr<WaylandConnection> compositor;
