@@ -269,6 +269,12 @@ TEST_F(ProgramInPlasma, OpensItsPanelBelowThePointerAtASecondStartAndClosesItInE
     session.input().move(session.frame(other).center());
     session.input().click();
     EXPECT_TRUE(waitUntil([&] { return !isOpen(); })) << "another window";
+
+    session.place(other, {0, 0, 1900, 1000});
+    open();
+    session.input().move(QPoint(session.frame(panelTitle).left() + 4, 400));
+    session.input().click();
+    EXPECT_TRUE(waitUntil([&] { return !isOpen(); })) << "another window, through the shadow";
 }
 
 } // namespace tilewright::testing

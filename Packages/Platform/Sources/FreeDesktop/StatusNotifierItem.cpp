@@ -79,6 +79,13 @@ public Q_SLOTS:
     void Activate(int x, int y) { item_->clicked({x, y}); }
     void SecondaryActivate(int x, int y) { item_->clicked({x, y}); }
     void ContextMenu(int x, int y) { item_->clicked({x, y}); }
+    void ProvideXdgActivationToken(const QString& token) {
+        // Where Qt looks for it, with the next window that is to be made active. Only the
+        // compositor knows a real one; what is no token at all is not kept.
+        constexpr qsizetype longest = 256;
+        if (token.size() <= longest)
+            qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
+    }
     void Scroll(int /*delta*/, const QString& /*orientation*/) {}
 
 Q_SIGNALS:

@@ -5,6 +5,7 @@
 #include <QKeyEvent>
 #include <QLayout>
 #include <QPainter>
+#include <QWindow>
 #include <algorithm>
 #include <utility>
 
@@ -46,12 +47,26 @@ void ToplevelPanelWindow::fit(int mostHeight) {
     wanted.setHeight(std::min(wanted.height(), mostHeight_));
     setFixedSize(wanted.grownBy(margins));
     view_->setGeometry(QRect({margins.left(), margins.top()}, wanted));
+    letPressesThroughShadow();
+}
+
+void ToplevelPanelWindow::letPressesThroughShadow() {
+    // Not the widget's own mask, which would cut the shadow off. Off Wayland a window's mask does
+    // so, too.
+    if (windowHandle() && QGuiApplication::platformName() == QStringLiteral("wayland"))
+        windowHandle()->setMask(
+            rect().marginsRemoved(chrome_.margins(PanelRendering::translucent)));
 }
 
 void ToplevelPanelWindow::retire() {
     dismiss_ = nullptr;
     hide();
     deleteLater();
+}
+
+void ToplevelPanelWindow::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    letPressesThroughShadow();
 }
 
 void ToplevelPanelWindow::paintEvent(QPaintEvent* /*event*/) {

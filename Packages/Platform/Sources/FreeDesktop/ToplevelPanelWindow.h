@@ -31,6 +31,7 @@ public:
     void retire();
 
 protected:
+    void showEvent(QShowEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     bool event(QEvent* event) override;
@@ -38,6 +39,8 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
+    /// What is beneath the shadow is pressed as if there were none: the item, before all.
+    void letPressesThroughShadow();
     void tell(PanelDismissal why);
 
     PanelChrome& chrome_;

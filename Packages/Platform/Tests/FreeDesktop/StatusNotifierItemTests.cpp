@@ -134,6 +134,24 @@ TEST_F(StatusNotifierItemTest, PassesClicksOnWithTheirPlace) {
     EXPECT_EQ(places, (std::vector<NativePixel>{{11, 12}, {21, 22}, {31, 32}}));
 }
 
+TEST_F(StatusNotifierItemTest, LeavesTheCompositorsLeaveToComeToTheFrontWhereQtTakesIt) {
+    const FakeNotifierWatcher watcher(bus.connect());
+    const StatusNotifierItem item(loop, own);
+    ASSERT_TRUE(waitUntil([&] { return watcher.items.size() == 1; }));
+    NotifierHost host(bus.connect());
+    const auto provide = [&](const QString& token) {
+        return host
+            .call(watcher.items.front(), interface, QStringLiteral("ProvideXdgActivationToken"),
+                  {token})
+            .type();
+    };
+    EXPECT_EQ(provide(QStringLiteral("leave-1")), QDBusMessage::ReplyMessage);
+    EXPECT_EQ(qgetenv("XDG_ACTIVATION_TOKEN"), "leave-1");
+    EXPECT_EQ(provide(QString(100'000, u'x')), QDBusMessage::ReplyMessage);
+    EXPECT_EQ(qgetenv("XDG_ACTIVATION_TOKEN"), "leave-1");
+    qunsetenv("XDG_ACTIVATION_TOKEN");
+}
+
 TEST_F(StatusNotifierItemTest, DescribesItselfToHosts) {
     const FakeNotifierWatcher watcher(bus.connect());
     StatusNotifierItem item(loop, own);
