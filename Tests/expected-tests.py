@@ -17,7 +17,10 @@ import sys
 import xml.etree.ElementTree
 
 # Why a test may not run, by its label: it needs what only some release has.
-ELSEWHERE = {"oldlibrary": "needs libc++ 14, the library of the oldest macOS that is supported"}
+ELSEWHERE = {
+    "oldlibrary": "needs libc++ 14, the library of the oldest macOS that is supported",
+    "desktop-plasma": "needs Plasma's desktop, which Tests/Releases/root puts into a root when asked for plasma",
+}
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 TEST_MACRO = re.compile(r"^\s*(?:TYPED_)?TEST(?:_F|_P)?\(\s*(\w+)\s*,\s*(\w+)\s*\)", re.MULTILINE)
@@ -59,20 +62,19 @@ def before(build):
     if missing or bad:
         print("Not registered, disabled or not built:", *missing, *bad, sep="\n  ")
         return 1
-    counts = {}
-    for labels, disabled in tests.values():
-        for label in set() if disabled else set(labels) - set(ELSEWHERE) or ["other"]:
-            kind = label.removesuffix("-quick")
-            counts[kind] = counts.get(kind, 0) + 1
     meaning = {
         "unit": "tests of the code by itself, on fakes of the desktop",
         "desktop": "tests on real X servers, window managers, applications and services",
         "long": "long runs, left out here",
         "other": "checks of the build",
     }
+    counts = collections.Counter()
+    for labels, disabled in tests.values():
+        if not disabled:
+            counts.update({label.split("-")[0] for label in labels} & set(meaning) or {"other"})
     print("This runs:")
-    for label, count in sorted(counts.items(), key=lambda item: -item[1]):
-        print(f"  {count:5} {meaning.get(label, label)}")
+    for label, count in counts.most_common():
+        print(f"  {count:5} {meaning[label]}")
     for name, why in elsewhere.items():
         print(f"Not run: {name} ({why})")
     return 0

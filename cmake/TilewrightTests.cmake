@@ -5,15 +5,17 @@ add_custom_target(unit_tests)
 # Builds the programs of those tests on real desktops that together take few minutes.
 add_custom_target(quick_desktop_tests)
 
-# tilewright_test(<target> SOURCES <files...> [DEPENDS <targets...>] [LABEL unit|desktop|long]
-#                 [QUICK] [GUI] [TIMEOUT <seconds>])
+# tilewright_test(<target> SOURCES <files...> [DEPENDS <targets...>] [LABEL unit|desktop|long|desktop-plasma]
+#                 [QUICK] [GUI] [TIMEOUT <seconds>] [NEEDS <program>])
 #
 # A GoogleTest program; every test in it becomes a test of its own for ctest. GUI programs get a
 # QApplication (on the offscreen platform unless QT_QPA_PLATFORM says otherwise), the others a
 # QCoreApplication. QUICK ones among the desktop tests are a first look at another release; ctest has
-# them as desktop-quick. A test that skips itself counts as failed: a skipped test proves nothing.
+# them as desktop-quick. Those that NEED a program are there, but disabled, where it is not installed;
+# Tests/expected-tests.py says why, by their label. A test that skips itself counts as failed: a skipped
+# test proves nothing.
 function(tilewright_test target)
-  cmake_parse_arguments(PARSE_ARGV 1 test "GUI;QUICK" "LABEL;TIMEOUT" "SOURCES;DEPENDS")
+  cmake_parse_arguments(PARSE_ARGV 1 test "GUI;QUICK" "LABEL;TIMEOUT;NEEDS" "SOURCES;DEPENDS")
   if(NOT test_LABEL)
     set(test_LABEL unit)
   endif()
@@ -40,11 +42,20 @@ function(tilewright_test target)
     add_dependencies(quick_desktop_tests ${target})
     string(APPEND test_LABEL "-quick")
   endif()
+  set(disabled FALSE)
+  if(test_NEEDS)
+    string(MAKE_C_IDENTIFIER "TILEWRIGHT_${test_NEEDS}_PROGRAM" program)
+    find_program(${program} "${test_NEEDS}")
+    if(NOT ${program})
+      set(disabled TRUE)
+    endif()
+  endif()
   gtest_discover_tests(${target}
     DISCOVERY_TIMEOUT 120
     PROPERTIES
       LABELS "${test_LABEL}"
       TIMEOUT ${test_TIMEOUT}
       ${cost}
+      DISABLED ${disabled}
       FAIL_REGULAR_EXPRESSION "\\[  SKIPPED \\]")
 endfunction()

@@ -78,9 +78,10 @@ public:
     std::map<QString, QString> answers;
 };
 
-PlasmaSession::PlasmaSession(const PlasmaDisplays& displays)
+PlasmaSession::PlasmaSession(const PlasmaDisplays& displays, Around around)
     : CompositorSession(QStringLiteral("KDE"))
     , scales_(displays.scales)
+    , around_(around)
     , ear_(std::make_unique<Ear>()) {
     int left = 0;
     for (const double scale : scales_) {
@@ -169,12 +170,15 @@ void PlasmaSession::startCompositor() {
         QFile::setPermissions(witness, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
     EXPECT_TRUE(CompositorSession::startCompositor(
         program,
-        backend + QStringList{QStringLiteral("--output-count"), QString::number(displays_.size()),
-                              QStringLiteral("--width"), QString::number(size.width()),
-                              QStringLiteral("--height"), QString::number(size.height()),
-                              QStringLiteral("--scale"), QString::number(scales_.front()),
-                              QStringLiteral("--no-lockscreen"), QStringLiteral("--xwayland"),
-                              QStringLiteral("--socket"), socketName(), witness}));
+        backend +
+            QStringList{QStringLiteral("--output-count"), QString::number(displays_.size()),
+                        QStringLiteral("--width"), QString::number(size.width()),
+                        QStringLiteral("--height"), QString::number(size.height()),
+                        QStringLiteral("--scale"), QString::number(scales_.front()),
+                        QStringLiteral("--xwayland"), QStringLiteral("--socket"), socketName()} +
+            (around_ == Around::nothing ? QStringList{QStringLiteral("--no-lockscreen")}
+                                        : QStringList()) +
+            QStringList{witness}));
     EXPECT_TRUE(waitUntil([&] {
         return bus().interface()->isServiceRegistered(kwinService) &&
                callScripting(QStringLiteral("isScriptLoaded"), {QStringLiteral("none")}).type() ==
@@ -247,10 +251,13 @@ void PlasmaSession::place(const QString& title, QRect area) {
 }
 
 QRect PlasmaSession::frame(const QString& title) {
-    return toRect(
-        ask(QStringLiteral("(w => w ? [w.frameGeometry.x, w.frameGeometry.y, "
-                           "w.frameGeometry.width, w.frameGeometry.height] : [])(find(%1))")
-                .arg(quoted(title))));
+    return frameOf(QStringLiteral("find(%1)").arg(quoted(title)));
+}
+
+QRect PlasmaSession::frameOf(const QString& window) {
+    return toRect(ask(QStringLiteral("(w => w ? [w.frameGeometry.x, w.frameGeometry.y, "
+                                     "w.frameGeometry.width, w.frameGeometry.height] : [])(%1)")
+                          .arg(window)));
 }
 
 bool PlasmaSession::isWindow(const QString& title, const QString& property) {

@@ -17,8 +17,11 @@ struct PlasmaDisplays {
 /// 5, an entry for newer ones. Places are KWin's units.
 class PlasmaSession final : public CompositorSession {
 public:
+    /// What is there beside KWin: nothing, not even its own screen locker; or what Plasma starts.
+    enum class Around { nothing, desktop };
+
     /// Starts it and waits until it can be used. Fails the running test where it does not come up.
-    explicit PlasmaSession(const PlasmaDisplays& displays = {});
+    explicit PlasmaSession(const PlasmaDisplays& displays = {}, Around around = Around::nothing);
     ~PlasmaSession() override;
 
     /// What an expression comes to. There, `find(title)` is a window, and `all()` are all of them.
@@ -29,6 +32,8 @@ public:
     [[nodiscard]] QJsonValue answerTo(const QString& script);
 
     [[nodiscard]] QRect frame(const QString& title) override;
+    /// That of the window that an expression comes to; empty where it comes to none.
+    [[nodiscard]] QRect frameOf(const QString& window);
     void place(const QString& title, QRect area) override;
     /// Whether KWin says that of a window, such as "keepAbove".
     [[nodiscard]] bool isWindow(const QString& title, const QString& property);
@@ -48,6 +53,8 @@ public:
     [[nodiscard]] int roundOff() const {
         return host_ && scales_.back() != int(scales_.back()) ? 1 : 0;
     }
+    /// Plasma's, and KWin's.
+    [[nodiscard]] int generation() const { return host_ ? 6 : 5; }
     /// What KWin calls the connector of the second one.
     [[nodiscard]] QString secondConnector() const {
         return host_ ? QStringLiteral("X11-1") : QStringLiteral("Virtual-1");
@@ -71,6 +78,7 @@ private:
     [[nodiscard]] std::map<QString, QString> xServer() override;
 
     const std::vector<double> scales_;
+    const Around around_;
     std::vector<QRect> displays_;
     /// Null for KWin 5, which paints without a host.
     std::unique_ptr<HostDisplay> host_;
