@@ -125,15 +125,17 @@ void FakeCompositor::bindCompositor(wl_client* client, std::uint32_t version, st
     static constexpr struct wl_region_interface regionRequests {
         .destroy = wayland::destroy, .add = wayland::accept, .subtract = wayland::accept,
     };
-    static constexpr struct wl_compositor_interface requests {
-        .create_surface =
-            [](wl_client* owner, wl_resource* resource, std::uint32_t surface) {
-                compositorOf(resource).makeSurface(owner, surface);
-            },
-        .create_region = [](wl_client* owner, wl_resource*, std::uint32_t region) {
+    // Newer libraries know more requests, of versions that are not offered here.
+    static constexpr auto requests = [] {
+        struct wl_compositor_interface some {};
+        some.create_surface = [](wl_client* owner, wl_resource* resource, std::uint32_t surface) {
+            compositorOf(resource).makeSurface(owner, surface);
+        };
+        some.create_region = [](wl_client* owner, wl_resource*, std::uint32_t region) {
             make(owner, wl_region_interface, 1, region, &regionRequests, nullptr);
-        },
-    };
+        };
+        return some;
+    }();
     make(client, wl_compositor_interface, version, id, &requests, this);
 }
 

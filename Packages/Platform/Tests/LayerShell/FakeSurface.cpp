@@ -35,14 +35,22 @@ struct FakeSurface::Held {
 FakeSurface::FakeSurface(FakeCompositor& compositor, wl_resource* resource)
     : compositor_(compositor)
     , resource_(resource) {
-    static constexpr struct wl_surface_interface requests {
-        .destroy = wayland::destroy, .attach = Request<&FakeSurface::attach>::on,
-        .damage = wayland::accept, .frame = wayland::accept, .set_opaque_region = wayland::accept,
-        .set_input_region = Request<&FakeSurface::setInputRegion>::on,
-        .commit = Request<&FakeSurface::commit>::on, .set_buffer_transform = wayland::accept,
-        .set_buffer_scale = Request<&FakeSurface::setBufferScale>::on,
-        .damage_buffer = Request<&FakeSurface::damage>::on, .offset = wayland::accept,
-    };
+    // Newer libraries know more requests, of versions that are not offered here.
+    static constexpr auto requests = [] {
+        struct wl_surface_interface some {};
+        some.destroy = wayland::destroy;
+        some.attach = Request<&FakeSurface::attach>::on;
+        some.damage = wayland::accept;
+        some.frame = wayland::accept;
+        some.set_opaque_region = wayland::accept;
+        some.set_input_region = Request<&FakeSurface::setInputRegion>::on;
+        some.commit = Request<&FakeSurface::commit>::on;
+        some.set_buffer_transform = wayland::accept;
+        some.set_buffer_scale = Request<&FakeSurface::setBufferScale>::on;
+        some.damage_buffer = Request<&FakeSurface::damage>::on;
+        some.offset = wayland::accept;
+        return some;
+    }();
     wl_resource_set_implementation(resource_, &requests, this, nullptr);
 }
 
