@@ -118,6 +118,8 @@ class OwnWindows {
         }
         this._place(window);
         Main.activateWindow(window);
+        // Opened from the overview: newer shells leave the keys to what has them there.
+        global.stage.set_key_focus(null);
     }
 
     static _undress(window) {

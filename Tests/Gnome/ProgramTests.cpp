@@ -105,6 +105,21 @@ TEST_F(ProgramInGnome, OpensItsPanelBelowTheItemWithTheFocusAndClosesItInEveryWa
     EXPECT_TRUE(waitUntil([&] { return !isPanelOpen(); })) << "the overview";
 }
 
+TEST_F(ProgramInGnome, OpensItsPanelFromTheOverviewWithTheKeys) {
+    const auto is = [&](const QString& state) {
+        return session.ask(QStringLiteral("Main.overview.") + state).toBool();
+    };
+    session.tell(QStringLiteral("Main.overview.show()"));
+    ASSERT_TRUE(waitUntil([&] {
+        return is(QStringLiteral("visible")) && !is(QStringLiteral("animationInProgress"));
+    }));
+    clickItem();
+    ASSERT_TRUE(waitUntil([&] { return isPanelReady() && !is(QStringLiteral("visible")); }))
+        << session.describe();
+    session.input().tap(KernelKey::escape);
+    EXPECT_TRUE(waitUntil([&] { return !isPanelOpen(); })) << session.describe();
+}
+
 TEST_F(ProgramInGnome, ShowsItsPanelNowhereElseBeforeItIsBelowTheItem) {
     // Where the panel belongs comes by the bus, its window by the compositor's socket: whichever is
     // later, here by far, no frame shows it in another place, nor in the shell's manner of opening
