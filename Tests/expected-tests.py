@@ -19,6 +19,7 @@ import xml.etree.ElementTree
 # Why a test may not run, by its label: it needs what only some release has.
 ELSEWHERE = {
     "oldlibrary": "needs libc++ 14, the library of the oldest macOS that is supported",
+    "desktop-plasma6": "needs Plasma 6, as in newer releases",
     "desktop-plasma": "needs Plasma's desktop, which Tests/Releases/root puts into a root when asked for plasma",
 }
 

@@ -5,7 +5,7 @@ add_custom_target(unit_tests)
 # Builds the programs of those tests on real desktops that together take few minutes.
 add_custom_target(quick_desktop_tests)
 
-# tilewright_test(<target> SOURCES <files...> [DEPENDS <targets...>] [LABEL unit|desktop|long|desktop-plasma]
+# tilewright_test(<target> SOURCES <files...> [DEPENDS <targets...>] [LABEL unit|desktop|long|desktop-plasma|desktop-plasma6]
 #                 [QUICK] [GUI] [TIMEOUT <seconds>] [NEEDS <program>])
 #
 # A GoogleTest program; every test in it becomes a test of its own for ctest. GUI programs get a

@@ -260,6 +260,18 @@ QRect PlasmaSession::frameOf(const QString& window) {
                           .arg(window)));
 }
 
+std::vector<QRect> PlasmaSession::currentDisplays() {
+    const QJsonValue told = ask(QStringLiteral(
+        "(workspace.screens ? workspace.screens.map(screen => screen.geometry)"
+        " : Array.from({length: workspace.numScreens},"
+        "   (_, i) => workspace.clientArea(KWin.ScreenArea, i, workspace.currentDesktop)))"
+        ".map(frame => [frame.x, frame.y, frame.width, frame.height])"));
+    std::vector<QRect> frames;
+    for (const QJsonValue frame : told.toArray())
+        frames.push_back(toRect(frame));
+    return frames;
+}
+
 bool PlasmaSession::isWindow(const QString& title, const QString& property) {
     return ask(QStringLiteral("(w => Boolean(w && w.%2))(find(%1))").arg(quoted(title), property))
         .toBool();

@@ -45,8 +45,10 @@ public:
     /// What the first display looks like.
     [[nodiscard]] QImage picture() override { return pictureOf(0); }
     [[nodiscard]] QColor pixel(QPoint at) override;
-    /// The displays' frames, the first the primary one.
+    /// The frames of the displays at the beginning, the first the primary one.
     [[nodiscard]] const std::vector<QRect>& displays() const { return displays_; }
+    /// Those that KWin has now, after whatever was done to them.
+    [[nodiscard]] std::vector<QRect> currentDisplays();
 
     /// How far a frame may be from what was asked for: KWin 6 and its clients make sizes whole
     /// pixels, each of the parts of a window by itself.
