@@ -3,6 +3,7 @@
 #include "ProcessFigures.h"
 
 #include <BareClient.h>
+#include <SettingsManager.h>
 #include <TilewrightUI/Contrast.h>
 #include <Waiting.h>
 
@@ -123,6 +124,24 @@ TEST_F(OverlayWindow, HasItsPixelsReadyBeforeTheFirstMoveOfADragWithTheKey) {
     desktop.input().press();
     EXPECT_TRUE(waitUntil([&] { return pixelsKiB() >= ofTheRight; }));
     EXPECT_FALSE(program->overlayShows());
+    desktop.input().release();
+    program->releaseKey();
+}
+
+TEST_F(OverlayWindow, ShowsTheHighlightOnceACompositorHasDrawnItWithoutMotionToo) {
+    SettingsManager settings(desktop.display());
+    settings.setAnimations(0);
+    begin(Compositing::on);
+    desktop.input().move(inFirstZone);
+    program->pressKey();
+    desktop.input().press();
+    EXPECT_TRUE(waitUntil([&] {
+        desktop.input().move(inFirstZone + QPoint(2, 0));
+        desktop.input().move(inFirstZone);
+        return program->overlayShows();
+    }));
+    EXPECT_TRUE(waitUntil([&] { return isAmber(pixel(onHighlightedBorder)); }))
+        << desktop.describe();
     desktop.input().release();
     program->releaseKey();
 }

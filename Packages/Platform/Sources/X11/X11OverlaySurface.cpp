@@ -56,6 +56,11 @@ void X11OverlaySurface::orderFront() {
     releasing_.reset();
     hiding_.reset();
     isShown_ = true;
+    if (rendering_ == OverlayRendering::translucent && !window_->isShown())
+        appearing_ = ScopedTimer(loop_.scheduleOnce(appearance, [this] {
+            appearing_.reset();
+            paint(Painting::whenRead);
+        }));
     showWindow();
 }
 
@@ -72,6 +77,7 @@ void X11OverlaySurface::showWindow() {
 
 void X11OverlaySurface::orderOut() {
     if (std::exchange(isShown_, false)) {
+        appearing_.reset();
         fence_.send();
         hiding_ = ScopedTimer(loop_.scheduleOnce(longestDelay, [this] { hideWindow(); }));
         releasePixelsLater();
@@ -189,7 +195,9 @@ void X11OverlaySurface::repaint(const QRegion& region) {
 }
 
 void X11OverlaySurface::paint(Painting when) {
-    if (!pixels_ || dirty_.isEmpty() || (when == Painting::whenRead && pixels_->isBeingRead()))
+    if (!pixels_ || dirty_.isEmpty())
+        return;
+    if (when == Painting::whenRead && (pixels_->isBeingRead() || appearing_.isActive()))
         return;
     QImage picture = pixels_->image();
     QWidget& widget = view_->widget();

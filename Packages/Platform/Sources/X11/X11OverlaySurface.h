@@ -34,6 +34,11 @@ public:
     /// server busy, and the window that has been let go comes first. A frame, for most displays.
     static constexpr std::chrono::milliseconds longestDelay{16};
 
+    /// How long a compositor is left alone with a window that has just been shown. It has to make
+    /// itself a picture of the window first, and each change that it hears of meanwhile makes the
+    /// first frame come later. About as long as a frame takes it.
+    static constexpr std::chrono::milliseconds appearance{16};
+
     /// All but the view have to outlive the surface.
     X11OverlaySurface(X11Connection& connection, X11Compositor& compositor,
                       const X11Screens& screens, X11EventMonitors& eventMonitors, MainLoop& loop,
@@ -83,6 +88,7 @@ private:
     ScreenPtr screen_;
     X11AwaitedReply blurOffer_;
     ScopedTimer hiding_;
+    ScopedTimer appearing_;
     ScopedTimer releasing_;
     bool isShown_ = false;
     bool isPaintPosted_ = false;
