@@ -61,8 +61,11 @@ struct EventMonitorsAlone : ::testing::Test {
     DesktopSession desktop;
     XInputInjector& input = desktop.input();
     X11TestPlatform platform{desktop.display()};
-    X11EventMonitors monitors{
-        platform.connection(), platform.desktop().pointer(), platform.desktop().movedWindows(), {}};
+    X11EventMonitors monitors{platform.connection(),
+                              platform.desktop().pointer(),
+                              platform.desktop().movedWindows(),
+                              platform.desktop().frameSetter(),
+                              {}};
     std::vector<X11Listener> listeners;
     std::vector<EventType> types;
     ModifierFlags flags;
@@ -235,6 +238,7 @@ TEST_F(EventMonitorsAlone, TellTheLocalOnesAloneOfADragAndAKeyInAnOwnWindow) {
     X11EventMonitors split{platform.connection(),
                            platform.desktop().pointer(),
                            platform.desktop().movedWindows(),
+                           platform.desktop().frameSetter(),
                            {[window](xcb_window_t other) { return other == window; },
                             {},
                             [window] { return std::vector<xcb_window_t>{window}; }}};
@@ -279,6 +283,7 @@ TEST_F(EventMonitorsAlone, APressDuringAGrabOfOursIsOursAndNoLaterOneIs) {
     X11EventMonitors split{platform.connection(),
                            platform.desktop().pointer(),
                            platform.desktop().movedWindows(),
+                           platform.desktop().frameSetter(),
                            {{}, [&] { return hasGrab; }, {}}};
     std::vector<std::string> heard;
     split.addGlobalMonitor(all, [&](const Event&) { heard.emplace_back("other"); });

@@ -199,8 +199,22 @@ TEST_F(RoundTripsOfADrag, AreThoseOfItsWindowAndOfItsFrame) {
     EXPECT_EQ(of(EventType::leftMouseDragged, [&] { input.move(start + QPoint(10, 0)); }), 3U);
     EXPECT_TRUE(SnapController::shared().overlayVisible());
     EXPECT_EQ(of(EventType::leftMouseDragged, [&] { input.move(start + QPoint(20, 0)); }), 0U);
-    EXPECT_EQ(of(EventType::leftMouseUp, [&] { input.release(); }), 1U);
+    EXPECT_EQ(of(EventType::leftMouseUp, [&] { input.release(); }), 0U);
     EXPECT_EQ(of(EventType::flagsChanged, [&] { input.releaseKey(keysym::control); }), 0U);
+}
+
+TEST_F(RoundTripsOfADrag, WhatWasAskedWithAReleaseThatSnapsNothingServesNoLaterSnap) {
+    XInputInjector& input = desktop.input();
+    input.pressKey(keysym::control);
+    EXPECT_TRUE(of(EventType::leftMouseDown, [&] { input.press(); }));
+    EXPECT_TRUE(of(EventType::leftMouseDragged, [&] {
+        input.move(desktop.inspector().outerFrame(client->window()).center() + QPoint(10, 0));
+    }));
+    EXPECT_TRUE(SnapController::shared().overlayVisible());
+    EXPECT_TRUE(of(EventType::flagsChanged, [&] { input.releaseKey(keysym::control); }));
+    EXPECT_TRUE(of(EventType::leftMouseUp, [&] { input.release(); }));
+    const ScreenPtr screen = platform->screens.all().front();
+    EXPECT_EQ(RoundTrips::of([&] { WindowManager::shared().snap(*element, zone, *screen); }), 1U);
 }
 
 TEST_F(RoundTrips, OfAPressInAnotherApplicationAreNoneBesideAWindowOfOurs) {
@@ -209,7 +223,7 @@ TEST_F(RoundTrips, OfAPressInAnotherApplicationAreNoneBesideAWindowOfOurs) {
     ASSERT_TRUE(activate(desktop, client->window()));
     const std::set<xcb_window_t> own{ours.window(), hidden.window()};
     X11EventMonitors monitors(platform->connection(), platform->desktop().pointer(),
-                              platform->desktop().movedWindows(),
+                              platform->desktop().movedWindows(), platform->desktop().frameSetter(),
                               {[&](xcb_window_t window) { return own.contains(window); },
                                {},
                                [&] { return std::vector<xcb_window_t>(own.begin(), own.end()); }});

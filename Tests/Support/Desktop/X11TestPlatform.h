@@ -23,7 +23,8 @@ struct X11TestParts {
     MessageBus sessionBus{loop, MessageBus::Kind::session};
     std::unique_ptr<X11Connection> connection;
     X11Desktop desktop;
-    X11EventMonitors eventMonitors{*connection, desktop.pointer(), desktop.movedWindows(), {}};
+    X11EventMonitors eventMonitors{
+        *connection, desktop.pointer(), desktop.movedWindows(), desktop.frameSetter(), {}};
 };
 
 /// The same as a platform, installed for as long as it lives.

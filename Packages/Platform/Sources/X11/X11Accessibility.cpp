@@ -44,6 +44,7 @@ AXResult<AccessibilityElement> X11Accessibility::elementAtPosition(AXPoint point
             moved ? ", the one that has moved since the button was pressed" : "");
     if (!window)
         return {AXError::noValue, {}};
+    context_->frameSetter.expect(*window);
     return {AXError::success, AccessibilityElement(std::make_shared<X11WindowElement>(
                                   context_, *window, connection_.moment()))};
 }

@@ -69,10 +69,12 @@ std::optional<X11InputServerState> stateFrom(const X11Reply<xcb_query_pointer_re
 } // namespace
 
 X11EventMonitors::X11EventMonitors(X11Connection& connection, X11Pointer& pointer,
-                                   X11MovedWindows& movedWindows, X11OwnWindows own)
+                                   X11MovedWindows& movedWindows, X11FrameSetter& frames,
+                                   X11OwnWindows own)
     : connection_(connection)
     , pointer_(pointer)
     , movedWindows_(movedWindows)
+    , frames_(frames)
     , ownInput_(connection, std::move(own)) {}
 
 X11EventMonitors::~X11EventMonitors() {
@@ -169,6 +171,7 @@ void X11EventMonitors::stopWatching() {
     selectKeyboardEvents(false);
     selectRawEvents(0);
     movedWindows_.setHeld(false);
+    frames_.lookedAhead();
     connection_.flush();
 }
 
@@ -214,9 +217,15 @@ void X11EventMonitors::handleRaw(const xcb_generic_event_t& event) {
             ownInput_.notePress();
         break;
     }
-    case XCB_INPUT_RAW_BUTTON_RELEASE:
+    case XCB_INPUT_RAW_BUTTON_RELEASE: {
+        const bool wasDown = state_.isLeftButtonDown();
         state_.released(raw.detail);
+        // What a frame for the dragged window needs to know comes along with the answer that is
+        // waited for anyway.
+        if (wasDown && !state_.isLeftButtonDown())
+            frames_.lookAhead();
         break;
+    }
     case XCB_INPUT_RAW_KEY_PRESS:
         if (std::find(escapeKeys_.begin(), escapeKeys_.end(), raw.detail) == escapeKeys_.end())
             return;
@@ -265,6 +274,7 @@ void X11EventMonitors::settle(const X11Reply<xcb_query_pointer_reply_t>& answer)
     if (answer && answer->same_screen != 0)
         known.emplace(pointer_, QPoint(answer->root_x, answer->root_y));
     deliver(reports);
+    frames_.lookedAhead();
     lookAhead();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "X11Connection.h"
+#include "X11FrameSetter.h"
 #include "X11MovedWindows.h"
 #include "X11OwnInput.h"
 #include "X11Pointer.h"
@@ -29,9 +30,9 @@ namespace tilewright {
 class X11EventMonitors final : public EventMonitors {
 public:
     /// The arguments but the last have to outlive the monitors. Those of the windows that move are
-    /// told of the left button.
+    /// told of the left button; the frames, of its release, before those that may set one.
     X11EventMonitors(X11Connection& connection, X11Pointer& pointer, X11MovedWindows& movedWindows,
-                     X11OwnWindows own);
+                     X11FrameSetter& frames, X11OwnWindows own);
     ~X11EventMonitors() override;
 
     std::optional<MonitorToken> addGlobalMonitor(EventMask mask, Handler handler) override;
@@ -76,6 +77,7 @@ private:
     X11Connection& connection_;
     X11Pointer& pointer_;
     X11MovedWindows& movedWindows_;
+    X11FrameSetter& frames_;
     X11OwnInput ownInput_;
     X11InputState state_;
     std::map<MonitorToken, std::shared_ptr<const Monitor>> monitors_;

@@ -42,10 +42,31 @@ X11FrameSetter::X11FrameSetter(X11Connection& connection, X11EventSelection& sel
 
 X11FrameSetter::~X11FrameSetter() = default;
 
+void X11FrameSetter::lookAhead() {
+    lookedAhead();
+    if (expected_)
+        ahead_.emplace(look(*std::exchange(expected_, std::nullopt)));
+}
+
+void X11FrameSetter::lookedAhead() {
+    if (ahead_)
+        xcb_discard_reply(connection_.xcb(), ahead_->isManagerAlive.sequence);
+    ahead_.reset();
+}
+
+X11FrameSetter::Look X11FrameSetter::look(xcb_window_t window) {
+    if (ahead_ && ahead_->window.window() == window) {
+        Look ahead = std::move(*ahead_);
+        ahead_.reset();
+        return ahead;
+    }
+    return {windowManager_.requestIsAlive(), X11WindowLook(connection_, window)};
+}
+
 AXError X11FrameSetter::begin(xcb_window_t window) {
-    const auto aliveCookie = windowManager_.requestIsAlive();
-    X11WindowFacts facts = readWindowFacts(connection_, window);
-    const bool isManagerAlive = windowManager_.takeIsAlive(aliveCookie);
+    Look asked = look(window);
+    X11WindowFacts facts = asked.window.take();
+    const bool isManagerAlive = windowManager_.takeIsAlive(asked.isManagerAlive);
     AXError error = AXError::success;
     if (connection_.isStuck())
         facts.isUnknown = true;

@@ -44,6 +44,15 @@ public:
     /// Notes the outer frame's size. Answers like `setPosition`.
     AXError setSize(xcb_window_t window, AXSize size) { return frames_.setSize(window, size); }
 
+    /// Names the window whose frame is likely to be set next, when the button is let go.
+    void expect(xcb_window_t window) { expected_ = window; }
+    /// The button has been let go: asks all that a frame for the expected window needs to know, so
+    /// that the answers come with those that others ask for now.
+    void lookAhead();
+    /// Whoever heard of the release has done what there was to do: what was asked ahead is old from
+    /// now on.
+    void lookedAhead();
+
     /// Whether a frame is being set, of any window.
     [[nodiscard]] bool isBusy() const { return !begun_.empty() || !running_.empty(); }
 
@@ -55,6 +64,11 @@ private:
         X11FramePlacement::Tiling tiling;
         /// Complete, and waiting for the server to answer.
         std::optional<WrittenFrame> held;
+    };
+    /// What has to be known of a window before its frame is set, on its way.
+    struct Look {
+        xcb_get_property_cookie_t isManagerAlive;
+        X11WindowLook window;
     };
     struct Running {
         X11FramePlacement placement;
@@ -68,6 +82,8 @@ private:
         bool isOverdue = false;
     };
 
+    /// Asks, or takes what was asked ahead.
+    [[nodiscard]] Look look(xcb_window_t window);
     [[nodiscard]] AXError begin(xcb_window_t window);
     void finish(xcb_window_t window, const WrittenFrame& frame);
     void answersAgain();
@@ -93,6 +109,8 @@ private:
     MainLoop& loop_;
     Surroundings surroundings_;
     WholeFrames<xcb_window_t> frames_;
+    std::optional<xcb_window_t> expected_;
+    std::optional<Look> ahead_;
     std::map<xcb_window_t, Begun> begun_;
     std::map<xcb_window_t, Running> running_;
     std::unique_ptr<X11Fence> trialFence_;

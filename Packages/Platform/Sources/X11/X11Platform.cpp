@@ -42,6 +42,7 @@ struct X11Platform::Parts : FreeDesktopSession {
     X11EventMonitors eventMonitors{*connection,
                                    desktop.pointer(),
                                    desktop.movedWindows(),
+                                   desktop.frameSetter(),
                                    {x11qt::ownsWindow, x11qt::hasGrab, x11qt::windowsTakingInput}};
     X11InputBarrier inputBarrier{desktop.pointer(), mainLoop};
     X11SystemTray systemTray{*connection};

@@ -3,6 +3,7 @@
 #include "X11Properties.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace tilewright {
 namespace {
@@ -173,36 +174,58 @@ QPoint X11WindowFacts::gravityOffset() const {
             (decorations.top + decorations.bottom) * (place / 3) / 2};
 }
 
-X11WindowFacts readWindowFacts(X11Connection& connection, xcb_window_t window) {
+X11WindowLook::X11WindowLook(X11Connection& connection, xcb_window_t window)
+    : connection_(connection)
+    , window_(window) {
     xcb_connection_t* xcb = connection.xcb();
-    const auto attributesCookie = xcb_get_window_attributes(xcb, window);
-    const auto geometryCookie = xcb_get_geometry(xcb, window);
-    const auto originCookie = xcb_translate_coordinates(xcb, window, connection.root(), 0, 0);
     const auto property = [&](X11Atom atom) { return requestProperty(connection, window, atom); };
-    const auto managedCookie = property(X11Atom::wmState);
-    const auto stateCookie = property(X11Atom::netWmState);
-    const auto desktopCookie = property(X11Atom::netWmDesktop);
-    const auto typeCookie = property(X11Atom::netWmWindowType);
-    const auto processCookie = property(X11Atom::netWmPid);
-    const auto decorationsCookie = property(X11Atom::netFrameExtents);
-    const auto shadowCookie = property(X11Atom::gtkFrameExtents);
-    const auto hintsCookie = requestProperty(connection, window, XCB_ATOM_WM_NORMAL_HINTS);
-    // The server answers in order: once this has come, nothing is late.
-    const auto lastCookie = xcb_get_input_focus(xcb);
+    // In braces these are asked in this order.
+    cookies_ = Cookies{.attributes = xcb_get_window_attributes(xcb, window),
+                       .geometry = xcb_get_geometry(xcb, window),
+                       .origin = xcb_translate_coordinates(xcb, window, connection.root(), 0, 0),
+                       .managed = property(X11Atom::wmState),
+                       .state = property(X11Atom::netWmState),
+                       .desktop = property(X11Atom::netWmDesktop),
+                       .type = property(X11Atom::netWmWindowType),
+                       .process = property(X11Atom::netWmPid),
+                       .decorations = property(X11Atom::netFrameExtents),
+                       .shadow = property(X11Atom::gtkFrameExtents),
+                       .hints = requestProperty(connection, window, XCB_ATOM_WM_NORMAL_HINTS),
+                       .last = xcb_get_input_focus(xcb)};
+}
 
+X11WindowLook::X11WindowLook(X11WindowLook&& other) noexcept
+    : connection_(other.connection_)
+    , window_(other.window_)
+    , cookies_(std::exchange(other.cookies_, std::nullopt)) {}
+
+X11WindowLook::~X11WindowLook() {
+    if (!cookies_)
+        return;
+    const Cookies& asked = *cookies_;
+    for (const unsigned int sequence :
+         {asked.attributes.sequence, asked.geometry.sequence, asked.origin.sequence,
+          asked.managed.sequence, asked.state.sequence, asked.desktop.sequence, asked.type.sequence,
+          asked.process.sequence, asked.decorations.sequence, asked.shadow.sequence,
+          asked.hints.sequence, asked.last.sequence})
+        xcb_discard_reply(connection_.xcb(), sequence);
+}
+
+X11WindowFacts X11WindowLook::take() {
+    const Cookies asked = *std::exchange(cookies_, std::nullopt);
     X11WindowFacts facts;
-    const auto attributes = connection.reply<xcb_get_window_attributes_reply_t>(attributesCookie);
-    const auto geometry = connection.reply<xcb_get_geometry_reply_t>(geometryCookie);
-    const auto origin = connection.reply<xcb_translate_coordinates_reply_t>(originCookie);
-    const auto managed = takeItems(connection, managedCookie);
-    const auto states = takeItems(connection, stateCookie);
-    const auto desktop = takeItems(connection, desktopCookie);
-    const auto types = takeItems(connection, typeCookie);
-    const auto process = takeItems(connection, processCookie);
-    const auto decorations = takeItems(connection, decorationsCookie);
-    const auto shadow = takeItems(connection, shadowCookie);
-    const auto hints = takeItems(connection, hintsCookie);
-    facts.isUnknown = !connection.reply<xcb_get_input_focus_reply_t>(lastCookie);
+    const auto attributes = connection_.reply<xcb_get_window_attributes_reply_t>(asked.attributes);
+    const auto geometry = connection_.reply<xcb_get_geometry_reply_t>(asked.geometry);
+    const auto origin = connection_.reply<xcb_translate_coordinates_reply_t>(asked.origin);
+    const auto managed = takeItems(connection_, asked.managed);
+    const auto states = takeItems(connection_, asked.state);
+    const auto desktop = takeItems(connection_, asked.desktop);
+    const auto types = takeItems(connection_, asked.type);
+    const auto process = takeItems(connection_, asked.process);
+    const auto decorations = takeItems(connection_, asked.decorations);
+    const auto shadow = takeItems(connection_, asked.shadow);
+    const auto hints = takeItems(connection_, asked.hints);
+    facts.isUnknown = !connection_.reply<xcb_get_input_focus_reply_t>(asked.last);
     if (!attributes || !geometry || !origin)
         return facts;
 
@@ -212,8 +235,8 @@ X11WindowFacts readWindowFacts(X11Connection& connection, xcb_window_t window) {
     const bool isElsewhere = !managed.empty() && !desktop.empty();
     facts.isManaged =
         (isManagedState(managed) || isElsewhere) && attributes->override_redirect == 0;
-    applyState(connection, states, facts);
-    applyType(connection, types, facts);
+    applyState(connection_, states, facts);
+    applyType(connection_, types, facts);
     facts.isApplicationWindow = facts.isApplicationWindow && facts.isManaged;
     facts.processID = process.empty() ? 0 : static_cast<qint64>(process[0]);
     facts.client = QRect(origin->dst_x, origin->dst_y, geometry->width, geometry->height);
@@ -223,7 +246,7 @@ X11WindowFacts readWindowFacts(X11Connection& connection, xcb_window_t window) {
     facts.gravity = gravityFromHints(hints);
     facts.decorations = decorations.size() >= 4 || !facts.isManaged
                             ? extentsFrom(decorations)
-                            : extentsFromTree(connection, window, facts.client);
+                            : extentsFromTree(connection_, window_, facts.client);
     return facts;
 }
 

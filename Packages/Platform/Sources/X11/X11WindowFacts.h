@@ -4,6 +4,7 @@
 
 #include <QRect>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 namespace tilewright {
@@ -80,9 +81,50 @@ struct X11WindowFacts {
     [[nodiscard]] QPoint gravityOffset() const;
 };
 
-/// Looks at a window: one round trip. Where the window manager tells of no decorations the window's
-/// frame is looked for: one more for a window that has none, three or more for one that has.
-[[nodiscard]] X11WindowFacts readWindowFacts(X11Connection& connection, xcb_window_t window);
+/// A look at a window whose answers are on their way: begun together with other requests, it costs
+/// no round trip of its own. Answers that nobody takes are thrown away.
+class X11WindowLook {
+public:
+    /// Asks. The connection has to outlive the look.
+    X11WindowLook(X11Connection& connection, xcb_window_t window);
+    X11WindowLook(X11WindowLook&& other) noexcept;
+    X11WindowLook& operator=(X11WindowLook&&) = delete;
+    ~X11WindowLook();
+
+    [[nodiscard]] xcb_window_t window() const { return window_; }
+    /// Waits for the answers: at most one round trip. Where the window manager tells of no
+    /// decorations the window's frame is looked for: one more for a window that has none, three or
+    /// more for one that has. Once only.
+    [[nodiscard]] X11WindowFacts take();
+
+private:
+    struct Cookies {
+        xcb_get_window_attributes_cookie_t attributes;
+        xcb_get_geometry_cookie_t geometry;
+        xcb_translate_coordinates_cookie_t origin;
+        xcb_get_property_cookie_t managed;
+        xcb_get_property_cookie_t state;
+        xcb_get_property_cookie_t desktop;
+        xcb_get_property_cookie_t type;
+        xcb_get_property_cookie_t process;
+        xcb_get_property_cookie_t decorations;
+        xcb_get_property_cookie_t shadow;
+        xcb_get_property_cookie_t hints;
+        /// The server answers in order: once this has come, nothing is late.
+        xcb_get_input_focus_cookie_t last;
+    };
+
+    X11Connection& connection_;
+    xcb_window_t window_;
+    /// None once taken or moved from.
+    std::optional<Cookies> cookies_;
+};
+
+/// Looks at a window and waits, as `X11WindowLook::take` does.
+[[nodiscard]] inline X11WindowFacts readWindowFacts(X11Connection& connection,
+                                                    xcb_window_t window) {
+    return X11WindowLook(connection, window).take();
+}
 
 /// Whether users work in windows that bear these types: panels, wallpapers, menus and the like are
 /// none. The first type that this program knows counts; without one it is a window for users.
