@@ -4,6 +4,7 @@
 
 #include <Displays.h>
 #include <DragScript.h>
+#include <ProcessFigures.h>
 #include <TestClients.h>
 #include <Waiting.h>
 
@@ -11,6 +12,7 @@
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <algorithm>
 #include <csignal>
 #include <gtest/gtest.h>
 
@@ -114,6 +116,29 @@ TEST_F(Lifecycle, WorksWhileTheSessionsBusSaysNothingAndJoinsItWhenItAnswers) {
     EXPECT_TRUE(program.waitForEnd());
     EXPECT_EQ(program.exitCode(), 0);
     EXPECT_TRUE(waitUntil([&] { return !idle.isInhibited(); }));
+}
+
+TEST_F(Lifecycle, GivesBackTheMemoryThatItsStartAndItsSettingsHaveUsed) {
+    desktop.startTray(TrayHost::systemTray);
+    const Subprocess& program = desktop.startProgram();
+    // What is of files: code, for the most part.
+    const auto files = [&] {
+        const ProcessFigures figures = processFigures(program.pid());
+        return figures.residentKiB - figures.anonymousKiB - figures.sharedMemoryKiB;
+    };
+    const auto fallsByHalf = [&] {
+        long most = 0;
+        return waitUntil([&] {
+            const long now = files();
+            most = std::max(most, now);
+            return now < most / 2;
+        });
+    };
+    EXPECT_TRUE(fallsByHalf());
+    desktop.input().click(ShellDesktop::settingsButton(desktop.openPanel()));
+    ASSERT_TRUE(waitUntil([&] { return desktop.settingsWindow().has_value(); }));
+    ShellUser(desktop).closeSettings();
+    EXPECT_TRUE(fallsByHalf());
 }
 
 TEST(LifecycleOnASilentBus, BeginsWithSnappingWindows) {

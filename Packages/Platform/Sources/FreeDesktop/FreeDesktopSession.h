@@ -1,5 +1,6 @@
 #pragma once
 
+#include "CalmMemory.h"
 #include "FreeDesktopApplicationSupport.h"
 #include "FreeDesktopKeyNames.h"
 #include "FreeDesktopUserDefaults.h"
@@ -20,6 +21,7 @@ struct FreeDesktopSession {
     MessageBus sessionBus{mainLoop, MessageBus::Kind::session};
     MessageBus systemBus{mainLoop, MessageBus::Kind::system};
     FreeDesktopUserNotifications userNotifications{sessionBus};
+    CalmMemory calmMemory{mainLoop};
 };
 
 } // namespace tilewright

@@ -1,10 +1,6 @@
 #include "X11Flood.h"
 
-#include <cstdlib>
-
-#ifdef __GLIBC__
-#include <malloc.h>
-#endif
+#include <FreeDesktop/CalmMemory.h>
 
 namespace tilewright {
 
@@ -28,11 +24,7 @@ void X11Flood::giveBack() {
     events_ = 0;
     hasHeldMany_ = false;
     ++timesGivenBack_;
-#ifdef __GLIBC__
-    // By itself it gives back only what lies at the heap's end; what was allocated last, and is
-    // still in use, lies there.
-    malloc_trim(0);
-#endif
+    giveBackHeap();
 }
 
 } // namespace tilewright
