@@ -3,7 +3,7 @@
 // while nobody uses it. Takes about a minute and a half. See Documentation/performance.md.
 
 #include <ProcessFigures.h>
-#include <ShellDesktop.h>
+#include <ShellUser.h>
 #include <TestClients.h>
 #include <Waiting.h>
 
@@ -21,6 +21,8 @@ constexpr int starts = 9;
 /// Qt's picture cache empties itself once, half a minute after the item was drawn.
 constexpr unsigned long settlingSeconds = 35;
 constexpr unsigned long idleSeconds = 60;
+/// More than it takes until what the settings used is given back.
+constexpr unsigned long givingBackSeconds = 5;
 
 void printMemory(const char* when, pid_t program) {
     const ProcessFigures figures = processFigures(program);
@@ -69,6 +71,9 @@ void measure() {
     static_cast<void>(waitUntil([&] { return desktop.settingsWindow().has_value(); }));
     QThread::sleep(1);
     printMemory("with the settings open:", program.pid());
+    ShellUser(desktop).closeSettings();
+    QThread::sleep(givingBackSeconds);
+    printMemory("after the settings were closed:", program.pid());
 }
 
 } // namespace

@@ -42,7 +42,9 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 
 find_program(TILEWRIGHT_CCACHE ccache)
 if(TILEWRIGHT_CCACHE)
-  set(CMAKE_CXX_COMPILER_LAUNCHER "${TILEWRIGHT_CCACHE}")
+  # What one checkout has compiled serves another one elsewhere.
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${CMAKE_COMMAND}" -E env
+    "CCACHE_BASEDIR=${PROJECT_SOURCE_DIR}" CCACHE_NOHASHDIR=1 "${TILEWRIGHT_CCACHE}")
 endif()
 
 # Builds what the sources of the packages need to be read by a static checker: generated headers.

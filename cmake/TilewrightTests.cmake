@@ -35,6 +35,8 @@ function(tilewright_test target)
   set_target_properties(${target} PROPERTIES AUTOMOC ON)
   target_link_libraries(${target} PRIVATE
     ${test_DEPENDS} ${main} tilewright_test_support GTest::gtest GTest::gmock tilewright_options)
+  # Optimising tests takes longer than the tests gain by it. What they test is built as it is shipped.
+  target_compile_options(${target} PRIVATE "$<$<CONFIG:Release>:-O1>")
   if(test_LABEL STREQUAL "unit")
     add_dependencies(unit_tests ${target})
   endif()
