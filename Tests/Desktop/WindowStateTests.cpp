@@ -267,10 +267,20 @@ TEST_P(HalfTiledWindows, FillTheZoneFromEitherHalf) {
             const QRect frame = inspector.outerFrame(client.window);
             return frame.left() == side.left && frame.width() == half && frame.height() > 900;
         };
-        input.pressKey(keysym::super);
-        input.tapKey(side.key);
-        input.releaseKey(keysym::super);
-        ASSERT_TRUE(waitUntil(isTiled)) << text(inspector.outerFrame(client.window));
+        const auto tile = [&] {
+            input.pressKey(keysym::super);
+            input.tapKey(side.key);
+            input.releaseKey(keysym::super);
+            return waitUntil(isTiled, std::chrono::seconds(5));
+        };
+        // On a busy machine mutter misses one at times, also while nobody else asks it for
+        // anything.
+        bool hasTiled = tile();
+        for (int again = 0; again < 2 && !hasTiled; ++again) {
+            tellRepetition("a key that tiles a window was missed");
+            hasTiled = tile();
+        }
+        ASSERT_TRUE(hasTiled) << text(inspector.outerFrame(client.window));
         expectSnap(ZoneLayout::bentoBox().zones[1]);
         expectSnap(ZoneLayout::quadrants().zones[2]);
     }
