@@ -3,6 +3,9 @@
 expected-tests.py before BUILD_FOLDER   says what will be run, and what this release cannot say
                                         anything of; fails if a test that stands in the sources is
                                         not registered, or is disabled
+expected-tests.py elsewhere BUILD_FOLDER
+                                        says which of the tests that were built this release cannot
+                                        say anything of
 expected-tests.py after BUILD_FOLDER    fails if a registered test did not run to its end; says how
                                         often tests did something once more because of a fault of a
                                         window manager
@@ -19,6 +22,7 @@ import xml.etree.ElementTree
 # Why a test may not run, by its label: it needs what only some release has.
 ELSEWHERE = {
     "oldlibrary": "needs libc++ 14, the library of the oldest macOS that is supported",
+    "x11-mutter": "needs a mutter that manages windows on X servers, as before GNOME 50",
     "desktop-plasma6": "needs Plasma 6, as in newer releases",
     "desktop-plasma": "needs Plasma's desktop, which Tests/Releases/root puts into a root when asked for plasma",
 }
@@ -57,9 +61,9 @@ def before(build):
     # A parameterised test is registered as Prefix/Suite.Name/parameter.
     plain = {re.sub(r"^[^/.]*/", "", name).split("/")[0] for name in tests} | set(tests)
     missing = [f"{name} ({file})" for name, file in sources.items() if name not in plain]
-    elsewhere = {name: why_elsewhere(labels) for name, (labels, disabled) in tests.items() if disabled}
+    left_out = {name: why_elsewhere(labels) for name, (labels, disabled) in tests.items() if disabled}
     bad = [name for name in tests if "DISABLED_" in name or name.endswith("_NOT_BUILT")]
-    bad += [name for name, why in elsewhere.items() if why is None]
+    bad += [name for name, why in left_out.items() if why is None]
     if missing or bad:
         print("Not registered, disabled or not built:", *missing, *bad, sep="\n  ")
         return 1
@@ -76,8 +80,17 @@ def before(build):
     print("This runs:")
     for label, count in counts.most_common():
         print(f"  {count:5} {meaning[label]}")
-    for name, why in elsewhere.items():
+    tell(left_out)
+    return 0
+
+
+def tell(left_out):
+    for name, why in left_out.items():
         print(f"Not run: {name} ({why})")
+
+
+def elsewhere(build):
+    tell({name: why_elsewhere(labels) for name, (labels, disabled) in registered(build).items() if disabled})
     return 0
 
 
@@ -96,4 +109,4 @@ def after(build):
 
 
 if __name__ == "__main__":
-    sys.exit({"before": before, "after": after}[sys.argv[1]](sys.argv[2]))
+    sys.exit({"before": before, "elsewhere": elsewhere, "after": after}[sys.argv[1]](sys.argv[2]))

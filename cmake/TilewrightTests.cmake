@@ -5,6 +5,14 @@ add_custom_target(unit_tests)
 # Builds the programs of those tests on real desktops that together take few minutes.
 add_custom_target(quick_desktop_tests)
 
+# From GNOME 50 on mutter is no window manager for X servers.
+execute_process(COMMAND mutter --help
+  RESULT_VARIABLE mutter_result OUTPUT_VARIABLE mutter_help ERROR_QUIET)
+set(mutter_lacks_x11 FALSE)
+if(mutter_result EQUAL 0 AND NOT mutter_help MATCHES "--x11")
+  set(mutter_lacks_x11 TRUE)
+endif()
+
 # tilewright_test(<target> SOURCES <files...> [DEPENDS <targets...>] [LABEL unit|desktop|long|desktop-plasma|desktop-plasma6]
 #                 [QUICK] [GUI] [TIMEOUT <seconds>] [NEEDS <program>])
 #
@@ -12,7 +20,8 @@ add_custom_target(quick_desktop_tests)
 # QApplication (on the offscreen platform unless QT_QPA_PLATFORM says otherwise), the others a
 # QCoreApplication. QUICK ones among the desktop tests are a first look at another release; ctest has
 # them as desktop-quick. Those that NEED a program are there, but disabled, where it is not installed;
-# Tests/expected-tests.py says why, by their label. A test that skips itself counts as failed: a skipped
+# Tests/expected-tests.py says why, by their label; so are the desktop tests that are about mutter, where
+# that is no window manager for X servers. A test that skips itself counts as failed: a skipped
 # test proves nothing.
 function(tilewright_test target)
   cmake_parse_arguments(PARSE_ARGV 1 test "GUI;QUICK" "LABEL;TIMEOUT;NEEDS" "SOURCES;DEPENDS")
@@ -60,4 +69,10 @@ function(tilewright_test target)
       ${cost}
       DISABLED ${disabled}
       FAIL_REGULAR_EXPRESSION "\\[  SKIPPED \\]")
+  if(mutter_lacks_x11 AND NOT test_LABEL STREQUAL "unit")
+    # Which tests there are is known only once the program is built: ctest reads this after its list.
+    set(without_mutter "${CMAKE_CURRENT_BINARY_DIR}/${target}-without-mutter.cmake")
+    configure_file("${PROJECT_SOURCE_DIR}/cmake/WithoutMutter.cmake.in" "${without_mutter}" @ONLY)
+    set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES "${without_mutter}")
+  endif()
 endfunction()
