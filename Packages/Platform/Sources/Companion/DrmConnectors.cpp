@@ -34,18 +34,27 @@ QStringList kernelNames(const QString& compositorsName) {
     return names;
 }
 
-/// The X server's own driver, and the one for most cards, counts as the kernel does and shortens
-/// one name; those for AMD's cards have words of their own, and count from 0.
+/// The two for AMD's cards have words of their own, and count from 0; a laptop's own display has no
+/// number. The older one knows fewer kinds.
+QString amdNameFor(const KernelName& name, bool isOlder) {
+    if ((name.kind == u"eDP" || name.kind == u"LVDS") && name.number == 1)
+        return name.kind;
+    QString kind = name.kind;
+    if (kind == u"DP")
+        kind = QStringLiteral("DisplayPort");
+    else if (isOlder && (kind.startsWith(u"HDMI-") || kind.startsWith(u"DVI-")))
+        kind = kind.section(u'-', 0, 0);
+    return QStringLiteral("%1-%2").arg(kind).arg(name.number - 1);
+}
+
+/// The X server's own driver, and those for most cards, count as the kernel does and shorten one
+/// name.
 QString x11NameFor(const QString& kernelsName, const QString& driver) {
     const auto name = parsed(kernelsName);
     if (!name)
         return kernelsName;
-    if (driver == u"amdgpu") {
-        if (name->kind == u"eDP" && name->number == 1)
-            return name->kind;
-        const QString kind = name->kind == u"DP" ? QStringLiteral("DisplayPort") : name->kind;
-        return QStringLiteral("%1-%2").arg(kind).arg(name->number - 1);
-    }
+    if (driver == u"amdgpu" || driver == u"radeon")
+        return amdNameFor(*name, driver == u"radeon");
     const QString kind = name->kind == u"HDMI-A" ? QStringLiteral("HDMI") : name->kind;
     return QStringLiteral("%1-%2").arg(kind).arg(name->number);
 }

@@ -87,6 +87,16 @@ TEST_F(CompanionScreensTest, BearTheKeysThatTheyHaveOnX11) {
     EXPECT_EQ(screens.all().front()->localizedName(), QStringLiteral("Wide 34"));
 }
 
+TEST_F(CompanionScreensTest, BearTheKeysThatTheyHaveOnX11AlsoByTheNamesOfAmdsDrivers) {
+    folder.add("card0-DP-1", withoutSerial, "amdgpu");
+    const auto onX11 = [](const char* connector) {
+        return DisplayKeys().update(
+            {{QString::fromLatin1(connector), Edid::parse(withoutSerial)}})[0];
+    };
+    EXPECT_EQ(keyAt("DP-1"), onX11("DisplayPort-0"));
+    EXPECT_NE(keyAt("DP-1"), onX11("DP-1"));
+}
+
 TEST_F(CompanionScreensTest, HaveTheConnectorsNumberWhereThereIsNoEdid) {
     EXPECT_EQ(keyAt("Virtual-1"), std::nullopt);
     EXPECT_EQ(screens.all().front()->displayID(), displayNumber(QStringLiteral("Virtual-1")));

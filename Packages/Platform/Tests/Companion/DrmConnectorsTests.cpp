@@ -29,16 +29,34 @@ TEST(DrmConnectors, KnowTheNamesThatTheXServersOwnDriverHas) {
     }
 }
 
-TEST(DrmConnectors, KnowTheNamesThatTheDriverForAmdsCardsHas) {
-    const DrmFolder folder;
-    folder.add("card0-HDMI-A-1", withBothSerials, "amdgpu");
-    folder.add("card0-DP-3", withBothSerials, "amdgpu");
-    folder.add("card0-eDP-1", withBothSerials, "amdgpu");
-    const DrmConnectors connectors(folder.path());
-    EXPECT_EQ(connectors.connector(QStringLiteral("HDMI-1")).x11Name, QStringLiteral("HDMI-A-0"));
-    EXPECT_EQ(connectors.connector(QStringLiteral("DP-3")).x11Name,
-              QStringLiteral("DisplayPort-2"));
-    EXPECT_EQ(connectors.connector(QStringLiteral("eDP-1")).x11Name, QStringLiteral("eDP"));
+TEST(DrmConnectors, KnowTheNamesThatTheDriversOfTheXServerHave) {
+    struct Name {
+        const char* driver;
+        const char* kernel;
+        const char* compositor;
+        const char* x11;
+    };
+    for (const auto& [driver, kernel, compositor, x11] :
+         std::initializer_list<Name>{{"amdgpu", "HDMI-A-1", "HDMI-1", "HDMI-A-0"},
+                                     {"amdgpu", "DP-3", "DP-3", "DisplayPort-2"},
+                                     {"amdgpu", "DVI-D-1", "DVI-D-1", "DVI-D-0"},
+                                     {"amdgpu", "eDP-1", "eDP-1", "eDP"},
+                                     {"radeon", "HDMI-A-1", "HDMI-1", "HDMI-0"},
+                                     {"radeon", "DP-1", "DP-1", "DisplayPort-0"},
+                                     {"radeon", "DVI-I-1", "DVI-I-1", "DVI-0"},
+                                     {"radeon", "VGA-1", "VGA-1", "VGA-0"},
+                                     {"radeon", "LVDS-1", "LVDS-1", "LVDS"},
+                                     {"i915", "HDMI-A-2", "HDMI-A-2", "HDMI-2"},
+                                     {"i915", "eDP-1", "eDP-1", "eDP-1"},
+                                     {"nouveau", "DVI-I-1", "DVI-I-1", "DVI-I-1"},
+                                     {"nouveau", "HDMI-A-1", "HDMI-1", "HDMI-1"},
+                                     {"virtio-pci", "Virtual-1", "Virtual-1", "Virtual-1"}}) {
+        const DrmFolder folder;
+        folder.add((QByteArray("card0-") + kernel).constData(), withoutSerial, driver);
+        const auto found = DrmConnectors(folder.path()).connector(QString::fromLatin1(compositor));
+        EXPECT_EQ(found.x11Name, QString::fromLatin1(x11)) << driver << ' ' << kernel;
+        EXPECT_TRUE(found.edid) << driver << ' ' << kernel;
+    }
 }
 
 TEST(DrmConnectors, KeepTheNameOfADisplayThatTheKernelDoesNotKnow) {
