@@ -69,8 +69,7 @@ class Companion {
     _watch() {
         this._outbox = new Outbox(this._link);
         this._overlay = new Overlay();
-        this._item = new BarItem(this._uuid, this._folder,
-            () => this._tell('ItemClicked', {item: numbersOf(this._item.place), pointer: readPointer().pointer}));
+        this._item = new BarItem(this._uuid, this._folder, () => this._tellClick());
         this._drag = new DragWatch(this._pid, this._outbox, () => this._overlay.hide());
         this._frames = new FrameWriter(window => this._tellSettled(window));
         this._windows = new OwnWindows(this._pid, {
@@ -101,6 +100,12 @@ class Companion {
     _tellSettled(window) {
         const id = window.get_id();
         this._outbox.put('FrameSettled', {window: id, frame: numbersOf(window.get_frame_rect())}, `FrameSettled ${id}`);
+    }
+
+    /** A finger leaves the pointer where it is, maybe on another display. */
+    _tellClick() {
+        this._tell('ItemClicked',
+            {item: numbersOf(this._item.place), pointer: touchedPlace() ?? readPointer().pointer});
     }
 
     _tellPointer() {

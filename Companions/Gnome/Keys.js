@@ -5,6 +5,12 @@ const CONTROL = 2;
 const OPTION = 4;
 const COMMAND = 8;
 
+/** Where the finger was whose lifting the shell deals with now; null where it deals with something else. */
+function touchedPlace() {
+    const event = Clutter.get_current_event();
+    return event?.type() === Clutter.EventType.TOUCH_END ? event.get_coords().map(Math.round) : null;
+}
+
 /** The pointer's place, the keys held with it and whether the first button is down, as of now. */
 function readPointer() {
     const [x, y, state] = global.get_pointer();

@@ -162,6 +162,19 @@ TEST_F(CompanionTest, HasAnItemThatIsNamedAndClickedByMouseAndKeyboard) {
     EXPECT_TRUE(waitUntil([&] { return !hasItem(); }));
 }
 
+TEST_F(CompanionTest, HasAnItemThatIsTappedOnATouchScreenWhereverTheMouseIs) {
+    greet();
+    program->command(ourItem);
+    const QPoint center = session.waitForItem().center();
+    session.input().move({300, 900});
+    session.tapScreen(center);
+    ASSERT_TRUE(program->waitFor(QStringLiteral("ItemClicked"))) << session.describe();
+    EXPECT_EQ(program->last(QStringLiteral("ItemClicked"))[QStringLiteral("pointer")].toArray(),
+              (QJsonArray{center.x(), center.y()}));
+    EXPECT_FALSE(program->waitFor(QStringLiteral("ItemClicked"), 1, std::chrono::milliseconds(300)))
+        << "one tap is one click";
+}
+
 TEST_F(CompanionTest, HidesEverythingBehindTheLockAndGreetsAgainAfterIt) {
     greet();
     snapWithControl();
@@ -171,15 +184,14 @@ TEST_F(CompanionTest, HidesEverythingBehindTheLockAndGreetsAgainAfterIt) {
     const QString title = session.startClient(CompositorClient::qt, start);
     dragToLeftZone(title);
     program->forgetCalls();
-    session.tell(QStringLiteral("Main.sessionMode.pushMode('unlock-dialog')"));
-    EXPECT_TRUE(waitUntil([&] { return !session.isCompanionActive(); }));
+    session.lock();
     EXPECT_FALSE(hasItem());
     EXPECT_EQ(actorsOnStage(), actors);
     EXPECT_TRUE(waitUntil([&] { return !isHighlighted(inLeftTile); }));
     session.input().release();
     session.input().releaseKey(KernelKey::control);
     EXPECT_EQ(program->count(hello), 0);
-    session.tell(QStringLiteral("Main.sessionMode.popMode('unlock-dialog')"));
+    session.unlock();
     EXPECT_TRUE(program->waitFor(hello)) << session.describe();
 }
 

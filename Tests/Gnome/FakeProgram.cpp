@@ -3,7 +3,6 @@
 #include <QDBusConnectionInterface>
 #include <QJsonDocument>
 #include <QUuid>
-#include <Waiting.h>
 #include <algorithm>
 #include <gtest/gtest.h>
 #include <utility>
@@ -43,8 +42,8 @@ QJsonObject FakeProgram::last(const QString& method) const {
     return found == calls_.rend() ? QJsonObject() : found->body;
 }
 
-bool FakeProgram::waitFor(const QString& method, int beyond) {
-    return waitUntil([&] { return count(method) > beyond; });
+bool FakeProgram::waitFor(const QString& method, int beyond, std::chrono::milliseconds deadline) {
+    return waitUntil([&] { return count(method) > beyond; }, deadline);
 }
 
 void FakeProgram::command(const QJsonObject& command) {

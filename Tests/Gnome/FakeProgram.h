@@ -6,6 +6,7 @@
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QObject>
+#include <Waiting.h>
 #include <functional>
 #include <optional>
 #include <vector>
@@ -42,7 +43,8 @@ public:
     /// The newest call of a method; an empty body where there was none.
     [[nodiscard]] QJsonObject last(const QString& method) const;
     /// Waits for a call of a method beyond so many.
-    [[nodiscard]] bool waitFor(const QString& method, int beyond = 0);
+    [[nodiscard]] bool waitFor(const QString& method, int beyond = 0,
+                               std::chrono::milliseconds deadline = patience);
     void forgetCalls() { calls_.clear(); }
 
     /// Has the companion do something, by the long poll; waits until one stands.

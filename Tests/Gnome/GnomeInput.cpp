@@ -21,13 +21,16 @@ GnomeInput::GnomeInput(const QDBusConnection& bus, std::function<QPoint()> point
         QDBusMessage::createMethodCall(service, QStringLiteral("/org/gnome/Mutter/RemoteDesktop"),
                                        service, QStringLiteral("CreateSession")));
     EXPECT_EQ(answer.type(), QDBusMessage::ReplyMessage) << answer.errorMessage().toStdString();
-    if (!answer.arguments().isEmpty())
-        session_ = answer.arguments().first().value<QDBusObjectPath>().path();
+    session_ = answer.arguments().value(0).value<QDBusObjectPath>().path();
     call(QStringLiteral("Start"));
 }
 
 GnomeInput::~GnomeInput() {
     call(QStringLiteral("Stop"));
+}
+
+void GnomeInput::step(QPoint by) {
+    call(QStringLiteral("NotifyPointerMotionRelative"), {double(by.x()), double(by.y())});
 }
 
 void GnomeInput::move(QPoint to) {

@@ -17,6 +17,9 @@ public:
     /// How many units of the stage the shell goes for each that the mouse is moved by.
     void setReach(int units) { reach_ = units; }
 
+    /// Moves the mouse by that, in points, and does not wait until the pointer is there.
+    void step(QPoint by);
+
     void move(QPoint to) override;
     void press() override;
     void release() override;

@@ -1,6 +1,7 @@
 #include "GnomeSession.h"
 
 #include <QDBusConnectionInterface>
+#include <QDir>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <Waiting.h>
@@ -60,15 +61,23 @@ void GnomeSession::writeSettings(CompanionAtStart companion) const {
                   "[org/gnome/desktop/notifications]\nshow-banners=false\n");
 }
 
-void GnomeSession::installCompanion(const QString& believedProgram) {
-    const QString folder = home() + QStringLiteral("/.local/share/gnome-shell/extensions/") +
-                           QString::fromLatin1(companionUuid);
-    Subprocess& assembly =
-        start(QStringLiteral(TILEWRIGHT_CMAKE),
-              {QStringLiteral("-DOUTPUT=") + folder,
-               QStringLiteral("-DUUID=") + QString::fromLatin1(companionUuid),
-               QStringLiteral("-DPROGRAM=") + believedProgram, QStringLiteral("-DVERSION=0"),
-               QStringLiteral("-P"), QStringLiteral(TILEWRIGHT_COMPANION_ASSEMBLY)});
+QString GnomeSession::companionFolder() const {
+    return home() + QStringLiteral("/.local/share/gnome-shell/extensions/") +
+           QString::fromLatin1(companionUuid);
+}
+
+void GnomeSession::removeCompanion() {
+    EXPECT_TRUE(QDir(companionFolder()).removeRecursively());
+}
+
+void GnomeSession::installCompanion(const QString& believedProgram, const QString& version) {
+    removeCompanion();
+    Subprocess& assembly = start(QStringLiteral(TILEWRIGHT_CMAKE),
+                                 {QStringLiteral("-DOUTPUT=") + companionFolder(),
+                                  QStringLiteral("-DUUID=") + QString::fromLatin1(companionUuid),
+                                  QStringLiteral("-DPROGRAM=") + believedProgram,
+                                  QStringLiteral("-DVERSION=") + version, QStringLiteral("-P"),
+                                  QStringLiteral(TILEWRIGHT_COMPANION_ASSEMBLY)});
     EXPECT_TRUE(assembly.waitForEnd());
     EXPECT_EQ(assembly.exitCode(), 0) << describe();
 }
@@ -222,11 +231,43 @@ void GnomeSession::setCompanionEnabled(bool enabled) {
     EXPECT_TRUE(waitUntil([&] { return isCompanionActive() == enabled; })) << describe();
 }
 
+QString GnomeSession::companionVersion() {
+    return ask(QStringLiteral("Main.extensionManager.lookup('%1')?.metadata['version-name'] ?? ''")
+                   .arg(QString::fromLatin1(companionUuid)))
+        .toString();
+}
+
+void GnomeSession::lock() {
+    tell(QStringLiteral("Main.sessionMode.pushMode('unlock-dialog')"));
+    EXPECT_TRUE(waitUntil([&] { return !isCompanionActive(); })) << describe();
+}
+
+void GnomeSession::unlock() {
+    tell(QStringLiteral("Main.sessionMode.popMode('unlock-dialog')"));
+    EXPECT_TRUE(waitUntil([&] { return isCompanionActive(); })) << describe();
+}
+
 bool GnomeSession::isCompanionActive() {
     // 1 is what the shell has for "active" in all its versions.
     return ask(QStringLiteral("Main.extensionManager.lookup('%1')?.state === 1")
                    .arg(QString::fromLatin1(companionUuid)))
         .toBool();
+}
+
+void GnomeSession::tapScreen(QPoint at) {
+    // By the shell's own means: newer ones give remote input a touch screen only beside a
+    // recording, for which a service would have to be there.
+    tell(QStringLiteral(R"((() => {
+        const {Clutter, GLib} = imports.gi;
+        const backend = Clutter.get_default_backend?.() ?? global.stage.get_context().get_backend();
+        globalThis.touchScreen ??= backend.get_default_seat()
+            .create_virtual_device(Clutter.InputDeviceType.TOUCHSCREEN_DEVICE);
+        touchScreen.notify_touch_down(GLib.get_monotonic_time(), 0, %1, %2);
+    })())")
+             .arg(at.x())
+             .arg(at.y()));
+    // In another frame: no finger is faster.
+    tell(QStringLiteral("touchScreen.notify_touch_up(imports.gi.GLib.get_monotonic_time(), 0)"));
 }
 
 QRect GnomeSession::item() {

@@ -20,8 +20,12 @@ public:
     explicit GnomeSession(const QString& believedProgram, int displays = 1,
                           CompanionAtStart companion = CompanionAtStart::runs);
 
-    /// Puts the companion's files where the shell finds them at its next start.
-    void installCompanion(const QString& believedProgram);
+    /// Puts the companion's files where the shell finds them at its next start, in the place of
+    /// those that are there.
+    void installCompanion(const QString& believedProgram,
+                          const QString& version = QStringLiteral("0"));
+    /// Takes them away again.
+    void removeCompanion();
     /// Ends the shell, and everything that was shown by it, and starts another for the same user.
     void logInAgain();
 
@@ -41,8 +45,18 @@ public:
 
     /// Switches the companion on or off, as the user would.
     void setCompanionEnabled(bool enabled);
+    /// Of which version is the one that the shell has; empty where it has none.
+    [[nodiscard]] QString companionVersion();
+    /// As the lock screen does: the shell switches extensions off.
+    void lock();
+    void unlock();
     /// Whether the shell has it running.
     [[nodiscard]] bool isCompanionActive();
+
+    /// The same mouse and keyboard as input().
+    [[nodiscard]] GnomeInput& hands() { return *input_; }
+    /// Puts a finger on the screen there, and lifts it again.
+    void tapScreen(QPoint at);
 
     /// Where our button is in the bar; empty while it is not there.
     [[nodiscard]] QRect item();
@@ -51,6 +65,7 @@ public:
 
 private:
     void writeSettings(CompanionAtStart companion) const;
+    [[nodiscard]] QString companionFolder() const;
     [[nodiscard]] bool startShell();
     void waitUntilItRests();
     [[nodiscard]] QDBusMessage evaluate(const QString& script) const;

@@ -28,11 +28,11 @@ TEST_P(ProgramDrag, WithControlShowsTheZonesAndEndsInTheOneUnderThePointer) {
     EXPECT_FALSE(isHighlighted(zone(1)));
 }
 
-/// A program whose file can be replaced.
-struct UpgradedProgram : ProgramInGnome {
-    UpgradedProgram()
+/// A program whose file can be replaced, as the companion's can.
+struct UpgradedPackage : ProgramInGnome {
+    UpgradedPackage()
         : ProgramInGnome(copyOfTheProgram()) {}
-    ~UpgradedProgram() override { QFile::remove(path()); }
+    ~UpgradedPackage() override { QFile::remove(path()); }
 
     [[nodiscard]] static QString path() {
         return QStringLiteral("%1/tilewright-%2").arg(QDir::tempPath()).arg(::getpid());
@@ -103,6 +103,31 @@ TEST_F(ProgramInGnome, OpensItsPanelBelowTheItemWithTheFocusAndClosesItInEveryWa
     ASSERT_TRUE(waitUntil([&] { return isPanelReady(); }));
     session.tell(QStringLiteral("Main.overview.show()"));
     EXPECT_TRUE(waitUntil([&] { return !isPanelOpen(); })) << "the overview";
+}
+
+TEST_F(ProgramInGnome, OpensItsPanelByTouchAndClosesItSo) {
+    session.input().move({300, 900});
+    const auto openByTouch = [&] {
+        session.tapScreen(item.center());
+        return waitUntil([&] { return isPanelReady(); });
+    };
+    ASSERT_TRUE(openByTouch()) << session.describe();
+    EXPECT_TRUE(session.frame(panelTitle).intersects(item.translated(0, item.height() + 20)));
+    session.tapScreen(item.center());
+    EXPECT_TRUE(waitUntil([&] { return !isPanelOpen(); })) << "the item";
+    EXPECT_TRUE(staysTrue([&] { return !isPanelOpen(); }, std::chrono::milliseconds(300)));
+
+    ASSERT_TRUE(openByTouch()) << session.describe();
+    session.tapScreen({300, 900});
+    EXPECT_TRUE(waitUntil([&] { return !isPanelOpen(); })) << "a touch outside";
+
+    ASSERT_TRUE(openByTouch()) << session.describe();
+    // The word in the lower left corner of the panel.
+    session.tapScreen(session.frame(panelTitle).bottomLeft() + QPoint(60, -45));
+    EXPECT_TRUE(waitUntil([&] {
+        return !session.frame(QStringLiteral("Tilewright Settings")).isEmpty();
+    })) << "what lies in it"
+        << session.describe();
 }
 
 TEST_F(ProgramInGnome, OpensItsPanelFromTheOverviewWithTheKeys) {
@@ -182,27 +207,52 @@ TEST_F(ProgramInGnome, BringsItsSettingsToTheFrontAgainWhenTheyAreAskedForAgain)
 TEST_F(ProgramInGnome, ShowsNothingBehindTheLockAndGoesOnAfterIt) {
     const QString title = session.startClient(CompositorClient::qt, start);
     dragToFirstZone(title);
-    session.tell(QStringLiteral("Main.sessionMode.pushMode('unlock-dialog')"));
+    session.lock();
     EXPECT_TRUE(waitUntil([&] { return !isHighlighted(zone(0)); }));
     EXPECT_TRUE(session.item().isEmpty());
     drop();
-    session.tell(QStringLiteral("Main.sessionMode.popMode('unlock-dialog')"));
+    session.unlock();
     static_cast<void>(session.waitForItem());
     dragToFirstZone(title);
     drop();
     EXPECT_TRUE(waitUntil([&] { return session.frame(title) == zone(0); })) << session.describe();
 }
 
-TEST_F(UpgradedProgram, IsStillBelievedWhenItsFileHasBeenReplacedBelowIt) {
+TEST_F(UpgradedPackage, GoesOnWithTheShellsOldCompanionUntilTheNextLoginBringsTheNewOne) {
+    const auto dragIntoAZone = [&] {
+        const QString title = session.startClient(CompositorClient::qt, start);
+        dragToFirstZone(title);
+        drop();
+        EXPECT_TRUE(waitUntil([&] { return session.frame(title) == zone(0); }))
+            << session.describe();
+    };
+    // The program that runs has lost its file by that.
     copyOfTheProgram();
-    session.setCompanionEnabled(false);
+    session.installCompanion(path(), QStringLiteral("1"));
+    session.lock();
     EXPECT_TRUE(session.item().isEmpty());
-    session.setCompanionEnabled(true);
+    session.unlock();
     static_cast<void>(session.waitForItem());
-    const QString title = session.startClient(CompositorClient::qt, start);
-    dragToFirstZone(title);
-    drop();
-    EXPECT_TRUE(waitUntil([&] { return session.frame(title) == zone(0); })) << session.describe();
+    EXPECT_EQ(session.companionVersion(), QStringLiteral("0"));
+    dragIntoAZone();
+
+    session.logInAgain();
+    session.start(path());
+    static_cast<void>(session.waitForItem());
+    EXPECT_EQ(session.companionVersion(), QStringLiteral("1"));
+    dragIntoAZone();
+}
+
+TEST_F(UpgradedPackage, LeavesNothingThatFailsAtTheNextLoginWhenItIsRemoved) {
+    QFile::remove(path());
+    session.removeCompanion();
+    // It is there for as long as nothing is switched.
+    EXPECT_FALSE(session.item().isEmpty());
+    session.logInAgain();
+    EXPECT_EQ(session.companionVersion(), QString());
+    const QString enabled = QStringLiteral("global.settings.get_strv('enabled-extensions')");
+    EXPECT_TRUE(session.ask(enabled).toArray().contains(QString::fromLatin1(companionUuid)));
+    EXPECT_EQ(session.describe().find(companionUuid), std::string::npos) << session.describe();
 }
 
 TEST(CompanionThatTheShellHasYetToSee, RunsAfterTheNextLoginWithoutAClick) {
