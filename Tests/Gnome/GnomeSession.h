@@ -15,8 +15,8 @@ enum class CompanionAtStart { runs, isNowhere };
 class GnomeSession final : public CompositorSession {
 public:
     /// Starts it, with a companion that believes the program at this path, and waits until the
-    /// shell rests. Fails the running test where it does not come up. The displays are side by
-    /// side, each of 1920 by 1080 pixels.
+    /// shell rests. Throws where none comes up, which ends the running test. The displays are
+    /// side by side, each of 1920 by 1080 pixels.
     explicit GnomeSession(const QString& believedProgram, int displays = 1,
                           CompanionAtStart companion = CompanionAtStart::runs);
 
