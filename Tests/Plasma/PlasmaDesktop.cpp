@@ -1,5 +1,6 @@
 #include "PlasmaDesktop.h"
 
+#include <PlasmaPrograms.h>
 #include <QDBusConnectionInterface>
 #include <QDBusReply>
 #include <Waiting.h>
@@ -9,17 +10,15 @@ namespace tilewright::testing {
 
 namespace {
 
-const QString programsOfItsOwn = QStringLiteral("/usr/lib/x86_64-linux-gnu/libexec/");
-
 constexpr std::chrono::seconds afterItsStart{60};
 
 } // namespace
 
 PlasmaDesktop::PlasmaDesktop(PlasmaSession& session)
     : session_(session) {
-    start(programsOfItsOwn + QStringLiteral("kactivitymanagerd"), "org.kde.ActivityManager");
+    start(plasmaProgram(QStringLiteral("kactivitymanagerd")), "org.kde.ActivityManager");
     start(QStringLiteral("kded%1").arg(session_.generation()), "org.kde.StatusNotifierWatcher");
-    start(programsOfItsOwn + QStringLiteral("org_kde_powerdevil"),
+    start(plasmaProgram(QStringLiteral("org_kde_powerdevil")),
           "org.kde.Solid.PowerManagement.PolicyAgent");
     start(QStringLiteral("plasmashell"), "org.kde.plasmashell");
     EXPECT_TRUE(waitUntil(

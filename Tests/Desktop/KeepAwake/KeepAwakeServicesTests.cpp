@@ -2,6 +2,7 @@
 
 #include "KeepAwakeDesktop.h"
 
+#include <PlasmaPrograms.h>
 #include <gtest/gtest.h>
 
 using namespace std::chrono_literals;
@@ -12,7 +13,7 @@ namespace {
 
 /// A program of a desktop that keeps a list of who inhibits idling.
 struct Service {
-    const char* program;
+    QString program;
     QStringList arguments;
     QString name;
     QString path;
@@ -21,19 +22,19 @@ struct Service {
     QString inhibited;
 };
 
-const Service mateScreenSaver{"mate-screensaver",
+const Service mateScreenSaver{u"mate-screensaver"_s,
                               {u"--no-daemon"_s},
                               u"org.mate.ScreenSaver"_s,
                               u"/org/mate/ScreenSaver"_s,
                               u"org.mate.ScreenSaver.GetInhibitors"_s,
                               u"Tilewright"_s};
-const Service powerDevil{"/usr/lib/x86_64-linux-gnu/libexec/org_kde_powerdevil",
+const Service powerDevil{plasmaProgram(u"org_kde_powerdevil"_s),
                          {},
                          u"org.freedesktop.PowerManagement"_s,
                          u"/org/freedesktop/PowerManagement/Inhibit"_s,
                          u"org.freedesktop.PowerManagement.Inhibit.HasInhibit"_s,
                          u"true"_s};
-const Service xfcePowerManager{"xfce4-power-manager",
+const Service xfcePowerManager{u"xfce4-power-manager"_s,
                                {u"--no-daemon"_s},
                                u"org.freedesktop.PowerManagement"_s,
                                u"/org/freedesktop/PowerManagement/Inhibit"_s,
@@ -48,8 +49,9 @@ public:
     }
 
     void start() {
-        process_ = &session().start(QString::fromUtf8(service_.program), service_.arguments);
-        EXPECT_TRUE(waitUntil([&] { return answer().has_value(); })) << service_.program;
+        process_ = &session().start(service_.program, service_.arguments);
+        EXPECT_TRUE(waitUntil([&] { return answer().has_value(); }))
+            << service_.program.toStdString();
     }
 
     void killAndRestart() {
