@@ -69,7 +69,10 @@ FreeDesktopStatusItem::FreeDesktopStatusItem(const Screens& screens, PixelPlace 
     : screens_(screens)
     , pixelPlace_(std::move(pixelPlace))
     , display_(display)
-    , notifierItem_(loop, bus) {
+    // A display server that tells every program where the pointer is has no leave to give.
+    , notifierItem_(loop, bus,
+                    display ? StatusNotifierItem::ActivationToken::ignored
+                            : StatusNotifierItem::ActivationToken::left) {
     connect(&notifierItem_, &StatusNotifierItem::activated, this,
             [this](NativePixel click) { Q_EMIT activated(notifierPlace(click)); });
     connect(&notifierItem_, &StatusNotifierItem::hostedChanged, this,

@@ -79,13 +79,7 @@ public Q_SLOTS:
     void Activate(int x, int y) { item_->clicked({x, y}); }
     void SecondaryActivate(int x, int y) { item_->clicked({x, y}); }
     void ContextMenu(int x, int y) { item_->clicked({x, y}); }
-    void ProvideXdgActivationToken(const QString& token) {
-        // Where Qt looks for it, with the next window that is to be made active. Only the
-        // compositor knows a real one; what is no token at all is not kept.
-        constexpr qsizetype longest = 256;
-        if (token.size() <= longest)
-            qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
-    }
+    void ProvideXdgActivationToken(const QString& token) { item_->keepActivationToken(token); }
     void Scroll(int /*delta*/, const QString& /*orientation*/) {}
 
 Q_SIGNALS:
@@ -103,9 +97,11 @@ private:
     StatusNotifierPixmaps iconPixmaps_;
 };
 
-StatusNotifierItem::StatusNotifierItem(MainLoop& loop, MessageBus& bus, int number)
+StatusNotifierItem::StatusNotifierItem(MainLoop& loop, MessageBus& bus,
+                                       ActivationToken activationToken, int number)
     : loop_(loop)
     , bus_(bus)
+    , activationToken_(activationToken)
     , serviceName_(QStringLiteral("org.kde.StatusNotifierItem-%1-%2")
                        .arg(QCoreApplication::applicationPid())
                        .arg(number))
@@ -174,6 +170,13 @@ void StatusNotifierItem::clicked(NativePixel place) {
         Qt::QueuedConnection);
 }
 
+void StatusNotifierItem::keepActivationToken(const QString& token) const {
+    // Only the compositor knows a real one; what is no token at all is not kept.
+    constexpr qsizetype longest = 256;
+    if (activationToken_ == ActivationToken::left && token.size() <= longest)
+        qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
+}
+
 void StatusNotifierItem::followWatcher() {
     ++watcherGeneration_;
     isHostAskedFor_ = false;
@@ -182,11 +185,15 @@ void StatusNotifierItem::followWatcher() {
         settle(false, Trust::full);
         return;
     }
-    QDBusMessage registerItem =
-        callToWatcher(watcherService(), QStringLiteral("RegisterStatusNotifierItem"));
-    registerItem << serviceName_;
-    bus_.connection().send(registerItem);
+    registerItem();
     askForHost();
+}
+
+void StatusNotifierItem::registerItem() {
+    QDBusMessage call =
+        callToWatcher(watcherService(), QStringLiteral("RegisterStatusNotifierItem"));
+    call << serviceName_;
+    bus_.connection().send(call);
 }
 
 void StatusNotifierItem::listenTo(const QString& watcher) {
@@ -227,7 +234,12 @@ void StatusNotifierItem::askForHost() {
 void StatusNotifierItem::takeWord(const QDBusMessage& reply) {
     const QVariant told = reply.arguments().value(0).value<QDBusVariant>().variant();
     const bool isError = reply.type() == QDBusMessage::ErrorMessage;
-    if (isError && QDBusError(reply).type() != QDBusError::NoReply)
+    const QDBusError::ErrorType error = QDBusError(reply).type();
+    isWatcherHollow_ = error == QDBusError::UnknownObject;
+    if (isWatcherHollow_)
+        // As of Plasma's daemon of services in a session of another desktop.
+        settle(false, Trust::full);
+    else if (isError && error != QDBusError::NoReply)
         // A watcher that cannot tell is taken for one that comes with its host.
         settle(true, Trust::full);
     else if (isError || told.metaType() != QMetaType::fromType<bool>())
@@ -244,6 +256,8 @@ void StatusNotifierItem::limitWaiting() {
 void StatusNotifierItem::hostsChanged(const QDBusMessage& notice) {
     if (notice.service() != heard_)
         return;
+    if (std::exchange(isWatcherHollow_, false))
+        registerItem();
     // What the watcher says is asked for, once at a time: one host of several may have gone.
     if (isHostAskedFor_)
         isAnswerStale_ = true;

@@ -33,8 +33,18 @@ public:
     /// What is to be thought of the watcher, whose place anybody on the bus may take.
     enum class Trust { full, none };
 
+    /// What becomes of the leave to come to the front that a host passes on before a click.
+    enum class ActivationToken {
+        /// Nobody here takes it, as with an X server.
+        ignored,
+        /// It is left in the environment, where Qt takes it with the next window that is to be made
+        /// active by a Wayland compositor.
+        left,
+    };
+
     /// Two items of one process need different numbers. The loop and the bus have to outlive this.
-    StatusNotifierItem(MainLoop& loop, MessageBus& bus, int number = 1);
+    StatusNotifierItem(MainLoop& loop, MessageBus& bus,
+                       ActivationToken activationToken = ActivationToken::ignored, int number = 1);
     ~StatusNotifierItem() override;
 
     /// Shows an icon and tells the hosts at once. Hosts that know a theme icon of the name, in
@@ -70,7 +80,9 @@ private:
     void leaveBus();
     void leaveWatcher();
     void clicked(NativePixel place);
+    void keepActivationToken(const QString& token) const;
     void followWatcher();
+    void registerItem();
     void listenTo(const QString& watcher);
     void askForHost();
     void takeWord(const QDBusMessage& reply);
@@ -79,6 +91,7 @@ private:
 
     MainLoop& loop_;
     MessageBus& bus_;
+    const ActivationToken activationToken_;
     QString serviceName_;
     Adaptor* adaptor_;
     std::unique_ptr<BusNameOwner> watcher_;
@@ -89,6 +102,9 @@ private:
     bool isHostAskedFor_ = false;
     /// Whether hosts came or went after they were asked for.
     bool isAnswerStale_ = false;
+    /// Whether the watcher's name is owned by somebody who keeps no list of items, at least not
+    /// yet.
+    bool isWatcherHollow_ = false;
     /// Of those that wait to be handed out.
     std::optional<NativePixel> lastClick_;
     bool isHosted_ = false;

@@ -76,6 +76,14 @@ public:
         EXPECT_TRUE(waitUntil([&] { return places_.size() == 1; }));
         return places_.empty() ? Place() : places_.front();
     }
+    /// What is in the environment once the host has passed this on, and nobody has taken it there.
+    QByteArray leaveKept(const QString& token) {
+        host_.call(watcher_.items.value(0), QStringLiteral("org.kde.StatusNotifierItem"),
+                   QStringLiteral("ProvideXdgActivationToken"), {token});
+        const QByteArray kept = qgetenv("XDG_ACTIVATION_TOKEN");
+        qunsetenv("XDG_ACTIVATION_TOKEN");
+        return kept;
+    }
 
 private:
     FakeNotifierWatcher watcher_;
@@ -137,6 +145,12 @@ TEST_F(FreeDesktopStatusItemTest, TellsWhereItWasClickedWhereItsHostKnows) {
     Clicks clicks(*this);
     EXPECT_EQ(clicks.at({400, 12}), placeAt({400, 12}));
     EXPECT_EQ(clicks.at({0, 0}), std::nullopt);
+}
+
+TEST_F(FreeDesktopStatusItemTest, KeepsTheLeaveToComeToTheFrontOnlyWhereACompositorGaveIt) {
+    EXPECT_EQ(Clicks(*this, std::nullopt).leaveKept(QStringLiteral("leave-1")), "leave-1");
+    EXPECT_EQ(Clicks(*this).leaveKept(QStringLiteral("leave-2")), QByteArray())
+        << "the programs that this one starts would inherit it";
 }
 
 TEST_F(FreeDesktopStatusItemTest, IsByThePointerOnABarWhoseHostTellsAPlaceFarFromIt) {

@@ -74,6 +74,17 @@ TEST_F(StatusNotifierItemTest, FollowsHostsThatComeToAWatcherAndGo) {
     EXPECT_TRUE(waitUntil([&] { return !item.isHosted(); }));
 }
 
+TEST_F(StatusNotifierItemTest, HasNoHostWhereTheWatcherIsButANameAndRegistersOnceItIsMore) {
+    QDBusConnection hollow = bus.connect();
+    ASSERT_TRUE(hollow.registerService(QStringLiteral("org.kde.StatusNotifierWatcher")));
+    const StatusNotifierItem item(loop, own);
+    ASSERT_TRUE(waitUntil([&] { return item.isSettled(); }));
+    EXPECT_FALSE(item.isHosted());
+    FakeNotifierWatcher watcher(hollow, false);
+    watcher.setHost(true);
+    EXPECT_TRUE(waitUntil([&] { return watcher.items.size() == 1 && item.isHosted(); }));
+}
+
 TEST_F(StatusNotifierItemTest, WaitsForNoAnswerOfTheBusAtTheStart) {
     FakeNotifierWatcher watcher(bus.connect(), false);
     std::optional<StatusNotifierItem> item;
@@ -136,7 +147,7 @@ TEST_F(StatusNotifierItemTest, PassesClicksOnWithTheirPlace) {
 
 TEST_F(StatusNotifierItemTest, LeavesTheCompositorsLeaveToComeToTheFrontWhereQtTakesIt) {
     const FakeNotifierWatcher watcher(bus.connect());
-    const StatusNotifierItem item(loop, own);
+    const StatusNotifierItem item(loop, own, StatusNotifierItem::ActivationToken::left);
     ASSERT_TRUE(waitUntil([&] { return watcher.items.size() == 1; }));
     NotifierHost host(bus.connect());
     const auto provide = [&](const QString& token) {
