@@ -1,7 +1,5 @@
 #include "DisplayFiles.h"
 
-#include "HostDisplay.h"
-
 #include <PrivateHome.h>
 #include <QCryptographicHash>
 #include <QJsonArray>
@@ -10,14 +8,8 @@
 
 namespace tilewright::testing {
 
-namespace {
-
-constexpr QSize pixels = HostDisplay::displaySize;
-
-} // namespace
-
 void writeDisplaysOfKwin5(const QString& home, const std::vector<QRect>& frames,
-                          const std::vector<double>& scales) {
+                          const std::vector<double>& scales, QSize pixels) {
     QJsonArray outputs;
     QByteArray connectors;
     for (const QRect& frame : frames) {
@@ -46,7 +38,7 @@ void writeDisplaysOfKwin5(const QString& home, const std::vector<QRect>& frames,
 }
 
 void writeDisplaysOfKwin6(const QString& home, const std::vector<QRect>& frames,
-                          const std::vector<double>& scales) {
+                          const std::vector<double>& scales, QSize pixels) {
     QJsonArray outputs;
     QJsonArray places;
     for (const QRect& frame : frames) {

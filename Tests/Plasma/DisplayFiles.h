@@ -7,12 +7,12 @@
 namespace tilewright::testing {
 
 /// Writes into a home what KWin 5 keeps its displays in, where they are without a screen: their
-/// frames in KWin's units, and how many pixels lie along a unit of each.
+/// frames in KWin's units, how many pixels lie along a unit of each, and how many each of them has.
 void writeDisplaysOfKwin5(const QString& home, const std::vector<QRect>& frames,
-                          const std::vector<double>& scales);
+                          const std::vector<double>& scales, QSize pixels);
 
 /// The same for KWin 6, where they are windows of an X server.
 void writeDisplaysOfKwin6(const QString& home, const std::vector<QRect>& frames,
-                          const std::vector<double>& scales);
+                          const std::vector<double>& scales, QSize pixels);
 
 } // namespace tilewright::testing

@@ -80,26 +80,27 @@ public:
 
 PlasmaSession::PlasmaSession(const PlasmaDisplays& displays, Around around)
     : CompositorSession(QStringLiteral("KDE"))
+    , isKwin6_(isKwin6())
     , scales_(displays.scales)
+    , pixels_(displays.pixels)
     , around_(around)
     , ear_(std::make_unique<Ear>()) {
     int left = 0;
     for (const double scale : scales_) {
-        displays_.emplace_back(QPoint(left, 0),
-                               (QSizeF(HostDisplay::displaySize) / scale).toSize());
+        displays_.emplace_back(QPoint(left, 0), (QSizeF(pixels_) / scale).toSize());
         left += displays_.back().width();
     }
     set("KWIN_EFFECTS_FORCE_ANIMATIONS", QStringLiteral("1"));
     set("KWIN_SCREENSHOT_NO_PERMISSION_CHECKS", QStringLiteral("1"));
     set("QT_QPA_PLATFORMTHEME", QStringLiteral("generic"));
     set("QT_FORCE_STDERR_LOGGING", QStringLiteral("1"));
-    if (isKwin6())
-        host_ = std::make_unique<HostDisplay>(int(scales_.size()));
+    if (isKwin6_ || displays.seen == PlasmaDisplays::Seen::onXServer)
+        host_ = std::make_unique<HostDisplay>(int(scales_.size()), pixels_);
     installFiles();
     EXPECT_TRUE(startBuses()) << describe();
-    if (!host_)
-        // Without a graphics card KWin would paint without OpenGL, and run no effects.
-        set("KWIN_COMPOSE", QStringLiteral("O2"));
+    if (!isKwin6_)
+        // Without a graphics card KWin would paint without OpenGL, and make no pictures.
+        set("KWIN_COMPOSE", host_ ? QStringLiteral("Q") : QStringLiteral("O2"));
     bus().registerVirtualObject(QStringLiteral("/ear"), ear_.get());
     startCompositor();
 }
@@ -115,7 +116,7 @@ PlasmaSession::~PlasmaSession() {
 
 void PlasmaSession::installFiles() const {
     writeFile(home() + QStringLiteral("/.config/kwinrc"), configuration);
-    (host_ ? writeDisplaysOfKwin6 : writeDisplaysOfKwin5)(home(), displays_, scales_);
+    (isKwin6_ ? writeDisplaysOfKwin6 : writeDisplaysOfKwin5)(home(), displays_, scales_, pixels_);
     installEntries();
     installEffects();
 }
@@ -185,7 +186,7 @@ void PlasmaSession::startCompositor() {
                    QDBusMessage::ReplyMessage;
     })) << describe();
     EXPECT_TRUE(!host_ || waitUntil([&] { return host_->spread(); })) << describe();
-    setInput(std::make_unique<PlasmaInput>(home() + QStringLiteral("/run/") + socketName()));
+    setInput(std::make_unique<PlasmaInput>(socketPath()));
     useInput(displays_.front().bottomRight() - QPoint(220, 80));
 }
 
@@ -288,7 +289,7 @@ bool PlasmaSession::hasScript(const QString& name) {
 bool PlasmaSession::hasCompanion() {
     if (!hasScript(QStringLiteral("tilewright")))
         return false;
-    if (host_)
+    if (isKwin6_)
         return true;
     QDBusMessage get = QDBusMessage::createMethodCall(
         kwinService, QStringLiteral("/Effects"), QStringLiteral("org.freedesktop.DBus.Properties"),
@@ -303,9 +304,8 @@ QColor PlasmaSession::pixel(QPoint at) {
     std::size_t display = 0;
     while (display + 1 < displays_.size() && !displays_[display].contains(at))
         ++display;
-    const QImage picture = pictureOf(display);
-    return picture.pixelColor(
-        (QPointF(at - displays_[display].topLeft()) * picture.devicePixelRatio()).toPoint());
+    const QPoint there = (QPointF(at - displays_[display].topLeft()) * scales_[display]).toPoint();
+    return host_ ? host_->pixel(int(display), there) : pictureOf(display).pixelColor(there);
 }
 
 QImage PlasmaSession::pictureOf(std::size_t display) {

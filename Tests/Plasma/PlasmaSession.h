@@ -7,10 +7,20 @@
 
 namespace tilewright::testing {
 
-/// The displays of a session: side by side, each of 1920 by 1080 pixels.
+/// The displays of a session, side by side.
 struct PlasmaDisplays {
+    enum class Seen {
+        /// On an X server with KWin 6, by KWin itself with KWin 5, which paints with OpenGL then.
+        anyhow,
+        /// At once, as it takes to measure time. KWin 5 has one display then.
+        onXServer,
+    };
+
     /// How many pixels lie along a unit of KWin's, of each display.
     std::vector<double> scales{1};
+    /// How many pixels each of them has.
+    QSize pixels{1920, 1080};
+    Seen seen = Seen::anyhow;
 };
 
 /// A session of KWin, with what it takes to see the keys installed for its home: effects for KWin
@@ -53,15 +63,20 @@ public:
     /// How far a frame may be from what was asked for: KWin 6 and its clients make sizes whole
     /// pixels, each of the parts of a window by itself.
     [[nodiscard]] int roundOff() const {
-        return host_ && scales_.back() != int(scales_.back()) ? 1 : 0;
+        return isKwin6_ && scales_.back() != int(scales_.back()) ? 1 : 0;
     }
     /// Plasma's, and KWin's.
-    [[nodiscard]] int generation() const { return host_ ? 6 : 5; }
+    [[nodiscard]] int generation() const { return isKwin6_ ? 6 : 5; }
     /// What KWin calls the connector of the second one.
     [[nodiscard]] QString secondConnector() const {
-        return host_ ? QStringLiteral("X11-1") : QStringLiteral("Virtual-1");
+        return isKwin6_ ? QStringLiteral("X11-1") : QStringLiteral("Virtual-1");
     }
 
+    /// Where KWin listens.
+    [[nodiscard]] QString socketPath() const {
+        return home() + QStringLiteral("/run/") + socketName();
+    }
+    [[nodiscard]] pid_t kwinPid() { return compositor().pid(); }
     /// Ends KWin at once, as when it crashes, and starts it again at the same socket.
     void killCompositor();
     void startCompositor();
@@ -79,10 +94,12 @@ private:
                                              const QVariantList& arguments = {});
     [[nodiscard]] std::map<QString, QString> xServer() override;
 
+    const bool isKwin6_;
     const std::vector<double> scales_;
+    const QSize pixels_;
     const Around around_;
     std::vector<QRect> displays_;
-    /// Null for KWin 5, which paints without a host.
+    /// Null where KWin paints without a host.
     std::unique_ptr<HostDisplay> host_;
     std::unique_ptr<Ear> ear_;
     int questions_ = 0;
