@@ -97,7 +97,11 @@ public:
         : succession_(std::make_unique<Succession>(std::move(name), former)) {}
 
     [[nodiscard]] std::shared_ptr<void> precaution() const override {
-        return std::make_shared<ReconnectPrecaution>();
+        struct Precaution {
+            ReconnectPrecaution reconnect;
+            std::shared_ptr<void> start = Succession::throughStart();
+        };
+        return std::make_shared<Precaution>();
     }
     [[nodiscard]] std::shared_ptr<void> beginLife() const override { return succession_->begin(); }
 
@@ -144,9 +148,11 @@ bool hasQtWaylandPlugin(const QProcessEnvironment& environment) {
 } // namespace
 
 std::unique_ptr<DesktopBackend> DesktopBackend::find(std::span<char*> arguments) {
-    const std::optional<Legacy> former = Legacy::in(arguments);
-    if (former && !isKWinBack(arguments))
-        return nullptr;
+    std::string name = arguments.empty() ? "tilewright" : arguments[0];
+    // Whoever looked around again might miss a KWin that goes on ending and coming back.
+    if (const std::optional<Legacy> former = Legacy::in(arguments))
+        return isKWinBack(arguments) ? std::make_unique<PlasmaBackend>(std::move(name), *former)
+                                     : nullptr;
     const QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     SessionFacts facts;
     facts.xServer = factOf(probeX11Server());
@@ -168,8 +174,7 @@ std::unique_ptr<DesktopBackend> DesktopBackend::find(std::span<char*> arguments)
     case DesktopChoice::gnome:
         return std::make_unique<WaylandBackend<GnomePlatform>>();
     case DesktopChoice::plasma:
-        return std::make_unique<PlasmaBackend>(arguments.empty() ? "tilewright" : arguments[0],
-                                               former.value_or(Legacy()));
+        return std::make_unique<PlasmaBackend>(std::move(name), Legacy());
     case DesktopChoice::none:
         break;
     }

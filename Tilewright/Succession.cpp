@@ -6,6 +6,7 @@
 #include <atomic>
 #include <cstdlib>
 #include <filesystem>
+#include <qlogging.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -16,6 +17,9 @@ namespace {
 constexpr char thisProgram[] = "/proc/self/exe";
 
 std::atomic<Succession*> current = nullptr;
+
+/// As long as fatal messages are listened to; set before they are.
+std::atomic<QtMessageHandler> usualHandler = nullptr;
 
 /// By its own name, which the system shows: the link's would be shown otherwise.
 std::string pathOfThisProgram() {
@@ -28,6 +32,14 @@ std::string pathOfThisProgram() {
 Legacy::Interval now() {
     return std::chrono::duration_cast<Legacy::Interval>(
         std::chrono::steady_clock::now().time_since_epoch());
+}
+
+void handOverAtFatalMessage(QtMsgType type, const QMessageLogContext& context,
+                            const QString& message) {
+    // Qt aborts the process as soon as it has been told.
+    if (type == QtFatalMsg)
+        Succession::handOver();
+    usualHandler.load()(type, context, message);
 }
 
 } // namespace
@@ -43,6 +55,12 @@ Succession::Succession(std::string name, const Legacy& former)
 
 Succession::~Succession() {
     current = nullptr;
+}
+
+std::shared_ptr<void> Succession::throughStart() {
+    usualHandler = qInstallMessageHandler(nullptr);
+    qInstallMessageHandler(handOverAtFatalMessage);
+    return {nullptr, [](void*) { qInstallMessageHandler(usualHandler); }};
 }
 
 std::shared_ptr<void> Succession::begin() {

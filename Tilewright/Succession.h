@@ -18,7 +18,7 @@ namespace tilewright {
 /// left of before. What cannot be missed there is `_exit` alone; so the program has one of its own.
 /// Where another life is not worth while, or the process has been asked to end, it ends.
 ///
-/// Only one may exist at a time.
+/// Only one may exist at a time. Main thread only, unless it says otherwise.
 class Succession final {
 public:
     /// From now on. `name` is what the program was started as, `former` what has been handed on to
@@ -27,6 +27,10 @@ public:
     Succession(const Succession&) = delete;
     Succession& operator=(const Succession&) = delete;
     ~Succession();
+
+    /// To be held while Qt's application object is made. Where the compositor is gone before Qt has
+    /// connected to it, Qt ends the process by a fatal message, which counts as well.
+    [[nodiscard]] static std::shared_ptr<void> throughStart();
 
     /// Takes up what has been handed on, and from then on hands on what runs. Needs an installed
     /// platform, which has to outlive what is answered. With that ends this object's work, too: the

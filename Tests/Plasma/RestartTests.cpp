@@ -1,5 +1,6 @@
 // The real program in a session whose KWin ends and comes back, or does not.
 
+#include "PassingCompositor.h"
 #include "ProgramInPlasma.h"
 
 #include <Platform/QtMainLoop.h>
@@ -49,6 +50,18 @@ struct ProgramWithoutKWin : ProgramInPlasma {
         EXPECT_TRUE(waitUntil([&] { return legacy() && legacy() != former; }))
             << session.describe();
         EXPECT_TRUE(waitUntil([&] { return !idle.isInhibited(); }));
+        EXPECT_TRUE(program->isRunning());
+    }
+    /// One comes that is gone again while the program makes Qt's application object.
+    void haveKWinPass(PassingCompositor::Gone gone) {
+        QDBusConnection bus = session.bus();
+        const std::optional<Legacy> former = legacy();
+        PassingCompositor kwin(session.socketPath(), gone);
+        ASSERT_TRUE(bus.registerService(QStringLiteral("org.kde.KWin")));
+        EXPECT_TRUE(waitUntil([&] { return kwin.isGone(); })) << session.describe();
+        EXPECT_TRUE(bus.unregisterService(QStringLiteral("org.kde.KWin")));
+        EXPECT_TRUE(waitUntil([&] { return legacy() && legacy() != former; }))
+            << session.describe();
         EXPECT_TRUE(program->isRunning());
     }
     void startKWin() {
@@ -101,6 +114,15 @@ TEST_F(ProgramWithoutKWin, KeepsTheComputerAwakeUntilTheMomentThatTheUserHasChos
         startKWin();
         EXPECT_TRUE(waitUntil([&] { return idle.isInhibited(); })) << session.describe();
     }
+}
+
+TEST_F(ProgramWithoutKWin, LivesOnWhenTheNextOneEndsWhileItBeginsAnew) {
+    keepAwake();
+    endKWin();
+    haveKWinPass(PassingCompositor::Gone::beforeTheNext);
+    haveKWinPass(PassingCompositor::Gone::withTheNext);
+    startKWin();
+    EXPECT_TRUE(waitUntil([&] { return idle.isInhibited(); })) << session.describe();
 }
 
 TEST_F(ProgramWithoutKWin, EndsWhenItIsToldTo) {
