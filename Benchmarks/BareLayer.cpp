@@ -3,7 +3,9 @@
 #include <LayerShell/WaylandListener.h>
 
 #include <algorithm>
+#include <key-states-client.h>
 #include <layer-shell-client.h>
+#include <utility>
 
 namespace tilewright::testing {
 
@@ -22,6 +24,23 @@ void BareLayer::show(std::uint32_t color) {
     zwlr_layer_surface_v1_set_exclusive_zone(layer_, -1);
     wl_surface_commit(surface_);
     wl_display_flush(wayland_.display);
+}
+
+bool BareLayer::showAtControl(std::uint32_t color) {
+    color_ = color;
+    static constexpr org_kde_kwin_keystate_listener events{
+        .stateChanged = wayland::Call<&BareLayer::takeKey>::on,
+    };
+    if (wayland_.keyStates && !std::exchange(isShownAtControl_, true)) {
+        org_kde_kwin_keystate_add_listener(wayland_.keyStates, &events, this);
+        wl_display_roundtrip(wayland_.display);
+    }
+    return isShownAtControl_;
+}
+
+void BareLayer::takeKey(std::uint32_t key, std::uint32_t state) {
+    if (key == ORG_KDE_KWIN_KEYSTATE_KEY_CONTROL && state == ORG_KDE_KWIN_KEYSTATE_STATE_PRESSED)
+        show(color_);
 }
 
 void BareLayer::configure(std::uint32_t serial, std::uint32_t width, std::uint32_t height) {

@@ -17,11 +17,15 @@ public:
 
     /// Shows the colour, premultiplied, with its opacity in the highest bits.
     void show(std::uint32_t color);
+    /// Shows it as soon as the compositor tells of the control key being pressed. False where the
+    /// compositor tells of no keys.
+    [[nodiscard]] bool showAtControl(std::uint32_t color);
     /// Fills all of what is shown with another colour.
     void fill(std::uint32_t color);
     void hide();
 
 private:
+    void takeKey(std::uint32_t key, std::uint32_t state);
     void configure(std::uint32_t serial, std::uint32_t width, std::uint32_t height);
 
     BareWayland wayland_;
@@ -30,6 +34,7 @@ private:
     BarePicture picture_;
     QSize size_;
     std::uint32_t color_ = 0;
+    bool isShownAtControl_ = false;
 };
 
 } // namespace tilewright::testing

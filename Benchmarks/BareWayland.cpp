@@ -4,6 +4,7 @@
 
 #include <QFile>
 #include <cstring>
+#include <key-states-client.h>
 #include <layer-shell-client.h>
 #include <screen-copy-client.h>
 #include <sys/mman.h>
@@ -35,7 +36,7 @@ BareWayland::~BareWayland() {
     wl_display_disconnect(display);
 }
 
-void BareWayland::add(std::uint32_t number, const char* interface, std::uint32_t /*version*/) {
+void BareWayland::add(std::uint32_t number, const char* interface, std::uint32_t offered) {
     const auto bind = [&](auto*& object, const wl_interface& wanted, std::uint32_t version) {
         if (std::strcmp(interface, wanted.name) == 0)
             object = static_cast<std::remove_reference_t<decltype(object)>>(
@@ -46,6 +47,10 @@ void BareWayland::add(std::uint32_t number, const char* interface, std::uint32_t
     bind(output, wl_output_interface, 1);
     bind(layerShell, zwlr_layer_shell_v1_interface, 1);
     bind(screenCopies, zwlr_screencopy_manager_v1_interface, 2);
+    // Older ones tell of locks alone.
+    constexpr std::uint32_t withModifiers = 5;
+    if (offered >= withModifiers)
+        bind(keyStates, org_kde_kwin_keystate_interface, withModifiers);
 }
 
 BarePicture BareWayland::makePicture(int width, int height, std::uint32_t format) const {

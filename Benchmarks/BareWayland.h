@@ -7,6 +7,7 @@
 #include <memory>
 #include <wayland-client.h>
 
+struct org_kde_kwin_keystate;
 struct zwlr_layer_shell_v1;
 struct zwlr_screencopy_manager_v1;
 
@@ -33,6 +34,8 @@ public:
     wl_output* output = nullptr;
     zwlr_layer_shell_v1* layerShell = nullptr;
     zwlr_screencopy_manager_v1* screenCopies = nullptr;
+    /// Null where the compositor tells of no keys.
+    org_kde_kwin_keystate* keyStates = nullptr;
 
     [[nodiscard]] BarePicture makePicture(int width, int height, std::uint32_t format) const;
 
