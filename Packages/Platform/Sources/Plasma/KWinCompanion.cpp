@@ -91,8 +91,19 @@ KWinCompanion::~KWinCompanion() {
 }
 
 void KWinCompanion::joinBus() {
-    kwin_ = std::make_unique<BusNameOwner>(bus_.connection(), compositorName());
+    QDBusConnection bus = bus_.connection();
+    kwin_ = std::make_unique<BusNameOwner>(bus, compositorName());
     connect(kwin_.get(), &BusNameOwner::changed, this, &KWinCompanion::reload);
+    bus.connect(compositorName(), QStringLiteral("/Compositor"),
+                QStringLiteral("org.kde.kwin.Compositing"), QStringLiteral("compositingToggled"),
+                this, SLOT(compositingToggled(bool)));
+}
+
+void KWinCompanion::compositingToggled(bool isOn) {
+    // KWin 5 begins anew to paint when a display has been switched off, and forgets the effects
+    // that were loaded into it.
+    if (isOn)
+        reload();
 }
 
 void KWinCompanion::leaveBus() {
@@ -105,8 +116,17 @@ void KWinCompanion::reload() {
     const QString kwin = kwin_ ? kwin_->owner() : QString();
     if (kwin.isEmpty())
         return;
+    if (std::exchange(isOnItsWay_, true)) {
+        isStale_ = true;
+        return;
+    }
     start(scriptName(), making("Companion", bus_.connection(), scriptName()),
           [this, kwin](bool isLoaded) {
+              isOnItsWay_ = false;
+              if (std::exchange(isStale_, false)) {
+                  reload();
+                  return;
+              }
               // Whoever answers late is not the KWin of now.
               if (kwin_ && kwin_->owner() == kwin)
                   settle(isLoaded ? State::loaded : State::refused);

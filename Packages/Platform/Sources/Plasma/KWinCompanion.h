@@ -52,6 +52,9 @@ Q_SIGNALS:
     /// `state()` has another answer than before.
     void changed();
 
+private Q_SLOTS:
+    void compositingToggled(bool isOn);
+
 private:
     [[nodiscard]] static QString runtimeFolder();
     void joinBus();
@@ -69,6 +72,9 @@ private:
     std::deque<std::unique_ptr<QTemporaryFile>> files_;
     int errands_ = 0;
     State state_ = State::unknown;
+    bool isOnItsWay_ = false;
+    /// Whether KWin is to be handed another one when that one has arrived.
+    bool isStale_ = false;
 };
 
 } // namespace tilewright

@@ -71,6 +71,32 @@ TEST_F(KWinCompanionTest, IsHandedToEveryKWinThatComes) {
     }
 }
 
+TEST_F(KWinCompanionTest, IsHandedAnewToAKWinThatHasForgottenItsEffects) {
+    MockKWin kwin(bus.connect());
+    const auto companion = makeCompanion();
+    ASSERT_TRUE(waitUntil([&] { return companion->state() == KWinCompanion::State::loaded; }));
+    kwin.restartCompositing();
+    EXPECT_TRUE(waitUntil(
+        [&] { return kwin.loads == 2 && companion->state() == KWinCompanion::State::loaded; }));
+    EXPECT_TRUE(waitUntil([&] { return kwin.hasCompanion(); }));
+}
+
+TEST_F(KWinCompanionTest, IsHandedOutOneAtATimeHoweverOftenKWinForgets) {
+    MockKWin kwin(bus.connect());
+    const auto companion = makeCompanion();
+    kwin.onCompanion = [&] {
+        kwin.onCompanion = nullptr;
+        for (int i = 0; i < 3; ++i)
+            kwin.restartCompositing();
+    };
+    ASSERT_TRUE(waitUntil([&] { return kwin.loads >= 2; }));
+    const auto isThere = [&] {
+        return kwin.hasCompanion() && companion->state() == KWinCompanion::State::loaded;
+    };
+    EXPECT_TRUE(waitUntil(isThere));
+    EXPECT_TRUE(staysTrue(isThere, std::chrono::milliseconds(200)));
+}
+
 TEST_F(KWinCompanionTest, TakesThePlaceOfOneThatAKilledProgramLeftBehind) {
     MockKWin kwin(bus.connect());
     kwin.running[KWinCompanion::scriptName()] = QStringLiteral("the former one");

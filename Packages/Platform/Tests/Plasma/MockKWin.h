@@ -33,6 +33,16 @@ public:
         bus_.unregisterObject(QStringLiteral("/Scripting"));
         bus_.unregisterObject(QStringLiteral("/Effects"));
     }
+    /// It begins anew to paint.
+    void restartCompositing() {
+        for (const bool isOn : {false, true}) {
+            QDBusMessage toggled = QDBusMessage::createSignal(
+                QStringLiteral("/Compositor"), QStringLiteral("org.kde.kwin.Compositing"),
+                QStringLiteral("compositingToggled"));
+            toggled << isOn;
+            bus_.send(toggled);
+        }
+    }
     /// Whether the companion runs.
     [[nodiscard]] bool hasCompanion() const {
         return running.contains(QStringLiteral("tilewright"));
@@ -76,7 +86,8 @@ private:
 
     [[nodiscard]] int load(const QString& path, const QString& name) {
         QFile file(path);
-        if (!takesScripts || running.contains(name) || !file.open(QIODevice::ReadOnly))
+        if (!takesScripts || loaded_.contains(name) || running.contains(name) ||
+            !file.open(QIODevice::ReadOnly))
             return -1;
         loaded_[name] = QString::fromUtf8(file.readAll());
         return loads++;
