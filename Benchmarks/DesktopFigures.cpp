@@ -95,9 +95,21 @@ void measureLatencies() {
     print("pointer's move to the first pixel of the new highlight, median", median(moves), "ms");
 }
 
+/// What the hand does just before it lets go.
+enum class Hand { rests, moves };
+
+/// Moves the pointer to and fro by a point for as long as a highlight takes to come to rest, as
+/// often as a mouse tells of itself.
+void keepMoving(XInputInjector& input, QPoint around) {
+    for (int step = 0; step < 25; ++step) {
+        QThread::msleep(8);
+        input.move(around + QPoint(step % 2, 0));
+    }
+}
+
 /// Drags a window into two zones in turn and answers how long after the button's release it was
 /// where it belongs, in milliseconds, median. `isReady` holds when the button may be let go.
-double medianOfDrops(DesktopSession& desktop, const BareClient& client,
+double medianOfDrops(DesktopSession& desktop, const BareClient& client, Hand hand,
                      const std::array<QRect, 2>& zones, const std::function<bool()>& isReady,
                      const std::function<void(const QRect&)>& aim) {
     constexpr int rounds = 60;
@@ -120,8 +132,10 @@ double medianOfDrops(DesktopSession& desktop, const BareClient& client,
         input.move(grip + QPoint(3, 0));
         static_cast<void>(waitUntil(isReady));
         input.glide(grip + QPoint(3, 0), zone.center(), 8);
-        // Until the highlight has come to rest.
-        QThread::msleep(200);
+        if (hand == Hand::moves)
+            keepMoving(input, zone.center());
+        else
+            QThread::msleep(200);
         notice.expect(zone.adjusted(inner.left() - outer.left(), inner.top() - outer.top(),
                                     inner.right() - outer.right(),
                                     inner.bottom() - outer.bottom()));
@@ -140,7 +154,7 @@ double medianOfDrops(DesktopSession& desktop, const BareClient& client,
     return median(drops);
 }
 
-void measureDrops(const char* what, const std::array<Zone, 2>& zones) {
+void measureDrops(const char* what, Hand hand, const std::array<Zone, 2>& zones) {
     DesktopSession desktop;
     desktop.startWindowManager(WindowManagerKind::openbox);
     const BareClient client(desktop.display(), QRect(300, 200, 500, 300));
@@ -150,14 +164,14 @@ void measureDrops(const char* what, const std::array<Zone, 2>& zones) {
     {
         BareDrop drop(desktop.display().toLatin1().constData(), client.window());
         bare = medianOfDrops(
-            desktop, client, frames, [] { return true; },
+            desktop, client, hand, frames, [] { return true; },
             [&](const QRect& zone) {
                 drop.aim({zone.x(), zone.y(), zone.width(), zone.height()});
             });
     }
     RunningProgram program(desktop);
     const double own = medianOfDrops(
-        desktop, client, frames, [&] { return program.overlayShows(); }, [](const QRect&) {});
+        desktop, client, hand, frames, [&] { return program.overlayShows(); }, [](const QRect&) {});
     std::printf("release to the window's final frame, %s, medians: %.2f ms, bare program %.2f ms, "
                 "ratio %.2f\n",
                 what, own, bare, own / bare);
@@ -213,8 +227,10 @@ int main(int argc, char** argv) {
         measureLatencies();
     if (isWanted("drops")) {
         const auto& zones = tilewright::ZoneLayout::bentoBox().zones;
-        measureDrops("moved", {zones[2], zones[3]});
-        measureDrops("moved and resized", {zones[0], zones[1]});
+        measureDrops("moved", Hand::rests, {zones[2], zones[3]});
+        measureDrops("moved and resized", Hand::rests, {zones[0], zones[1]});
+        measureDrops("moved, the hand still moving", Hand::moves, {zones[2], zones[3]});
+        measureDrops("moved and resized, the hand still moving", Hand::moves, {zones[0], zones[1]});
     }
     if (isWanted("drag")) {
         measureDrag({1920, 1080});
