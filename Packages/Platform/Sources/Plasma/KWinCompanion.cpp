@@ -108,6 +108,7 @@ void KWinCompanion::compositingToggled(bool isOn) {
 
 void KWinCompanion::leaveBus() {
     kwin_.reset();
+    onItsWayTo_.reset();
     reload();
 }
 
@@ -116,19 +117,21 @@ void KWinCompanion::reload() {
     const QString kwin = kwin_ ? kwin_->owner() : QString();
     if (kwin.isEmpty())
         return;
-    if (std::exchange(isOnItsWay_, true)) {
+    if (onItsWayTo_ == kwin) {
         isStale_ = true;
         return;
     }
+    onItsWayTo_ = kwin;
+    isStale_ = false;
     start(scriptName(), making("Companion", bus_.connection(), scriptName()),
           [this, kwin](bool isLoaded) {
-              isOnItsWay_ = false;
-              if (std::exchange(isStale_, false)) {
-                  reload();
-                  return;
-              }
               // Whoever answers late is not the KWin of now.
-              if (kwin_ && kwin_->owner() == kwin)
+              if (onItsWayTo_ != kwin)
+                  return;
+              onItsWayTo_.reset();
+              if (isStale_)
+                  reload();
+              else if (kwin_ && kwin_->owner() == kwin)
                   settle(isLoaded ? State::loaded : State::refused);
           });
 }

@@ -11,6 +11,7 @@
 #include <deque>
 #include <functional>
 #include <memory>
+#include <optional>
 
 namespace tilewright {
 
@@ -72,8 +73,9 @@ private:
     std::deque<std::unique_ptr<QTemporaryFile>> files_;
     int errands_ = 0;
     State state_ = State::unknown;
-    bool isOnItsWay_ = false;
-    /// Whether KWin is to be handed another one when that one has arrived.
+    /// The KWin that has not answered yet to one that it is being handed.
+    std::optional<QString> onItsWayTo_;
+    /// Whether that one is to be handed another when it has.
     bool isStale_ = false;
 };
 

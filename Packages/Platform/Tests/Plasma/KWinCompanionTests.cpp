@@ -12,6 +12,18 @@
 namespace tilewright::testing {
 namespace {
 
+/// Hears calls and answers none.
+class SilentObject final : public QDBusVirtualObject {
+public:
+    QString introspect(const QString&) const override { return {}; }
+    bool handleMessage(const QDBusMessage&, const QDBusConnection&) override {
+        ++calls;
+        return true;
+    }
+
+    int calls = 0;
+};
+
 class KWinCompanionTest : public ::testing::Test {
 protected:
     [[nodiscard]] std::unique_ptr<KWinCompanion> makeCompanion() {
@@ -95,6 +107,20 @@ TEST_F(KWinCompanionTest, IsHandedOutOneAtATimeHoweverOftenKWinForgets) {
     };
     EXPECT_TRUE(waitUntil(isThere));
     EXPECT_TRUE(staysTrue(isThere, std::chrono::milliseconds(200)));
+}
+
+TEST_F(KWinCompanionTest, IsHandedAtOnceToTheKWinThatTakesThePlaceOfOneThatHangs) {
+    SilentObject silence;
+    QDBusConnection hanging = bus.connect();
+    ASSERT_TRUE(hanging.registerVirtualObject(QStringLiteral("/Scripting"), &silence));
+    ASSERT_TRUE(hanging.registerService(KWinCompanion::compositorName()));
+    const auto companion = makeCompanion();
+    ASSERT_TRUE(waitUntil([&] { return silence.calls > 0; }));
+    ASSERT_TRUE(hanging.unregisterService(KWinCompanion::compositorName()));
+    const MockKWin kwin(bus.connect());
+    // Long before the bus gives up on the one that hangs.
+    EXPECT_TRUE(waitUntil([&] { return companion->state() == KWinCompanion::State::loaded; },
+                          std::chrono::seconds(10)));
 }
 
 TEST_F(KWinCompanionTest, TakesThePlaceOfOneThatAKilledProgramLeftBehind) {
