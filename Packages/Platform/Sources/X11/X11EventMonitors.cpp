@@ -265,17 +265,24 @@ void X11EventMonitors::settle(const X11Reply<xcb_query_pointer_reply_t>& answer)
     // All that the server told before it answered has been heard by now.
     hasNews_ = false;
     state_.settle(stateFrom(answer));
-    followLeftButton();
+    if (state_.isLeftButtonDown()) {
+        // Motion that follows must not be missed, whatever the handlers do first.
+        followLeftButton();
+        connection_.flush();
+    }
     const auto reports =
         state_.takeReports(state_.needsOwners() ? ownInput_.take(answer.get()) : X11InputOwners{});
-    // Motion that follows must not be missed, whatever the handlers do first.
-    connection_.flush();
     std::optional<X11Pointer::Known> known;
     if (answer && answer->same_screen != 0)
         known.emplace(pointer_, QPoint(answer->root_x, answer->root_y));
     deliver(reports);
     frames_.lookedAhead();
     lookAhead();
+    // After a release the server hears of the window's frame first.
+    if (isWatching_) {
+        followLeftButton();
+        connection_.flush();
+    }
 }
 
 void X11EventMonitors::lookAhead() {
