@@ -1,13 +1,15 @@
 #pragma once
 
+#include <ListeningSocket.h>
+
 #include <QFile>
 #include <QString>
 #include <array>
 #include <cstdint>
 #include <cstring>
 #include <gtest/gtest.h>
+#include <optional>
 #include <sys/socket.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 namespace tilewright::testing {
@@ -25,44 +27,32 @@ public:
 
     /// Listens at the path, whatever another compositor has left there.
     PassingCompositor(const QString& path, Gone gone)
-        : gone_(gone)
-        , listener_(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0)) {
+        : gone_(gone) {
         QFile::remove(path);
-        sockaddr_un address{};
-        address.sun_family = AF_UNIX;
-        const QByteArray name = QFile::encodeName(path);
-        EXPECT_LT(static_cast<std::size_t>(name.size()), sizeof address.sun_path);
-        std::memcpy(address.sun_path, name.constData(), static_cast<std::size_t>(name.size()));
-        EXPECT_EQ(::bind(listener_, reinterpret_cast<const sockaddr*>(&address), sizeof address),
-                  0);
-        EXPECT_EQ(::listen(listener_, 1), 0);
+        listener_.emplace(path);
     }
     PassingCompositor(const PassingCompositor&) = delete;
     PassingCompositor& operator=(const PassingCompositor&) = delete;
-    ~PassingCompositor() {
-        close(first_);
-        close(listener_);
-    }
+    ~PassingCompositor() { close(first_); }
 
     /// Does what can be done by now; whether it is gone.
     [[nodiscard]] bool isGone() {
         if (first_ < 0)
-            first_ = ::accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
+            first_ = listener_->accept();
         else if (!hasAnswered_)
             answer();
-        else if (listener_ >= 0 && letInAndOut())
-            close(listener_);
-        return hasAnswered_ && listener_ < 0;
+        else if (listener_ && letInAndOut())
+            listener_.reset();
+        return hasAnswered_ && !listener_;
     }
 
 private:
     static constexpr std::uint32_t display = 1;
     static constexpr std::size_t header = 2 * sizeof(std::uint32_t);
 
-    static void close(int& descriptor) {
+    static void close(int descriptor) {
         if (descriptor >= 0)
             ::close(descriptor);
-        descriptor = -1;
     }
 
     /// Answers the request that asks whether everything has been said.
@@ -83,21 +73,20 @@ private:
     }
     void sayThatThisWasAll(std::uint32_t callback) {
         if (gone_ == Gone::beforeTheNext)
-            close(listener_);
+            listener_.reset();
         constexpr std::uint32_t serial = 1;
         const std::array<std::uint32_t, 3> done{callback, (header + sizeof serial) << 16, serial};
         EXPECT_EQ(::send(first_, done.data(), sizeof done, MSG_NOSIGNAL), ssize_t{sizeof done});
         hasAnswered_ = true;
     }
     bool letInAndOut() {
-        int next = ::accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
-        const bool hasCome = next >= 0;
+        const int next = listener_->accept();
         close(next);
-        return hasCome;
+        return next >= 0;
     }
 
     const Gone gone_;
-    int listener_;
+    std::optional<ListeningSocket> listener_;
     int first_ = -1;
     QByteArray requests_;
     bool hasAnswered_ = false;

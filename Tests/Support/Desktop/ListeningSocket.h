@@ -12,12 +12,12 @@
 
 namespace tilewright::testing {
 
-/// A socket that listens, as a compositor's or a bus's does, and answers nobody. It stays in its
-/// folder when it listens no more, as that of a process that was killed.
+/// A socket that listens, as a compositor's or a bus's does, and by itself answers nobody. It stays
+/// in its folder when it listens no more, as that of a process that was killed.
 class ListeningSocket {
 public:
     explicit ListeningSocket(const QString& path)
-        : descriptor_(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+        : descriptor_(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0)) {
         sockaddr_un address{};
         address.sun_family = AF_UNIX;
         const QByteArray name = QFile::encodeName(path);
@@ -30,6 +30,12 @@ public:
     ListeningSocket(const ListeningSocket&) = delete;
     ListeningSocket& operator=(const ListeningSocket&) = delete;
     ~ListeningSocket() { ::close(descriptor_); }
+
+    /// The next one who has come, without waiting: a descriptor that the caller has to close, and
+    /// that does not block; negative where nobody has.
+    [[nodiscard]] int accept() const {
+        return ::accept4(descriptor_, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
+    }
 
 private:
     int descriptor_;
