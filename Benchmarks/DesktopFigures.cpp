@@ -3,6 +3,7 @@
 
 #include "BareDrop.h"
 #include "FinalNotice.h"
+#include "Samples.h"
 
 #include <BareClient.h>
 #include <DragScript.h>
@@ -11,7 +12,6 @@
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
-#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <functional>
@@ -19,11 +19,6 @@
 
 namespace tilewright::testing {
 namespace {
-
-double median(std::vector<double> values) {
-    std::sort(values.begin(), values.end());
-    return values.empty() ? 0 : values[values.size() / 2];
-}
 
 /// Milliseconds until the condition holds, looking as fast as the server answers.
 double millisecondsUntil(const QElapsedTimer& clock, const std::function<bool()>& condition) {

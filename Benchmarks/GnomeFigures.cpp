@@ -3,13 +3,13 @@
 // it takes less than five minutes. See Documentation/performance.md.
 
 #include "BareZones.h"
+#include "Samples.h"
 #include "ShellWatch.h"
 
 #include <ProcessFigures.h>
 #include <WindowManager/ZoneLayout.h>
 
 #include <QDBusConnectionInterface>
-#include <algorithm>
 #include <array>
 #include <cmath>
 #include <csignal>
@@ -23,13 +23,6 @@ using std::chrono::milliseconds;
 
 /// As the program's argument it makes it the one that answers at once.
 const QString bareProgram = QStringLiteral("--bare");
-
-double percentile(std::vector<double> values, double part) {
-    if (values.empty())
-        return 0;
-    std::sort(values.begin(), values.end());
-    return values[std::min(values.size() - 1, std::size_t(part * double(values.size())))];
-}
 
 void wait(milliseconds duration) {
     QThread::msleep(static_cast<unsigned long>(duration.count()));

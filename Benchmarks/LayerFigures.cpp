@@ -3,6 +3,7 @@
 // Documentation/performance.md.
 
 #include "BareLayer.h"
+#include "Samples.h"
 #include "ScreenWatch.h"
 
 #include <LayerShell/LayerShellOverlaySurface.h>
@@ -14,7 +15,6 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QFile>
-#include <algorithm>
 #include <cstdio>
 
 namespace tilewright::testing {
@@ -24,13 +24,6 @@ using namespace std::chrono_literals;
 using namespace Qt::StringLiterals;
 
 constexpr int rounds = 60;
-
-void print(const char* what, std::vector<double> milliseconds) {
-    const double first = milliseconds.front();
-    std::sort(milliseconds.begin(), milliseconds.end());
-    std::printf("%-44s first %6.1f ms, median %6.1f ms, longest %6.1f ms\n", what, first,
-                milliseconds[milliseconds.size() / 2], milliseconds.back());
-}
 
 template<class Action>
 double until(ScreenWatch& watch, Action action) {
@@ -71,8 +64,8 @@ void measureBare(const SwaySession& sway, ScreenWatch& watch) {
         changes.push_back(until(watch, [&] { bare.fill(white); }));
         static_cast<void>(until(watch, [&] { bare.hide(); }));
     }
-    print("bare client: shown", showings);
-    print("bare client: another colour", changes);
+    printTimes("bare client: shown", showings);
+    printTimes("bare client: another colour", changes);
 }
 
 void measureOverlay(const SwaySession& sway, ScreenWatch& watch) {
@@ -116,10 +109,10 @@ void measureOverlay(const SwaySession& sway, ScreenWatch& watch) {
     printMemory("hidden for a minute");
     surface.setScreen(screen);
     showings.push_back(until(watch, [&] { surface.orderFront(); }));
-    print("overlay: shown", showings);
+    printTimes("overlay: shown", showings);
     std::printf("%-44s       %6.1f ms\n", "overlay: shown unprepared after a minute",
                 showings.back());
-    print("overlay: highlighted", changes);
+    printTimes("overlay: highlighted", changes);
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 // of a desktop]]. See Documentation/performance.md.
 
 #include "BareOverlay.h"
+#include "Samples.h"
 
 #include <DragScript.h>
 #include <Waiting.h>
@@ -27,11 +28,6 @@ struct Desktop {
     WindowManagerKind windowManager;
     Compositing compositing;
 };
-
-double median(std::vector<double> values) {
-    std::sort(values.begin(), values.end());
-    return values.empty() ? 0 : values[values.size() / 2];
-}
 
 /// Drags from the middle of a zone, and looks at a pixel of that zone's border until it changes.
 class Watch {

@@ -1,13 +1,14 @@
 // Measures how soon the panel of the real program shows after a click on its item, on an X server
 // of its own, under openbox with xfce4-panel as the tray's host. See Documentation/performance.md.
 
+#include "Samples.h"
+
 #include <ProcessFigures.h>
 #include <ShellDesktop.h>
 #include <Waiting.h>
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
-#include <algorithm>
 #include <cstdio>
 #include <gtest/gtest.h>
 
@@ -16,12 +17,6 @@ namespace {
 
 constexpr int starts = 7;
 constexpr int laterOpenings = 200;
-
-void print(const char* what, std::vector<double> milliseconds) {
-    std::sort(milliseconds.begin(), milliseconds.end());
-    std::printf("%-52s median %6.1f ms, longest %6.1f ms, of %zu\n", what,
-                milliseconds[milliseconds.size() / 2], milliseconds.back(), milliseconds.size());
-}
 
 void printMemory(int openings, pid_t program) {
     const ProcessFigures figures = processFigures(program);
@@ -77,8 +72,8 @@ void measure() {
         program.stop();
         static_cast<void>(waitUntil([&] { return !desktop.showsItem(); }));
     }
-    print("click on the item to the panel, the first time", first);
-    print("click on the item to the panel, later", later);
+    printTimes("click on the item to the panel, the first time", first);
+    printTimes("click on the item to the panel, later", later);
 }
 
 } // namespace

@@ -4,12 +4,12 @@
 
 #include "BareLayer.h"
 #include "FrameWatch.h"
+#include "Samples.h"
 
 #include <ProcessFigures.h>
 #include <ProgramInPlasma.h>
 
 #include <QCoreApplication>
-#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <functional>
@@ -25,16 +25,6 @@ constexpr unsigned long forgettingSeconds = 65;
 
 PlasmaDisplays displayOf(QSize pixels) {
     return {.scales = {1}, .pixels = pixels, .seen = PlasmaDisplays::Seen::onXServer};
-}
-
-void print(const char* what, std::vector<double> milliseconds) {
-    if (milliseconds.empty())
-        return;
-    const double first = milliseconds.front();
-    std::sort(milliseconds.begin(), milliseconds.end());
-    std::printf("%-58s first %6.1f ms, median %6.1f ms, longest %6.1f ms, of %zu\n", what, first,
-                milliseconds[milliseconds.size() / 2], milliseconds.back(), milliseconds.size());
-    std::fflush(stdout);
 }
 
 /// Turns the event loop for so long, so that what has changed comes to rest.
@@ -110,8 +100,8 @@ void measureOverlay(Bench& bench) {
         if (!waitUntil([&] { return session.pixel(first) == ground; }))
             qFatal("The overlay stays");
     }
-    print("key to the overlay's first pixel", showings);
-    print("pointer's move to the next highlight's first pixel", changes);
+    printTimes("key to the overlay's first pixel", showings);
+    printTimes("pointer's move to the next highlight's first pixel", changes);
 }
 
 void measureBareLayer(PlasmaSession& session) {
@@ -139,9 +129,9 @@ void measureBareLayer(PlasmaSession& session) {
         session.input().releaseKey(KernelKey::control);
         hide();
     }
-    print("bare client: key to its first pixel", told);
-    print("bare client: its own wish to its first pixel", showings);
-    print("bare client: another colour", changes);
+    printTimes("bare client: key to its first pixel", told);
+    printTimes("bare client: its own wish to its first pixel", showings);
+    printTimes("bare client: another colour", changes);
 }
 
 void measureOverlays(QSize pixels) {
@@ -204,11 +194,11 @@ void measureDrops(CompositorClient client) {
     Bench bench({1920, 1080});
     const QString title = bench.session.startClient(client, Bench::start);
     const std::string window = std::string(name(client)) + " window";
-    print(("release to the final frame, " + window).c_str(), dropTimes(bench, title, true));
+    printTimes(("release to the final frame, " + window).c_str(), dropTimes(bench, title, true));
     bench.endProgram();
     placeBarely(bench, title);
-    print(("the same by a script in KWin alone, " + window).c_str(),
-          dropTimes(bench, title, false));
+    printTimes(("the same by a script in KWin alone, " + window).c_str(),
+               dropTimes(bench, title, false));
 }
 
 /// Sleeps through the idle time; how often these processes woke up in it.

@@ -2,6 +2,8 @@
 // tint2 as the tray's host: how soon its item shows, what it holds in memory, how often it wakes
 // while nobody uses it. Takes about a minute and a half. See Documentation/performance.md.
 
+#include "Samples.h"
+
 #include <ProcessFigures.h>
 #include <ShellUser.h>
 #include <TestClients.h>
@@ -10,7 +12,6 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QThread>
-#include <algorithm>
 #include <cstdio>
 #include <gtest/gtest.h>
 
@@ -48,9 +49,8 @@ void measure() {
         program.stop();
         static_cast<void>(waitUntil([&] { return !desktop.showsItem(); }));
     }
-    std::sort(times.begin(), times.end());
     std::printf("start to the item on the bar: median %.0f ms, longest %.0f ms, of %d\n",
-                times[times.size() / 2], times.back(), starts);
+                median(times), percentile(times, 1), starts);
 
     Subprocess& program = desktop.startProgram();
     static_cast<void>(desktop.item());

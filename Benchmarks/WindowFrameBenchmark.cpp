@@ -4,6 +4,7 @@
 
 #include "BareFrameRequest.h"
 #include "FinalNotice.h"
+#include "Samples.h"
 
 #include <BareClient.h>
 #include <WindowManager/WindowManager.h>
@@ -12,7 +13,6 @@
 
 #include <QApplication>
 #include <QTimer>
-#include <algorithm>
 #include <array>
 #include <cstdio>
 
@@ -20,12 +20,6 @@ using namespace tilewright;
 using namespace tilewright::testing;
 
 namespace {
-
-double median(std::vector<double> values) {
-    std::nth_element(values.begin(), values.begin() + std::ptrdiff_t(values.size() / 2),
-                     values.end());
-    return values[values.size() / 2];
-}
 
 /// Turns the loop until the notice has come; false if it does not.
 bool turnUntil(const FinalNotice& notice) {
