@@ -9,6 +9,7 @@
 #include <X11/X11Trust.h>
 #include <XServer.h>
 
+#include <QSignalSpy>
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <tuple>
@@ -285,6 +286,11 @@ TEST_F(TrustInADesktop, TellsAtOnceWhatARunningWindowManagerLacks) {
     EXPECT_TRUE(becomes(Lack::windowManagerSupport));
     EXPECT_FALSE(trust->request());
     EXPECT_EQ(told(), only(Lack::windowManagerSupport));
+    const QSignalSpy wanted(trust.get(), &X11Trust::guidanceWanted);
+    notifications.choose();
+    EXPECT_EQ(wanted.count(), 1) << "a click on the message leads on";
+    trust.reset();
+    notifications.choose();
 }
 
 TEST_F(TrustInADesktop, TellsTheUserEachTimeThatItIsAskedAndWaitsOnlyTheFirst) {

@@ -4,6 +4,7 @@
 
 #include <BareClient.h>
 
+#include <QLabel>
 #include <QSignalSpy>
 #include <unistd.h>
 
@@ -29,11 +30,6 @@ protected:
         return std::make_unique<BareClient>(
             desktop.display(), QRect(300, 200, 400, 300),
             BareClientTraits{{}, static_cast<quint32>(process), skipsTaskbar, 0});
-    }
-    /// What the user was told last.
-    [[nodiscard]] QString told() const {
-        const auto& shown = platform->notifications().shown;
-        return shown.empty() ? QString() : shown.back().second;
     }
 
     DesktopSession desktop;
@@ -127,14 +123,29 @@ TEST_F(ApplicationsOfADesktop, HaveNoNameOnceTheyAreGone) {
     EXPECT_EQ(workspace().localizedName(-1), std::nullopt);
 }
 
-TEST_F(ApplicationsOfADesktop, AreToldWhatTheDesktopLacksInsteadOfASettingsPane) {
+TEST_F(ApplicationsOfADesktop, AreShownWhatTheDesktopLacksInAWindowThatFollowsIt) {
+    const X11Guidance& guidance = platform->desktop().guidance();
+    const auto says = [&](X11Trust::Lack lack) {
+        return waitUntil([&] {
+            return guidance.window()->findChild<QLabel*>(QStringLiteral("title"))->text() ==
+                   X11Guidance::stepFor(lack).title;
+        });
+    };
     workspace().openAccessibilitySettings();
-    EXPECT_TRUE(told().contains(QStringLiteral("all that is needed"))) << told().toStdString();
+    ASSERT_NE(guidance.window(), nullptr);
+    EXPECT_TRUE(says(X11Trust::Lack::nothing));
     desktop.killWindowManager();
-    ASSERT_TRUE(waitUntil([&] { return !platform->accessibility.isTrusted(); }));
-    workspace().openAccessibilitySettings();
-    EXPECT_EQ(told(), X11Trust::explanation(X11Trust::Lack::windowManager));
-    EXPECT_EQ(platform->notifications().shown.size(), 2U) << "each time that it is asked for";
+    EXPECT_TRUE(says(X11Trust::Lack::windowManager));
+    ASSERT_TRUE(desktop.startWindowManager(WindowManagerKind::openbox));
+    EXPECT_TRUE(says(X11Trust::Lack::nothing));
+    EXPECT_TRUE(platform->notifications().shown.empty()) << "the window is enough";
+}
+
+TEST_F(ApplicationsOfADesktop, AreLedToTheWindowAlsoByTheNotification) {
+    const X11Guidance& guidance = platform->desktop().guidance();
+    EXPECT_EQ(guidance.window(), nullptr);
+    Q_EMIT platform->desktop().trust().guidanceWanted();
+    EXPECT_NE(guidance.window(), nullptr);
 }
 
 TEST_F(ApplicationsOfADesktop, AreBlendedWhileACompositorRuns) {
@@ -163,6 +174,7 @@ TEST(ApplicationsOfAWaylandSession, AreToldThatAnX11SessionIsNeeded) {
     X11Desktop x11(*connection, loop, bus, notifications, true, {});
     EXPECT_FALSE(x11.accessibility().isTrusted());
     x11.workspace().openAccessibilitySettings();
-    ASSERT_EQ(notifications.shown.size(), 1U);
-    EXPECT_EQ(notifications.shown[0].second, X11Trust::explanation(X11Trust::Lack::x11Session));
+    ASSERT_NE(x11.guidance().window(), nullptr);
+    EXPECT_EQ(x11.guidance().window()->findChild<QLabel*>(QStringLiteral("title"))->text(),
+              X11Guidance::stepFor(X11Trust::Lack::x11Session).title);
 }

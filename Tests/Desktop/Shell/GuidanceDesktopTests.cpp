@@ -11,49 +11,43 @@
 using namespace Qt::StringLiterals;
 
 namespace tilewright::testing {
-namespace {
 
-class GuidanceOnScreen : public ::testing::Test {
-protected:
-    /// Puts a document handler of the test's own before those of the machine: it notes what it is
-    /// asked to open, and on which platform Qt's programs are to run.
-    QString pathWithHandler() {
-        const QString folder = desktop.session().home() + u"/bin"_s;
-        const QString handler = folder + u"/xdg-open"_s;
-        writeFile(handler, "#!/bin/sh\n(echo \"$1\"; echo \"$QT_QPA_PLATFORM\") > '" +
-                               notes().toUtf8() + ".new'\nmv '" + notes().toUtf8() + ".new' '" +
-                               notes().toUtf8() + "'\n");
-        QFile::setPermissions(handler, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        return folder + u':' + desktop.session().environment().value(u"PATH"_s);
-    }
-    [[nodiscard]] QString notes() { return desktop.session().home() + u"/opened"_s; }
-
+TEST(GuidanceOnScreen, TheAccessibilityTabOpensAWindowThatSaysWhatAWaylandSessionLacks) {
     ShellDesktop desktop;
-};
-
-} // namespace
-
-TEST_F(GuidanceOnScreen, TheAccessibilityTabOpensAPageThatSaysWhatAWaylandSessionLacks) {
     desktop.startTray(TrayHost::systemTray);
     ShellUser user(desktop);
     const PretendedWaylandSession session;
-    std::map<QString, QString> environment = session.environment();
-    environment[u"PATH"_s] = pathWithHandler();
-    environment[u"QT_QPA_PLATFORM"_s] = u"wayland"_s;
-    const Subprocess& program = user.startProgram(environment);
+    const Subprocess& program = user.startProgram(session.environment());
     user.openSettings(u"Accessibility"_s);
     user.click(u"button"_s, u"Open Privacy & Security Settings"_s);
-    ASSERT_TRUE(waitUntil([&] { return QFile::exists(notes()); }));
-    QFile note(notes());
-    ASSERT_TRUE(note.open(QIODevice::ReadOnly));
-    const QStringList lines = QString::fromUtf8(note.readAll()).split(u'\n');
-    const QString page = lines.value(0);
-    EXPECT_EQ(lines.value(1), u"wayland"_s) << "what serves this program is not the handler's";
-    EXPECT_TRUE(page.endsWith(u"/tilewright/help/x11-session.html"_s)) << page.toStdString();
-    QFile opened(page);
-    ASSERT_TRUE(opened.open(QIODevice::ReadOnly)) << page.toStdString();
-    EXPECT_TRUE(opened.readAll().contains("Windows can be moved in X11 sessions"));
+    user.place(u"label"_s, u"Windows cannot be moved in this session"_s);
+    user.click(u"button"_s, u"Close"_s);
+    EXPECT_TRUE(waitUntil(
+        [&] { return !user.find(u"label"_s, u"Windows cannot be moved in this session"_s); }));
     EXPECT_TRUE(program.isRunning());
+}
+
+TEST(GuidanceOnScreen, TheWindowFollowsTheWindowManagerAndOpensTheDesktopsOwnSettings) {
+    ShellDesktop desktop;
+    desktop.startTray(TrayHost::systemTray);
+    ShellUser user(desktop);
+    const QString folder = desktop.session().home() + u"/bin"_s;
+    const QString settings = folder + u"/lxqt-config-session"_s;
+    const QString note = desktop.session().home() + u"/opened"_s;
+    writeFile(settings, "#!/bin/sh\ntouch '" + note.toUtf8() + "'\n");
+    QFile::setPermissions(settings, QFile::ReadOwner | QFile::ExeOwner);
+    user.startProgram(
+        {{u"XDG_CURRENT_DESKTOP"_s, u"LXQt"_s},
+         {u"PATH"_s, folder + u':' + desktop.session().environment().value(u"PATH"_s)}});
+    user.openSettings(u"Accessibility"_s);
+    desktop.session().killWindowManager();
+    user.click(u"button"_s, u"Open Privacy & Security Settings"_s);
+    user.place(u"label"_s, u"There is no window manager"_s);
+    user.click(u"button"_s, u"Open Settings"_s);
+    EXPECT_TRUE(waitUntil([&] { return QFile::exists(note); }));
+    ASSERT_TRUE(desktop.session().startWindowManager(WindowManagerKind::openbox));
+    user.place(u"label"_s, u"Everything is in place"_s);
+    EXPECT_FALSE(user.find(u"button"_s, u"Open Settings"_s));
 }
 
 } // namespace tilewright::testing

@@ -123,11 +123,6 @@ TEST_F(DebianPackage, NamesWhatItNeedsInstallsRunsAndLeavesNothingBehind) {
     EXPECT_TRUE(files.contains(QStringLiteral("/usr/bin/tilewright")));
     EXPECT_TRUE(
         files.contains(QStringLiteral("/usr/share/icons/hicolor/scalable/apps/tilewright.svg")));
-    for (const char* page :
-         {"input-events", "window-manager", "window-manager-support", "x11-session"})
-        EXPECT_TRUE(files.contains(
-            QStringLiteral("/usr/share/tilewright/help/%1.html").arg(QString::fromLatin1(page))))
-            << page;
     EXPECT_TRUE(files.contains(QStringLiteral("/usr/share/man/man1/tilewright.1.gz")));
     // Both forms, what the shell asks for, and the icons.
     for (const char* part :

@@ -37,12 +37,16 @@ void CompanionWorkspace::activateThisApplication() {
                                 !window->flags().testFlag(Qt::FramelessWindowHint);
         if (!window->isVisible() || !isOrdinary)
             continue;
-        window->raise();
-        window->requestActivate();
-        if (state_.isConnected())
-            outbox_.bringForward(window->title());
+        bringForward(*window);
         return;
     }
+}
+
+void CompanionWorkspace::bringForward(QWindow& window) {
+    window.raise();
+    window.requestActivate();
+    if (state_.isConnected())
+        outbox_.bringForward(window.title());
 }
 
 } // namespace tilewright

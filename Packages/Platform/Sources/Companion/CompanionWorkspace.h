@@ -7,6 +7,8 @@
 
 #include <functional>
 
+class QWindow;
+
 namespace tilewright {
 
 /// The applications as far as a companion tells of their windows. Main thread only.
@@ -25,6 +27,8 @@ public:
     void openAccessibilitySettings() override { showGuidance_(); }
     /// Brings the window of this program that was shown last before all others.
     void activateThisApplication() override;
+    /// Brings a window of this program before all others.
+    void bringForward(QWindow& window);
 
 private:
     CompanionState& state_;

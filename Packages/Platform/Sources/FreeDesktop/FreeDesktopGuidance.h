@@ -1,66 +1,65 @@
 #pragma once
 
-#include "DetachedProcess.h"
+#include "GuidanceWindow.h"
 #include "UserNotifications.h"
 
 #include <QObject>
-#include <QProcessEnvironment>
-#include <QStringList>
+#include <QString>
 #include <functional>
-#include <vector>
+#include <memory>
+
+class QWindow;
 
 namespace tilewright {
 
-/// Shows the user the way to what a desktop lacks: the desktop's own settings where they have a
-/// page that helps, else a page that is installed with this program, opened by whatever the desktop
-/// opens documents with; a notification where nothing opens it. Main thread only.
-class FreeDesktopGuidance final : public QObject {
+/// Leads the user to a desktop on which windows can be moved: says what is missing by a
+/// notification, and shows the way in a window. Each desktop knows the steps of its own. Main
+/// thread only.
+class FreeDesktopGuidance : public QObject {
     Q_OBJECT
 
 public:
-    /// A choice that some desktops offer in their settings.
-    enum class Setting { none, windowManager };
+    /// Brings a window of this program before all others and gives it the focus.
+    using BringForward = std::function<void(QWindow&)>;
 
-    /// One thing that may be lacking.
-    struct Topic {
-        Setting setting = Setting::none;
-        /// The file name of the page; empty where there is none.
-        QString page;
-        /// The notification.
-        QString title;
-        QString text;
-    };
+    /// What the user is told where nothing lets a program move windows: which sessions do.
+    [[nodiscard]] static QString sessionsThatHelp();
 
-    /// Where the pages of the running program are, the first choice first: beside the program, then
-    /// below the desktop's data folders.
-    [[nodiscard]] static QStringList installedPageFolders();
-
-    /// Programs are looked up in the environment's PATH and get this environment. The notifications
-    /// have to outlive this. By the clock a program that cannot help is told from one that has.
-    explicit FreeDesktopGuidance(
-        UserNotifications& notifications,
-        const QProcessEnvironment& environment = QProcessEnvironment::systemEnvironment(),
-        QStringList pageFolders = installedPageFolders(),
-        DetachedProcess::Clock clock = DetachedProcess::steadyTime);
+    /// The notifications have to outlive this. `bringForward` is called with the window on the
+    /// display.
+    FreeDesktopGuidance(UserNotifications& notifications, BringForward bringForward);
     ~FreeDesktopGuidance() override;
 
-    /// Returns at once. Programs that it starts live on after this object.
-    void show(const Topic& topic);
+    /// Tells by a notification what is missing; it leads to the window.
+    void notify();
+    /// Opens the window, or brings the open one forward.
+    void show();
+    /// The window while it is open; else null.
+    [[nodiscard]] GuidanceWindow* window() const { return window_.get(); }
+
+protected:
+    using Step = GuidanceStep;
+
+    /// The step that comes next now.
+    [[nodiscard]] virtual Step step() const = 0;
+    /// Asks anew for what nobody tells by himself.
+    virtual void lookAgain() {}
+    /// Does what the step offers.
+    virtual void act() {}
+
+    /// The step of one who has taken all of them.
+    [[nodiscard]] static Step lastStep();
+    /// The step out of a session in which nothing lets a program move windows.
+    [[nodiscard]] static Step otherSessionStep();
+    /// A path as users write it, which may be broken after each of its folders.
+    [[nodiscard]] static QString forReading(QString path);
+    /// The step may be another one by now.
+    void update();
 
 private:
-    /// The full path of a program, then its arguments.
-    using Command = QStringList;
-
-    void addIfInstalled(std::vector<Command>& commands, const QString& program,
-                        const QStringList& arguments) const;
-    [[nodiscard]] std::vector<Command> commandsFor(const Topic& topic) const;
-    /// Runs the first command; where it fails, the next one.
-    void tryInTurn(std::vector<Command> commands, const std::function<void()>& whenNoneIsLeft);
-
     UserNotifications& notifications_;
-    const QProcessEnvironment environment_;
-    const QStringList pageFolders_;
-    const DetachedProcess::Clock clock_;
+    const BringForward bringForward_;
+    std::unique_ptr<GuidanceWindow> window_;
 };
 
 } // namespace tilewright

@@ -40,12 +40,6 @@ QDBusMessage notify(const QString& title, const QString& text, const QStringList
 FreeDesktopUserNotifications::FreeDesktopUserNotifications(const MessageBus& bus)
     : bus_(bus) {}
 
-void FreeDesktopUserNotifications::show(const QString& title, const QString& text) {
-    if (!bus_.isJoined())
-        return;
-    bus_.connection().send(notify(title, text, {}));
-}
-
 void FreeDesktopUserNotifications::show(const QString& title, const QString& text,
                                         std::function<void()> chosen) {
     if (!bus_.isJoined())

@@ -19,9 +19,7 @@ public:
     /// The bus has to outlive this. While it does not answer nothing is shown.
     explicit FreeDesktopUserNotifications(const MessageBus& bus);
 
-    void show(const QString& title, const QString& text) override;
-    /// The same; `chosen` is called when the user clicks the message, the latest of all alone.
-    void show(const QString& title, const QString& text, std::function<void()> chosen);
+    void show(const QString& title, const QString& text, std::function<void()> chosen) override;
 
 private Q_SLOTS:
     void actionInvoked(const QDBusMessage& notice);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <functional>
 
 namespace tilewright {
 
@@ -9,8 +10,9 @@ class UserNotifications {
 public:
     virtual ~UserNotifications() = default;
 
-    /// Shows a message. Returns at once; a desktop without notifications shows nothing.
-    virtual void show(const QString& title, const QString& text) = 0;
+    /// Shows a message; `chosen` is called when the user clicks it, the latest of all alone.
+    /// Returns at once; a desktop without notifications shows nothing.
+    virtual void show(const QString& title, const QString& text, std::function<void()> chosen) = 0;
 };
 
 } // namespace tilewright

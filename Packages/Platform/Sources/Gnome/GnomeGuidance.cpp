@@ -53,9 +53,8 @@ GnomeGuidance::Step GnomeGuidance::stepFor(GnomeExtension::State state, bool isC
 }
 
 GnomeGuidance::GnomeGuidance(CompanionState& state, GnomeExtension& extension,
-                             FreeDesktopUserNotifications& notifications,
-                             std::function<void()> bringForward)
-    : CompanionGuidance(notifications, std::move(bringForward))
+                             UserNotifications& notifications, BringForward bringForward)
+    : FreeDesktopGuidance(notifications, std::move(bringForward))
     , state_(state)
     , extension_(extension) {
     connect(&state_, &CompanionState::connectedChanged, this, &GnomeGuidance::update);

@@ -2,17 +2,17 @@
 
 #include "GnomeExtension.h"
 
-#include <Companion/CompanionGuidance.h>
 #include <Companion/CompanionState.h>
+#include <FreeDesktop/FreeDesktopGuidance.h>
 
 namespace tilewright {
 
 /// Leads the user to the extension of GNOME Shell that runs as the companion. Main thread only.
-class GnomeGuidance final : public CompanionGuidance {
+class GnomeGuidance final : public FreeDesktopGuidance {
     Q_OBJECT
 
 public:
-    using Step = CompanionGuidanceStep;
+    using Step = GuidanceStep;
 
     /// `place` is where the companion could be installed for the user; empty where it could not.
     [[nodiscard]] static Step stepFor(GnomeExtension::State state, bool isConnected,
@@ -20,7 +20,7 @@ public:
 
     /// All of them have to outlive this. `bringForward` is called with the window on the display.
     GnomeGuidance(CompanionState& state, GnomeExtension& extension,
-                  FreeDesktopUserNotifications& notifications, std::function<void()> bringForward);
+                  UserNotifications& notifications, BringForward bringForward);
     ~GnomeGuidance() override;
 
 protected:

@@ -17,7 +17,7 @@ struct GnomePlatform::Parts {
     GnomeExtension extension{desktop.sessionBus, GnomeCompanionFiles::ofThisProgram(),
                              GnomeStartList::settingsProgram()};
     GnomeGuidance guidance{desktop.state, extension, desktop.userNotifications,
-                           [this] { desktop.workspace.activateThisApplication(); }};
+                           [this](QWindow& window) { desktop.workspace.bringForward(window); }};
     std::optional<CompanionStatusItem> statusItem;
     /// Last, so that nothing is told to what is not there yet, or no longer.
     CompanionBus bus{desktop.mainLoop, desktop.sessionBus, desktop.outbox,

@@ -57,10 +57,9 @@ PlasmaGuidance::Step PlasmaGuidance::stepFor(Obstacle obstacle, const QString& p
 }
 
 PlasmaGuidance::PlasmaGuidance(CompanionState& state, KWinCompanion& companion,
-                               FreeDesktopUserNotifications& notifications,
-                               std::function<void()> bringForward, std::function<void()> askForKeys,
-                               KWinKeyFiles files)
-    : CompanionGuidance(notifications, std::move(bringForward))
+                               UserNotifications& notifications, BringForward bringForward,
+                               std::function<void()> askForKeys, KWinKeyFiles files)
+    : FreeDesktopGuidance(notifications, std::move(bringForward))
     , state_(state)
     , companion_(companion)
     , askForKeys_(std::move(askForKeys))

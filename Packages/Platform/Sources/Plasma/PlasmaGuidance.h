@@ -3,19 +3,19 @@
 #include "KWinCompanion.h"
 #include "KWinKeyFiles.h"
 
-#include <Companion/CompanionGuidance.h>
 #include <Companion/CompanionState.h>
+#include <FreeDesktop/FreeDesktopGuidance.h>
 
 #include <functional>
 
 namespace tilewright {
 
 /// Leads the user to a companion that runs inside KWin, and to the keys. Main thread only.
-class PlasmaGuidance final : public CompanionGuidance {
+class PlasmaGuidance final : public FreeDesktopGuidance {
     Q_OBJECT
 
 public:
-    using Step = CompanionGuidanceStep;
+    using Step = GuidanceStep;
 
     /// What stands in the way.
     enum class Obstacle {
@@ -39,7 +39,7 @@ public:
     /// All the others have to outlive this; `bringForward` is called with the window on the
     /// display.
     PlasmaGuidance(CompanionState& state, KWinCompanion& companion,
-                   FreeDesktopUserNotifications& notifications, std::function<void()> bringForward,
+                   UserNotifications& notifications, BringForward bringForward,
                    std::function<void()> askForKeys,
                    KWinKeyFiles files = KWinKeyFiles::ofThisProgram());
     ~PlasmaGuidance() override;

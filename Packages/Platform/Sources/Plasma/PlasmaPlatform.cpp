@@ -31,7 +31,7 @@ struct PlasmaPlatform::Parts {
     WaylandKeyStates keyStates{wayland};
     KWinCompanion companion{desktop.sessionBus};
     PlasmaGuidance guidance{desktop.state, companion, desktop.userNotifications,
-                            [this] { desktop.workspace.activateThisApplication(); },
+                            [this](QWindow& window) { desktop.workspace.bringForward(window); },
                             [this] { askForKeysLater(); }};
     std::optional<FreeDesktopStatusItem> statusItem;
     ScopedTimer askingForKeys;

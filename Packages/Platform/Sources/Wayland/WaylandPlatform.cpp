@@ -23,13 +23,6 @@ namespace tilewright {
 
 namespace {
 
-QString explanation() {
-    return QCoreApplication::translate(
-        "tilewright::WaylandPlatform",
-        "Windows can be moved in X11 sessions and, with qt6-wayland installed, in those of GNOME "
-        "and Plasma. Choose one when you log in.");
-}
-
 class WaylandPointer final : public Pointer {
 public:
     explicit WaylandPointer(const WaylandScreens& screens)
@@ -63,10 +56,24 @@ public:
     void orderOut() override {}
 };
 
+/// There is one way only: to another session.
+class WaylandGuidance final : public FreeDesktopGuidance {
+public:
+    using FreeDesktopGuidance::FreeDesktopGuidance;
+
+protected:
+    [[nodiscard]] Step step() const override { return otherSessionStep(); }
+};
+
+void bringForward(QWindow& window) {
+    window.raise();
+    window.requestActivate();
+}
+
 class WaylandWorkspace final : public Workspace {
 public:
-    explicit WaylandWorkspace(UserNotifications& notifications)
-        : guidance_(notifications) {}
+    explicit WaylandWorkspace(FreeDesktopGuidance& guidance)
+        : guidance_(guidance) {}
 
     [[nodiscard]] std::optional<ProcessID> frontmostApplication() const override {
         return std::nullopt;
@@ -74,25 +81,19 @@ public:
     [[nodiscard]] std::optional<QString> localizedName(ProcessID) const override {
         return std::nullopt;
     }
-    void openAccessibilitySettings() override {
-        guidance_.show(
-            {FreeDesktopGuidance::Setting::none, QStringLiteral("x11-session.html"),
-             QCoreApplication::translate("tilewright::WaylandPlatform", "Window control"),
-             explanation()});
-    }
+    void openAccessibilitySettings() override { guidance_.show(); }
     void activateThisApplication() override {
         const QWindowList windows = QGuiApplication::topLevelWindows();
         for (auto it = windows.crbegin(); it != windows.crend(); ++it) {
             if (!(*it)->isVisible())
                 continue;
-            (*it)->raise();
-            (*it)->requestActivate();
+            bringForward(**it);
             return;
         }
     }
 
 private:
-    FreeDesktopGuidance guidance_;
+    FreeDesktopGuidance& guidance_;
 };
 
 } // namespace
@@ -108,12 +109,14 @@ struct WaylandPlatform::Parts : FreeDesktopSession {
     WaylandScreens screens{mainLoop};
     WaylandPointer pointer{screens};
     NoEventMonitors eventMonitors;
+    WaylandGuidance guidance{userNotifications, bringForward};
     UntrustedAccessibility accessibility{[this] {
         userNotifications.show(QCoreApplication::translate("tilewright::WaylandPlatform",
                                                            "Tilewright cannot move windows"),
-                               explanation());
+                               FreeDesktopGuidance::sessionsThatHelp(),
+                               [this] { guidance.show(); });
     }};
-    WaylandWorkspace workspace{userNotifications};
+    WaylandWorkspace workspace{guidance};
     PortalAppearance appearance{sessionBus};
     std::optional<FreeDesktopStatusItem> statusItem;
 

@@ -5,6 +5,7 @@
 #include "X11Appearance.h"
 #include "X11Compositor.h"
 #include "X11FrameSetter.h"
+#include "X11Guidance.h"
 #include "X11MovedWindows.h"
 #include "X11Pointer.h"
 #include "X11Screens.h"
@@ -34,11 +35,13 @@ public:
         , trust_(connection, windowManager_, loop, notifications, isWaylandSession)
         , accessibility_(connection, windowManager_, movedWindows_, screens_, trust_, activeWindow_,
                          frameSetter_)
-        , guidance_(notifications, environment)
+        , guidance_(
+              trust_, windowManager_, notifications,
+              [this](QWindow& window) { workspace_.bringForward(window); }, environment)
         , screenReducedMotion_(connection, selection_)
         , sessionAppearance_(sessionBus)
         , appearance_(compositor_, screenReducedMotion_, sessionAppearance_)
-        , workspace_(connection, activeWindow_, trust_, guidance_) {}
+        , workspace_(connection, activeWindow_, guidance_) {}
 
     [[nodiscard]] X11EventSelection& selection() { return selection_; }
     [[nodiscard]] X11WindowManagerWatch& windowManager() { return windowManager_; }
@@ -51,6 +54,7 @@ public:
     [[nodiscard]] X11Accessibility& accessibility() { return accessibility_; }
     [[nodiscard]] X11Appearance& appearance() { return appearance_; }
     [[nodiscard]] X11Workspace& workspace() { return workspace_; }
+    [[nodiscard]] X11Guidance& guidance() { return guidance_; }
 
 private:
     /// Window managers tile a window that is let go near an edge.
@@ -70,7 +74,7 @@ private:
     X11FrameSetter frameSetter_;
     X11Trust trust_;
     X11Accessibility accessibility_;
-    FreeDesktopGuidance guidance_;
+    X11Guidance guidance_;
     X11ReducedMotion screenReducedMotion_;
     FreeDesktopAppearance sessionAppearance_;
     X11Appearance appearance_;

@@ -2,6 +2,9 @@
 
 #include "X11EventMonitors.h"
 
+#include <FreeDesktop/FreeDesktopGuidance.h>
+
+#include <QPointer>
 #include <utility>
 
 namespace tilewright {
@@ -41,9 +44,7 @@ QString X11Trust::explanation(Lack lack) {
     case Lack::nothing:
         return {};
     case Lack::x11Session:
-        return tr(
-            "Windows can be moved in X11 sessions and, with qt6-wayland installed, in those of "
-            "GNOME and Plasma. Choose one when you log in.");
+        return FreeDesktopGuidance::sessionsThatHelp();
     case Lack::connection:
         return tr("The X server does not answer.");
     case Lack::inputEvents:
@@ -83,7 +84,12 @@ void X11Trust::windowManagerChanged() {
 }
 
 void X11Trust::tell() {
-    notifications_.show(tr("Tilewright cannot move windows"), explanation(lack()));
+    // The message may stay longer than this.
+    notifications_.show(tr("Tilewright cannot move windows"), explanation(lack()),
+                        [self = QPointer(this)] {
+                            if (self)
+                                Q_EMIT self->guidanceWanted();
+                        });
 }
 
 } // namespace tilewright

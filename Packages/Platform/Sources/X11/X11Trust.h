@@ -43,6 +43,8 @@ public:
 Q_SIGNALS:
     /// `isTrusted()` has another answer than before.
     void changed();
+    /// The user wants to know more of what is missing.
+    void guidanceWanted();
 
 private:
     void tell();

@@ -1,6 +1,5 @@
 #include "X11Workspace.h"
 
-#include "X11Guidance.h"
 #include "X11Properties.h"
 #include "X11WindowFacts.h"
 
@@ -11,10 +10,9 @@
 namespace tilewright {
 
 X11Workspace::X11Workspace(X11Connection& connection, X11ActiveWindow& activeWindow,
-                           const X11Trust& trust, FreeDesktopGuidance& guidance)
+                           FreeDesktopGuidance& guidance)
     : connection_(connection)
     , activeWindow_(activeWindow)
-    , trust_(trust)
     , guidance_(guidance) {
     activeWindow_.onChange([this] { Q_EMIT activeWindowChanged(); });
 }
@@ -44,7 +42,7 @@ std::optional<QString> X11Workspace::localizedName(ProcessID process) const {
 }
 
 void X11Workspace::openAccessibilitySettings() {
-    guidance_.show(guidanceFor(trust_.lack()));
+    guidance_.show();
 }
 
 void X11Workspace::showDesktopOf(xcb_window_t window) {
@@ -71,17 +69,21 @@ void X11Workspace::activateThisApplication() {
         if (!window->isVisible() || !isOrdinary ||
             (window->flags() & (Qt::WindowDoesNotAcceptFocus | Qt::BypassWindowManagerHint)))
             continue;
-        const auto native = static_cast<xcb_window_t>(window->winId());
-        showDesktopOf(native);
-        window->raise();
-        // As pagers ask: Qt's own request is refused where the user's last input went to
-        // another application.
-        constexpr std::uint32_t sourceIsUser = 2;
-        sendToWindowManager(connection_, native, X11Atom::netActiveWindow,
-                            {sourceIsUser, XCB_CURRENT_TIME, XCB_NONE, 0, 0});
-        connection_.flush();
+        bringForward(*window);
         return;
     }
+}
+
+void X11Workspace::bringForward(QWindow& window) {
+    const auto native = static_cast<xcb_window_t>(window.winId());
+    showDesktopOf(native);
+    window.raise();
+    // As pagers ask: Qt's own request is refused where the user's last input went to
+    // another application.
+    constexpr std::uint32_t sourceIsUser = 2;
+    sendToWindowManager(connection_, native, X11Atom::netActiveWindow,
+                        {sourceIsUser, XCB_CURRENT_TIME, XCB_NONE, 0, 0});
+    connection_.flush();
 }
 
 } // namespace tilewright

@@ -1,17 +1,18 @@
 #pragma once
 
 #include "X11ActiveWindow.h"
-#include "X11Trust.h"
 
 #include <FreeDesktop/FreeDesktopGuidance.h>
 #include <Platform/Workspace.h>
+
+class QWindow;
 
 namespace tilewright {
 
 /// The applications as their windows tell of them.
 class X11Workspace final : public Workspace {
 public:
-    X11Workspace(X11Connection& connection, X11ActiveWindow& activeWindow, const X11Trust& trust,
+    X11Workspace(X11Connection& connection, X11ActiveWindow& activeWindow,
                  FreeDesktopGuidance& guidance);
 
     std::optional<ProcessID> frontmostApplication() const override;
@@ -21,13 +22,14 @@ public:
     void openAccessibilitySettings() override;
     /// Brings the program's topmost window before the others.
     void activateThisApplication() override;
+    /// Brings a window of this program before the others.
+    void bringForward(QWindow& window);
 
 private:
     void showDesktopOf(xcb_window_t window);
 
     X11Connection& connection_;
     X11ActiveWindow& activeWindow_;
-    const X11Trust& trust_;
     FreeDesktopGuidance& guidance_;
 };
 

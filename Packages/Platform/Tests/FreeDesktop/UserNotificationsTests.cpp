@@ -54,7 +54,7 @@ TEST(FreeDesktopUserNotifications, ShowsAMessageThroughTheDesktopsService) {
     const FakeNotificationService service(bus.connect());
     const MessageBus own(bus.connect());
     FreeDesktopUserNotifications notifications(own);
-    notifications.show(QStringLiteral("Title"), QStringLiteral("A < B & C"));
+    notifications.show(QStringLiteral("Title"), QStringLiteral("A < B & C"), {});
     EXPECT_TRUE(waitUntil([&] { return service.shown.size() == 1; }));
     EXPECT_EQ(service.shown.value(0), QStringLiteral("Tilewright|Title|A &lt; B &amp; C"))
         << "the text may be read as markup";
@@ -111,7 +111,7 @@ TEST(FreeDesktopUserNotifications, HearsOfClicksFromTheServiceAlone) {
 TEST(FreeDesktopUserNotifications, StaysSilentWithoutABus) {
     const MessageBus absent(PrivateBus::absent());
     FreeDesktopUserNotifications notifications(absent);
-    notifications.show(QStringLiteral("Title"), QStringLiteral("Text"));
+    notifications.show(QStringLiteral("Title"), QStringLiteral("Text"), {});
     EXPECT_FALSE(PrivateBus::absent().isConnected());
 }
 

@@ -4,6 +4,7 @@
 #include "SettingsProgram.h"
 
 #include <Companion/CompanionDecoder.h>
+#include <FreeDesktop/FreeDesktopUserNotifications.h>
 #include <Gnome/GnomeGuidance.h>
 
 #include <QDir>
@@ -37,7 +38,7 @@ protected:
                              settings.program()};
     FreeDesktopUserNotifications notifications{own};
     int forward = 0;
-    GnomeGuidance guidance{state, extension, notifications, [this] { ++forward; }};
+    GnomeGuidance guidance{state, extension, notifications, [this](QWindow&) { ++forward; }};
 };
 
 } // namespace
@@ -100,7 +101,7 @@ TEST_F(GnomeGuidanceTest, InstallsWhatTheBuildBringsAlongOnceTheUserWantsIt) {
 
 TEST_F(GnomeGuidanceTest, HasOneWindowAtATime) {
     guidance.show();
-    const QPointer<CompanionGuidanceWindow> first = guidance.window();
+    const QPointer<GuidanceWindow> first = guidance.window();
     guidance.show();
     EXPECT_EQ(guidance.window(), first);
     EXPECT_EQ(forward, 2);

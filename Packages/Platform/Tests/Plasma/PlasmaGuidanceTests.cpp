@@ -3,6 +3,7 @@
 #include "PrivateBus.h"
 
 #include <Companion/CompanionDecoder.h>
+#include <FreeDesktop/FreeDesktopUserNotifications.h>
 #include <Plasma/PlasmaGuidance.h>
 
 #include <QDir>
@@ -37,7 +38,7 @@ protected:
     PlasmaGuidance guidance{state,
                             companion,
                             notifications,
-                            [this] { ++forward; },
+                            [this](QWindow&) { ++forward; },
                             [this] { ++questions; },
                             KWinKeyFiles({folder.filePath(QStringLiteral("data"))},
                                          folder.filePath(QStringLiteral("offer")),

@@ -1,56 +1,59 @@
 #include <X11/X11Guidance.h>
 
+#include <QDir>
 #include <QFile>
-#include <QXmlStreamReader>
+#include <QTemporaryDir>
 #include <gtest/gtest.h>
+#include <set>
 
 namespace tilewright {
 namespace {
 
 using Lack = X11Trust::Lack;
 
-/// The page's text without its marks, each run of white space as one space.
-QString textOf(const QString& page) {
-    QFile file(QStringLiteral(TILEWRIGHT_HELP_FOLDER "/") + page);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << page.toStdString();
-    QXmlStreamReader reader(&file);
-    QString text;
-    while (!reader.atEnd()) {
-        if (reader.readNext() == QXmlStreamReader::Characters)
-            text += reader.text();
-    }
-    EXPECT_FALSE(reader.hasError()) << page.toStdString() << reader.errorString().toStdString();
-    return text.simplified();
-}
-
 } // namespace
 
-TEST(X11Guidance, HasAPageForEachLackThatAUserCanDoSomethingAbout) {
-    for (const Lack lack :
-         {Lack::x11Session, Lack::inputEvents, Lack::windowManager, Lack::windowManagerSupport}) {
-        const FreeDesktopGuidance::Topic topic = guidanceFor(lack);
-        ASSERT_FALSE(topic.page.isEmpty());
-        EXPECT_TRUE(textOf(topic.page).contains(X11Trust::explanation(lack)))
-            << "the page says what the notification would";
-        EXPECT_EQ(topic.text, X11Trust::explanation(lack));
-        EXPECT_FALSE(topic.title.isEmpty());
+TEST(X11GuidanceSteps, SayWhatIsMissingInWordsOfTheirOwn) {
+    std::set<QString> titles;
+    for (const Lack lack : {Lack::nothing, Lack::connection, Lack::x11Session, Lack::inputEvents,
+                            Lack::windowManager, Lack::windowManagerSupport}) {
+        const GuidanceStep step = X11Guidance::stepFor(lack);
+        EXPECT_FALSE(step.title.isEmpty());
+        EXPECT_FALSE(step.text.isEmpty());
+        EXPECT_TRUE(step.action.isEmpty()) << "nothing of this desktop's could help";
+        titles.insert(step.title);
+        EXPECT_TRUE(step.text.contains(X11Trust::explanation(lack)))
+            << "the window says what the notification does";
     }
+    EXPECT_EQ(titles.size(), 6U);
 }
 
-TEST(X11Guidance, ShowsNoPageWhereNothingIsMissingOrNothingCanBeShown) {
-    for (const Lack lack : {Lack::nothing, Lack::connection}) {
-        EXPECT_EQ(guidanceFor(lack).page, QString());
-        EXPECT_FALSE(guidanceFor(lack).text.isEmpty());
-    }
+TEST(X11GuidanceSteps, OfferTheDesktopsSettingsOnlyWhereAnotherWindowManagerHelps) {
+    for (const Lack lack : {Lack::windowManager, Lack::windowManagerSupport})
+        EXPECT_FALSE(X11Guidance::stepFor(lack, true).action.isEmpty());
+    for (const Lack lack : {Lack::nothing, Lack::connection, Lack::x11Session, Lack::inputEvents})
+        EXPECT_TRUE(X11Guidance::stepFor(lack, true).action.isEmpty());
 }
 
-TEST(X11Guidance, LeadsToTheChoiceOfAWindowManagerOnlyWhereAnotherOneHelps) {
-    using Setting = FreeDesktopGuidance::Setting;
-    EXPECT_EQ(guidanceFor(Lack::windowManager).setting, Setting::windowManager);
-    EXPECT_EQ(guidanceFor(Lack::windowManagerSupport).setting, Setting::windowManager);
-    EXPECT_EQ(guidanceFor(Lack::x11Session).setting, Setting::none);
-    EXPECT_EQ(guidanceFor(Lack::inputEvents).setting, Setting::none);
-    EXPECT_EQ(guidanceFor(Lack::nothing).setting, Setting::none);
+TEST(X11Guidance, KnowsTheSettingsOfTheDesktopsThatHaveThemWhereTheyAreInstalled) {
+    const QTemporaryDir folder;
+    QProcessEnvironment environment;
+    environment.insert(QStringLiteral("PATH"), folder.path());
+    for (const auto& [desktop, program] :
+         {std::pair("LXQt", "lxqt-config-session"), std::pair("LXDE", "lxsession-default-apps")}) {
+        environment.insert(QStringLiteral("XDG_CURRENT_DESKTOP"),
+                           QStringLiteral("Other:") + QLatin1String(desktop));
+        EXPECT_TRUE(X11Guidance::windowManagerSettings(environment).isEmpty());
+        QFile file(folder.filePath(QString::fromLatin1(program)));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        ASSERT_TRUE(file.setPermissions(QFile::ReadOwner | QFile::ExeOwner));
+        EXPECT_EQ(X11Guidance::windowManagerSettings(environment), file.fileName());
+    }
+    environment.insert(QStringLiteral("XDG_CURRENT_DESKTOP"), QStringLiteral("XFCE"));
+    EXPECT_TRUE(X11Guidance::windowManagerSettings(environment).isEmpty());
+    environment.insert(QStringLiteral("XDG_CURRENT_DESKTOP"), QStringLiteral("LXQt"));
+    environment.remove(QStringLiteral("PATH"));
+    EXPECT_TRUE(X11Guidance::windowManagerSettings(environment).isEmpty());
 }
 
 } // namespace tilewright

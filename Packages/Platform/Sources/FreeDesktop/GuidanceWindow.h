@@ -8,25 +8,25 @@ class QPushButton;
 
 namespace tilewright {
 
-/// A step of the way to a companion that runs, as the user is told of it.
-struct CompanionGuidanceStep {
+/// A step of the way to a desktop that moves windows, as the user is told of it.
+struct GuidanceStep {
     QString title;
     QString text;
     /// What a button offers to do; empty where the user can only do it elsewhere.
     QString action;
 
-    friend bool operator==(const CompanionGuidanceStep&, const CompanionGuidanceStep&) = default;
+    friend bool operator==(const GuidanceStep&, const GuidanceStep&) = default;
 };
 
-/// A small window that tells one step of the way to a companion that runs. Main thread only.
-class CompanionGuidanceWindow final : public QWidget {
+/// A small window that tells one step of the way to a desktop that moves windows. Main thread only.
+class GuidanceWindow final : public QWidget {
     Q_OBJECT
 
 public:
-    CompanionGuidanceWindow();
-    ~CompanionGuidanceWindow() override;
+    GuidanceWindow();
+    ~GuidanceWindow() override;
 
-    void setStep(const CompanionGuidanceStep& step);
+    void setStep(const GuidanceStep& step);
 
 Q_SIGNALS:
     /// The user wants done what the step offers.

@@ -1,4 +1,4 @@
-#include "CompanionGuidanceWindow.h"
+#include "GuidanceWindow.h"
 
 #include <QCloseEvent>
 #include <QHBoxLayout>
@@ -27,7 +27,7 @@ QLabel* makeLabel(QWidget* parent) {
 
 } // namespace
 
-CompanionGuidanceWindow::CompanionGuidanceWindow()
+GuidanceWindow::GuidanceWindow()
     : title_(makeLabel(this))
     , text_(makeLabel(this))
     , action_(new QPushButton(this))
@@ -56,13 +56,13 @@ CompanionGuidanceWindow::CompanionGuidanceWindow()
     row->addWidget(close_);
     row->addWidget(action_);
     column->addLayout(row);
-    connect(action_, &QAbstractButton::clicked, this, &CompanionGuidanceWindow::actionChosen);
+    connect(action_, &QAbstractButton::clicked, this, &GuidanceWindow::actionChosen);
     connect(close_, &QAbstractButton::clicked, this, &QWidget::close);
 }
 
-CompanionGuidanceWindow::~CompanionGuidanceWindow() = default;
+GuidanceWindow::~GuidanceWindow() = default;
 
-void CompanionGuidanceWindow::setStep(const CompanionGuidanceStep& step) {
+void GuidanceWindow::setStep(const GuidanceStep& step) {
     title_->setText(step.title);
     text_->setText(step.text);
     action_->setText(step.action);
@@ -72,14 +72,14 @@ void CompanionGuidanceWindow::setStep(const CompanionGuidanceStep& step) {
     usual->setFocus();
 }
 
-void CompanionGuidanceWindow::keyPressEvent(QKeyEvent* event) {
+void GuidanceWindow::keyPressEvent(QKeyEvent* event) {
     if (event->matches(QKeySequence::Cancel) || event->matches(QKeySequence::Close))
         close();
     else
         QWidget::keyPressEvent(event);
 }
 
-void CompanionGuidanceWindow::closeEvent(QCloseEvent* event) {
+void GuidanceWindow::closeEvent(QCloseEvent* event) {
     QWidget::closeEvent(event);
     Q_EMIT closed();
 }
