@@ -205,6 +205,7 @@ int GnomeSession::unitsPerPoint() {
 
 void GnomeSession::setScale(int scale) {
     const int bar = workArea(0).top();
+    const QColor ground = pixel(workArea(0).center());
     // The shell serves the call itself, so nothing in it can wait for the answer.
     tell(QStringLiteral(R"((() => {
         const {Gio, GLib} = imports.gi;
@@ -222,7 +223,9 @@ void GnomeSession::setScale(int scale) {
              .arg(scale));
     EXPECT_TRUE(waitUntil([&] {
         return ask(QStringLiteral("global.display.get_monitor_scale(0)")).toInt() == scale &&
-               workArea(0).top() == bar * unitsPerPoint();
+               workArea(0).top() == bar * unitsPerPoint() &&
+               // It makes the ground anew, and shows none until then.
+               pixel(workArea(0).center()) == ground;
     })) << describe();
     // The mouse is moved by points.
     input_->setReach(unitsPerPoint());
