@@ -104,8 +104,10 @@ void CompanionState::hear(const CompanionDrag& message) {
         note(message.window);
     const bool hasMoved = std::exchange(pointer_, message.pointer) != message.pointer;
     hearKeys(message.keys, isOurs);
-    if (hasMoved && drag_)
+    if (hasMoved && drag_) {
+        drag_->hasMoved = true;
         Q_EMIT input({EventType::leftMouseDragged, keys_}, isOurs);
+    }
     if (message.step == Step::drop && drag_) {
         Q_EMIT input({EventType::leftMouseUp, keys_}, isOurs);
         drag_.reset();
@@ -130,8 +132,15 @@ void CompanionState::setKeys(std::optional<ModifierFlags> keys) {
     if (hadKeys != hasKeys())
         Q_EMIT keySourceChanged();
     // Between drags nobody asks.
-    if (drag_)
-        tellKeys(keys.value_or(ModifierFlags()), drag_->isOurs);
+    if (!drag_)
+        return;
+    const ModifierFlags before = keys_;
+    tellKeys(keys.value_or(ModifierFlags()), drag_->isOurs);
+    // Keys and motions come on two ways: the motion told last may be one that followed the press,
+    // and the hand may rest since.
+    const bool isPress = (keys_.bits() & ~before.bits()) != 0;
+    if (isPress && drag_ && drag_->hasMoved)
+        Q_EMIT input({EventType::leftMouseDragged, keys_}, drag_->isOurs);
 }
 
 void CompanionState::cancelDrag() {

@@ -26,7 +26,8 @@ public:
     /// Ends the drag that runs, if one does, as if the user had: without a snap.
     void cancelDrag();
     /// The keys by the word of somebody who knows them at once, instead of the companion's; none
-    /// where nobody does, or no longer.
+    /// where nobody does, or no longer. During a drag the last motion counts again with a key that
+    /// goes down.
     void setKeys(std::optional<ModifierFlags> keys);
 
     /// Whether a companion is there that speaks our protocol.
@@ -81,6 +82,7 @@ private:
         quint64 serial = 0;
         CompanionWindowID window{};
         bool isOurs = false;
+        bool hasMoved = false;
     };
 
     void hear(const CompanionHello& hello);

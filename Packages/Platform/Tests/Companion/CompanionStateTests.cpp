@@ -224,6 +224,23 @@ TEST_F(CompanionStateTest, BelievesOfTheKeysWhoeverKnowsThemAtOnceMoreThanTheCom
     EXPECT_FALSE(state.hasKeys());
 }
 
+TEST_F(CompanionStateTest, CountsTheLastMotionAgainWithAKeyThatIsToldOfApartFromIt) {
+    tell("Hello", R"({"tellsKeys":false,)" + helloText().mid(1));
+    state.setKeys(ModifierFlags());
+    tell("DragBegin", dragText(1, "[10,20]", 0));
+    state.setKeys(controlHeld);
+    EXPECT_EQ(types, std::vector{EventType::flagsChanged}) << "there was no motion yet";
+    state.setKeys(ModifierFlags());
+    tell("DragMotion", dragText(1, "[11,20]", 0));
+    forgetInput();
+    state.setKeys(controlHeld);
+    EXPECT_EQ(types, (std::vector{EventType::flagsChanged, EventType::leftMouseDragged}));
+    EXPECT_EQ(flags.back(), controlHeld);
+    forgetInput();
+    state.setKeys(ModifierFlags());
+    EXPECT_EQ(types, std::vector{EventType::flagsChanged}) << "it was released";
+}
+
 TEST_F(CompanionStateTest, SaysWhenSomebodyBeginsOrCeasesToTellTheKeys) {
     std::vector<bool> told;
     QObject::connect(&state, &CompanionState::keySourceChanged, &state,
