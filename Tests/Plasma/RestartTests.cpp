@@ -59,9 +59,10 @@ struct ProgramWithoutKWin : ProgramInPlasma {
         PassingCompositor kwin(session.socketPath(), gone);
         ASSERT_TRUE(bus.registerService(QStringLiteral("org.kde.KWin")));
         EXPECT_TRUE(waitUntil([&] { return kwin.isGone(); })) << session.describe();
-        EXPECT_TRUE(bus.unregisterService(QStringLiteral("org.kde.KWin")));
+        // Only then has the program surely seen that this one was on the bus, too.
         EXPECT_TRUE(waitUntil([&] { return legacy() && legacy() != former; }))
             << session.describe();
+        EXPECT_TRUE(bus.unregisterService(QStringLiteral("org.kde.KWin")));
         EXPECT_TRUE(program->isRunning());
     }
     void startKWin() {
