@@ -1,7 +1,6 @@
 // Which desktop the program finds, on real servers: it starts, stays the one instance, and ends
 // when it is told to.
 
-#include "SwaySession.h"
 #include "WaylandSession.h"
 
 #include <X11/X11ServerProbe.h>
@@ -38,41 +37,6 @@ TEST_F(WaylandSession, IsServedByQtAloneWithoutAnXServer) {
     EXPECT_TRUE(waitUntil([&] { return hasLoaded("libqwayland"); }))
         << contentsOf(programLog()).toStdString();
     EXPECT_FALSE(hasLoaded("libqxcb.so"));
-    expectToRunAsTheOneInstanceUntilTold();
-}
-
-class SessionOfSway : public WaylandSession {
-protected:
-    void enter(const SwaySession& sway) {
-        environment = sway.environment();
-        environment.insert(u"HOME"_s, folder.path());
-        startBus();
-        // What is asked of the compositor can be read then.
-        environment.insert(u"WAYLAND_DEBUG"_s, u"client"_s);
-    }
-};
-
-TEST_F(SessionOfSway, IsServedByQtAloneWithoutAnXServer) {
-    const SwaySession sway;
-    enter(sway);
-    ASSERT_TRUE(startProgram());
-    EXPECT_TRUE(waitUntil([&] { return hasLoaded("libqwayland"); }))
-        << contentsOf(programLog()).toStdString();
-    EXPECT_FALSE(hasLoaded("libqxcb.so"));
-    expectToRunAsTheOneInstanceUntilTold();
-}
-
-TEST_F(SessionOfSway, IsServedThroughTheXServerBesideIt) {
-    const SwaySession sway(1, SwaySession::Beside::xServer);
-    enter(sway);
-    environment.insert(u"DISPLAY"_s, sway.xDisplay());
-    ASSERT_TRUE(startProgram());
-    EXPECT_TRUE(waitUntil([&] { return hasLoaded("libqxcb.so"); }))
-        << contentsOf(programLog()).toStdString();
-    EXPECT_FALSE(hasLoaded("libqwayland"));
-    // It can keep the compositor awake all the same.
-    EXPECT_TRUE(waitUntil(
-        [&] { return contentsOf(programLog()).contains("zwp_idle_inhibit_manager_v1"); }));
     expectToRunAsTheOneInstanceUntilTold();
 }
 

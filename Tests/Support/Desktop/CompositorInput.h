@@ -7,11 +7,13 @@ namespace tilewright::testing {
 /// Keys, by their numbers in the kernel.
 enum class KernelKey : unsigned {
     escape = 1,
+    tab = 15,
     enter = 28,
     control = 29,
     shift = 42,
     alt = 56,
     space = 57,
+    right = 106,
     super = 125
 };
 
