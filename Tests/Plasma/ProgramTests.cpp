@@ -21,6 +21,8 @@ struct Drop {
     QPoint at;
     const char* before = nullptr;
     std::optional<KernelKey> more = std::nullopt;
+    /// Which zone lies there.
+    std::size_t zone = 1;
 
     friend std::ostream& operator<<(std::ostream& out, const Drop& drop) {
         return out << drop.name;
@@ -47,6 +49,8 @@ INSTANTIATE_TEST_SUITE_P(
         std::tuple(CompositorClient::qt, Drop{"AtTheUpperEdge", {1500, 0}}),
         std::tuple(CompositorClient::gtk4, Drop{"AtTheRightEdge", {1919, 200}}),
         std::tuple(CompositorClient::xwayland, Drop{"InTheUpperRightCorner", {1919, 0}}),
+        std::tuple(CompositorClient::qt,
+                   Drop{"InTheLowerRightCorner", {1919, 1079}, nullptr, std::nullopt, 3}),
         std::tuple(CompositorClient::gtk4,
                    Drop{"WithShift", inTheMiddle, nullptr, KernelKey::shift})),
     [](const auto& parameter) {
@@ -67,15 +71,29 @@ TEST_P(ProgramDrag, WithControlShowsTheZonesAndEndsInTheOneUnderThePointer) {
     session.input().glide(dropped.at);
     // KWin wants a pointer at the edge to go on for a moment.
     session.input().glide(dropped.at - QPoint(0, dropped.at.y() > 0 ? -3 : 0), 3);
-    EXPECT_TRUE(waitUntil([&] { return isHighlighted(zone(1)); }));
+    const QRect wanted = zone(dropped.zone);
+    EXPECT_TRUE(waitUntil([&] { return isHighlighted(wanted); }));
     EXPECT_FALSE(isHighlighted(zone(0)));
     drop();
     if (dropped.more)
         session.input().releaseKey(*dropped.more);
-    EXPECT_TRUE(endsIn(title, zone(1))) << session.describe();
+    EXPECT_TRUE(endsIn(title, wanted)) << session.describe();
     EXPECT_FALSE(session.isWindow(title, QStringLiteral("tile")));
     EXPECT_FALSE(session.isWindow(title, QStringLiteral("maximizeMode")));
-    EXPECT_TRUE(waitUntil([&] { return !isHighlighted(zone(1)); }));
+    EXPECT_TRUE(waitUntil([&] { return !isHighlighted(wanted); }));
+}
+
+TEST_F(ProgramInPlasma, ShowsItsZonesAboveAFullScreenWindowAndLeavesThatAlone) {
+    const QString whole = session.startClient(CompositorClient::gtk4, start);
+    session.tell(QStringLiteral("find('%1').fullScreen = true").arg(whole));
+    const QRect display = session.displays().front();
+    ASSERT_TRUE(waitUntil([&] { return session.frame(whole) == display; }));
+    const QString title = session.startClient(CompositorClient::qt, start);
+    dragToFirstZone(title);
+    drop();
+    EXPECT_TRUE(endsIn(title, zone(0))) << session.describe();
+    EXPECT_TRUE(session.isWindow(whole, QStringLiteral("fullScreen")));
+    EXPECT_EQ(session.frame(whole), display);
 }
 
 TEST_F(ProgramInPlasma, FillsAZoneWithATerminalAsFarAsItsCellsGo) {
