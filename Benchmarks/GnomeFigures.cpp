@@ -50,7 +50,7 @@ public:
                        ? &session.start(QStringLiteral(TILEWRIGHT_PROGRAM))
                        : &session.start(QCoreApplication::applicationFilePath(),
                                         {bareProgram, session.busAddress(),
-                                         BareZones(session.workArea(0), zones()).toText()});
+                                         BareZones(session.workArea(), zones()).toText()});
         waitForGreeting();
     }
     void waitForGreeting() {
@@ -74,7 +74,7 @@ public:
 
     /// The frames that the program gives: those of the layout that every display begins with.
     [[nodiscard]] std::vector<QRect> zones() {
-        const QRect area = session.workArea(0);
+        const QRect area = session.workArea();
         const auto edge = [](double part, int whole) { return int(std::lround(part * whole)); };
         std::vector<QRect> frames;
         for (const Zone& zone : ZoneLayout::bentoBox().zones) {

@@ -2,6 +2,9 @@
 
 #include "CompanionBench.h"
 
+#include <QEventLoop>
+#include <QTimer>
+
 namespace tilewright::testing {
 namespace {
 
@@ -125,6 +128,33 @@ TEST_F(CompanionTest, DoesNotHoldUpADragForAProgramThatHangsAndTellsItTheNewestA
     program->isHung = false;
     EXPECT_TRUE(program->waitFor(dragEnd));
     EXPECT_EQ(program->last(dragEnd)[QStringLiteral("pointer")].toArray(), (QJsonArray{1200, 700}));
+    session.input().releaseKey(KernelKey::control);
+}
+
+TEST_F(CompanionTest, DoesNotHoldUpADragForAProgramThatFloodsItAndListensToItLessOften) {
+    constexpr std::chrono::seconds floodTime(2);
+    constexpr int mostPollsASecond = 100;
+    greet();
+    snapWithControl();
+    const QString title = session.startClient(CompositorClient::qt, start);
+    dragToLeftZone(title);
+    // The less there is to do, the more often it could ask for more.
+    program->flood = {QJsonObject{{QStringLiteral("c"), QStringLiteral("unknown")}}};
+    program->command(overlay(1));
+    const int before = program->polls();
+    // Looking at something meanwhile would slow the flood down.
+    QEventLoop loop;
+    QTimer::singleShot(floodTime, &loop, &QEventLoop::quit);
+    loop.exec();
+    EXPECT_TRUE(session.isDragging());
+    EXPECT_GT(program->polls(), before + mostPollsASecond / 2) << "it is no flood";
+    // A second's ration may be used at its end and the next one's at its beginning.
+    EXPECT_LE(program->polls(), before + 3 * mostPollsASecond);
+    session.input().glide({1200, 700}, 20);
+    EXPECT_TRUE(waitUntil([&] { return session.frame(title).contains(1200, 710); }));
+    session.input().release();
+    EXPECT_TRUE(waitUntil([&] { return session.frame(title) == rightZone; })) << session.describe();
+    EXPECT_TRUE(waitUntil([&] { return isBare({100, 1000}); }));
     session.input().releaseKey(KernelKey::control);
 }
 

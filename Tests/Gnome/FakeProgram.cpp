@@ -63,6 +63,9 @@ void FakeProgram::goOn() {
 }
 
 QString FakeProgram::NextCommand(const QString&) {
+    ++polls_;
+    if (!flood.isEmpty())
+        return answerText(flood);
     setDelayedReply(true);
     poll_ = message();
     return {};

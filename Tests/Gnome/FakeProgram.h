@@ -34,6 +34,11 @@ public:
     std::function<QJsonArray(const CompanionCall&)> answer;
     /// While set, no call is answered, as by a program that is stopped; what comes is noted.
     bool isHung = false;
+    /// While set, the long poll is answered at once with these commands, again and again, as by a
+    /// program that floods.
+    QJsonArray flood;
+    /// How often the long poll has come so far.
+    [[nodiscard]] int polls() const { return polls_; }
     /// Answers all that came meanwhile, as one that goes on.
     void goOn();
 
@@ -76,6 +81,7 @@ private:
     QDBusConnection bus_;
     std::vector<CompanionCall> calls_;
     std::optional<QDBusMessage> poll_;
+    int polls_ = 0;
     /// What has not been answered.
     std::vector<std::pair<QDBusMessage, CompanionCall>> held_;
 };

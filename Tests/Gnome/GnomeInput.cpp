@@ -14,9 +14,11 @@ constexpr int leftButton = 0x110;
 
 } // namespace
 
-GnomeInput::GnomeInput(const QDBusConnection& bus, std::function<QPoint()> pointer)
+GnomeInput::GnomeInput(const QDBusConnection& bus, std::function<QPoint()> pointer,
+                       std::function<int(QPoint)> reach)
     : bus_(bus)
-    , pointer_(std::move(pointer)) {
+    , pointer_(std::move(pointer))
+    , reach_(std::move(reach)) {
     const QDBusMessage answer = bus_.call(
         QDBusMessage::createMethodCall(service, QStringLiteral("/org/gnome/Mutter/RemoteDesktop"),
                                        service, QStringLiteral("CreateSession")));
@@ -40,7 +42,7 @@ void GnomeInput::move(QPoint to) {
         if (from == to)
             return true;
         call(QStringLiteral("NotifyPointerMotionRelative"),
-             {double(to.x() - from.x()) / reach_, double(to.y() - from.y()) / reach_});
+             {double(to.x() - from.x()) / reach_(from), double(to.y() - from.y()) / reach_(from)});
         // The shell takes the step a little later; a second one before it would lead beyond.
         static_cast<void>(waitUntil([&] { return pointer_() != from; }, oneStep));
         return false;

@@ -10,12 +10,11 @@ namespace tilewright::testing {
 /// A mouse and a keyboard in a session of GNOME Shell.
 class GnomeInput final : public CompositorInput {
 public:
-    /// `pointer` answers where the shell has the pointer now.
-    GnomeInput(const QDBusConnection& bus, std::function<QPoint()> pointer);
+    /// `pointer` answers where the shell has the pointer now, `reach` how many units of the stage
+    /// the shell goes at a place for each that the mouse is moved by.
+    GnomeInput(const QDBusConnection& bus, std::function<QPoint()> pointer,
+               std::function<int(QPoint)> reach);
     ~GnomeInput() override;
-
-    /// How many units of the stage the shell goes for each that the mouse is moved by.
-    void setReach(int units) { reach_ = units; }
 
     /// Moves the mouse by that, in points, and does not wait until the pointer is there.
     void step(QPoint by);
@@ -33,7 +32,7 @@ private:
     QDBusConnection bus_;
     QString session_;
     std::function<QPoint()> pointer_;
-    int reach_ = 1;
+    std::function<int(QPoint)> reach_;
 };
 
 } // namespace tilewright::testing

@@ -2,9 +2,11 @@
 
 #include <QDBusConnectionInterface>
 #include <QDir>
+#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <Waiting.h>
+#include <cmath>
 #include <csignal>
 #include <gtest/gtest.h>
 #include <stdexcept>
@@ -15,6 +17,10 @@ namespace {
 
 /// A whole desktop has more to do than what is waited for elsewhere.
 constexpr std::chrono::seconds startPatience{60};
+
+QString sessionManager() {
+    return QStringLiteral("org.gnome.SessionManager");
+}
 
 QString windowScript(const QString& quotedTitle, const QString& rest) {
     return QStringLiteral("(() => { const w = global.get_window_actors().map(a => a.meta_window)"
@@ -104,10 +110,13 @@ bool GnomeSession::startShell() {
 
 void GnomeSession::waitUntilItRests() {
     // A pointer that begins in the corner opens the overview.
-    auto input = std::make_unique<GnomeInput>(bus(), [this] {
-        const QJsonArray at = ask(QStringLiteral("global.get_pointer()")).toArray();
-        return QPoint(at[0].toInt(), at[1].toInt());
-    });
+    auto input = std::make_unique<GnomeInput>(
+        bus(),
+        [this] {
+            const QJsonArray at = ask(QStringLiteral("global.get_pointer()")).toArray();
+            return QPoint(at[0].toInt(), at[1].toInt());
+        },
+        [this](QPoint at) { return unitsPerPoint(at); });
     input_ = input.get();
     setInput(std::move(input));
     EXPECT_TRUE(
@@ -190,45 +199,119 @@ QImage GnomeSession::picture() {
     return picture;
 }
 
-QRect GnomeSession::workArea(int display) {
+QRect GnomeSession::workArea(QPoint display) {
     return toRect(ask(QStringLiteral("(r => [r.x, r.y, r.width, r.height])"
-                                     "(Main.layoutManager.getWorkAreaForMonitor(%1))")
-                          .arg(display)));
+                                     "(Main.layoutManager.getWorkAreaForMonitor("
+                                     "Main.layoutManager.monitors"
+                                     ".findIndex(m => m.x === %1 && m.y === %2)))")
+                          .arg(display.x())
+                          .arg(display.y())));
 }
 
-int GnomeSession::unitsPerPoint() {
-    // A monitor's own scale is no measure of it: newer shells have one of 2, and a stage in points.
-    return ask(QStringLiteral(
-                   "imports.gi.St.ThemeContext.get_for_stage(global.stage).scale_factor"))
-        .toInt();
+int GnomeSession::unitsPerPoint(QPoint at) const {
+    for (const auto& [display, units] : units_) {
+        if (display.contains(at))
+            return units;
+    }
+    return 1;
 }
 
-void GnomeSession::setScale(int scale) {
-    const int bar = workArea(0).top();
-    const QColor ground = pixel(workArea(0).center());
+QJsonValue GnomeSession::displayState() {
     // The shell serves the call itself, so nothing in it can wait for the answer.
-    tell(QStringLiteral(R"((() => {
-        const {Gio, GLib} = imports.gi;
-        const call = (method, body, then) => Gio.DBus.session.call(
-            'org.gnome.Mutter.DisplayConfig', '/org/gnome/Mutter/DisplayConfig',
-            'org.gnome.Mutter.DisplayConfig', method, body, null, 0, -1, null,
-            (connection, result) => then(connection.call_finish(result)));
-        call('GetCurrentState', null, state => {
-            const [serial, [[[connector], [[mode]]]]] = state.recursiveUnpack();
-            const display = [0, 0, %1, 0, true, [[connector, mode, {}]]];
-            call('ApplyMonitorsConfig', new GLib.Variant('(uua(iiduba(ssa{sv}))a{sv})',
-                [serial, 1, [display], {}]), () => {});
-        });
-    })())")
-             .arg(scale));
+    tell(QStringLiteral(R"(imports.gi.Gio.DBus.session.call(
+        'org.gnome.Mutter.DisplayConfig', '/org/gnome/Mutter/DisplayConfig',
+        'org.gnome.Mutter.DisplayConfig', 'GetCurrentState', null, null, 0, -1, null,
+        (connection, result) => {
+            globalThis.displayState = connection.call_finish(result).deepUnpack();
+        }))"));
+    QJsonValue state;
     EXPECT_TRUE(waitUntil([&] {
-        return ask(QStringLiteral("global.display.get_monitor_scale(0)")).toInt() == scale &&
-               workArea(0).top() == bar * unitsPerPoint() &&
-               // It makes the ground anew, and shows none until then.
-               pixel(workArea(0).center()) == ground;
+        state = ask(QStringLiteral("(s => { globalThis.displayState = null; return s && ["
+                                   "s[0], s[1].map(([[connector], [[mode, , , , , scales]]]) =>"
+                                   " [connector, mode, scales]).sort()]; })"
+                                   "(globalThis.displayState ?? null)"));
+        return state.isArray();
     })) << describe();
-    // The mouse is moved by points.
-    input_->setReach(unitsPerPoint());
+    return state;
+}
+
+std::vector<double> GnomeSession::offeredScales() {
+    std::vector<double> scales;
+    for (const QJsonValue scale : displayState()[1][0][2].toArray())
+        scales.push_back(scale.toDouble());
+    return scales;
+}
+
+void GnomeSession::arrange(const std::vector<GnomeDisplay>& displays) {
+    const int barInPoints = workArea().top() / unitsPerPoint({});
+    const QColor ground = pixel(workArea().center());
+    const QJsonValue state = displayState();
+    QStringList wanted;
+    QStringList there;
+    for (std::size_t index = 0; index < displays.size(); ++index) {
+        const auto& [place, scale] = displays[index];
+        const QJsonValue monitor = state[1][int(index)];
+        wanted += QStringLiteral("[%1, %2, %3, 0, %4, [['%5', '%6', {}]]]")
+                      .arg(place.x())
+                      .arg(place.y())
+                      .arg(scale)
+                      .arg(index == 0 ? QStringLiteral("true") : QStringLiteral("false"),
+                           monitor[0].toString(), monitor[1].toString());
+        there += QStringLiteral("[%1, %2, %3]").arg(place.x()).arg(place.y()).arg(scale);
+    }
+    tell(QStringLiteral(R"(imports.gi.Gio.DBus.session.call(
+        'org.gnome.Mutter.DisplayConfig', '/org/gnome/Mutter/DisplayConfig',
+        'org.gnome.Mutter.DisplayConfig', 'ApplyMonitorsConfig',
+        new imports.gi.GLib.Variant('(uua(iiduba(ssa{sv}))a{sv})', [%1, 1, [%2], {}]),
+        null, 0, -1, null, null))")
+             .arg(state[0].toInt())
+             .arg(wanted.join(u',')));
+    // Each frame, and how many of its 1920 pixels are a unit, times the scale.
+    const QString frames =
+        QStringLiteral("Main.layoutManager.monitors.map(m => [m.x, m.y, m.width, m.height,"
+                       " global.display.get_monitor_scale(m.index)])");
+    EXPECT_TRUE(waitUntil([&] {
+        units_.clear();
+        for (const QJsonValue monitor : ask(frames).toArray())
+            units_.emplace_back(toRect(monitor), int(std::lround(monitor[4].toDouble() *
+                                                                 monitor[2].toDouble() / 1920)));
+        return ask(QStringLiteral("JSON.stringify([%1].filter(([x, y, scale]) =>"
+                                  " !%2.some(m => m[0] === x && m[1] === y"
+                                  " && Math.abs(m[4] - scale) < 0.01)))")
+                       .arg(there.join(u','), frames))
+                       .toString() == u"[]" &&
+               workArea().top() == barInPoints * unitsPerPoint({}) &&
+               // It makes the ground anew, and shows none until then.
+               pixel(workArea().center()) == ground;
+    })) << describe();
+}
+
+void GnomeSession::startSessionManager() {
+    writeFile(home() + QStringLiteral("/.config/gnome-session/sessions/none.session"),
+              "[GNOME Session]\nName=None\nRequiredComponents=\n");
+    const QString folder = QStringLiteral("/usr/libexec/");
+    const QString service = folder + QStringLiteral("gnome-session-service");
+    QStringList arguments{QStringLiteral("--session=none")};
+    const bool isNewer = QFile::exists(service);
+    if (!isNewer)
+        arguments += QStringLiteral("--disable-acceleration-check");
+    // What starts with the machine's own sessions is left out.
+    start(isNewer ? service : folder + QStringLiteral("gnome-session-binary"), arguments,
+          {{QStringLiteral("XDG_CONFIG_DIRS"), home() + QStringLiteral("/nothing")}});
+    EXPECT_TRUE(waitUntil([&] { return bus().interface()->isServiceRegistered(sessionManager()); },
+                          startPatience))
+        << describe();
+}
+
+bool GnomeSession::isKeptAwake() const {
+    constexpr quint32 goingIdle = 8;
+    QDBusMessage call = QDBusMessage::createMethodCall(
+        sessionManager(), QStringLiteral("/org/gnome/SessionManager"), sessionManager(),
+        QStringLiteral("IsInhibited"));
+    call << goingIdle;
+    const QDBusMessage answer = bus().call(call);
+    EXPECT_EQ(answer.type(), QDBusMessage::ReplyMessage) << answer.errorMessage().toStdString();
+    return answer.arguments().value(0).toBool();
 }
 
 void GnomeSession::setCompanionEnabled(bool enabled) {

@@ -4,11 +4,18 @@
 
 #include <CompositorSession.h>
 #include <QDBusMessage>
+#include <vector>
 
 namespace tilewright::testing {
 
 /// Whether our companion's files are there, and the companion is to run, before the shell starts.
 enum class CompanionAtStart { runs, isNowhere };
+
+/// Where a display is, and with how many of its pixels along each point.
+struct GnomeDisplay {
+    QPoint place;
+    double scale = 1;
+};
 
 /// A whole session of GNOME Shell, with our companion installed for its home. Places are units of
 /// the shell's stage.
@@ -36,12 +43,20 @@ public:
     void place(const QString& title, QRect area) override;
     [[nodiscard]] bool isDragging() override;
     [[nodiscard]] QImage picture() override;
-    /// What of a display is free of bars.
-    [[nodiscard]] QRect workArea(int display);
-    /// More than one where the stage has the display's pixels.
-    [[nodiscard]] int unitsPerPoint();
-    /// Gives the one display as many pixels along each point, as the user would, and waits for it.
-    void setScale(int scale);
+    /// What is free of bars of the display that begins there.
+    [[nodiscard]] QRect workArea(QPoint display = {});
+    /// How many units lie along a point at a place: more than one where the stage has the display's
+    /// pixels.
+    [[nodiscard]] int unitsPerPoint(QPoint at) const;
+    /// Arranges the displays so, as the user would, the first one as the primary, and waits for it.
+    void arrange(const std::vector<GnomeDisplay>& displays);
+    /// Which scales the shell offers for its displays.
+    [[nodiscard]] std::vector<double> offeredScales();
+
+    /// Starts the session manager, with nothing to manage, and waits for it.
+    void startSessionManager();
+    /// Whether somebody keeps it from letting the session go idle.
+    [[nodiscard]] bool isKeptAwake() const;
 
     /// Switches the companion on or off, as the user would.
     void setCompanionEnabled(bool enabled);
@@ -69,12 +84,17 @@ private:
     [[nodiscard]] bool startShell();
     void waitUntilItRests();
     [[nodiscard]] QDBusMessage evaluate(const QString& script) const;
+    /// The serial of what the shell has now, and each display with its connector, its mode and the
+    /// scales it is offered.
+    [[nodiscard]] QJsonValue displayState();
     [[nodiscard]] std::map<QString, QString> xServer() override;
 
     const int displays_;
     /// Which the base owns.
     GnomeInput* input_ = nullptr;
     int pictures_ = 0;
+    /// The displays' frames, and the units along a point of each, where these are not one.
+    std::vector<std::pair<QRect, int>> units_;
 };
 
 /// The extension that a build brings along.

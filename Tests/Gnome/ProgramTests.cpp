@@ -10,24 +10,6 @@
 namespace tilewright::testing {
 namespace {
 
-struct ProgramDrag : ProgramInGnome, ::testing::WithParamInterface<CompositorClient> {};
-
-INSTANTIATE_TEST_SUITE_P(Of, ProgramDrag,
-                         ::testing::Values(CompositorClient::qt, CompositorClient::gtk4,
-                                           CompositorClient::xwayland),
-                         [](const auto& client) { return std::string(name(client.param)); });
-
-TEST_P(ProgramDrag, WithControlShowsTheZonesAndEndsInTheOneUnderThePointer) {
-    const QString title = session.startClient(GetParam(), start);
-    dragToFirstZone(title);
-    session.input().glide(zone(1).center());
-    EXPECT_TRUE(waitUntil([&] { return isHighlighted(zone(1)); }));
-    EXPECT_FALSE(isHighlighted(zone(0)));
-    drop();
-    EXPECT_TRUE(waitUntil([&] { return session.frame(title) == zone(1); })) << session.describe();
-    EXPECT_FALSE(isHighlighted(zone(1)));
-}
-
 /// A program whose file can be replaced, as the companion's can.
 struct UpgradedPackage : ProgramInGnome {
     UpgradedPackage()
@@ -53,7 +35,7 @@ TEST_F(ProgramInGnome, TakesNoPartInADragThatEscapeCancelsOrThatHasNoControl) {
 TEST_F(ProgramInGnome, LeavesNothingWhenItIsKilledInMidDrag) {
     const QString title = session.startClient(CompositorClient::qt, start);
     dragToFirstZone(title);
-    program.signal(SIGKILL);
+    program->signal(SIGKILL);
     EXPECT_TRUE(waitUntil([&] { return !isHighlighted(zone(0)); }));
     EXPECT_TRUE(session.item().isEmpty());
     drop();
@@ -62,9 +44,9 @@ TEST_F(ProgramInGnome, LeavesNothingWhenItIsKilledInMidDrag) {
 
 TEST_F(ProgramInGnome, DoesNotHoldUpADragWhileItIsStopped) {
     const QString title = session.startClient(CompositorClient::qt, start);
-    dragWhileItIsStopped(title, program);
+    dragWhileItIsStopped(title, *program);
     EXPECT_TRUE(waitUntil([&] { return !isHighlighted(zone(0)); }));
-    program.signal(SIGCONT);
+    program->signal(SIGCONT);
     dragToFirstZone(title);
     drop();
     EXPECT_TRUE(waitUntil([&] { return session.frame(title) == zone(0); })) << session.describe();
@@ -124,10 +106,8 @@ TEST_F(ProgramInGnome, OpensItsPanelByTouchAndClosesItSo) {
     ASSERT_TRUE(openByTouch()) << session.describe();
     // The word in the lower left corner of the panel.
     session.tapScreen(session.frame(panelTitle).bottomLeft() + QPoint(60, -45));
-    EXPECT_TRUE(waitUntil([&] {
-        return !session.frame(QStringLiteral("Tilewright Settings")).isEmpty();
-    })) << "what lies in it"
-        << session.describe();
+    EXPECT_TRUE(waitUntil([&] { return !session.frame(settingsTitle).isEmpty(); }))
+        << "what lies in it" << session.describe();
 }
 
 TEST_F(ProgramInGnome, OpensItsPanelFromTheOverviewWithTheKeys) {
@@ -184,24 +164,10 @@ TEST_F(ProgramInGnome, OpensItsPanelBelowThePointerAtASecondStart) {
 }
 
 TEST_F(ProgramInGnome, BringsItsSettingsToTheFrontAgainWhenTheyAreAskedForAgain) {
-    const QString settings = QStringLiteral("Tilewright Settings");
-    const auto isInFront = [&] {
-        return session.ask(QStringLiteral("global.display.focus_window?.get_title()")).toString() ==
-               settings;
-    };
-    const auto askFor = [&] {
-        clickItem();
-        EXPECT_TRUE(waitUntil([&] { return isPanelReady(); }));
-        // The word in the lower left corner of the panel.
-        session.input().move(session.frame(panelTitle).bottomLeft() + QPoint(60, -45));
-        session.input().click();
-        EXPECT_TRUE(waitUntil([&] { return !isPanelOpen(); }));
-        EXPECT_TRUE(waitUntil(isInFront)) << session.describe();
-    };
-    askFor();
+    openSettings();
     static_cast<void>(session.startClient(CompositorClient::gtk4, start));
-    ASSERT_TRUE(waitUntil([&] { return !isInFront(); }));
-    askFor();
+    ASSERT_TRUE(waitUntil([&] { return !isInFront(settingsTitle); }));
+    openSettings();
 }
 
 TEST_F(ProgramInGnome, ShowsNothingBehindTheLockAndGoesOnAfterIt) {

@@ -13,6 +13,7 @@ enum class KernelKey : unsigned {
     shift = 42,
     alt = 56,
     space = 57,
+    left = 105,
     right = 106,
     super = 125
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "BusFlood.h"
 #include "CompositorSession.h"
 #include "Waiting.h"
 
@@ -32,8 +33,8 @@ struct ProgramInCompositor : ::testing::Test {
     }
     /// The part of the first display that zones divide.
     [[nodiscard]] virtual QRect workArea() = 0;
-    /// How many of the compositor's units lie along a point.
-    [[nodiscard]] virtual int unitsPerPoint() { return 1; }
+    /// How many of the compositor's units lie along a point on the display that has this place.
+    [[nodiscard]] virtual int unitsPerPoint(QPoint) { return 1; }
     /// The frame of a zone of the layout that every display begins with.
     [[nodiscard]] QRect zone(std::size_t index) {
         return frameOf(ZoneLayout::bentoBox().zones[index], workArea());
@@ -48,8 +49,8 @@ struct ProgramInCompositor : ::testing::Test {
     }
     /// Whether the overlay highlights that zone, by its border at the foot of the left edge.
     [[nodiscard]] bool isHighlighted(const QRect& zone) {
-        const QColor colour = session.pixel(
-            {zone.left() + 5 * unitsPerPoint(), zone.bottom() - 60 * unitsPerPoint()});
+        const int unit = unitsPerPoint(zone.center());
+        const QColor colour = session.pixel({zone.left() + 5 * unit, zone.bottom() - 60 * unit});
         return std::abs(colour.red() - 209) < 12 && std::abs(colour.green() - 140) < 12 &&
                std::abs(colour.blue() - 51) < 12;
     }
@@ -126,6 +127,25 @@ struct ProgramInCompositor : ::testing::Test {
         session.input().glide({1300, 700}, 20);
         EXPECT_TRUE(waitUntil([&] { return session.frame(title).contains(1300, 710); }));
         drop();
+    }
+    /// Drags a window into a zone while somebody makes that call all the time, and expects the
+    /// program to refuse it and to go on.
+    void expectToSnapUnderAFloodOf(const QDBusMessage& call, const QString& title) {
+        dragToFirstZone(title);
+        const BusFlood flood(session.busAddress(), call);
+        const auto passes = [&](int more) {
+            const int before = flood.calls();
+            return waitUntil([&] { return flood.calls() >= before + more; });
+        };
+        EXPECT_TRUE(passes(5000));
+        EXPECT_TRUE(flood.isRefused());
+        EXPECT_TRUE(isHighlighted(zone(0))) << session.describe();
+        session.input().glide(zone(1).center());
+        EXPECT_TRUE(waitUntil([&] { return isHighlighted(zone(1)); })) << session.describe();
+        drop();
+        EXPECT_TRUE(endsIn(title, zone(1))) << session.describe();
+        EXPECT_TRUE(passes(1000)) << "it went on all the time";
+        EXPECT_TRUE(flood.isRefused());
     }
     /// Starts the program once more, which is to leave it at the one that runs.
     void startAgain() {

@@ -1,0 +1,53 @@
+// The program with its companion in a session of GNOME Shell with others on its bus.
+
+#include "ProgramInGnome.h"
+
+#include <Companion/CompanionBus.h>
+#include <csignal>
+
+namespace tilewright::testing {
+
+TEST_F(ProgramInGnome, SnapsTheLastActiveWindowThatIsNotItsOwnByAClickOnAZoneInThePanel) {
+    const QString other = session.startClient(CompositorClient::gtk4, start);
+    const QRect lastBegins = start.translated(-200, 100);
+    const QString last = session.startClient(CompositorClient::qt, lastBegins);
+    ASSERT_TRUE(waitUntil([&] { return isInFront(last); })) << session.describe();
+    openSettings();
+    openPanel();
+    session.input().move(firstZoneInPanel());
+    session.input().click();
+    EXPECT_TRUE(endsIn(last, zone(0))) << session.describe();
+    EXPECT_EQ(session.frame(other), start);
+}
+
+TEST_F(ProgramInGnome, ListensToNoStrangerHoweverOftenHeCallsDuringADrag) {
+    QDBusMessage call =
+        QDBusMessage::createMethodCall(CompanionBus::serviceName(), CompanionBus::objectPath(),
+                                       CompanionBus::interfaceName(), QStringLiteral("Hello"));
+    call << QStringLiteral(
+        R"({"protocol":1,"shell":"43","displays":[],"focus":null,"pointer":[0,0],"keys":0})");
+    expectToSnapUnderAFloodOf(call, session.startClient(CompositorClient::qt, start));
+}
+
+TEST_F(ProgramInGnome, KeepsTheSessionFromGoingIdleUntilItIsToldToStopOrIsKilled) {
+    session.startSessionManager();
+    startAgainWith("control");
+    const auto pressSwitchFor = [&](bool awake) {
+        openPanel();
+        // A key that comes in the moment in which it opens finds nothing in it to press yet.
+        static_cast<void>(firstZoneInPanel());
+        session.input().tap(KernelKey::space);
+        EXPECT_TRUE(waitUntil([&] { return session.isKeptAwake() == awake; }))
+            << awake << session.describe();
+        session.input().tap(KernelKey::escape);
+        EXPECT_TRUE(waitUntil([&] { return !isPanelOpen(); }));
+    };
+    EXPECT_FALSE(session.isKeptAwake());
+    pressSwitchFor(true);
+    pressSwitchFor(false);
+    pressSwitchFor(true);
+    program->signal(SIGKILL);
+    EXPECT_TRUE(waitUntil([&] { return !session.isKeptAwake(); }));
+}
+
+} // namespace tilewright::testing
