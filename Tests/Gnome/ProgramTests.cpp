@@ -87,29 +87,6 @@ TEST_F(ProgramInGnome, OpensItsPanelBelowTheItemWithTheFocusAndClosesItInEveryWa
     EXPECT_TRUE(waitUntil([&] { return !isPanelOpen(); })) << "the overview";
 }
 
-TEST_F(ProgramInGnome, OpensItsPanelByTouchAndClosesItSo) {
-    session.input().move({300, 900});
-    const auto openByTouch = [&] {
-        session.tapScreen(item.center());
-        return waitUntil([&] { return isPanelReady(); });
-    };
-    ASSERT_TRUE(openByTouch()) << session.describe();
-    EXPECT_TRUE(session.frame(panelTitle).intersects(item.translated(0, item.height() + 20)));
-    session.tapScreen(item.center());
-    EXPECT_TRUE(waitUntil([&] { return !isPanelOpen(); })) << "the item";
-    EXPECT_TRUE(staysTrue([&] { return !isPanelOpen(); }, std::chrono::milliseconds(300)));
-
-    ASSERT_TRUE(openByTouch()) << session.describe();
-    session.tapScreen({300, 900});
-    EXPECT_TRUE(waitUntil([&] { return !isPanelOpen(); })) << "a touch outside";
-
-    ASSERT_TRUE(openByTouch()) << session.describe();
-    // The word in the lower left corner of the panel.
-    session.tapScreen(session.frame(panelTitle).bottomLeft() + QPoint(60, -45));
-    EXPECT_TRUE(waitUntil([&] { return !session.frame(settingsTitle).isEmpty(); }))
-        << "what lies in it" << session.describe();
-}
-
 TEST_F(ProgramInGnome, OpensItsPanelFromTheOverviewWithTheKeys) {
     const auto is = [&](const QString& state) {
         return session.ask(QStringLiteral("Main.overview.") + state).toBool();

@@ -1,0 +1,31 @@
+// The program with its companion in a session of GNOME Shell, used by fingers.
+
+#include "ProgramInGnome.h"
+
+namespace tilewright::testing {
+
+TEST_F(ProgramInGnome, OpensItsPanelByTouchAndClosesItSo) {
+    session.input().move({300, 900});
+    const auto openByTouch = [&] {
+        session.tapScreen(item.center());
+        return waitUntil([&] { return isPanelReady(); });
+    };
+    ASSERT_TRUE(openByTouch()) << session.describe();
+    EXPECT_TRUE(session.frame(panelTitle).intersects(item.translated(0, item.height() + 20)));
+    session.tapScreen(item.center());
+    EXPECT_TRUE(waitUntil([&] { return !isPanelOpen(); })) << "the item";
+    EXPECT_TRUE(staysTrue([&] { return !isPanelOpen(); }, std::chrono::milliseconds(300)));
+
+    ASSERT_TRUE(openByTouch()) << session.describe();
+    session.tapScreen({300, 900});
+    EXPECT_TRUE(waitUntil([&] { return !isPanelOpen(); })) << "a touch outside";
+
+    ASSERT_TRUE(openByTouch()) << session.describe();
+    // The word in the lower left corner of the panel.
+    session.tapScreen(session.frame(panelTitle).bottomLeft() + QPoint(60, -45));
+    EXPECT_TRUE(waitUntil([&] { return !session.frame(settingsTitle).isEmpty(); }))
+        << "what lies in it: the panel " << (isPanelOpen() ? "stays" : "is gone")
+        << session.describe();
+}
+
+} // namespace tilewright::testing
