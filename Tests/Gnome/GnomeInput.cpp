@@ -10,7 +10,6 @@ namespace tilewright::testing {
 namespace {
 
 const QString service = QStringLiteral("org.gnome.Mutter.RemoteDesktop");
-constexpr int leftButton = 0x110;
 
 } // namespace
 
@@ -50,20 +49,12 @@ void GnomeInput::move(QPoint to) {
         << to.x() << ", " << to.y();
 }
 
-void GnomeInput::press() {
-    call(QStringLiteral("NotifyPointerButton"), {leftButton, true});
+void GnomeInput::button(State state) {
+    call(QStringLiteral("NotifyPointerButton"), {leftButton, state == State::down});
 }
 
-void GnomeInput::release() {
-    call(QStringLiteral("NotifyPointerButton"), {leftButton, false});
-}
-
-void GnomeInput::pressKey(KernelKey key) {
-    call(QStringLiteral("NotifyKeyboardKeycode"), {unsigned(key), true});
-}
-
-void GnomeInput::releaseKey(KernelKey key) {
-    call(QStringLiteral("NotifyKeyboardKeycode"), {unsigned(key), false});
+void GnomeInput::key(KernelKey key, State state) {
+    call(QStringLiteral("NotifyKeyboardKeycode"), {unsigned(key), state == State::down});
 }
 
 void GnomeInput::call(const QString& method, const QVariantList& arguments) {

@@ -20,12 +20,10 @@ public:
     void step(QPoint by);
 
     void move(QPoint to) override;
-    void press() override;
-    void release() override;
-    void pressKey(KernelKey key) override;
-    void releaseKey(KernelKey key) override;
 
 private:
+    void button(State state) override;
+    void key(KernelKey key, State state) override;
     [[nodiscard]] QPoint place() const override { return pointer_(); }
     void call(const QString& method, const QVariantList& arguments = {});
 

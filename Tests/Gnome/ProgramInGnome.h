@@ -74,7 +74,6 @@ struct ProgramInGnome : ProgramInCompositor<GnomeSession> {
         return session.ask(QStringLiteral("global.display.focus_window?.get_title()")).toString() ==
                title;
     }
-    [[nodiscard]] bool isPanelOpen() { return !session.frame(panelTitle).isEmpty(); }
     /// What the shell says of the panel's window.
     [[nodiscard]] bool panelIs(const QString& property) {
         return session

@@ -32,22 +32,13 @@ TEST_F(ProgramInGnome, ListensToNoStrangerHoweverOftenHeCallsDuringADrag) {
 TEST_F(ProgramInGnome, KeepsTheSessionFromGoingIdleUntilItIsToldToStopOrIsKilled) {
     session.startSessionManager();
     startAgainWith("control");
-    const auto pressSwitchFor = [&](bool awake) {
+    const auto openWithContent = [&] {
         openPanel();
         // A key that comes in the moment in which it opens finds nothing in it to press yet.
         static_cast<void>(firstZoneInPanel());
-        session.input().tap(KernelKey::space);
-        EXPECT_TRUE(waitUntil([&] { return session.isKeptAwake() == awake; }))
-            << awake << session.describe();
-        session.input().tap(KernelKey::escape);
-        EXPECT_TRUE(waitUntil([&] { return !isPanelOpen(); }));
     };
-    EXPECT_FALSE(session.isKeptAwake());
-    pressSwitchFor(true);
-    pressSwitchFor(false);
-    pressSwitchFor(true);
-    program->signal(SIGKILL);
-    EXPECT_TRUE(waitUntil([&] { return !session.isKeptAwake(); }));
+    expectToKeepAwakeUntilToldToStopOrKilled(
+        *program, openWithContent, [&] { return session.isKeptAwake(); }, patience);
 }
 
 } // namespace tilewright::testing

@@ -26,7 +26,6 @@ struct ProgramInPlasmasDesktop : ProgramInCompositor<PlasmaSession> {
         session.input().move(item);
         session.input().click();
     }
-    [[nodiscard]] bool isPanelOpen() { return !session.frame(panelTitle).isEmpty(); }
     void openPanel() {
         clickItem();
         ASSERT_TRUE(waitUntil([&] {
@@ -64,20 +63,8 @@ TEST_F(ProgramInPlasmasDesktop, OpensItsPanelAtItsItemInTheTrayAndClosesItByAnot
 
 TEST_F(ProgramInPlasmasDesktop, KeepsTheDisplayAwakeUntilItIsToldToStopOrIsKilled) {
     constexpr std::chrono::seconds plasmaThinksItOver{20};
-    const auto pressSwitchFor = [&](bool awake) {
-        openPanel();
-        session.input().tap(KernelKey::space);
-        EXPECT_TRUE(waitUntil([&] { return desktop.isKeptAwake() == awake; }, plasmaThinksItOver))
-            << awake << session.describe();
-        session.input().tap(KernelKey::escape);
-        EXPECT_TRUE(waitUntil([&] { return !isPanelOpen(); }));
-    };
-    EXPECT_FALSE(desktop.isKeptAwake());
-    pressSwitchFor(true);
-    pressSwitchFor(false);
-    pressSwitchFor(true);
-    program->signal(SIGKILL);
-    EXPECT_TRUE(waitUntil([&] { return !desktop.isKeptAwake(); }, plasmaThinksItOver));
+    expectToKeepAwakeUntilToldToStopOrKilled(
+        *program, [&] { openPanel(); }, [&] { return desktop.isKeptAwake(); }, plasmaThinksItOver);
 }
 
 TEST_F(ProgramInPlasmasDesktop, DividesWhatThePanelLeavesOfTheDisplay) {

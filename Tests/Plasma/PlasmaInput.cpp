@@ -10,7 +10,6 @@ namespace tilewright::testing {
 
 namespace {
 
-constexpr unsigned leftButton = 0x110;
 constexpr unsigned knownVersion = 4;
 
 void bind(void* found, wl_registry* registry, std::uint32_t number, const char* interface,
@@ -64,34 +63,19 @@ void PlasmaInput::move(QPoint to) {
     send();
 }
 
-void PlasmaInput::button(unsigned state) {
+void PlasmaInput::button(State state) {
     if (!input_)
         return;
-    org_kde_kwin_fake_input_button(input_, leftButton, state);
+    org_kde_kwin_fake_input_button(input_, leftButton, static_cast<unsigned>(state));
     send();
 }
 
-void PlasmaInput::press() {
-    button(1);
-}
-
-void PlasmaInput::release() {
-    button(0);
-}
-
-void PlasmaInput::key(KernelKey key, unsigned state) {
+void PlasmaInput::key(KernelKey key, State state) {
     if (!input_)
         return;
-    org_kde_kwin_fake_input_keyboard_key(input_, static_cast<unsigned>(key), state);
+    org_kde_kwin_fake_input_keyboard_key(input_, static_cast<unsigned>(key),
+                                         static_cast<unsigned>(state));
     send();
-}
-
-void PlasmaInput::pressKey(KernelKey key) {
-    this->key(key, 1);
-}
-
-void PlasmaInput::releaseKey(KernelKey key) {
-    this->key(key, 0);
 }
 
 } // namespace tilewright::testing

@@ -97,15 +97,7 @@ TEST_F(ProgramInPlasma, ShowsItsZonesAboveAFullScreenWindowAndLeavesThatAlone) {
 }
 
 TEST_F(ProgramInPlasma, FillsAZoneWithATerminalAsFarAsItsCellsGo) {
-    constexpr int largestCell = 32;
-    const QString title = session.startClient(CompositorClient::terminal, start);
-    dragToFirstZone(title);
-    drop();
-    EXPECT_TRUE(endsIn(title, zone(0), largestCell)) << session.describe();
-    const QRect frame = session.frame(title);
-    EXPECT_EQ(frame.topLeft(), zone(0).topLeft());
-    EXPECT_TRUE(
-        staysTrue([&] { return session.frame(title) == frame; }, std::chrono::milliseconds(400)));
+    expectToFillAZoneWithATerminal(start);
 }
 
 TEST_F(ProgramInPlasma, ShowsItsZonesAndTakesThemAwayWithNoneOfKWinsEffects) {

@@ -22,7 +22,19 @@ struct OtherSession {
     friend std::ostream& operator<<(std::ostream& out, const OtherSession& session) {
         return out << session.name;
     }
+    [[nodiscard]] static std::string nameOf(const ::testing::TestParamInfo<OtherSession>& session) {
+        return session.param.name;
+    }
 };
+
+/// The sessions of one compositor, whose display has this size: alone and beside an X server.
+[[nodiscard]] inline auto
+sessionsOf(const std::function<std::unique_ptr<LayerSession>(LayerSession::Beside)>& start,
+           QSize display) {
+    using enum LayerSession::Beside;
+    return ::testing::Values(OtherSession{"Alone", start, nothing, display},
+                             OtherSession{"WithAnXServer", start, xServer, display});
+}
 
 /// The real program in such a session: used by mouse and keyboard, seen by a program for the blind
 /// and, on the X server beside it, by another client of that.

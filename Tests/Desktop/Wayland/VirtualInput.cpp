@@ -11,8 +11,6 @@ namespace tilewright::testing {
 
 namespace {
 
-constexpr unsigned leftButton = 0x110;
-
 /// What the compositor makes a whole keymap of.
 constexpr char keymap[] = R"keymap(xkb_keymap {
 xkb_keycodes { include "evdev+aliases(qwerty)" };
@@ -104,35 +102,20 @@ void VirtualInput::move(QPoint to) {
     send();
 }
 
-void VirtualInput::button(unsigned state) {
+void VirtualInput::button(State state) {
     if (!pointer_)
         return;
-    zwlr_virtual_pointer_v1_button(pointer_, 0, leftButton, state);
+    zwlr_virtual_pointer_v1_button(pointer_, 0, leftButton, static_cast<unsigned>(state));
     zwlr_virtual_pointer_v1_frame(pointer_);
     send();
 }
 
-void VirtualInput::press() {
-    button(1);
-}
-
-void VirtualInput::release() {
-    button(0);
-}
-
-void VirtualInput::key(KernelKey key, unsigned state) {
+void VirtualInput::key(KernelKey key, State state) {
     if (!keyboard_)
         return;
-    zwp_virtual_keyboard_v1_key(keyboard_, 0, static_cast<unsigned>(key), state);
+    zwp_virtual_keyboard_v1_key(keyboard_, 0, static_cast<unsigned>(key),
+                                static_cast<unsigned>(state));
     send();
-}
-
-void VirtualInput::pressKey(KernelKey key) {
-    this->key(key, 1);
-}
-
-void VirtualInput::releaseKey(KernelKey key) {
-    this->key(key, 0);
 }
 
 } // namespace tilewright::testing

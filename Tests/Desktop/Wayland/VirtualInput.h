@@ -20,15 +20,11 @@ public:
     ~VirtualInput() override;
 
     void move(QPoint to) override;
-    void press() override;
-    void release() override;
-    void pressKey(KernelKey key) override;
-    void releaseKey(KernelKey key) override;
 
 private:
+    void button(State state) override;
+    void key(KernelKey key, State state) override;
     [[nodiscard]] QPoint place() const override { return at_; }
-    void button(unsigned state);
-    void key(KernelKey key, unsigned state);
     void describeKeys();
     void send();
 

@@ -31,14 +31,23 @@ public:
     virtual void move(QPoint to) = 0;
     /// Moves it there in several steps.
     void glide(QPoint to, int steps = 8);
-    virtual void press() = 0;
-    virtual void release() = 0;
+    /// The left button, as the others below.
+    void press() { button(State::down); }
+    void release() { button(State::up); }
     void click();
-    virtual void pressKey(KernelKey key) = 0;
-    virtual void releaseKey(KernelKey key) = 0;
+    void pressKey(KernelKey key) { this->key(key, State::down); }
+    void releaseKey(KernelKey key) { this->key(key, State::up); }
     void tap(KernelKey key);
 
+protected:
+    /// As input devices tell it.
+    enum class State : unsigned { up = 0, down = 1 };
+    /// The kernel's number of the left button.
+    static constexpr int leftButton = 0x110;
+
 private:
+    virtual void button(State state) = 0;
+    virtual void key(KernelKey key, State state) = 0;
     /// Where the pointer is now.
     [[nodiscard]] virtual QPoint place() const = 0;
 };

@@ -8,6 +8,7 @@
 #include <WindowManager/ZoneLayout.h>
 #include <cmath>
 #include <csignal>
+#include <functional>
 #include <gtest/gtest.h>
 
 namespace tilewright::testing {
@@ -128,6 +129,39 @@ struct ProgramInCompositor : ::testing::Test {
         EXPECT_TRUE(waitUntil([&] { return session.frame(title).contains(1300, 710); }));
         drop();
     }
+    /// Drags a terminal into a zone, and expects it to fill that as far as its cells go.
+    void expectToFillAZoneWithATerminal(const QRect& start) {
+        constexpr int largestCell = 32;
+        const QString title = session.startClient(CompositorClient::terminal, start);
+        dragToFirstZone(title);
+        drop();
+        EXPECT_TRUE(endsIn(title, zone(0), largestCell)) << session.describe();
+        const QRect frame = session.frame(title);
+        EXPECT_EQ(frame.topLeft(), zone(0).topLeft());
+        EXPECT_TRUE(staysTrue([&] { return session.frame(title) == frame; },
+                              std::chrono::milliseconds(400)));
+    }
+    /// Switches keep-awake on and off in the panel, which `openPanel` opens, and kills the program
+    /// in the end; expects the desktop, to follow within the deadline.
+    void expectToKeepAwakeUntilToldToStopOrKilled(const Subprocess& program,
+                                                  const std::function<void()>& openPanel,
+                                                  const std::function<bool()>& isKeptAwake,
+                                                  std::chrono::milliseconds deadline) {
+        const auto pressSwitchFor = [&](bool awake) {
+            openPanel();
+            session.input().tap(KernelKey::space);
+            EXPECT_TRUE(waitUntil([&] { return isKeptAwake() == awake; }, deadline))
+                << awake << session.describe();
+            session.input().tap(KernelKey::escape);
+            EXPECT_TRUE(waitUntil([&] { return !isPanelOpen(); }));
+        };
+        EXPECT_FALSE(isKeptAwake());
+        pressSwitchFor(true);
+        pressSwitchFor(false);
+        pressSwitchFor(true);
+        program.signal(SIGKILL);
+        EXPECT_TRUE(waitUntil([&] { return !isKeptAwake(); }, deadline));
+    }
     /// Drags a window into a zone while somebody makes that call all the time, and expects the
     /// program to refuse it and to go on.
     void expectToSnapUnderAFloodOf(const QDBusMessage& call, const QString& title) {
@@ -153,6 +187,7 @@ struct ProgramInCompositor : ::testing::Test {
         EXPECT_TRUE(second.waitForEnd());
         EXPECT_EQ(second.exitCode(), 0);
     }
+    [[nodiscard]] bool isPanelOpen() { return !session.frame(panelTitle).isEmpty(); }
     void expectPanelBelow(QPoint pointer) {
         const QRect frame = session.frame(panelTitle);
         EXPECT_NEAR(frame.center().x(), pointer.x(), 1);
