@@ -12,6 +12,7 @@
 #include <Tilewright/DesktopChoice.h>
 #include <Tilewright/Legacy.h>
 #include <Tilewright/Succession.h>
+#include <TilewrightUI/Symbols.h>
 #include <Wayland/WaylandPlatform.h>
 #include <X11/X11Platform.h>
 #include <X11/X11ServerProbe.h>
@@ -19,6 +20,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QGuiApplication>
 #include <QLibraryInfo>
 #include <QProcessEnvironment>
 #include <algorithm>
@@ -35,7 +37,16 @@ public:
     [[nodiscard]] std::shared_ptr<void> precaution() const override {
         return std::make_shared<BusPrecaution>();
     }
+    [[nodiscard]] std::unique_ptr<Platform> open() const final {
+        // Window managers and bars take it from the windows, not from the program as macOS does.
+        QGuiApplication::setWindowIcon(symbols::applicationIcon());
+        return openPlatform();
+    }
     [[nodiscard]] std::shared_ptr<void> beginLife() const override { return nullptr; }
+
+protected:
+    /// What is opened by open().
+    [[nodiscard]] virtual std::unique_ptr<Platform> openPlatform() const = 0;
 };
 
 class X11Backend final : public LinuxBackend {
@@ -46,7 +57,9 @@ public:
     [[nodiscard]] std::vector<std::string> qtArguments() const override {
         return {"-platform", "xcb"};
     }
-    [[nodiscard]] std::unique_ptr<Platform> open() const override {
+
+protected:
+    [[nodiscard]] std::unique_ptr<Platform> openPlatform() const override {
         auto platform = X11Platform::open(session_);
         if (!platform)
             std::fputs("tilewright: the X server is gone\n", stderr);
@@ -63,7 +76,9 @@ public:
     [[nodiscard]] std::vector<std::string> qtArguments() const override {
         return {"-platform", "wayland"};
     }
-    [[nodiscard]] std::unique_ptr<Platform> open() const override {
+
+protected:
+    [[nodiscard]] std::unique_ptr<Platform> openPlatform() const override {
         return std::make_unique<Desktop>();
     }
 };

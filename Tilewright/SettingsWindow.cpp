@@ -1,7 +1,6 @@
 #include "SettingsWindow.h"
 
 #include <Platform/Platform.h>
-#include <TilewrightUI/Symbols.h>
 
 #include <QCloseEvent>
 #include <QGuiApplication>
@@ -23,7 +22,6 @@ SettingsWindow::SettingsWindow(std::unique_ptr<SettingsContent> content)
     }) {
     setObjectName(QStringLiteral("settings"));
     setWindowTitle(tr("Tilewright Settings"));
-    setWindowIcon(symbols::applicationIcon());
     connect(new QShortcut(QKeySequence::Close, this), &QShortcut::activated, this, &QWidget::close);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins({});

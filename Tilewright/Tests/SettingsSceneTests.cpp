@@ -117,19 +117,6 @@ TEST_F(SettingsSceneTest, ClosesByTheUsualKeys) {
     EXPECT_EQ(scene.window(), nullptr);
 }
 
-TEST_F(SettingsSceneTest, HasTheProgramsIconInTheSizesThatDesktopsShow) {
-    scene.open();
-    const QIcon icon = scene.window()->windowIcon();
-    for (const int side : {16, 32, 48}) {
-        EXPECT_TRUE(icon.availableSizes().contains(QSize(side, side))) << side;
-        const QImage image = icon.pixmap(QSize(side, side), 1.0).toImage();
-        EXPECT_EQ(image.pixelColor(0, 0).alpha(), 0) << "its corners are round";
-        // The large tile, at its upper left.
-        const QColor tile = image.pixelColor(side * 40 / 128, side * 36 / 128);
-        EXPECT_GT(tile.red() - tile.blue(), 100) << side;
-    }
-}
-
 TEST_F(SettingsSceneTest, DestroysItsViewsWhenTheWindowCloses) {
     scene.open();
     const QPointer<QWidget> window = scene.window();

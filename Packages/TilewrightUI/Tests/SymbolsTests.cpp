@@ -140,6 +140,18 @@ TEST(Symbols, IconsRenderThemselvesAtEachSize) {
     }
 }
 
+TEST(Symbols, TheProgramsIconHasTheSizesThatDesktopsShow) {
+    const QIcon icon = symbols::applicationIcon();
+    for (const int side : {16, 32, 48}) {
+        EXPECT_TRUE(icon.availableSizes().contains(QSize(side, side))) << side;
+        const QImage image = icon.pixmap(QSize(side, side), 1.0).toImage();
+        EXPECT_EQ(image.pixelColor(0, 0).alpha(), 0) << "its corners are round";
+        // The large tile, at its upper left.
+        const QColor tile = image.pixelColor(side * 40 / 128, side * 36 / 128);
+        EXPECT_GT(tile.red() - tile.blue(), 100) << side;
+    }
+}
+
 TEST(Symbols, OfUnknownNamesPaintNothing) {
     QImage image(16, 16, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);

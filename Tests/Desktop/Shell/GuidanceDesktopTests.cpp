@@ -6,11 +6,44 @@
 #include <Waiting.h>
 
 #include <QFile>
+#include <algorithm>
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
 
 namespace tilewright::testing {
+
+namespace {
+
+/// The pictures that a window offers to those who list windows.
+std::vector<QImage> icons(const XInspector& look, XInspector::Window window) {
+    std::vector<QImage> pictures;
+    const std::vector<quint32> items = look.property(window, "_NET_WM_ICON");
+    for (std::size_t next = 0; next + 2 < items.size();) {
+        const std::size_t width = items[next];
+        const std::size_t height = items[next + 1];
+        next += 2;
+        if (width == 0 || height == 0 || width > (items.size() - next) / height)
+            return {};
+        QImage& picture = pictures.emplace_back(int(width), int(height), QImage::Format_ARGB32);
+        for (std::size_t row = 0; row < height; ++row, next += width)
+            std::copy_n(&items[next], width,
+                        reinterpret_cast<quint32*>(picture.scanLine(int(row))));
+    }
+    return pictures;
+}
+
+/// Whether a window bears the program's icon: round corners, and a large amber tile.
+bool bearsOurIcon(const XInspector& look, std::optional<XInspector::Window> window) {
+    const std::vector<QImage> pictures = window ? icons(look, *window) : std::vector<QImage>();
+    return std::any_of(pictures.begin(), pictures.end(), [](const QImage& picture) {
+        const QColor tile = picture.pixelColor(15, 13);
+        return picture.size() == QSize(48, 48) && picture.pixelColor(0, 0).alpha() == 0 &&
+               tile.red() - tile.blue() > 100;
+    });
+}
+
+} // namespace
 
 TEST(GuidanceOnScreen, TheAccessibilityTabOpensAWindowThatSaysWhatAWaylandSessionLacks) {
     ShellDesktop desktop;
@@ -25,6 +58,20 @@ TEST(GuidanceOnScreen, TheAccessibilityTabOpensAWindowThatSaysWhatAWaylandSessio
     EXPECT_TRUE(waitUntil(
         [&] { return !user.find(u"label"_s, u"Windows cannot be moved in this session"_s); }));
     EXPECT_TRUE(program.isRunning());
+}
+
+TEST(GuidanceOnScreen, TheWindowBearsTheProgramsIconAsTheSettingsDo) {
+    ShellDesktop desktop;
+    desktop.startTray(TrayHost::systemTray);
+    ShellUser user(desktop);
+    const PretendedWaylandSession session;
+    user.startProgram(session.environment());
+    user.openSettings(u"Accessibility"_s);
+    user.click(u"button"_s, u"Open Privacy & Security Settings"_s);
+    user.place(u"label"_s, u"Windows cannot be moved in this session"_s);
+    const XInspector& look = desktop.inspector();
+    EXPECT_TRUE(bearsOurIcon(look, look.clientTitled(u"Set Up Window Snapping"_s)));
+    EXPECT_TRUE(bearsOurIcon(look, desktop.settingsWindow()));
 }
 
 TEST(GuidanceOnScreen, TheWindowFollowsTheWindowManagerAndOpensTheDesktopsOwnSettings) {
