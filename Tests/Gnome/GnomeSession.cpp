@@ -352,11 +352,21 @@ void GnomeSession::tapScreen(QPoint at) {
         const backend = Clutter.get_default_backend?.() ?? global.stage.get_context().get_backend();
         globalThis.touchScreen ??= backend.get_default_seat()
             .create_virtual_device(Clutter.InputDeviceType.TOUCHSCREEN_DEVICE);
+        globalThis.isTouchTold = false;
+        const told = () => { globalThis.isTouchTold = true; return false; };
+        const seen = global.stage.connect('captured-event', (stage, event) => {
+            if (event.type() === Clutter.EventType.TOUCH_BEGIN) {
+                stage.disconnect(seen);
+                GLib.idle_add(GLib.PRIORITY_LOW, told);
+            }
+            return Clutter.EVENT_PROPAGATE;
+        });
         touchScreen.notify_touch_down(GLib.get_monotonic_time(), 0, %1, %2);
     })())")
              .arg(at.x())
              .arg(at.y()));
-    // In another frame: no finger is faster.
+    // Lifted before clients are told of it, it would be lost on Qt's, and the next one, too.
+    EXPECT_TRUE(waitUntil([&] { return ask(QStringLiteral("isTouchTold")).toBool(); }));
     tell(QStringLiteral("touchScreen.notify_touch_up(imports.gi.GLib.get_monotonic_time(), 0)"));
 }
 

@@ -43,11 +43,14 @@ struct ProgramInGnome : ProgramInCompositor<GnomeSession> {
     /// Opens the settings, or brings them forward, from the panel.
     void openSettings() {
         openPanel();
-        // The word in the lower left corner of the panel.
-        session.input().move(session.frame(panelTitle).bottomLeft() + QPoint(60, -45));
+        session.input().move(settingsInPanel());
         session.input().click();
         EXPECT_TRUE(waitUntil([&] { return !isPanelOpen(); }));
         EXPECT_TRUE(waitUntil([&] { return isInFront(settingsTitle); })) << session.describe();
+    }
+    /// Where the open panel has the word that leads to the settings: in its lower left corner.
+    [[nodiscard]] QPoint settingsInPanel() {
+        return session.frame(panelTitle).bottomLeft() + QPoint(60, -45);
     }
     /// Where the panel's large picture of a layout has the zone in the upper left corner. Fails the
     /// test where the open panel has none.

@@ -4,7 +4,7 @@
 
 namespace tilewright::testing {
 
-TEST_F(ProgramInGnome, OpensItsPanelByTouchAndClosesItSo) {
+TEST_F(ProgramInGnome, OpensItsPanelByTouchUsesWhatLiesInItAndClosesItSo) {
     session.input().move({300, 900});
     const auto openByTouch = [&] {
         session.tapScreen(item.center());
@@ -19,6 +19,13 @@ TEST_F(ProgramInGnome, OpensItsPanelByTouchAndClosesItSo) {
     ASSERT_TRUE(openByTouch()) << session.describe();
     session.tapScreen({300, 900});
     EXPECT_TRUE(waitUntil([&] { return !isPanelOpen(); })) << "a touch outside";
+
+    ASSERT_TRUE(openByTouch()) << session.describe();
+    session.tapScreen(settingsInPanel());
+    EXPECT_TRUE(waitUntil([&] { return isInFront(settingsTitle); }))
+        << "what lies in it: the panel " << (isPanelOpen() ? "stays" : "is gone")
+        << session.describe();
+    EXPECT_FALSE(isPanelOpen());
 }
 
 } // namespace tilewright::testing
