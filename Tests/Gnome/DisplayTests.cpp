@@ -4,6 +4,8 @@
 #include "ProgramInGnome.h"
 
 #include <OverlayEdges.h>
+#include <algorithm>
+#include <cmath>
 #include <ostream>
 
 namespace tilewright::testing {
@@ -36,6 +38,29 @@ INSTANTIATE_TEST_SUITE_P(
         Arrangement{"AboveEachOtherOfScalesOneAndTwo", {{0, 1080}, 2}, CompositorClient::xwayland}),
     [](const auto& arrangement) { return std::string(arrangement.param.name); });
 
+/// A session of its own for each scale: clients take a while to follow a change.
+struct Bench : ProgramInGnome {
+    void TestBody() override {}
+
+    void expectToSnapAt(double scale) {
+        SCOPED_TRACE(scale);
+        session.arrange({{{}, scale}});
+        const QColor ground = session.pixel(workArea().center());
+        // Small enough to leave both edges that are looked at on the bare ground.
+        const int unit = unitsPerPoint({});
+        const QString title = session.startClient(CompositorClient::qt,
+                                                  {100 * unit, 60 * unit, 240 * unit, 160 * unit});
+        dragToFirstZone(title);
+        if (std::floor(scale) == scale) {
+            EXPECT_TRUE(waitUntil([&] {
+                return OverlayEdges(session.picture(), scale).areCrispOn(ground);
+            })) << session.describe();
+        }
+        drop();
+        EXPECT_TRUE(endsIn(title, zone(0))) << session.describe();
+    }
+};
+
 } // namespace
 
 TEST_P(ProgramOnTwoMonitors, ShowsTheZonesOfTheOneUnderThePointerAndEndsInThem) {
@@ -44,33 +69,24 @@ TEST_P(ProgramOnTwoMonitors, ShowsTheZonesOfTheOneUnderThePointerAndEndsInThem) 
 }
 
 TEST(ProgramAtAnyScale, ShowsTheZonesAndEndsInThemAtEveryOneThatTheShellOffers) {
-    // A session for each: clients take a while to follow a change.
-    struct Bench : ProgramInGnome {
-        void TestBody() override {}
-    };
     std::size_t count = 1;
     for (std::size_t index = 0; index < count; ++index) {
         Bench bench;
         const std::vector<double> scales = bench.session.offeredScales();
         count = scales.size();
         ASSERT_GE(count, 2U);
-        const double scale = scales[index];
-        SCOPED_TRACE(scale);
-        bench.session.arrange({{{}, scale}});
-        const QColor ground = bench.session.pixel(bench.workArea().center());
-        // Small enough to leave both edges that are looked at on the bare ground.
-        const int unit = bench.unitsPerPoint({});
-        const QString title = bench.session.startClient(
-            CompositorClient::qt, {100 * unit, 60 * unit, 240 * unit, 160 * unit});
-        bench.dragToFirstZone(title);
-        if (std::floor(scale) == scale) {
-            EXPECT_TRUE(waitUntil([&] {
-                return OverlayEdges(bench.session.picture(), scale).areCrispOn(ground);
-            })) << bench.session.describe();
-        }
-        bench.drop();
-        EXPECT_TRUE(bench.endsIn(title, bench.zone(0))) << bench.session.describe();
+        bench.expectToSnapAt(scales[index]);
     }
+}
+
+TEST(ProgramAtAnyScale, DoesSoAtFractionsWhereTheUserHasToAskForThem) {
+    Bench bench;
+    bench.session.offerFractionalScales();
+    const std::vector<double> scales = bench.session.offeredScales();
+    const auto scale = std::find_if(scales.begin(), scales.end(),
+                                    [](double offered) { return std::abs(offered - 1.25) < 0.01; });
+    ASSERT_NE(scale, scales.end());
+    bench.expectToSnapAt(*scale);
 }
 
 } // namespace tilewright::testing

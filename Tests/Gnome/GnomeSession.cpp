@@ -235,6 +235,16 @@ QJsonValue GnomeSession::displayState() {
     return state;
 }
 
+void GnomeSession::offerFractionalScales() {
+    tell(QStringLiteral("new imports.gi.Gio.Settings({schema_id: 'org.gnome.mutter'})"
+                        ".set_strv('experimental-features', ['scale-monitor-framebuffer'])"));
+    EXPECT_TRUE(waitUntil([&] {
+        const std::vector<double> scales = offeredScales();
+        return std::any_of(scales.begin(), scales.end(),
+                           [](double scale) { return std::floor(scale) != scale; });
+    })) << describe();
+}
+
 std::vector<double> GnomeSession::offeredScales() {
     std::vector<double> scales;
     for (const QJsonValue scale : displayState()[1][0][2].toArray())
@@ -254,7 +264,7 @@ void GnomeSession::arrange(const std::vector<GnomeDisplay>& displays) {
         wanted += QStringLiteral("[%1, %2, %3, 0, %4, [['%5', '%6', {}]]]")
                       .arg(place.x())
                       .arg(place.y())
-                      .arg(scale)
+                      .arg(scale, 0, 'g', QLocale::FloatingPointShortest)
                       .arg(index == 0 ? QStringLiteral("true") : QStringLiteral("false"),
                            monitor[0].toString(), monitor[1].toString());
         there += QStringLiteral("[%1, %2, %3]").arg(place.x()).arg(place.y()).arg(scale);

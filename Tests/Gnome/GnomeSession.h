@@ -50,6 +50,9 @@ public:
     [[nodiscard]] int unitsPerPoint(QPoint at) const;
     /// Arranges the displays so, as the user would, the first one as the primary, and waits for it.
     void arrange(const std::vector<GnomeDisplay>& displays);
+    /// Has the shell offer its displays scales between the whole ones, too, as the user would, and
+    /// waits for it.
+    void offerFractionalScales();
     /// Which scales the shell offers for its displays.
     [[nodiscard]] std::vector<double> offeredScales();
 

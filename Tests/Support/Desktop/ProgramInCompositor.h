@@ -56,12 +56,16 @@ struct ProgramInCompositor : ::testing::Test {
                std::abs(colour.blue() - 51) < 12;
     }
     void dragToFirstZone(const QString& title, KernelKey key = KernelKey::control) {
+        dragTo(zone(0), title, key);
+    }
+    /// Drags a window to a zone, and presses the key there.
+    void dragTo(const QRect& zone, const QString& title, KernelKey key = KernelKey::control) {
         session.grab(title);
-        session.input().glide(zone(0).center());
+        session.input().glide(zone.center());
         session.input().pressKey(key);
         // The zones show at the next motions with the key held.
-        session.input().glide(zone(0).center() + QPoint(6, 0), 3);
-        ASSERT_TRUE(waitUntil([&] { return isHighlighted(zone(0)); })) << session.describe();
+        session.input().glide(zone.center() + QPoint(6, 0), 3);
+        ASSERT_TRUE(waitUntil([&] { return isHighlighted(zone); })) << session.describe();
     }
     void drop(KernelKey key = KernelKey::control) {
         session.input().release();
@@ -91,14 +95,16 @@ struct ProgramInCompositor : ::testing::Test {
         EXPECT_TRUE(waitUntil([&] { return !session.isDragging(); }));
         EXPECT_EQ(session.frame(title).size(), start.size());
     }
-    /// Drags a window to a display with this work area and back, and expects each display to show
-    /// and to fill its own zones, and only while the pointer is over it.
+    /// Drags a window to a display with this work area and back, the key pressed where each drag
+    /// began, and expects each display to show and to fill its own zones, and only while the
+    /// pointer is over it.
     void expectEachDisplaysOwnZones(const QString& title, const QRect& second, int tolerance = 0) {
         const auto third = [&](int index) {
             return frameOf(ZoneLayout::thirds().zones[std::size_t(index)], second);
         };
         const QPoint onFirst = zone(3).center();
-        const QPoint onSecond = third(0).center();
+        // Beside the window that hangs over from the first one.
+        const QPoint onSecond = third(0).center() - QPoint(third(0).width() / 4, 0);
         const QColor groundOfFirst = session.pixel(onFirst);
         const QColor groundOfSecond = session.pixel(onSecond);
         const auto becomes = [&](QPoint at, const QColor& ground) {
@@ -115,7 +121,10 @@ struct ProgramInCompositor : ::testing::Test {
         EXPECT_TRUE(endsIn(title, third(1), tolerance)) << session.describe();
         EXPECT_TRUE(becomes(onSecond, groundOfSecond));
 
-        dragToFirstZone(title);
+        dragTo(third(0), title);
+        EXPECT_TRUE(becomes(onFirst, groundOfFirst));
+        session.input().glide(zone(0).center());
+        EXPECT_TRUE(waitUntil([&] { return isHighlighted(zone(0)); })) << session.describe();
         EXPECT_TRUE(becomes(onSecond, groundOfSecond));
         drop();
         EXPECT_TRUE(endsIn(title, zone(0), tolerance)) << session.describe();
