@@ -3,6 +3,7 @@
 #include "DragScript.h"
 
 #include <array>
+#include <functional>
 #include <initializer_list>
 #include <memory>
 
@@ -16,8 +17,9 @@ inline constexpr std::array draggedClients{ClientKind::xterm, ClientKind::qt,
 /// After each the overlay is gone, and the active window is the one that was dragged.
 class SnapCases {
 public:
-    /// Starts the program with this key.
-    SnapCases(DesktopSession& desktop, const QString& modifier);
+    /// Starts the program with this key. `restart`, where there is one, starts a window manager
+    /// once more that is known to end by itself at times.
+    SnapCases(DesktopSession& desktop, const QString& modifier, std::function<bool()> restart = {});
 
     /// Dropped in a zone, the window fills it.
     void dropInAZone(ClientKind kind, KeyTiming timing, std::size_t zone);
@@ -48,6 +50,9 @@ private:
     [[nodiscard]] QRect frame(std::size_t zone) const;
     /// Waits until the window that was dragged is the active one.
     void expectActive(const TestClient& client) const;
+    /// Opens a window, drags it and has it close meanwhile; returns when the window manager has
+    /// taken note of that, or has ended.
+    void closeWhileDragged(ClientKind kind, KeyTiming timing, QPoint from);
     void maximise(const TestClient& client) const;
     void dragAndDrop(ClientKind kind, const TestClient& client, KeyTiming timing, QPoint target,
                      const QRect& expected);
@@ -57,6 +62,7 @@ private:
     RunningProgram program_;
     DragScript script_;
     QRect area_;
+    std::function<bool()> restart_;
 };
 
 } // namespace tilewright::testing

@@ -21,6 +21,15 @@ struct WindowManagerDrag : ::testing::TestWithParam<Desk> {
         ASSERT_TRUE(desktop.startWindowManager(GetParam().kind, GetParam().compositing));
     }
 
+    /// Mutter 43 at times ends by an X error of its own when a window closes that it moves, with no
+    /// other program about as well: it is started once more then.
+    std::function<bool()> restart() {
+        if (GetParam().kind != WindowManagerKind::mutter)
+            return {};
+        return
+            [this] { return desktop.startWindowManager(GetParam().kind, GetParam().compositing); };
+    }
+
     /// A client that draws its own bar. With i3 its wish to be moved is at times not taken up, for
     /// as long as the button is held; an ordinary window stands in for it there.
     static ClientKind ownBar() {
@@ -53,7 +62,7 @@ TEST_P(WindowManagerDrag, SnapsByControl) {
 }
 
 TEST_P(WindowManagerDrag, SnapsByShift) {
-    SnapCases cases(desktop, QStringLiteral("shift"));
+    SnapCases cases(desktop, QStringLiteral("shift"), restart());
     cases.dropInAZone(ClientKind::qt, KeyTiming::afterTheDragBegan, 3);
     cases.dropInAZone(ownBar(), KeyTiming::beforeThePress, 2);
     cases.closeInMidDrag(ClientKind::xterm, KeyTiming::afterTheDragBegan, 1, placeForShift());
@@ -69,7 +78,7 @@ TEST_P(WindowManagerDrag, SnapsByOption) {
 }
 
 TEST_P(WindowManagerDrag, SnapsByCommand) {
-    SnapCases cases(desktop, QStringLiteral("command"));
+    SnapCases cases(desktop, QStringLiteral("command"), restart());
     cases.dropInAZone(ownBar(), KeyTiming::afterTheDragBegan, 3);
     cases.dropInAZone(ClientKind::xterm, KeyTiming::beforeThePress, 2);
     cases.closeInMidDrag(ClientKind::qt, KeyTiming::beforeThePress, 1);
