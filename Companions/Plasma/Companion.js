@@ -10,6 +10,7 @@ class Companion {
         this._keys = isOfKWin6 ? new NoKeys() : new EffectKeys();
         this._known = new Set();
         this._wasOurs = false;
+        this._leaving = later(0, () => this._left());
         this._frames = new FrameWriter(window => this._tellSettled(window));
         this._keys.load(areThere => this._greet(areThere));
     }
@@ -51,13 +52,20 @@ class Companion {
             this._tellDisplays();
     }
 
-    /** The desktop and its bars have the focus now and then: the user still works in the same window. */
+    /** The desktop and its bars have the focus now and then: the user still works in the same window. Between
+     *  one window and the next KWin 5 tells of none. */
     _activated(window) {
         if (window && isOrdinary(window))
             this._program.tell('Focus', {focus: this._focus(window)});
         else if (this._wasOurs)
-            this._program.tell('PressOutside', {overview: true});
+            this._leaving.start();
         this._wasOurs = Boolean(window) && this._program.owns(window);
+    }
+
+    _left() {
+        const window = kwin.active();
+        if (!window || !isOrdinary(window))
+            this._program.tell('PressOutside', {overview: true});
     }
 
     _began(window) {

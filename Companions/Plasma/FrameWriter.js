@@ -72,11 +72,20 @@ class FrameWriter {
         if (window.fullScreen)
             window.fullScreen = false;
         if (window.tile)
-            window.tile = null;
+            FrameWriter._untile(window);
         // Also where it is not maximized yet, but about to be.
         window.setMaximize(false, false);
         window.frameGeometry = pending.frame;
         pending.isAsking = false;
         pending.timer.start();
+    }
+
+    /** KWin 5 takes a window for tiled after it has lost its tile: it would give it its former size at the
+     *  next drag, and the tile's again when a bar comes or goes. Who is maximized is not. Besides, a client
+     *  is told of this after it was told of the tile, also where the window has the right size already: so
+     *  it ends with what is asked for here, however late it follows. */
+    static _untile(window) {
+        window.tile = null;
+        window.setMaximize(true, false);
     }
 }

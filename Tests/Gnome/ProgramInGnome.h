@@ -36,44 +36,11 @@ struct ProgramInGnome : ProgramInCompositor<GnomeSession> {
         session.input().click();
     }
     /// Clicks the item and waits for the panel.
-    void openPanel() {
+    void openPanel() override {
         clickItem();
         ASSERT_TRUE(waitUntil([&] { return isPanelReady(); })) << session.describe();
     }
-    /// Opens the settings, or brings them forward, from the panel.
-    void openSettings() {
-        openPanel();
-        session.input().move(settingsInPanel());
-        session.input().click();
-        EXPECT_TRUE(waitUntil([&] { return !isPanelOpen(); }));
-        EXPECT_TRUE(waitUntil([&] { return isInFront(settingsTitle); })) << session.describe();
-    }
-    /// Where the open panel has the word that leads to the settings: in its lower left corner.
-    [[nodiscard]] QPoint settingsInPanel() {
-        return session.frame(panelTitle).bottomLeft() + QPoint(60, -45);
-    }
-    /// Where the panel's large picture of a layout has the zone in the upper left corner. Fails the
-    /// test where the open panel has none.
-    [[nodiscard]] QPoint firstZoneInPanel() {
-        // The shadow, and what lies to the right of that picture's corner, left out.
-        const QRect frame = session.frame(panelTitle).adjusted(30, 30, -200, 0);
-        const auto isAmber = [](QColor colour) {
-            return colour.red() - colour.blue() > 60 && colour.red() > colour.green();
-        };
-        std::optional<QPoint> corner;
-        EXPECT_TRUE(waitUntil([&] {
-            const QImage picture = session.picture();
-            for (int y = frame.top(); y < frame.bottom() && !corner; ++y) {
-                for (int x = frame.left(); x < frame.right() && !corner; ++x) {
-                    if (isAmber(picture.pixelColor(x, y)))
-                        corner = QPoint(x, y);
-                }
-            }
-            return corner.has_value();
-        })) << session.describe();
-        return corner.value_or(QPoint()) + QPoint(30, 30);
-    }
-    [[nodiscard]] bool isInFront(const QString& title) {
+    [[nodiscard]] bool isInFront(const QString& title) override {
         return session.ask(QStringLiteral("global.display.focus_window?.get_title()")).toString() ==
                title;
     }
@@ -93,7 +60,6 @@ struct ProgramInGnome : ProgramInCompositor<GnomeSession> {
 
     Subprocess* program;
     QRect item;
-    const QString settingsTitle = QStringLiteral("Tilewright Settings");
 
 private:
     [[nodiscard]] static QString secondConnector() { return QStringLiteral("Meta-1"); }

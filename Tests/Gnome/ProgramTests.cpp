@@ -141,10 +141,7 @@ TEST_F(ProgramInGnome, OpensItsPanelBelowThePointerAtASecondStart) {
 }
 
 TEST_F(ProgramInGnome, BringsItsSettingsToTheFrontAgainWhenTheyAreAskedForAgain) {
-    openSettings();
-    static_cast<void>(session.startClient(CompositorClient::gtk4, start));
-    ASSERT_TRUE(waitUntil([&] { return !isInFront(settingsTitle); }));
-    openSettings();
+    expectToBringTheSettingsForwardAgain(start);
 }
 
 TEST_F(ProgramInGnome, ShowsNothingBehindTheLockAndGoesOnAfterIt) {

@@ -8,16 +8,7 @@
 namespace tilewright::testing {
 
 TEST_F(ProgramInGnome, SnapsTheLastActiveWindowThatIsNotItsOwnByAClickOnAZoneInThePanel) {
-    const QString other = session.startClient(CompositorClient::gtk4, start);
-    const QRect lastBegins = start.translated(-200, 100);
-    const QString last = session.startClient(CompositorClient::qt, lastBegins);
-    ASSERT_TRUE(waitUntil([&] { return isInFront(last); })) << session.describe();
-    openSettings();
-    openPanel();
-    session.input().move(firstZoneInPanel());
-    session.input().click();
-    EXPECT_TRUE(endsIn(last, zone(0))) << session.describe();
-    EXPECT_EQ(session.frame(other), start);
+    expectToSnapTheLastActiveWindowByAClickInThePanel(start);
 }
 
 TEST_F(ProgramInGnome, ListensToNoStrangerHoweverOftenHeCallsDuringADrag) {

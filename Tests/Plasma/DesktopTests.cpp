@@ -26,7 +26,7 @@ struct ProgramInPlasmasDesktop : ProgramInCompositor<PlasmaSession> {
         session.input().move(item);
         session.input().click();
     }
-    void openPanel() {
+    void openPanel() override {
         clickItem();
         ASSERT_TRUE(waitUntil([&] {
             return session.isWindow(panelTitle, QStringLiteral("active && w.keepAbove"));
@@ -37,6 +37,10 @@ struct ProgramInPlasmasDesktop : ProgramInCompositor<PlasmaSession> {
             return staysTrue([&] { return session.picture() == picture; },
                              std::chrono::milliseconds(300));
         }));
+    }
+
+    [[nodiscard]] bool isInFront(const QString& title) override {
+        return session.isWindow(title, QStringLiteral("active"));
     }
 
     PlasmaDesktop desktop{session};

@@ -22,6 +22,17 @@ struct ProgramInPlasma : ProgramInCompositor<PlasmaSession> {
         session.tell(QStringLiteral("0"));
     }
     [[nodiscard]] QRect workArea() override { return session.displays().front(); }
+    void openPanel() override {
+        startAgain();
+        ASSERT_TRUE(waitUntil([&] { return isPanelReady(); })) << session.describe();
+    }
+    [[nodiscard]] bool isInFront(const QString& title) override {
+        return session.isWindow(title, QStringLiteral("active"));
+    }
+    /// Whether it is where it belongs: a new window is active before it is dressed as the panel.
+    [[nodiscard]] bool isPanelReady() {
+        return session.isWindow(panelTitle, QStringLiteral("active && w.keepAbove"));
+    }
 
     Subprocess* program;
 };

@@ -2,7 +2,6 @@
 
 #include "ProgramInPlasma.h"
 
-#include <QJsonArray>
 #include <csignal>
 #include <ostream>
 
@@ -48,9 +47,14 @@ INSTANTIATE_TEST_SUITE_P(
         std::tuple(CompositorClient::xwayland, Drop{"WhenItWasTiled", inTheMiddle, tiled}),
         std::tuple(CompositorClient::qt, Drop{"AtTheUpperEdge", {1500, 0}}),
         std::tuple(CompositorClient::gtk4, Drop{"AtTheRightEdge", {1919, 200}}),
+        std::tuple(CompositorClient::qt, Drop{"AtTheLeftEdge", {0, 200}, nullptr, std::nullopt, 0}),
         std::tuple(CompositorClient::xwayland, Drop{"InTheUpperRightCorner", {1919, 0}}),
         std::tuple(CompositorClient::qt,
                    Drop{"InTheLowerRightCorner", {1919, 1079}, nullptr, std::nullopt, 3}),
+        std::tuple(CompositorClient::gtk4,
+                   Drop{"InTheUpperLeftCorner", {0, 0}, nullptr, std::nullopt, 0}),
+        std::tuple(CompositorClient::qt,
+                   Drop{"InTheLowerLeftCorner", {0, 1079}, nullptr, std::nullopt, 0}),
         std::tuple(CompositorClient::gtk4,
                    Drop{"WithShift", inTheMiddle, nullptr, KernelKey::shift})),
     [](const auto& parameter) {
@@ -73,7 +77,7 @@ TEST_P(ProgramDrag, WithControlShowsTheZonesAndEndsInTheOneUnderThePointer) {
     session.input().glide(dropped.at - QPoint(0, dropped.at.y() > 0 ? -3 : 0), 3);
     const QRect wanted = zone(dropped.zone);
     EXPECT_TRUE(waitUntil([&] { return isHighlighted(wanted); }));
-    EXPECT_FALSE(isHighlighted(zone(0)));
+    EXPECT_FALSE(isHighlighted(zone(dropped.zone > 0 ? 0 : 1)));
     drop();
     if (dropped.more)
         session.input().releaseKey(*dropped.more);
@@ -81,6 +85,35 @@ TEST_P(ProgramDrag, WithControlShowsTheZonesAndEndsInTheOneUnderThePointer) {
     EXPECT_FALSE(session.isWindow(title, QStringLiteral("tile")));
     EXPECT_FALSE(session.isWindow(title, QStringLiteral("maximizeMode")));
     EXPECT_TRUE(waitUntil([&] { return !isHighlighted(wanted); }));
+    if (dropped.at == inTheMiddle && !dropped.more)
+        return;
+    // One that KWin has tiled gets its former size as it is dragged away.
+    session.grab(title);
+    session.input().glide(inTheMiddle);
+    session.input().release();
+    EXPECT_TRUE(waitUntil([&] { return !session.isDragging(); }));
+    EXPECT_EQ(session.frame(title).size(), wanted.size());
+}
+
+TEST_F(ProgramInPlasma, EndsInTheZoneAtAnEdgeHoweverLateAClientOfTheZonesSizeFollows) {
+    const QRect wanted = zone(0);
+    const QString title = session.startClient(CompositorClient::qt, start);
+    session.place(title, wanted);
+    dragToFirstZone(title);
+    const auto client = pid_t(session.ask(QStringLiteral("find('%1').pid").arg(title)).toInt());
+    ASSERT_GT(client, 0);
+    ASSERT_EQ(::kill(client, SIGSTOP), 0);
+    session.input().glide({0, 200});
+    session.input().glide({0, 197}, 3);
+    drop();
+    // After that nobody looks after the window any longer.
+    EXPECT_TRUE(
+        staysTrue([&] { return session.frame(title) == wanted; }, std::chrono::milliseconds(1000)));
+    EXPECT_EQ(::kill(client, SIGCONT), 0);
+    EXPECT_TRUE(waitUntil([&] {
+        return staysTrue([&] { return session.frame(title) == wanted; },
+                         std::chrono::milliseconds(500));
+    })) << session.describe();
 }
 
 TEST_F(ProgramInPlasma, ShowsItsZonesAboveAFullScreenWindowAndLeavesThatAlone) {
@@ -94,6 +127,26 @@ TEST_F(ProgramInPlasma, ShowsItsZonesAboveAFullScreenWindowAndLeavesThatAlone) {
     EXPECT_TRUE(endsIn(title, zone(0))) << session.describe();
     EXPECT_TRUE(session.isWindow(whole, QStringLiteral("fullScreen")));
     EXPECT_EQ(session.frame(whole), display);
+}
+
+TEST_F(ProgramInPlasma, ShowsItsZonesAboveABarThatTakesNoRoomAway) {
+    const QRect bar(0, 980, 960, 100);
+    ASSERT_TRUE(session.isWindow(session.startBar(bar), QStringLiteral("dock")));
+    const QColor green(0x20, 0x80, 0x40);
+    const QPoint onBar = bar.center();
+    const QString title = session.startClient(CompositorClient::qt, start);
+    session.place(title, {200, 700, 900, 380});
+    ASSERT_TRUE(waitUntil([&] {
+        return session.pixel({onBar.x(), bar.top() - 10}) != Qt::black &&
+               session.pixel(onBar) == green;
+    })) << "it is above other windows";
+    session.place(title, start);
+    ASSERT_TRUE(bar.contains(zone(0).left() + 5, zone(0).bottom() - 60));
+    dragToFirstZone(title);
+    EXPECT_NE(session.pixel(onBar), green);
+    drop();
+    EXPECT_TRUE(endsIn(title, zone(0))) << session.describe();
+    EXPECT_TRUE(waitUntil([&] { return session.pixel(onBar) == green; }));
 }
 
 TEST_F(ProgramInPlasma, FillsAZoneWithATerminalAsFarAsItsCellsGo) {
@@ -236,55 +289,6 @@ TEST_F(ProgramInPlasma, DoesNotHoldUpADragWhileItIsStoppedAndMovesNothingAfterwa
     dragToFirstZone(title);
     drop();
     EXPECT_TRUE(endsIn(title, zone(0))) << session.describe();
-}
-
-TEST_F(ProgramInPlasma, ShowsItsPanelNowhereElseBeforeItIsBelowThePointer) {
-    constexpr QPoint pointer(600, 300);
-    session.input().move(pointer);
-    // Where it is a way to the bus and back after it has come.
-    const QString watch = session.begin(
-        QStringLiteral("(workspace.windowAdded || workspace.clientAdded).connect(window => {"
-                       " if (String(window.caption) === '%1')"
-                       "  callDBus('org.freedesktop.DBus', '/', 'org.freedesktop.DBus', 'GetId',"
-                       "   () => answer([window.frameGeometry.x, window.frameGeometry.y]));"
-                       "})")
-            .arg(panelTitle));
-    startAgain();
-    const QJsonArray first = session.answerTo(watch).toArray();
-    expectPanelBelow(pointer);
-    const QPoint place = session.frame(panelTitle).topLeft();
-    EXPECT_EQ(first, (QJsonArray{place.x(), place.y()}));
-}
-
-TEST_F(ProgramInPlasma, OpensItsPanelBelowThePointerAtASecondStartAndClosesItInEveryWay) {
-    constexpr QPoint pointer(600, 300);
-    const auto open = [&] {
-        session.input().move(pointer);
-        startAgain();
-        EXPECT_TRUE(waitUntil([&] {
-            // A new window is active before it is dressed as the panel.
-            return session.isWindow(panelTitle, QStringLiteral("active && w.keepAbove"));
-        })) << session.describe();
-    };
-    const auto isOpen = [&] { return !session.frame(panelTitle).isEmpty(); };
-    const QString other = session.startClient(CompositorClient::qt, {1200, 500, 400, 300});
-    open();
-    for (const char* property : {"keepAbove", "onAllDesktops", "skipTaskbar", "skipPager"})
-        EXPECT_TRUE(session.isWindow(panelTitle, QString::fromLatin1(property))) << property;
-    expectPanelBelow(pointer);
-
-    session.input().tap(KernelKey::escape);
-    EXPECT_TRUE(waitUntil([&] { return !isOpen(); })) << "Escape";
-    open();
-    session.input().move(session.frame(other).center());
-    session.input().click();
-    EXPECT_TRUE(waitUntil([&] { return !isOpen(); })) << "another window";
-
-    session.place(other, {0, 0, 1900, 1000});
-    open();
-    session.input().move(QPoint(session.frame(panelTitle).left() + 4, 400));
-    session.input().click();
-    EXPECT_TRUE(waitUntil([&] { return !isOpen(); })) << "another window, through the shadow";
 }
 
 } // namespace tilewright::testing

@@ -16,10 +16,7 @@ namespace {
 struct ProgramWithoutKWin : ProgramInPlasma {
     /// Starts a keep-awake session by the panel, whose first control is the switch.
     void keepAwake() {
-        startAgain();
-        ASSERT_TRUE(waitUntil([&] {
-            return session.isWindow(panelTitle, QStringLiteral("active && w.keepAbove"));
-        })) << session.describe();
+        openPanel();
         session.input().tap(KernelKey::space);
         ASSERT_TRUE(waitUntil([&] { return idle.isInhibited(); })) << session.describe();
         session.input().tap(KernelKey::escape);

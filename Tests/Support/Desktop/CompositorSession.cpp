@@ -134,6 +134,19 @@ QString CompositorSession::startClient(CompositorClient client, QRect area) {
     return title;
 }
 
+QString CompositorSession::startBar(QRect area) {
+    const QString title = QStringLiteral("bar-%1").arg(++clients_);
+    std::map<QString, QString> environment = xServer();
+    environment[QStringLiteral("GDK_BACKEND")] = QStringLiteral("x11");
+    start(QStringLiteral("/usr/bin/python3"),
+          {QStringLiteral(TILEWRIGHT_BAR_WINDOW), title, QString::number(area.x()),
+           QString::number(area.y()), QString::number(area.width()),
+           QString::number(area.height())},
+          environment);
+    EXPECT_TRUE(waitUntil([&] { return frame(title) == area; })) << "no bar appeared" << describe();
+    return title;
+}
+
 void CompositorSession::startProgramOf(CompositorClient client, const QString& title) {
     const QString platform = QStringLiteral("QT_QPA_PLATFORM");
     const QStringList arguments{title, QStringLiteral("window")};

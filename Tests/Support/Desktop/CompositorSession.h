@@ -46,6 +46,9 @@ public:
     /// Starts a client and waits for its window, which is put there; a terminal keeps the size that
     /// it begins with. Answers the window's title.
     [[nodiscard]] QString startClient(CompositorClient client, QRect area);
+    /// Starts a green bar that takes no room away from other windows, on the X server beside the
+    /// compositor, and waits for it. Answers its title.
+    [[nodiscard]] QString startBar(QRect area);
 
     /// A window's frame, as the compositor itself has it; empty where there is no such window.
     [[nodiscard]] virtual QRect frame(const QString& title) = 0;

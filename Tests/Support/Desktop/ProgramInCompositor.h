@@ -196,6 +196,63 @@ struct ProgramInCompositor : ::testing::Test {
         EXPECT_TRUE(second.waitForEnd());
         EXPECT_EQ(second.exitCode(), 0);
     }
+    /// Opens the panel, and waits until it has the focus where it belongs.
+    virtual void openPanel() = 0;
+    /// Whether a window has the focus.
+    [[nodiscard]] virtual bool isInFront(const QString& title) = 0;
+    /// Opens the settings, or brings them forward, from the panel.
+    void openSettings() {
+        openPanel();
+        session.input().move(settingsInPanel());
+        session.input().click();
+        EXPECT_TRUE(waitUntil([&] { return !isPanelOpen(); }));
+        EXPECT_TRUE(waitUntil([&] { return isInFront(settingsTitle); })) << session.describe();
+    }
+    /// Where the open panel has the word that leads to the settings: in its lower left corner.
+    [[nodiscard]] QPoint settingsInPanel() {
+        return session.frame(panelTitle).bottomLeft() + QPoint(60, -45);
+    }
+    /// Where the panel's large picture of a layout has the zone in the upper left corner. Fails the
+    /// test where the open panel has none.
+    [[nodiscard]] QPoint firstZoneInPanel() {
+        // The shadow, and what lies to the right of that picture's corner, left out.
+        const QRect frame = session.frame(panelTitle).adjusted(30, 30, -200, 0);
+        const auto isAmber = [](QColor colour) {
+            return colour.red() - colour.blue() > 60 && colour.red() > colour.green();
+        };
+        std::optional<QPoint> corner;
+        EXPECT_TRUE(waitUntil([&] {
+            const QImage picture = session.picture();
+            for (int y = frame.top(); y < frame.bottom() && !corner; ++y) {
+                for (int x = frame.left(); x < frame.right() && !corner; ++x) {
+                    if (isAmber(picture.pixelColor(x, y)))
+                        corner = QPoint(x, y);
+                }
+            }
+            return corner.has_value();
+        })) << session.describe();
+        return corner.value_or(QPoint()) + QPoint(30, 30);
+    }
+    /// Clicks a zone in the panel while the settings have the focus, and expects the window that
+    /// had it before them to end there, and another one to stay.
+    void expectToSnapTheLastActiveWindowByAClickInThePanel(const QRect& start) {
+        const QString other = session.startClient(CompositorClient::gtk4, start);
+        const QString last = session.startClient(CompositorClient::qt, start.translated(-200, 100));
+        ASSERT_TRUE(waitUntil([&] { return isInFront(last); })) << session.describe();
+        openSettings();
+        openPanel();
+        session.input().move(firstZoneInPanel());
+        session.input().click();
+        EXPECT_TRUE(endsIn(last, zone(0))) << session.describe();
+        EXPECT_EQ(session.frame(other), start);
+    }
+    /// Asks for the settings twice, another window in front of them meanwhile.
+    void expectToBringTheSettingsForwardAgain(const QRect& start) {
+        openSettings();
+        static_cast<void>(session.startClient(CompositorClient::gtk4, start));
+        ASSERT_TRUE(waitUntil([&] { return !isInFront(settingsTitle); }));
+        openSettings();
+    }
     [[nodiscard]] bool isPanelOpen() { return !session.frame(panelTitle).isEmpty(); }
     void expectPanelBelow(QPoint pointer) {
         const QRect frame = session.frame(panelTitle);
@@ -208,6 +265,7 @@ struct ProgramInCompositor : ::testing::Test {
 
     Session session;
     const QString panelTitle = QStringLiteral("Tilewright");
+    const QString settingsTitle = QStringLiteral("Tilewright Settings");
 };
 
 } // namespace tilewright::testing

@@ -1,0 +1,62 @@
+// The panel of the real program with its companion in a session of KWin, and what is opened from
+// there.
+
+#include "ProgramInPlasma.h"
+
+#include <QJsonArray>
+
+namespace tilewright::testing {
+
+TEST_F(ProgramInPlasma, ShowsItsPanelNowhereElseBeforeItIsBelowThePointer) {
+    constexpr QPoint pointer(600, 300);
+    session.input().move(pointer);
+    // Where it is a way to the bus and back after it has come.
+    const QString watch = session.begin(
+        QStringLiteral("(workspace.windowAdded || workspace.clientAdded).connect(window => {"
+                       " if (String(window.caption) === '%1')"
+                       "  callDBus('org.freedesktop.DBus', '/', 'org.freedesktop.DBus', 'GetId',"
+                       "   () => answer([window.frameGeometry.x, window.frameGeometry.y]));"
+                       "})")
+            .arg(panelTitle));
+    startAgain();
+    const QJsonArray first = session.answerTo(watch).toArray();
+    expectPanelBelow(pointer);
+    const QPoint place = session.frame(panelTitle).topLeft();
+    EXPECT_EQ(first, (QJsonArray{place.x(), place.y()}));
+}
+
+TEST_F(ProgramInPlasma, OpensItsPanelBelowThePointerAtASecondStartAndClosesItInEveryWay) {
+    constexpr QPoint pointer(600, 300);
+    const auto open = [&] {
+        session.input().move(pointer);
+        openPanel();
+    };
+    const QString other = session.startClient(CompositorClient::qt, {1200, 500, 400, 300});
+    open();
+    for (const char* property : {"keepAbove", "onAllDesktops", "skipTaskbar", "skipPager"})
+        EXPECT_TRUE(session.isWindow(panelTitle, QString::fromLatin1(property))) << property;
+    expectPanelBelow(pointer);
+
+    session.input().tap(KernelKey::escape);
+    EXPECT_TRUE(waitUntil([&] { return !isPanelOpen(); })) << "Escape";
+    open();
+    session.input().move(session.frame(other).center());
+    session.input().click();
+    EXPECT_TRUE(waitUntil([&] { return !isPanelOpen(); })) << "another window";
+
+    session.place(other, {0, 0, 1900, 1000});
+    open();
+    session.input().move(QPoint(session.frame(panelTitle).left() + 4, 400));
+    session.input().click();
+    EXPECT_TRUE(waitUntil([&] { return !isPanelOpen(); })) << "another window, through the shadow";
+}
+
+TEST_F(ProgramInPlasma, SnapsTheLastActiveWindowThatIsNotItsOwnByAClickOnAZoneInThePanel) {
+    expectToSnapTheLastActiveWindowByAClickInThePanel(start);
+}
+
+TEST_F(ProgramInPlasma, BringsItsSettingsToTheFrontAgainWhenTheyAreAskedForAgain) {
+    expectToBringTheSettingsForwardAgain(start);
+}
+
+} // namespace tilewright::testing
