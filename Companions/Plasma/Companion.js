@@ -5,7 +5,7 @@ const PROTOCOL = 1;
 class Companion {
     /** `name` is the script's own, among KWin's. */
     constructor(address, pid, name) {
-        this._program = new Program(address, pid);
+        this._program = new Program(address, pid, () => this._end());
         this._name = name;
         this._keys = isOfKWin6 ? new NoKeys() : new EffectKeys();
         this._known = new Set();
@@ -19,7 +19,7 @@ class Companion {
         this._displays = new Displays(() => this._tellDisplays());
         this._drags = new DragWatch(this._program, this._keys, {
             began: window => this._began(window),
-            dropped: (window, answer) => this._obey(window, answer),
+            dropped: (window, commands) => this._obey(window, commands),
             abandoned: () => this._end(),
         });
         kwin.windows().forEach(window => this._drags.watch(window));
@@ -76,8 +76,8 @@ class Companion {
         this._tellDisplays();
     }
 
-    _obey(window, answer) {
-        for (const command of answer.do || []) {
+    _obey(window, commands) {
+        for (const command of commands) {
             if (command.c === 'frame' && command.window === idOf(window) && !window.deleted && !window.move)
                 this._frames.write(window, rectOf(command.frame));
         }
@@ -100,7 +100,7 @@ class Companion {
         this._program.tell('FrameSettled', {window: idOf(window), frame: numbersOf(window.frameGeometry)});
     }
 
-    /** A program that was killed takes nobody along. */
+    /** A program that was killed takes nobody along, nor does one that has lost its mind. */
     _end() {
         this._keys.unload();
         unload(this._name);

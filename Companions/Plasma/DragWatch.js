@@ -12,7 +12,7 @@ function isForKeyboard(window) {
 
 /** Reports windows being moved by the pointer. */
 class DragWatch {
-    /** `events`: `began(window)`, from when on the user's hand is on it; `dropped(window, answer)`;
+    /** `events`: `began(window)`, from when on the user's hand is on it; `dropped(window, commands)`;
      *  `abandoned()` when there is no program any longer to be told. */
     constructor(program, keys, events) {
         this._program = program;
@@ -98,7 +98,7 @@ class DragWatch {
         this._drag = null;
         this._keys.settle(() => {
             body.keys = this._keys.bits;
-            this._program.tell('DragEnd', body, answer => this._events.dropped(window, answer));
+            this._program.tell('DragEnd', body, commands => this._events.dropped(window, commands));
         });
     }
 

@@ -4,7 +4,7 @@ const LONGEST_WAIT = 10000;
 /** Carries out what the program wants at another time than at a drop, and goes. */
 class Errand {
     constructor(address, pid, name) {
-        this._program = new Program(address, pid);
+        this._program = new Program(address, pid, () => unload(this._name));
         this._name = name;
         /** What is not done yet. */
         this._open = 0;
