@@ -15,6 +15,7 @@
 #include <csignal>
 #include <cstdio>
 #include <gtest/gtest.h>
+#include <random>
 
 namespace tilewright::testing {
 namespace {
@@ -26,6 +27,14 @@ const QString bareProgram = QStringLiteral("--bare");
 
 void wait(milliseconds duration) {
     QThread::msleep(static_cast<unsigned long>(duration.count()));
+}
+
+/// For as long as a frame of the shell at most. What begins afterwards begins anywhere in a frame:
+/// begun as soon as the shell is ready, all of it would meet the same moment of its frames.
+void waitWithinAFrame() {
+    static std::minstd_rand random;
+    static std::uniform_int_distribution<unsigned long> microseconds(0, 16'700);
+    QThread::usleep(microseconds(random));
 }
 
 /// A shell with a client in it, and with a program that the companion there believes.
@@ -136,6 +145,7 @@ void measureDrag(Stand& stand, Stand::Kind kind, int round, DragFigures& figures
     input.glide(from);
     wait(milliseconds(60));
     static_cast<void>(stand.watch.take());
+    waitWithinAFrame();
     double begin = ShellWatch::now();
     input.pressKey(KernelKey::control);
     // The program shows its zones with the next move.
@@ -144,6 +154,7 @@ void measureDrag(Stand& stand, Stand::Kind kind, int round, DragFigures& figures
     ShellWatch::Notes notes = stand.watch.take();
     note(figures.shown, begin, notes.shown);
 
+    waitWithinAFrame();
     begin = ShellWatch::now();
     stand.session.hands().step(to - from);
     wait(milliseconds(100));
@@ -152,6 +163,7 @@ void measureDrag(Stand& stand, Stand::Kind kind, int round, DragFigures& figures
     auto& trips = figures.roundTrips.of(kind);
     trips.insert(trips.end(), notes.roundTrips.begin(), notes.roundTrips.end());
 
+    waitWithinAFrame();
     begin = ShellWatch::now();
     input.release();
     wait(milliseconds(450));
@@ -164,7 +176,7 @@ void measureDrag(Stand& stand, Stand::Kind kind, int round, DragFigures& figures
 }
 
 void measureDrags(Stand& ours, Stand& bare) {
-    constexpr int rounds = 20;
+    constexpr int rounds = 60;
     DragFigures figures;
     for (Stand* stand : {&ours, &bare})
         stand->watch.followCalls();

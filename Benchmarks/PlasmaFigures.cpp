@@ -77,13 +77,14 @@ void measureOverlay(Bench& bench) {
     const QString title = session.startClient(CompositorClient::qt, Bench::start);
     std::vector<double> showings;
     std::vector<double> changes;
-    const QColor ground = session.pixel(first);
     for (int round = 0; round < rounds; ++round) {
         // Until a fade has ended, and the compositor has gone to sleep.
         constexpr std::chrono::milliseconds calm{400};
         session.grab(title);
         input.glide(bench.zone(0).center());
         rest(calm);
+        // Only now: the client below may have painted nothing yet before.
+        const QColor ground = session.pixel(first);
         showings.push_back(untilChange(session, first, [&] {
             input.pressKey(KernelKey::control);
             // KWin 5 tells of keys with the pointer's motions.
