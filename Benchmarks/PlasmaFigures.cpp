@@ -113,6 +113,7 @@ void measureBareLayer(PlasmaSession& session) {
     std::vector<double> told;
     std::vector<double> showings;
     std::vector<double> changes;
+    std::vector<double> changesInDrags;
     const auto hide = [&] {
         static_cast<void>(untilChange(session, probe, [&] { bare.hide(); }));
         constexpr std::chrono::milliseconds calm{400};
@@ -124,6 +125,20 @@ void measureBareLayer(PlasmaSession& session) {
         changes.push_back(untilChange(session, probe, [&] { bare.fill(white); }));
         hide();
     }
+    // With a move, the compositor begins to draw the window before it hears of another colour.
+    constexpr QPoint elsewhere(1200, 500);
+    session.grab(session.startClient(CompositorClient::qt, Bench::start));
+    for (int round = 0; round < rounds; ++round) {
+        session.input().glide(elsewhere);
+        static_cast<void>(untilChange(session, probe, [&] { bare.show(grey); }));
+        rest(std::chrono::milliseconds(400));
+        changesInDrags.push_back(untilChange(session, probe, [&] {
+            session.input().move(elsewhere + QPoint(0, 60));
+            bare.fill(white);
+        }));
+        hide();
+    }
+    session.input().release();
     for (int round = 0; round < rounds && bare.showAtControl(grey); ++round) {
         told.push_back(
             untilChange(session, probe, [&] { session.input().pressKey(KernelKey::control); }));
@@ -133,6 +148,7 @@ void measureBareLayer(PlasmaSession& session) {
     printTimes("bare client: key to its first pixel", told);
     printTimes("bare client: its own wish to its first pixel", showings);
     printTimes("bare client: another colour", changes);
+    printTimes("bare client: another colour as a window moves", changesInDrags);
 }
 
 void measureOverlays(QSize pixels) {
