@@ -179,10 +179,16 @@ void CompanionBus::receive(const QDBusMessage& call) {
         if (const auto former = std::exchange(poll_, std::nullopt))
             send(*former, nothingToDo());
     }
-    calls_.push_back(call);
+    // What is there already has been asked for by nobody.
+    CompanionOutbox::Frames before = outbox_.takeFrames();
     isReceiving_ = true;
     Q_EMIT told(*message);
     isReceiving_ = false;
+    calls_.push_back({call, outbox_.takeFrames()});
+    std::erase_if(before, [brought = &calls_.back().frames](const auto& frame) {
+        return brought->contains(frame.first);
+    });
+    outbox_.giveBack(std::move(before));
     if (const auto* hello = std::get_if<CompanionHello>(&*message);
         hello && hello->protocol != CompanionDecoder::protocol && !calls_.empty()) {
         calls_.pop_back();
@@ -195,7 +201,7 @@ void CompanionBus::receive(const QDBusMessage& call) {
 void CompanionBus::postAnswers() {
     // What they have been calling for is answered at once, without what may yet come of it.
     while (calls_.size() > mostCalls) {
-        send(calls_.front(), nothingToDo());
+        send(calls_.front());
         calls_.pop_front();
     }
     if (std::exchange(areAnswersPosted_, true))
@@ -208,9 +214,15 @@ void CompanionBus::answer() {
     // Other answers are dropped where they come late, as after this process was stopped.
     if (doesAnybodyWait() && outbox_.hasLasting())
         sendToWhoeverWaits(outbox_.takeLasting());
-    const std::deque<QDBusMessage> calls = std::exchange(calls_, {});
-    for (std::size_t i = 0; i < calls.size(); ++i)
-        send(calls[i], i + 1 == calls.size() ? outbox_.take() : nothingToDo());
+    std::deque<Call> calls = std::exchange(calls_, {});
+    if (!calls.empty()) {
+        Call last = std::move(calls.back());
+        calls.pop_back();
+        for (const Call& call : calls)
+            send(call);
+        outbox_.giveBack(std::move(last.frames));
+        send(last.message, outbox_.take());
+    }
     if (doesAnybodyWait() && !outbox_.isEmpty())
         sendToWhoeverWaits(outbox_.take());
 }

@@ -58,6 +58,13 @@ Q_SIGNALS:
 
 private:
     class Object;
+    /// One that is answered at the end of the turn.
+    struct Call {
+        QDBusMessage message;
+        /// What it has brought about: asked for by any other call they would be of another moment,
+        /// and may come too late for this one.
+        CompanionOutbox::Frames frames;
+    };
 
     void join();
     void leave();
@@ -71,6 +78,9 @@ private:
     [[nodiscard]] bool doesAnybodyWait() const { return poll_ || carrier_; }
     void sendToWhoeverWaits(const QString& text);
     void send(const QDBusMessage& call, const QString& text);
+    void send(const Call& call) {
+        send(call.message, CompanionOutbox::answerWith(call.frames));
+    }
 
     MainLoop& loop_;
     MessageBus& bus_;
@@ -82,8 +92,7 @@ private:
     /// Of this program's own name there, which another process may have.
     std::unique_ptr<BusNameOwner> ownName_;
     QString heard_;
-    /// Calls that are answered at the end of the turn.
-    std::deque<QDBusMessage> calls_;
+    std::deque<Call> calls_;
     /// The call that waits for commands.
     std::optional<QDBusMessage> poll_;
     bool isReceiving_ = false;

@@ -77,7 +77,14 @@ QJsonObject written(const CompanionPanel& panel) {
     return object;
 }
 
-QString answerWith(const QJsonArray& commands) {
+QJsonArray written(const CompanionOutbox::Frames& frames) {
+    QJsonArray commands;
+    for (const auto& [window, frame] : frames)
+        commands.append(written(window, frame));
+    return commands;
+}
+
+QString asAnswer(const QJsonArray& commands) {
     QJsonObject answer;
     if (!commands.isEmpty())
         answer[QStringLiteral("do")] = commands;
@@ -144,20 +151,22 @@ bool CompanionOutbox::hasLasting() const {
 }
 
 QString CompanionOutbox::take() {
-    QJsonArray commands;
-    for (const auto& [window, frame] : frames_)
-        commands.append(written(window, frame));
+    QJsonArray commands = written(frames_);
     if (overlay_)
         commands.append(overlay_->shown ? written(*overlay_->shown) : command("overlayGone"));
     appendLasting(commands);
     clear();
-    return answerWith(commands);
+    return asAnswer(commands);
+}
+
+QString CompanionOutbox::answerWith(const Frames& frames) {
+    return asAnswer(written(frames));
 }
 
 QString CompanionOutbox::takeLasting() {
     QJsonArray commands;
     appendLasting(commands);
-    return answerWith(commands);
+    return asAnswer(commands);
 }
 
 void CompanionOutbox::appendLasting(QJsonArray& commands) {

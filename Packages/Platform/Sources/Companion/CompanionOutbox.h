@@ -5,6 +5,7 @@
 #include <functional>
 #include <map>
 #include <optional>
+#include <utility>
 
 class QJsonArray;
 
@@ -17,6 +18,8 @@ public:
     /// Neither more tiles, nor frames of more windows, are sent at once.
     static constexpr std::size_t mostTiles = 64;
     static constexpr std::size_t mostFrames = 16;
+
+    using Frames = std::map<CompanionWindowID, CompanionRect>;
 
     /// Registers the one listener, called whenever something has been put in.
     void onNews(std::function<void()> callback) { onNews_ = std::move(callback); }
@@ -40,6 +43,13 @@ public:
     [[nodiscard]] QString take();
     /// Takes out what matters however late it comes: all but the overlay and the frames.
     [[nodiscard]] QString takeLasting();
+    /// Takes out the frames alone.
+    [[nodiscard]] Frames takeFrames() { return std::exchange(frames_, {}); }
+    /// Puts frames back that were taken out and not sent; of a window that was given another one
+    /// since, the later one counts.
+    void giveBack(Frames frames) { frames_.merge(std::move(frames)); }
+    /// The JSON text of an answer that holds these frames alone.
+    [[nodiscard]] static QString answerWith(const Frames& frames);
 
 private:
     struct Overlay {
@@ -55,7 +65,7 @@ private:
 
     std::function<void()> onNews_;
     std::optional<Overlay> overlay_;
-    std::map<CompanionWindowID, CompanionRect> frames_;
+    Frames frames_;
     std::optional<CompanionItem> item_;
     std::optional<CompanionPanel> panel_;
     std::optional<QString> front_;

@@ -82,6 +82,40 @@ TEST_F(CompanionBusTest, HandsOnWhatTheCompanionTellsAndAnswersWithWhatCameOfIt)
     EXPECT_TRUE(outbox.isEmpty());
 }
 
+TEST_F(CompanionBusTest, AnswersEachOfSeveralCallsWithTheFramesThatItBroughtAbout) {
+    const auto shell = makeShell();
+    QObject::connect(&companion, &CompanionBus::told, &companion,
+                     [this](const CompanionMessage& message) {
+                         if (std::holds_alternative<CompanionDrag>(message))
+                             outbox.setFrame(CompanionWindowID{7}, {1, 2, 3, 4});
+                     });
+    // As after a time in which this process was stopped: all of it is there at once.
+    shell->call("DragBegin", dragText(1, "[1,2]", 0));
+    shell->call("Focus", R"({"focus":null})");
+    PrivateBus::takeAllIn(shell->connection());
+    PrivateBus::takeAllIn(own.connection());
+    ASSERT_TRUE(waitUntil([&] { return shell->isAnswered(); }));
+    EXPECT_EQ(shell->answers,
+              QStringList({QStringLiteral(R"({"do":[{"c":"frame","frame":[1,2,3,4],"window":7}]})"),
+                           QStringLiteral("{}")}));
+    EXPECT_TRUE(outbox.isEmpty());
+}
+
+TEST_F(CompanionBusTest, HasTheLaterOfTwoFramesOfAWindowCount) {
+    const auto shell = makeShell();
+    outbox.setFrame(CompanionWindowID{7}, {1, 1, 1, 1});
+    outbox.setFrame(CompanionWindowID{8}, {1, 2, 3, 4});
+    QObject::connect(&companion, &CompanionBus::told, &companion, [this] {
+        outbox.setFrame(CompanionWindowID{7}, {2, 2, 2, 2});
+        loop.post([this] { outbox.setFrame(CompanionWindowID{8}, {5, 6, 7, 8}); });
+    });
+    shell->call("DragBegin", dragText(1, "[1,2]", 0));
+    ASSERT_TRUE(waitUntil([&] { return shell->isAnswered(); }));
+    EXPECT_EQ(shell->answers,
+              QStringList(QStringLiteral(R"({"do":[{"c":"frame","frame":[2,2,2,2],"window":7},)"
+                                         R"({"c":"frame","frame":[5,6,7,8],"window":8}]})")));
+}
+
 TEST_F(CompanionBusTest, AnswersTheOneWhoWaitsWhenThereIsSomethingToDoAndNotBefore) {
     const auto shell = makeShell();
     shell->greet();

@@ -37,6 +37,7 @@ public:
     }
     /// Whether every call but the one that waits has been answered.
     [[nodiscard]] bool isAnswered() const { return answered == asked; }
+    [[nodiscard]] const QDBusConnection& connection() const { return bus_; }
 
     /// Where the program is called.
     QString program = CompanionBus::serviceName();
