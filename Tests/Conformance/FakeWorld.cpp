@@ -81,6 +81,7 @@ public:
         return ShownItem{item.accessibleName, item.icon.pixmap(64, 64).toImage()};
     }
     AppKitPoint clickItem() override {
+        movePointer({612, 888});
         fakes().fakeStatusItem.click(AppKitRect{600, 876, 24, 24});
         return {612, 888};
     }

@@ -94,6 +94,7 @@ public:
         return shown;
     }
     AppKitPoint clickItem() override {
+        movePointer({612, 888});
         appKit_.statusItem->frame = AppKitRect{600, 876, 24, 24};
         appKit_.statusItem->clicked();
         return {612, 888};

@@ -7,6 +7,7 @@
 #include <QPaintEvent>
 #include <QPainter>
 #include <QWidget>
+#include <cmath>
 #include <vector>
 
 namespace tilewright::testing {
@@ -156,6 +157,7 @@ TEST_P(PlatformConformance, TellsOfAClickOnTheItemAndWhereTheItemIs) {
                      [&](const std::optional<AppKitRect>& place) { places.push_back(place); });
     ASSERT_TRUE(world->waitUntil([&] { return world->shownItem().has_value(); }));
     EXPECT_TRUE(places.empty());
+    world->movePointer({20, 20});
     const AppKitPoint at = world->clickItem();
     ASSERT_TRUE(world->waitUntil([&] { return !places.empty(); }));
     EXPECT_EQ(places.size(), 1U);
@@ -164,6 +166,10 @@ TEST_P(PlatformConformance, TellsOfAClickOnTheItemAndWhereTheItemIs) {
     // An empty rectangle is the very point.
     const AppKitPoint corner{place->x, place->y};
     EXPECT_TRUE(place->isEmpty() ? corner == at : place->contains(at));
+    // The panel's display is chosen by it.
+    const AppKitPoint pointer = platform().pointer.location();
+    constexpr double itemsSize = 24;
+    EXPECT_LE(std::hypot(pointer.x - at.x, pointer.y - at.y), itemsSize);
 }
 
 } // namespace tilewright::testing

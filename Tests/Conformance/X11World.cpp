@@ -135,6 +135,7 @@ public:
     std::optional<ShownItem> shownItem() override { return session_.shownItem(); }
     AppKitPoint clickItem() override {
         const QPoint at(600, 10);
+        desktop_.input().move(at);
         session_.clickItem(at);
         // The middle of the pixel.
         return {at.x() + 0.5, desktop_.inspector().screenSize().height() - at.y() - 0.5};

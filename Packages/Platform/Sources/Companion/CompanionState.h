@@ -29,6 +29,8 @@ public:
     /// where nobody does, or no longer. During a drag the last motion counts again with a key that
     /// goes down.
     void setKeys(std::optional<ModifierFlags> keys);
+    /// Where the pointer is by the word of somebody else than the companion.
+    void notePointer(CompanionPoint place) { pointer_ = place; }
 
     /// Whether a companion is there that speaks our protocol.
     [[nodiscard]] bool isConnected() const { return isConnected_; }

@@ -93,10 +93,24 @@ KWinCompanion::~KWinCompanion() {
 void KWinCompanion::joinBus() {
     QDBusConnection bus = bus_.connection();
     kwin_ = std::make_unique<BusNameOwner>(bus, compositorName());
-    connect(kwin_.get(), &BusNameOwner::changed, this, &KWinCompanion::reload);
-    bus.connect(compositorName(), QStringLiteral("/Compositor"),
-                QStringLiteral("org.kde.kwin.Compositing"), QStringLiteral("compositingToggled"),
-                this, SLOT(compositingToggled(bool)));
+    connect(kwin_.get(), &BusNameOwner::changed, this, [this] {
+        listenTo(kwin_->owner());
+        reload();
+    });
+}
+
+void KWinCompanion::listenTo(const QString& kwin) {
+    // By its own address: of a name Qt asks the bus whose it is, and waits for the answer.
+    const QString path = QStringLiteral("/Compositor");
+    const QString interface = QStringLiteral("org.kde.kwin.Compositing");
+    const QString signal = QStringLiteral("compositingToggled");
+    const char* const slot = SLOT(compositingToggled(bool));
+    QDBusConnection bus = bus_.connection();
+    if (!heard_.isEmpty())
+        bus.disconnect(heard_, path, interface, signal, this, slot);
+    heard_ = kwin;
+    if (!heard_.isEmpty())
+        bus.connect(heard_, path, interface, signal, this, slot);
 }
 
 void KWinCompanion::compositingToggled(bool isOn) {
@@ -108,6 +122,7 @@ void KWinCompanion::compositingToggled(bool isOn) {
 
 void KWinCompanion::leaveBus() {
     kwin_.reset();
+    heard_.clear();
     onItsWayTo_.reset();
     reload();
 }

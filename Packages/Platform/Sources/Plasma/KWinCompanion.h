@@ -59,6 +59,7 @@ private Q_SLOTS:
 private:
     [[nodiscard]] static QString runtimeFolder();
     void joinBus();
+    void listenTo(const QString& kwin);
     void leaveBus();
     void settle(State state);
     /// `then(true)` once KWin has been told to run it.
@@ -69,6 +70,8 @@ private:
     MessageBus& bus_;
     const QString folder_;
     std::unique_ptr<BusNameOwner> kwin_;
+    /// The address of the one whose signals are received.
+    QString heard_;
     /// Those written last: KWin reads a script a little after it was told to run it.
     std::deque<std::unique_ptr<QTemporaryFile>> files_;
     int errands_ = 0;

@@ -50,6 +50,11 @@ PlasmaPlatform::Parts::Parts() {
     desktop.listenTo(bus);
     // Another one may have come by now, at the same socket.
     QObject::connect(&bus, &CompanionBus::lost, &wayland, &WaylandConnection::retry);
+    // KWin has unloaded the former one then.
+    QObject::connect(&companion, &KWinCompanion::changed, &desktop.state, [this] {
+        if (companion.state() == KWinCompanion::State::refused)
+            desktop.lose();
+    });
     QObject::connect(&keyStates, &WaylandKeyStates::offerChanged, &desktop.state,
                      [this] { takeKeys(); });
     QObject::connect(&keyStates, &WaylandKeyStates::flagsChanged, &desktop.state,
@@ -89,6 +94,16 @@ StatusItem& PlasmaPlatform::statusItem() {
                 CompanionPoint{static_cast<double>(pixel.x), static_cast<double>(pixel.y)});
         };
         parts_->statusItem.emplace(desktop.screens, place, desktop.mainLoop, desktop.sessionBus);
+        // Who clicks has the pointer there: no companion tells of it, and what it told at the last
+        // drag may have been on another display.
+        QObject::connect(&*parts_->statusItem, &StatusItem::activated, &desktop.state,
+                         [&desktop](const std::optional<AppKitRect>& item) {
+                             if (!item)
+                                 return;
+                             const CompanionRect unit =
+                                 desktop.screens.coordinates().toCompanion(*item);
+                             desktop.state.notePointer({unit.x, unit.y});
+                         });
     }
     return *parts_->statusItem;
 }
