@@ -146,10 +146,14 @@ GnomeExtension::State GnomeExtension::stateIn(const QDBusMessage& reply) const {
 
 void GnomeExtension::settle(State state) {
     const State before = std::exchange(state_, state);
+    // Also where it was seen in no other state: it may have run and ended since the last answer.
+    // Of a shell that does not answer nothing is known; if it is gone, all hear of that.
+    const bool isKnownToRest = state == State::off || state == State::refused;
+    if (isKnownToRest ||
+        (before == State::active && state != State::active && state != State::unknown))
+        Q_EMIT stopped();
     if (before == state_)
         return;
-    if (before == State::active)
-        Q_EMIT stopped();
     if (state_ == State::notSeen)
         startList_.add(files_.name());
     Q_EMIT changed();

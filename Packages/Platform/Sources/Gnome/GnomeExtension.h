@@ -55,7 +55,7 @@ public:
 Q_SIGNALS:
     /// `state()` has another answer than before.
     void changed();
-    /// The shell ran it and does not any longer.
+    /// The shell says that it does not run it: whatever it has told is over.
     void stopped();
 
 private Q_SLOTS:
