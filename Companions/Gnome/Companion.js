@@ -41,8 +41,12 @@ class Companion {
 
     /** The program is gone, or we go. */
     _part() {
-        this._displays.destroy();
+        this._displays?.destroy();
         this._displays = null;
+        this._stopWatching();
+    }
+
+    _stopWatching() {
         this._signals?.disconnectAll();
         for (const part of this._parts ?? [])
             part.destroy();
@@ -59,8 +63,10 @@ class Companion {
         };
         this._link.callWithoutLimit('Hello', hello, answer => {
             const isUnderstood = answer !== null && (answer.protocol ?? PROTOCOL) === PROTOCOL;
-            if (!isUnderstood)
+            if (!isUnderstood) {
+                this._stopWatching();
                 return;
+            }
             this._outbox.open();
             this._link.listen();
         });
@@ -131,9 +137,6 @@ class Companion {
         case 'overlayGone':
             this._overlay.hide();
             break;
-        case 'forgetDrag':
-            this._drag.forget();
-            break;
         case 'frame':
             this._setFrame(command);
             break;
@@ -157,7 +160,8 @@ class Companion {
         if (frame.width < 1 || frame.height < 1)
             throw new TypeError('a frame of no size');
         const window = managedWindows().find(candidate => candidate.get_id() === command.window);
-        if (window)
+        // The user's hand is on the one that is dragged: it was asked for before that.
+        if (window && window !== this._drag.window)
             this._frames.write(window, frame);
     }
 }

@@ -138,7 +138,7 @@ class ProgramLink {
         this._cancellable = cancellable;
         Gio.DBus.session.call('org.freedesktop.DBus', '/org/freedesktop/DBus', 'org.freedesktop.DBus',
             'GetConnectionCredentials', new GLib.Variant('(s)', [owner]), new GLib.VariantType('(a{sv})'),
-            Gio.DBusCallFlags.NONE, PATIENCE, cancellable, (connection, result) => {
+            Gio.DBusCallFlags.NONE, NO_TIME_LIMIT, cancellable, (connection, result) => {
                 const pid = ProgramLink._processOf(connection, result);
                 if (pid > 0 && !cancellable.is_cancelled())
                     this._verifyExecutable(owner, pid, cancellable);

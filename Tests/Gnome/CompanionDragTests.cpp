@@ -96,6 +96,26 @@ TEST_F(CompanionTest, TellsAKeyThatGoesDownOrUpWhileThePointerRests) {
     session.input().release();
 }
 
+TEST_F(CompanionTest, LeavesAWindowInTheHandThatHasTakenIt) {
+    greet();
+    const QString title = session.startClient(CompositorClient::qt, start);
+    ASSERT_TRUE(waitUntil([&] { return isInFront(title); })) << session.describe();
+    const QJsonValue window = session.ask(QStringLiteral("global.display.focus_window.get_id()"));
+    session.grab(title);
+    session.input().glide({1000, 600});
+    // Asked for by a program that was slow: the user has the window again.
+    program->command({{QStringLiteral("c"), QStringLiteral("frame")},
+                      {QStringLiteral("window"), window},
+                      {QStringLiteral("frame"), QJsonArray{8, 40, 944, 1032}}});
+    program->command({{QStringLiteral("c"), QStringLiteral("pointer")}});
+    ASSERT_TRUE(program->waitFor(QStringLiteral("Pointer")));
+    // Its client would answer a little later.
+    EXPECT_TRUE(staysTrue([&] { return session.frame(title).size() == start.size(); },
+                          std::chrono::milliseconds(500)));
+    session.input().release();
+    EXPECT_TRUE(waitUntil([&] { return !session.isDragging(); }));
+}
+
 TEST_F(CompanionTest, TellsThatEscapeCancelsADragAndShowsNothingMore) {
     greet();
     snapWithControl();
@@ -206,21 +226,6 @@ TEST_F(CompanionTest, TakesEverythingAwayWhenTheProgramGoesInMidDrag) {
     session.input().releaseKey(KernelKey::control);
     // A program that comes again is greeted again.
     greet();
-}
-
-TEST_F(CompanionTest, ForgetsADragOnRequest) {
-    greet();
-    snapWithControl();
-    const QString title = session.startClient(CompositorClient::qt, start);
-    dragToLeftZone(title);
-    program->command({{QStringLiteral("c"), QStringLiteral("forgetDrag")}});
-    EXPECT_TRUE(waitUntil([&] { return isBare(inLeftTile); }));
-    program->forgetCalls();
-    session.input().glide({1000, 600});
-    session.input().release();
-    EXPECT_TRUE(waitUntil([&] { return !session.isDragging(); }));
-    session.input().releaseKey(KernelKey::control);
-    EXPECT_EQ(program->count(dragMotion) + program->count(dragEnd), 0);
 }
 
 } // namespace tilewright::testing

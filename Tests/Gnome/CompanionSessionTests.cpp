@@ -66,6 +66,27 @@ TEST_F(CompanionTest, TellsOfTheWindowInFrontThePointerAndTheWorkArea) {
     }));
 }
 
+TEST_F(CompanionTest, WatchesNothingForAProgramThatSpeaksAnotherProtocol) {
+    const int actors = actorsOnStage();
+    program = std::make_unique<FakeProgram>(session.busAddress());
+    program->protocol = 2;
+    ASSERT_TRUE(program->waitFor(hello)) << session.describe();
+    const QString parts =
+        QStringLiteral("Main.extensionManager.lookup('%1').stateObj._companion._parts === null")
+            .arg(QString::fromLatin1(companionUuid));
+    EXPECT_TRUE(waitUntil([&] { return session.ask(parts).toBool(); }));
+    EXPECT_EQ(actorsOnStage(), actors);
+    const QString title = session.startClient(CompositorClient::qt, start);
+    session.grab(title);
+    session.input().glide({1000, 600});
+    session.input().release();
+    EXPECT_TRUE(waitUntil([&] { return !session.isDragging(); }));
+    EXPECT_EQ(program->calls().size(), 1U);
+    // One that it understands is greeted when it comes.
+    program.reset();
+    greet();
+}
+
 TEST_F(CompanionTest, TakesTheDesktopsOwnWindowForNone) {
     greet();
     const auto focus = [&] {

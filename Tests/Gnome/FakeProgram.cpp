@@ -78,6 +78,8 @@ QString FakeProgram::take(const QString& method, const QString& text) {
         held_.emplace_back(message(), calls_.back());
         return {};
     }
+    if (protocol && method == QStringLiteral("Hello"))
+        return QStringLiteral("{\"protocol\":%1}").arg(*protocol);
     return answerText(answer ? answer(calls_.back()) : QJsonArray());
 }
 

@@ -34,6 +34,8 @@ public:
     std::function<QJsonArray(const CompanionCall&)> answer;
     /// While set, no call is answered, as by a program that is stopped; what comes is noted.
     bool isHung = false;
+    /// While set, greetings are answered with this protocol instead.
+    std::optional<int> protocol;
     /// While set, the long poll is answered at once with these commands, again and again, as by a
     /// program that floods.
     QJsonArray flood;
