@@ -22,7 +22,7 @@ class Companion {
             dropped: (window, commands) => this._obey(window, commands),
             abandoned: () => this._end(),
         });
-        kwin.windows().forEach(window => this._drags.watch(window));
+        kwin.windows().forEach(window => this._added(window));
         kwin.added.connect(window => this._added(window));
         kwin.removed.connect(window => this._removed(window));
         kwin.activated.connect(window => this._activated(window));

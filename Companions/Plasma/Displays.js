@@ -8,8 +8,8 @@ class Displays {
     }
 
     static read() {
-        return kwin.displays().map(({output, geometry, scale = 1, connector = '', vendor = '', product = '', serial = ''}, i) => ({
-            primary: i === 0,
+        return kwin.displays().map(({output, isPrimary, geometry, scale = 1, connector = '', vendor = '', product = '', serial = ''}) => ({
+            primary: isPrimary,
             frame: numbersOf(geometry),
             work: numbersOf(workspace.clientArea(KWin.MaximizeArea, output, workspace.currentDesktop)),
             scale,

@@ -12,6 +12,12 @@ class Errand {
             this._program.tell('FrameSettled', {window: idOf(window), frame: numbersOf(window.frameGeometry)});
             this._goIfDone();
         });
+        /** Kept, since nobody else does. */
+        this._timers = [];
+        kwin.removed.connect(window => {
+            this._frames.forget(window);
+            this._goIfDone();
+        });
     }
 
     run(commands) {
@@ -52,7 +58,8 @@ class Errand {
 
     /** Does so with the program's window of that title, now or in the moment that it is there. */
     _whenThere(title, then) {
-        const isIt = window => String(window.caption) === title && this._program.owns(window);
+        // KWin numbers windows of the same title.
+        const isIt = window => String(window.caption).replace(/ <\d+>\u200e?$/, '') === title && this._program.owns(window);
         const [there] = kwin.windows().filter(isIt);
         if (there) {
             then(there);
@@ -64,8 +71,9 @@ class Errand {
             isWaiting = false;
             this._close();
         };
-        this._patience = later(LONGEST_WAIT, () => isWaiting && stop());
-        this._patience.start();
+        const patience = later(LONGEST_WAIT, () => isWaiting && stop());
+        this._timers.push(patience);
+        patience.start();
         kwin.added.connect(window => {
             if (!isWaiting || !isIt(window))
                 return;

@@ -20,7 +20,7 @@ class FrameWriter {
     write(window, frame) {
         this.forget(window);
         const pending = {frame, asks: 0, isAsking: false, refusal: null};
-        pending.look = () => FrameWriter._look(window, pending);
+        pending.look = () => this._look(window, pending);
         pending.timer = later(CALM, () => this._settle(window, pending));
         this._pending.set(window, pending);
         window.frameGeometryChanged.connect(pending.look);
@@ -38,9 +38,15 @@ class FrameWriter {
     }
 
     /** Whatever undoes what was asked for, it is asked for again at once. */
-    static _look(window, pending) {
+    _look(window, pending) {
         if (pending.isAsking)
             return;
+        // The user's hand is on it again.
+        if (window.move) {
+            this.forget(window);
+            this._settled(window);
+            return;
+        }
         if (FrameWriter._isDone(window, pending) || pending.asks >= MOST_ASKS)
             pending.timer.start();
         else

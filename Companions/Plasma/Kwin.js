@@ -20,7 +20,7 @@ const kwin5 = {
     displays: () => {
         const displays = [];
         for (let i = 0; i < workspace.numScreens; ++i)
-            displays.push({output: i, geometry: workspace.clientArea(KWin.ScreenArea, i, workspace.currentDesktop)});
+            displays.push({output: i, isPrimary: i === 0, geometry: workspace.clientArea(KWin.ScreenArea, i, workspace.currentDesktop)});
         return displays;
     },
 };
@@ -37,9 +37,11 @@ const kwin6 = {
     started: window => window.interactiveMoveResizeStarted,
     stepped: (window, then) => window.interactiveMoveResizeStepped.connect(then),
     finished: window => window.interactiveMoveResizeFinished,
-    displaysChanged: [workspace.screensChanged, workspace.virtualScreenGeometryChanged],
+    // The order is the user's own, the primary display first; the list has the order in which they came.
+    displaysChanged: [workspace.screensChanged, workspace.virtualScreenGeometryChanged, workspace.screenOrderChanged],
     displays: () => workspace.screens.map(output => ({
         output,
+        isPrimary: output === workspace.screenOrder[0],
         geometry: output.geometry,
         scale: output.devicePixelRatio,
         connector: output.name,

@@ -14,8 +14,15 @@ class Panel {
         window.keepAbove = true;
         window.onAllDesktops = true;
         this._place();
-        window.frameGeometryChanged.connect(() => this._place());
+        window.frameGeometryChanged.connect(() => this._followSize());
         kwin.activate(window);
+    }
+
+    /** Only its size: where displays have changed another one of these places it, too, which knows better. */
+    _followSize() {
+        const {width, height} = this._window.frameGeometry;
+        if (width !== this._width || height !== this._height)
+            this._place();
     }
 
     /** Below its anchor, the item or a point, or above it in the lower half, centred on it, within the work
@@ -24,6 +31,8 @@ class Panel {
         const [left, top, right, bottom] = this._margins;
         const {_anchor: anchor, _area: area} = this;
         const frame = this._window.frameGeometry;
+        this._width = frame.width;
+        this._height = frame.height;
         const width = frame.width - left - right;
         const height = frame.height - top - bottom;
         const isInUpperHalf = anchor.y + anchor.height / 2 <= area.y + area.height / 2;

@@ -103,6 +103,22 @@ TEST_F(ProgramAmongChangingDisplays, LeavesNothingBehindWhenTheOneUnderTheDragGo
     EXPECT_TRUE(endsIn(title, zone(0))) << session.describe();
 }
 
+TEST_F(ProgramAmongChangingDisplays, KeepsItsPanelAboveThePointerWhenItGrowsWithTheDisplays) {
+    constexpr QPoint pointer(600, 1000);
+    change(QStringLiteral("disable"), {first});
+    session.input().move(pointer);
+    openPanel();
+    const QRect before = session.frame(panelTitle);
+    change(QStringLiteral("enable"), {first, second});
+    // It names them where there are several.
+    EXPECT_TRUE(waitUntil([&] {
+        const QRect frame = session.frame(panelTitle);
+        return frame.height() > before.height() && frame.bottom() == before.bottom();
+    })) << session.describe();
+    session.input().tap(KernelKey::escape);
+    EXPECT_TRUE(waitUntil([&] { return !isPanelOpen(); }));
+}
+
 TEST_F(ProgramAmongChangingDisplays, DividesADisplayAsItIsAfterATurnOrAnotherScale) {
     const QString title = session.startClient(CompositorClient::qt, start);
     const auto dropsIntoMiddleThirdOf = [&](const QRect& display) {

@@ -4,6 +4,7 @@
 #include "ProgramInPlasma.h"
 
 #include <QJsonArray>
+#include <cstdlib>
 
 namespace tilewright::testing {
 
@@ -49,6 +50,18 @@ TEST_F(ProgramInPlasma, OpensItsPanelBelowThePointerAtASecondStartAndClosesItInE
     session.input().move(QPoint(session.frame(panelTitle).left() + 4, 400));
     session.input().click();
     EXPECT_TRUE(waitUntil([&] { return !isPanelOpen(); })) << "another window, through the shadow";
+}
+
+TEST_F(ProgramInPlasma, KnowsItsPanelWhereAnotherWindowHasTheSameTitle) {
+    constexpr QPoint pointer(600, 300);
+    static_cast<void>(session.startClient(CompositorClient::qt, {1200, 500, 400, 300}, panelTitle));
+    session.input().move(pointer);
+    startAgain();
+    // KWin 5 numbers them.
+    const QString panel =
+        QStringLiteral("all().filter(window => window.active && window.keepAbove)[0]");
+    EXPECT_TRUE(waitUntil([&] { return !session.frameOf(panel).isEmpty(); })) << session.describe();
+    EXPECT_LE(std::abs(session.frameOf(panel).center().x() - pointer.x()), 2);
 }
 
 TEST_F(ProgramInPlasma, SnapsTheLastActiveWindowThatIsNotItsOwnByAClickOnAZoneInThePanel) {

@@ -124,8 +124,12 @@ void CompositorSession::useInput(QPoint nowhere) {
 }
 
 QString CompositorSession::startClient(CompositorClient client, QRect area) {
-    const QString title =
-        QStringLiteral("client-%1-%2").arg(QString::fromLatin1(name(client))).arg(++clients_);
+    return startClient(
+        client, area,
+        QStringLiteral("client-%1-%2").arg(QString::fromLatin1(name(client))).arg(++clients_));
+}
+
+QString CompositorSession::startClient(CompositorClient client, QRect area, const QString& title) {
     startProgramOf(client, title);
     EXPECT_TRUE(waitUntil([&] { return !frame(title).isEmpty(); }))
         << "no window of " << name(client) << " appeared" << describe();

@@ -46,6 +46,8 @@ public:
     /// Starts a client and waits for its window, which is put there; a terminal keeps the size that
     /// it begins with. Answers the window's title.
     [[nodiscard]] QString startClient(CompositorClient client, QRect area);
+    /// The same, with that title.
+    [[nodiscard]] QString startClient(CompositorClient client, QRect area, const QString& title);
     /// Starts a green bar that takes no room away from other windows, on the X server beside the
     /// compositor, and waits for it. Answers its title.
     [[nodiscard]] QString startBar(QRect area);
