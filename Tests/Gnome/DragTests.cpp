@@ -39,6 +39,8 @@ TEST_P(ProgramDrag, WithControlShowsTheZonesAndEndsInTheOneUnderThePointer) {
 
 TEST_P(ProgramDrag, OfAWindowThatTheShellHasTiledEndsInTheZone) {
     const QString title = session.startClient(GetParam(), start);
+    // The X server's clients get the keys a little later than their place.
+    ASSERT_TRUE(waitUntil([&] { return isInFront(title); })) << session.describe();
     session.input().pressKey(KernelKey::super);
     session.input().tap(KernelKey::left);
     session.input().releaseKey(KernelKey::super);
