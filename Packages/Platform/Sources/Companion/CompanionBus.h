@@ -78,9 +78,7 @@ private:
     [[nodiscard]] bool doesAnybodyWait() const { return poll_ || carrier_; }
     void sendToWhoeverWaits(const QString& text);
     void send(const QDBusMessage& call, const QString& text);
-    void send(const Call& call) {
-        send(call.message, CompanionOutbox::answerWith(call.frames));
-    }
+    void send(const Call& call) { send(call.message, CompanionOutbox::answerWith(call.frames)); }
 
     MainLoop& loop_;
     MessageBus& bus_;
