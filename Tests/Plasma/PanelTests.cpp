@@ -64,6 +64,10 @@ TEST_F(ProgramInPlasma, KnowsItsPanelWhereAnotherWindowHasTheSameTitle) {
     EXPECT_LE(std::abs(session.frameOf(panel).center().x() - pointer.x()), 2);
 }
 
+TEST_F(ProgramInPlasma, SnapsTheLastActiveWindowThatIsNotItsOwnByAClickOnAZoneInThePanel) {
+    expectToSnapTheLastActiveWindowByAClickInThePanel(start);
+}
+
 TEST_F(ProgramInPlasma, OpensItsPanelWhileItsSettingsHaveTheFocus) {
     openSettings();
     openPanel();

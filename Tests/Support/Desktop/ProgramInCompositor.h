@@ -10,6 +10,8 @@
 #include <csignal>
 #include <functional>
 #include <gtest/gtest.h>
+#include <optional>
+#include <utility>
 
 namespace tilewright::testing {
 
@@ -221,8 +223,12 @@ struct ProgramInCompositor : ::testing::Test {
             return colour.red() - colour.blue() > 60 && colour.red() > colour.green();
         };
         std::optional<QPoint> corner;
+        QImage before;
         EXPECT_TRUE(waitUntil([&] {
             const QImage picture = session.picture();
+            // A panel that fades in looks otherwise in every picture.
+            if (const QImage panel = picture.copy(frame); std::exchange(before, panel) != panel)
+                return false;
             for (int y = frame.top(); y < frame.bottom() && !corner; ++y) {
                 for (int x = frame.left(); x < frame.right() && !corner; ++x) {
                     if (isAmber(picture.pixelColor(x, y)))
