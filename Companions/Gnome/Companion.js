@@ -41,7 +41,7 @@ class Companion {
 
     /** The program is gone, or we go. */
     _part() {
-        this._displays?.destroy();
+        this._displays.destroy();
         this._displays = null;
         this._stopWatching();
     }
