@@ -64,17 +64,16 @@ std::optional<bool> combinedMotionWish(std::optional<bool> first, std::optional<
 }
 
 FreeDesktopAppearance::FreeDesktopAppearance(MessageBus& bus)
-    : bus_(bus) {
+    : bus_(bus)
+    , signals_(bus, portalPath(), settingsInterface(), {QStringLiteral("SettingChanged")}) {
     static_assert(settings.size() == settingCount);
-    // Slots that take it cannot be connected before Qt knows the type.
-    qRegisterMetaType<QDBusVariant>();
+    connect(&signals_, &BusSignals::heard, this, &FreeDesktopAppearance::settingChanged);
     connect(&bus_, &MessageBus::joined, this, &FreeDesktopAppearance::joinBus);
     if (bus_.isJoined())
         joinBus();
 }
 
 void FreeDesktopAppearance::joinBus() {
-    heard_.clear();
     portal_ = std::make_unique<BusNameOwner>(bus_.connection(), portal());
     connect(portal_.get(), &BusNameOwner::changed, this, &FreeDesktopAppearance::followPortal);
 }
@@ -92,22 +91,14 @@ bool FreeDesktopAppearance::prefersDark() const {
 }
 
 void FreeDesktopAppearance::followPortal() {
-    const QString signal = QStringLiteral("SettingChanged");
-    const char* const slot = SLOT(settingChanged(QString, QString, QDBusVariant));
-    QDBusConnection bus = bus_.connection();
-    // The bus passes on nobody else's signals then, at no cost to this process.
-    if (!heard_.isEmpty())
-        bus.disconnect(heard_, portalPath(), settingsInterface(), signal, this, slot);
-    heard_ = portal_->owner();
-    if (heard_.isEmpty())
-        return;
-    bus.connect(heard_, portalPath(), settingsInterface(), signal, this, slot);
-    readAll();
+    signals_.listenTo(portal_->owner());
+    if (!signals_.sender().isEmpty())
+        readAll();
 }
 
 void FreeDesktopAppearance::readAll() {
-    QDBusMessage call = QDBusMessage::createMethodCall(heard_, portalPath(), settingsInterface(),
-                                                       QStringLiteral("ReadAll"));
+    QDBusMessage call = QDBusMessage::createMethodCall(
+        signals_.sender(), portalPath(), settingsInterface(), QStringLiteral("ReadAll"));
     QStringList groups;
     for (const Setting& setting : settings)
         groups.append(QString::fromLatin1(setting.group));
@@ -138,14 +129,19 @@ void FreeDesktopAppearance::takeAll(const QDBusMessage& answer) {
     take(wishes);
 }
 
-void FreeDesktopAppearance::settingChanged(const QString& group, const QString& key,
-                                           const QDBusVariant& value) {
+void FreeDesktopAppearance::settingChanged(const QDBusMessage& notice) {
+    if (notice.signature() != u"ssv")
+        return;
+    const QVariantList told = notice.arguments();
+    const QString group = told[0].toString();
+    const QString key = told[1].toString();
+    const QVariant value = told[2].value<QDBusVariant>().variant();
     for (std::size_t i = 0; i < settings.size(); ++i) {
         if (group != QLatin1String(settings[i].group) || key != QLatin1String(settings[i].key))
             continue;
         changedSince_.set(i);
         Wishes wishes = wishes_;
-        wishes[i] = settings[i].wish(value.variant());
+        wishes[i] = settings[i].wish(value);
         take(wishes);
     }
 }

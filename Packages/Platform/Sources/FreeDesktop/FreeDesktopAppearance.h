@@ -1,9 +1,10 @@
 #pragma once
 
 #include "BusNameOwner.h"
+#include "BusSignals.h"
 #include "MessageBus.h"
 
-#include <QDBusVariant>
+#include <QDBusMessage>
 #include <QObject>
 #include <array>
 #include <bitset>
@@ -40,9 +41,6 @@ Q_SIGNALS:
     /// `prefersDark()` has another answer than before.
     void darkChanged();
 
-private Q_SLOTS:
-    void settingChanged(const QString& group, const QString& key, const QDBusVariant& value);
-
 private:
     enum SettingID : std::size_t {
         standardMotion,
@@ -56,14 +54,15 @@ private:
 
     void joinBus();
     void followPortal();
+    void settingChanged(const QDBusMessage& notice);
     void readAll();
     void takeAll(const QDBusMessage& answer);
     void take(const Wishes& wishes);
 
     MessageBus& bus_;
     std::unique_ptr<BusNameOwner> portal_;
-    /// The portal's address whose signals are listened to; empty while there is none.
-    QString heard_;
+    /// Of the portal.
+    BusSignals signals_;
     int generation_ = 0;
     Wishes wishes_;
     /// What changed after all settings were asked for last.

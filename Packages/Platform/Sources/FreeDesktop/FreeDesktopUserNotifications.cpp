@@ -38,7 +38,10 @@ QDBusMessage notify(const QString& title, const QString& text, const QStringList
 } // namespace
 
 FreeDesktopUserNotifications::FreeDesktopUserNotifications(const MessageBus& bus)
-    : bus_(bus) {}
+    : bus_(bus)
+    , signals_(bus, path(), service(), {QStringLiteral("ActionInvoked")}) {
+    connect(&signals_, &BusSignals::heard, this, &FreeDesktopUserNotifications::actionInvoked);
+}
 
 void FreeDesktopUserNotifications::show(const QString& title, const QString& text,
                                         std::function<void()> chosen) {
@@ -57,23 +60,12 @@ void FreeDesktopUserNotifications::show(const QString& title, const QString& tex
 
 void FreeDesktopUserNotifications::listenToOwner() {
     whenAnswered(askForOwner(bus_.connection(), service()), this,
-                 [this](const QDBusReply<QString>& owner) { listenTo(owner.value()); });
-}
-
-void FreeDesktopUserNotifications::listenTo(const QString& sender) {
-    const QString signal = QStringLiteral("ActionInvoked");
-    const char* const slot = SLOT(actionInvoked(QDBusMessage));
-    QDBusConnection bus = bus_.connection();
-    if (!heard_.isEmpty())
-        bus.disconnect(heard_, path(), service(), signal, this, slot);
-    heard_ = sender;
-    if (!heard_.isEmpty())
-        bus.connect(heard_, path(), service(), signal, this, slot);
+                 [this](const QDBusReply<QString>& owner) { signals_.listenTo(owner.value()); });
 }
 
 void FreeDesktopUserNotifications::actionInvoked(const QDBusMessage& notice) {
     const QVariantList told = notice.arguments();
-    if (notice.service() != heard_ || shown_ == 0 || told.value(0).toUInt() != shown_ ||
+    if (shown_ == 0 || told.value(0).toUInt() != shown_ ||
         told.value(1).toString() != clickAction())
         return;
     shown_ = 0;

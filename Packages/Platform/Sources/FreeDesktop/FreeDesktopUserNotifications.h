@@ -1,13 +1,13 @@
 #pragma once
 
+#include "BusSignals.h"
 #include "MessageBus.h"
 #include "UserNotifications.h"
 
+#include <QDBusMessage>
 #include <QObject>
 #include <QString>
 #include <functional>
-
-class QDBusMessage;
 
 namespace tilewright {
 
@@ -21,19 +21,16 @@ public:
 
     void show(const QString& title, const QString& text, std::function<void()> chosen) override;
 
-private Q_SLOTS:
-    void actionInvoked(const QDBusMessage& notice);
-
 private:
     void listenToOwner();
-    void listenTo(const QString& service);
+    void actionInvoked(const QDBusMessage& notice);
 
     const MessageBus& bus_;
     std::function<void()> chosen_;
-    /// The message that can be clicked, and who shows it; none and empty while there is no such
-    /// one.
+    /// The message that can be clicked; none while there is no such one.
     quint32 shown_ = 0;
-    QString heard_;
+    /// Of the one who shows it.
+    BusSignals signals_;
 };
 
 } // namespace tilewright

@@ -105,9 +105,13 @@ StatusNotifierItem::StatusNotifierItem(MainLoop& loop, MessageBus& bus,
     , serviceName_(QStringLiteral("org.kde.StatusNotifierItem-%1-%2")
                        .arg(QCoreApplication::applicationPid())
                        .arg(number))
-    , adaptor_(nullptr) {
+    , adaptor_(nullptr)
+    , signals_(bus, watcherPath(), watcherService(),
+               {QStringLiteral("StatusNotifierHostRegistered"),
+                QStringLiteral("StatusNotifierHostUnregistered")}) {
     registerStatusNotifierTypes();
     adaptor_ = new Adaptor(this);
+    connect(&signals_, &BusSignals::heard, this, &StatusNotifierItem::hostsChanged);
     connect(&bus_, &MessageBus::joined, this, &StatusNotifierItem::joinBus);
     connect(&bus_, &MessageBus::left, this, &StatusNotifierItem::leaveBus);
     if (bus_.isJoined())
@@ -149,7 +153,7 @@ void StatusNotifierItem::leaveBus() {
 void StatusNotifierItem::leaveWatcher() {
     ++watcherGeneration_;
     isHostAskedFor_ = false;
-    heard_.clear();
+    signals_.listenTo({});
     watcher_.reset();
 }
 
@@ -180,8 +184,8 @@ void StatusNotifierItem::keepActivationToken(const QString& token) const {
 void StatusNotifierItem::followWatcher() {
     ++watcherGeneration_;
     isHostAskedFor_ = false;
-    listenTo(watcher_->owner());
-    if (heard_.isEmpty()) {
+    signals_.listenTo(watcher_->owner());
+    if (!hasWatcher()) {
         settle(false, Trust::full);
         return;
     }
@@ -194,23 +198,6 @@ void StatusNotifierItem::registerItem() {
         callToWatcher(watcherService(), QStringLiteral("RegisterStatusNotifierItem"));
     call << serviceName_;
     bus_.connection().send(call);
-}
-
-void StatusNotifierItem::listenTo(const QString& watcher) {
-    const QString came = QStringLiteral("StatusNotifierHostRegistered");
-    const QString went = QStringLiteral("StatusNotifierHostUnregistered");
-    const char* const slot = SLOT(hostsChanged(QDBusMessage));
-    QDBusConnection bus = bus_.connection();
-    // The bus passes on nobody else's signals then, at no cost to this process.
-    if (!heard_.isEmpty()) {
-        bus.disconnect(heard_, watcherPath(), watcherService(), came, this, slot);
-        bus.disconnect(heard_, watcherPath(), watcherService(), went, this, slot);
-    }
-    heard_ = watcher;
-    if (!heard_.isEmpty()) {
-        bus.connect(heard_, watcherPath(), watcherService(), came, this, slot);
-        bus.connect(heard_, watcherPath(), watcherService(), went, this, slot);
-    }
 }
 
 void StatusNotifierItem::askForHost() {
@@ -253,9 +240,7 @@ void StatusNotifierItem::limitWaiting() {
         ScopedTimer(loop_.scheduleOnce(answerBound, [this] { settle(false, Trust::none); }));
 }
 
-void StatusNotifierItem::hostsChanged(const QDBusMessage& notice) {
-    if (notice.service() != heard_)
-        return;
+void StatusNotifierItem::hostsChanged() {
     if (std::exchange(isWatcherHollow_, false))
         registerItem();
     // What the watcher says is asked for, once at a time: one host of several may have gone.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "BusNameOwner.h"
+#include "BusSignals.h"
 #include "MessageBus.h"
 #include "NativePixel.h"
 
@@ -59,7 +60,7 @@ public:
     /// Whether the bus has told if there is a host, or has had its time.
     [[nodiscard]] bool isSettled() const { return isSettled_; }
     /// Whether somebody keeps the list of items, be there a host or not.
-    [[nodiscard]] bool hasWatcher() const { return !heard_.isEmpty(); }
+    [[nodiscard]] bool hasWatcher() const { return !signals_.sender().isEmpty(); }
     /// None after a watcher, or the bus, has not answered in time or said what makes no sense.
     [[nodiscard]] Trust trust() const { return trust_; }
 
@@ -69,9 +70,6 @@ Q_SIGNALS:
     void activated(NativePixel place);
     /// `isHosted()` or `isSettled()` changed.
     void hostedChanged();
-
-private Q_SLOTS:
-    void hostsChanged(const QDBusMessage& notice);
 
 private:
     class Adaptor;
@@ -83,7 +81,7 @@ private:
     void keepActivationToken(const QString& token) const;
     void followWatcher();
     void registerItem();
-    void listenTo(const QString& watcher);
+    void hostsChanged();
     void askForHost();
     void takeWord(const QDBusMessage& reply);
     void limitWaiting();
@@ -95,8 +93,8 @@ private:
     QString serviceName_;
     Adaptor* adaptor_;
     std::unique_ptr<BusNameOwner> watcher_;
-    /// The watcher's address whose signals are listened to; empty while there is none.
-    QString heard_;
+    /// Of the watcher.
+    BusSignals signals_;
     /// Counts the watchers seen, so that a late answer of a former one is told apart.
     int watcherGeneration_ = 0;
     bool isHostAskedFor_ = false;

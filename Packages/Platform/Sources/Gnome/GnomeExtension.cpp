@@ -61,7 +61,9 @@ QString GnomeExtension::shellName() {
 GnomeExtension::GnomeExtension(MessageBus& bus, GnomeCompanionFiles files, QString settingsProgram)
     : bus_(bus)
     , files_(std::move(files))
-    , startList_(std::move(settingsProgram)) {
+    , startList_(std::move(settingsProgram))
+    , signals_(bus, shellPath(), extensionsInterface(), {QStringLiteral("ExtensionStateChanged")}) {
+    connect(&signals_, &BusSignals::heard, this, &GnomeExtension::stateChanged);
     connect(&bus_, &MessageBus::joined, this, &GnomeExtension::joinBus);
     connect(&bus_, &MessageBus::left, this, &GnomeExtension::leaveBus);
     if (bus_.isJoined())
@@ -77,28 +79,16 @@ void GnomeExtension::joinBus() {
 
 void GnomeExtension::leaveBus() {
     shell_.reset();
-    heard_.clear();
     ask();
 }
 
 void GnomeExtension::shellChanged() {
-    listenTo(shell_->owner());
+    signals_.listenTo(shell_->owner());
     ask();
 }
 
-void GnomeExtension::listenTo(const QString& shell) {
-    const QString signal = QStringLiteral("ExtensionStateChanged");
-    const char* const slot = SLOT(stateChanged(QDBusMessage));
-    QDBusConnection bus = bus_.connection();
-    if (!heard_.isEmpty())
-        bus.disconnect(heard_, shellPath(), extensionsInterface(), signal, this, slot);
-    heard_ = shell;
-    if (!heard_.isEmpty())
-        bus.connect(heard_, shellPath(), extensionsInterface(), signal, this, slot);
-}
-
 void GnomeExtension::stateChanged(const QDBusMessage& notice) {
-    if (notice.service() == heard_ && notice.arguments().value(0).toString() == files_.name())
+    if (notice.arguments().value(0).toString() == files_.name())
         refresh();
 }
 
@@ -113,13 +103,13 @@ void GnomeExtension::refresh() {
 void GnomeExtension::ask() {
     ++generation_;
     isStale_ = false;
-    isAsked_ = !heard_.isEmpty();
+    isAsked_ = !signals_.sender().isEmpty();
     if (!isAsked_) {
         settle(State::unknown);
         return;
     }
     QDBusMessage get =
-        callToShell(heard_, extensionsInterface(), QStringLiteral("GetExtensionInfo"));
+        callToShell(signals_.sender(), extensionsInterface(), QStringLiteral("GetExtensionInfo"));
     get << files_.name();
     whenAnswered(bus_.connection().asyncCall(get), this,
                  [this, generation = generation_](const QDBusMessage& reply) {
@@ -162,13 +152,14 @@ void GnomeExtension::settle(State state) {
 void GnomeExtension::turnOn() {
     if (state_ != State::off)
         return;
-    QDBusMessage set = callToShell(heard_, QStringLiteral("org.freedesktop.DBus.Properties"),
-                                   QStringLiteral("Set"));
+    QDBusMessage set =
+        callToShell(signals_.sender(), QStringLiteral("org.freedesktop.DBus.Properties"),
+                    QStringLiteral("Set"));
     set << extensionsInterface() << QStringLiteral("UserExtensionsEnabled")
         << QVariant::fromValue(QDBusVariant(true));
     bus_.connection().send(set);
     QDBusMessage enable =
-        callToShell(heard_, extensionsInterface(), QStringLiteral("EnableExtension"));
+        callToShell(signals_.sender(), extensionsInterface(), QStringLiteral("EnableExtension"));
     enable << files_.name();
     whenAnswered(bus_.connection().asyncCall(enable), this,
                  [this](const QDBusMessage&) { refresh(); });

@@ -4,6 +4,7 @@
 #include "GnomeStartList.h"
 
 #include <FreeDesktop/BusNameOwner.h>
+#include <FreeDesktop/BusSignals.h>
 #include <FreeDesktop/MessageBus.h>
 
 #include <QObject>
@@ -58,14 +59,11 @@ Q_SIGNALS:
     /// The shell says that it does not run it: whatever it has told is over.
     void stopped();
 
-private Q_SLOTS:
-    void stateChanged(const QDBusMessage& notice);
-
 private:
     void joinBus();
     void leaveBus();
     void shellChanged();
-    void listenTo(const QString& shell);
+    void stateChanged(const QDBusMessage& notice);
     void ask();
     [[nodiscard]] State stateIn(const QDBusMessage& reply) const;
     void settle(State state);
@@ -74,8 +72,8 @@ private:
     const GnomeCompanionFiles files_;
     GnomeStartList startList_;
     std::unique_ptr<BusNameOwner> shell_;
-    /// The shell's own address, whose signals are listened to; empty while there is none.
-    QString heard_;
+    /// Of the shell.
+    BusSignals signals_;
     /// Counts the shells, so that a late answer of a former one is told apart.
     int generation_ = 0;
     bool isAsked_ = false;

@@ -66,11 +66,14 @@ QString KWinCompanion::runtimeFolder() {
 
 KWinCompanion::KWinCompanion(MessageBus& bus, QString folder)
     : bus_(bus)
-    , folder_(std::move(folder)) {
+    , folder_(std::move(folder))
+    , compositing_(bus, QStringLiteral("/Compositor"), QStringLiteral("org.kde.kwin.Compositing"),
+                   {QStringLiteral("compositingToggled")}) {
     // A former life of this process, or of one with its number, may have had no time to do so.
     QDir files(folder_, filesOfThisProcess().arg(QStringLiteral("*")));
     for (const QString& file : files.entryList(QDir::Files))
         files.remove(file);
+    connect(&compositing_, &BusSignals::heard, this, &KWinCompanion::compositingToggled);
     connect(&bus_, &MessageBus::joined, this, &KWinCompanion::joinBus);
     connect(&bus_, &MessageBus::left, this, &KWinCompanion::leaveBus);
     if (bus_.isJoined())
@@ -94,35 +97,20 @@ void KWinCompanion::joinBus() {
     QDBusConnection bus = bus_.connection();
     kwin_ = std::make_unique<BusNameOwner>(bus, compositorName());
     connect(kwin_.get(), &BusNameOwner::changed, this, [this] {
-        listenTo(kwin_->owner());
+        compositing_.listenTo(kwin_->owner());
         reload();
     });
 }
 
-void KWinCompanion::listenTo(const QString& kwin) {
-    // By its own address: of a name Qt asks the bus whose it is, and waits for the answer.
-    const QString path = QStringLiteral("/Compositor");
-    const QString interface = QStringLiteral("org.kde.kwin.Compositing");
-    const QString signal = QStringLiteral("compositingToggled");
-    const char* const slot = SLOT(compositingToggled(bool));
-    QDBusConnection bus = bus_.connection();
-    if (!heard_.isEmpty())
-        bus.disconnect(heard_, path, interface, signal, this, slot);
-    heard_ = kwin;
-    if (!heard_.isEmpty())
-        bus.connect(heard_, path, interface, signal, this, slot);
-}
-
-void KWinCompanion::compositingToggled(bool isOn) {
+void KWinCompanion::compositingToggled(const QDBusMessage& notice) {
     // KWin 5 begins anew to paint when a display has been switched off, and forgets the effects
     // that were loaded into it.
-    if (isOn)
+    if (notice.arguments().value(0).toBool())
         reload();
 }
 
 void KWinCompanion::leaveBus() {
     kwin_.reset();
-    heard_.clear();
     onItsWayTo_.reset();
     reload();
 }

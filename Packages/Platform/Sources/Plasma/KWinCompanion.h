@@ -1,6 +1,7 @@
 #pragma once
 
 #include <FreeDesktop/BusNameOwner.h>
+#include <FreeDesktop/BusSignals.h>
 #include <FreeDesktop/MessageBus.h>
 
 #include <QByteArray>
@@ -53,13 +54,10 @@ Q_SIGNALS:
     /// `state()` has another answer than before.
     void changed();
 
-private Q_SLOTS:
-    void compositingToggled(bool isOn);
-
 private:
     [[nodiscard]] static QString runtimeFolder();
     void joinBus();
-    void listenTo(const QString& kwin);
+    void compositingToggled(const QDBusMessage& notice);
     void leaveBus();
     void settle(State state);
     /// `then(true)` once KWin has been told to run it.
@@ -70,8 +68,7 @@ private:
     MessageBus& bus_;
     const QString folder_;
     std::unique_ptr<BusNameOwner> kwin_;
-    /// The address of the one whose signals are received.
-    QString heard_;
+    BusSignals compositing_;
     /// Those written last: KWin reads a script a little after it was told to run it.
     std::deque<std::unique_ptr<QTemporaryFile>> files_;
     int errands_ = 0;
