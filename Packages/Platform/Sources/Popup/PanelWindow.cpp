@@ -9,6 +9,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QPixmap>
 #include <QWindow>
 #include <algorithm>
 
@@ -35,6 +36,11 @@ PanelWindow::PanelWindow(const PlatformServices& services, std::unique_ptr<Panel
     setWindowTitle(QStringLiteral("Tilewright"));
     setAccessibleName(QStringLiteral("Tilewright"));
     setAttribute(Qt::WA_TranslucentBackground);
+    // No bar lists a popup: the program's icon would be drawn in all its sizes for nobody, each
+    // time that the panel opens.
+    QPixmap nothing(1, 1);
+    nothing.fill(Qt::transparent);
+    setWindowIcon(nothing);
     // A press outside only closes the panel, also one on the item: it must not open it again.
     setAttribute(Qt::WA_NoMouseReplay);
     connect(&services_.screens, &Screens::screensChanged, this, [this] {

@@ -1,8 +1,11 @@
 #include "PopupFixture.h"
 
 #include <QAccessible>
+#include <QIcon>
+#include <QPixmap>
 #include <QSignalSpy>
 #include <QTest>
+#include <QWindow>
 
 namespace tilewright::testing {
 
@@ -15,6 +18,15 @@ TEST_F(PopupPanelSurfaceTest, OpensUnderTheItemOnAClick) {
     EXPECT_EQ(ground.width(), 300);
     EXPECT_GE(ground.top(), itemPlace.bottom());
     EXPECT_NEAR(ground.center().x(), itemPlace.center().x(), 1);
+}
+
+TEST_F(PopupPanelSurfaceTest, HasTheProgramsIconDrawnForNobody) {
+    QPixmap icon(64, 64);
+    icon.fill(Qt::red);
+    QGuiApplication::setWindowIcon(icon);
+    clickItem();
+    EXPECT_EQ(surface->window().windowHandle()->icon().actualSize(icon.size()), QSize(1, 1));
+    QGuiApplication::setWindowIcon({});
 }
 
 TEST_F(PopupPanelSurfaceTest, ClosesOnASecondClick) {
