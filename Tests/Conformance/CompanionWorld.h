@@ -93,7 +93,7 @@ public:
     void holdControl() override { setKeys(control); }
     void releaseControl() override { setKeys(0); }
     void pressButton() override {
-        if (isPanelOnDisplay())
+        if (panelWindow())
             teller().call("PressOutside", R"({"overview":false})");
         else
             beginDrag();
@@ -112,7 +112,7 @@ public:
     void addPanel() override { teller().call("Displays", R"({"displays":[)" + display(40) + "]}"); }
     bool showsPanel() const override {
         const QWidget* panel = panelWindow();
-        return panel && isPanelOnDisplay() && panel->width() == 300;
+        return panel && panel->width() == 300;
     }
 
     // The compositor lets them through.
@@ -216,7 +216,7 @@ private:
                       {frame[2].toDouble(), frame[3].toDouble()}};
             teller().call("FrameSettled", R"({"window":)" + QByteArray::number(window_) +
                                               R"(,"frame":)" + numbers(frame_) + "}");
-        } else if (name == QStringLiteral("panel") && isPanelOnDisplay()) {
+        } else if (name == QStringLiteral("panel") && isPanelAwaited()) {
             teller().call("PanelAwaited", "{}");
             teller().call("Focus", R"({"focus":)" +
                                        testing::windowText(999, "[0,0,300,200]", true, getpid()) +
@@ -227,12 +227,13 @@ private:
             teller().call("Pointer", R"({"keys":0,"pointer":)" + pointer_ + "}");
         }
     }
-    [[nodiscard]] bool isPanelOnDisplay() const {
+    /// Whether the companion has been told last that it is to place the panel.
+    [[nodiscard]] bool isPanelAwaited() const {
         return teller().panel && (*teller().panel)[QStringLiteral("shown")].toBool();
     }
-    /// The window that the companion takes for the panel.
+    /// The window that it takes for the panel, while that is on the display.
     [[nodiscard]] QWidget* panelWindow() const {
-        if (!teller().panel)
+        if (!isPanelAwaited())
             return nullptr;
         const QString title = (*teller().panel)[QStringLiteral("title")].toString();
         for (QWidget* widget : QApplication::topLevelWidgets()) {

@@ -211,6 +211,9 @@ void CompanionBus::postAnswers() {
 
 void CompanionBus::answer() {
     areAnswersPosted_ = false;
+    // A carrier sees its window close, as it would see it come.
+    if (carrier_)
+        outbox_.dropClosedPanel();
     // Other answers are dropped where they come late, as after this process was stopped.
     if (doesAnybodyWait() && outbox_.hasLasting())
         sendToWhoeverWaits(outbox_.takeLasting());

@@ -133,6 +133,11 @@ void CompanionOutbox::askForPointer() {
     tell();
 }
 
+void CompanionOutbox::dropClosedPanel() {
+    if (panel_ && !panel_->isShown)
+        panel_.reset();
+}
+
 void CompanionOutbox::clear() {
     overlay_.reset();
     frames_.clear();

@@ -33,6 +33,8 @@ public:
     void bringForward(const QString& title);
     /// Has the companion tell where the pointer is.
     void askForPointer();
+    /// Drops the panel where it is closed: for whoever places it in the moment that it comes.
+    void dropClosedPanel();
     /// Drops everything: nobody is there to do it, or somebody new who knows nothing of it.
     void clear();
 

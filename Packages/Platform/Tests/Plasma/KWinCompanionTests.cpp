@@ -202,6 +202,18 @@ TEST_F(KWinCompanionTest, IsHeardByTheBusWhichHandsCommandsToTheCarrierThatNobod
     outbox.setFrame(CompanionWindowID{8}, {1, 2, 3, 4});
     EXPECT_TRUE(waitUntil([&] { return kwin.frames.contains(8); })) << "of nobody's bringing about";
     EXPECT_TRUE(outbox.isEmpty());
+
+    const int scripts = kwin.loads;
+    CompanionPanel panel;
+    panel.isShown = true;
+    outbox.setPanel(panel);
+    EXPECT_TRUE(waitUntil([&] { return kwin.panel.has_value(); }));
+    panel.isShown = false;
+    outbox.setPanel(panel);
+    EXPECT_TRUE(
+        staysTrue([&] { return kwin.loads == scripts + 1; }, std::chrono::milliseconds(100)))
+        << "a panel that is closed needs no script";
+    EXPECT_TRUE(outbox.isEmpty());
 }
 
 } // namespace tilewright::testing
