@@ -8,6 +8,8 @@
 
 #include <Plasma/PlasmaPlatform.h>
 
+#include <vector>
+
 namespace tilewright::testing {
 
 namespace {
@@ -54,6 +56,12 @@ public:
         return {at.x() + 0.5, displayHeight - at.y() - 0.5};
     }
 
+    /// KWin begins anew to paint, and so gets the companion handed again, which it takes or not.
+    void restartCompositing(bool takesScripts) {
+        kwin_.takesScripts = takesScripts;
+        kwin_.restartCompositing();
+    }
+
     // KWin goes, and another one comes.
     void setTrust(bool isGranted) override {
         if (isGranted)
@@ -80,6 +88,26 @@ private:
 };
 
 } // namespace
+
+TEST(PlasmaPlatform, IsTrustedNoMoreAndForgetsTheDragOnceKWinRefusesTheCompanion) {
+    PlasmaWorld world;
+    static_cast<void>(world.openWindow({{100, 120}, {400, 300}}));
+    std::vector<Event> seen;
+    EventMonitors& monitors = world.platform().eventMonitors;
+    const auto monitor =
+        monitors.addGlobalMonitor({EventType::flagsChanged, EventType::leftMouseUp},
+                                  [&](const Event& event) { seen.push_back(event); });
+    ASSERT_TRUE(monitor);
+    world.holdControl();
+    ASSERT_TRUE(waitUntil([&] { return !seen.empty(); }));
+    world.restartCompositing(false);
+    EXPECT_TRUE(waitUntil([&] { return !world.isTrusted(); }));
+    EXPECT_EQ(seen.back().type, EventType::leftMouseUp);
+    EXPECT_FALSE(seen.back().modifierFlags.contains(ModifierFlag::control)) << "it is no drop";
+    world.restartCompositing(true);
+    EXPECT_TRUE(waitUntil([&] { return world.isTrusted(); }));
+    monitors.removeMonitor(*monitor);
+}
 
 INSTANTIATE_TEST_SUITE_P(Plasma, PlatformConformance,
                          ::testing::Values([] { return std::make_unique<PlasmaWorld>(); }));
