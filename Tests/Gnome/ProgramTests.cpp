@@ -45,6 +45,7 @@ TEST_F(ProgramInGnome, LeavesNothingWhenItIsKilledInMidDrag) {
 TEST_F(ProgramInGnome, DoesNotHoldUpADragWhileItIsStopped) {
     const QString title = session.startClient(CompositorClient::qt, start);
     dragWhileItIsStopped(title, *program);
+    drop();
     EXPECT_TRUE(waitUntil([&] { return !isHighlighted(zone(0)); }));
     program->signal(SIGCONT);
     dragToFirstZone(title);

@@ -2,6 +2,8 @@
 
 #include "ProgramInPlasma.h"
 
+#include <FakeNotifierWatcher.h>
+#include <NotifierHost.h>
 #include <OverlayEdges.h>
 
 namespace tilewright::testing {
@@ -29,7 +31,45 @@ INSTANTIATE_TEST_SUITE_P(Of, ProgramAtScale, ::testing::Values(1.25, 1.5, 2),
                              return QString::number(scale.param * 100).toStdString();
                          });
 
+/// Two displays, and a tray that has taken in the program's item.
+struct ProgramWithItsItem : ProgramInPlasma {
+    ProgramWithItsItem()
+        : ProgramInPlasma("control", {.scales = {1, 1}}) {
+        EXPECT_TRUE(waitUntil([&] { return !tray.items.isEmpty(); })) << session.describe();
+    }
+    /// As a tray tells of it that has the item there.
+    void clickItem(QPoint at) {
+        session.input().move(at);
+        NotifierHost(session.bus())
+            .call(tray.items.back(), QStringLiteral("org.kde.StatusNotifierItem"),
+                  QStringLiteral("Activate"), {at.x(), at.y()});
+    }
+
+    FakeNotifierWatcher tray{session.bus()};
+};
+
 } // namespace
+
+TEST_F(ProgramWithItsItem, OpensItsPanelOnTheDisplayOfTheClickWithTheZonesOfThatOne) {
+    const QString title = session.startClient(CompositorClient::qt, start);
+    const QRect& first = session.displays()[0];
+    const QRect& second = session.displays()[1];
+    const QRect thirdOfSecond = frameOf(ZoneLayout::thirds().zones[0], second);
+    for (const auto& [display, filled] :
+         {std::pair(second, thirdOfSecond), std::pair(first, zone(0))}) {
+        const QPoint item(display.center().x() + 200, display.bottom() - 20);
+        clickItem(item);
+        ASSERT_TRUE(waitUntil([&] { return isPanelReady(); })) << session.describe();
+        const QRect panel = session.frame(panelTitle);
+        EXPECT_NEAR(panel.center().x(), item.x(), 1);
+        EXPECT_TRUE(panel.top() > display.top() && panel.top() < item.y() - 100);
+        session.input().move(firstZoneInPanel());
+        session.input().click();
+        EXPECT_TRUE(endsIn(title, filled)) << session.describe();
+        clickItem(item);
+        ASSERT_TRUE(waitUntil([&] { return !isPanelOpen(); }));
+    }
+}
 
 TEST_P(ProgramOnTwoDisplays, ShowsTheZonesOfTheOneUnderThePointerAndEndsInThem) {
     // KWin by itself clears what lies bare on the first one only.

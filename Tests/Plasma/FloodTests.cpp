@@ -2,58 +2,14 @@
 // what it takes for the program floods it.
 
 #include "ProgramInPlasma.h"
+#include "StandInProgram.h"
 
-#include <Companion/CompanionBus.h>
 #include <FreeDesktop/FreeDesktopInstanceActivation.h>
-#include <Plasma/KWinCompanion.h>
-
-#include <QDBusVirtualObject>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 
 namespace tilewright::testing {
 namespace {
 
-/// Answers the companion in the program's place.
-class MadProgram final : public QDBusVirtualObject {
-public:
-    explicit MadProgram(const CompositorSession& session)
-        : bus_(session.bus())
-        , companion_(bus_, session.home() + QStringLiteral("/run")) {
-        QDBusConnection bus = bus_.connection();
-        EXPECT_TRUE(bus.registerVirtualObject(CompanionBus::objectPath(), this));
-    }
-    ~MadProgram() override {
-        QDBusConnection bus = bus_.connection();
-        bus.unregisterObject(CompanionBus::objectPath());
-    }
-    [[nodiscard]] QString introspect(const QString& /*path*/) const override { return {}; }
-    bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override {
-        const QString method = message.member();
-        ++calls[method];
-        const QJsonObject body =
-            QJsonDocument::fromJson(message.arguments().value(0).toString().toUtf8()).object();
-        bus.send(message.createReply(answer ? answer(method, body) : QStringLiteral("{}")));
-        return true;
-    }
-
-    /// What it answers to a call.
-    std::function<QString(const QString& method, const QJsonObject& body)> answer;
-    std::map<QString, int> calls;
-
-private:
-    MessageBus bus_;
-    KWinCompanion companion_;
-};
-
-struct KWinWithAMadProgram : ::testing::Test {
-    KWinWithAMadProgram() {
-        EXPECT_TRUE(waitUntil([&] { return session.hasCompanion(); })) << session.describe();
-        // It greets once it has heard of the effects, which KWin tells one after the other.
-        session.tell(QStringLiteral("0"));
-        EXPECT_TRUE(waitUntil([&] { return program.calls[QStringLiteral("Hello")] == 1; }));
-    }
+struct KWinWithAMadProgram : KWinWithAStandIn {
     [[nodiscard]] bool hasCompanion() { return session.hasScript(KWinCompanion::scriptName()); }
     void glideTo(QPoint to) {
         session.input().glide(to, 40);
@@ -69,16 +25,12 @@ struct KWinWithAMadProgram : ::testing::Test {
     [[nodiscard]] static QString answerOf(int commands, const QJsonObject& drag, int firstWidth) {
         QJsonArray list;
         for (int i = 0; i < commands; ++i)
-            list.append(QJsonObject{
-                {QStringLiteral("c"), QStringLiteral("frame")},
-                {QStringLiteral("window"), drag[QStringLiteral("window")][QStringLiteral("id")]},
-                {QStringLiteral("frame"), QJsonArray{10, 20, firstWidth + i, 400}}});
-        return QString::fromUtf8(QJsonDocument(QJsonObject{{QStringLiteral("do"), list}})
-                                     .toJson(QJsonDocument::Compact));
+            list.append(
+                StandInProgram::frameFor(drag[QStringLiteral("window")][QStringLiteral("id")],
+                                         {10, 20, firstWidth + i, 400}));
+        return StandInProgram::textOf(list);
     }
 
-    PlasmaSession session;
-    MadProgram program{session};
     const QString title = session.startClient(CompositorClient::qt, ProgramInPlasma::start);
 };
 

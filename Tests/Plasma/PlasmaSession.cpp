@@ -286,6 +286,13 @@ bool PlasmaSession::hasScript(const QString& name) {
     return callScripting(QStringLiteral("isScriptLoaded"), {name}).arguments().value(0).toBool();
 }
 
+bool PlasmaSession::hasErrand() {
+    for (int i = 1; i <= 20; ++i)
+        if (hasScript(QStringLiteral("tilewright_errand_%1").arg(i)))
+            return true;
+    return false;
+}
+
 bool PlasmaSession::hasCompanion() {
     if (!hasScript(QStringLiteral("tilewright")))
         return false;
@@ -300,12 +307,24 @@ bool PlasmaSession::hasCompanion() {
     return effects.contains(QStringLiteral("tilewright_key_meta"));
 }
 
-QColor PlasmaSession::pixel(QPoint at) {
+std::size_t PlasmaSession::displayAt(QPoint at) const {
     std::size_t display = 0;
     while (display + 1 < displays_.size() && !displays_[display].contains(at))
         ++display;
+    return display;
+}
+
+QColor PlasmaSession::pixel(QPoint at) {
+    const std::size_t display = displayAt(at);
     const QPoint there = (QPointF(at - displays_[display].topLeft()) * scales_[display]).toPoint();
     return host_ ? host_->pixel(int(display), there) : pictureOf(display).pixelColor(there);
+}
+
+QImage PlasmaSession::pictureOf(const QRect& area) {
+    const std::size_t display = displayAt(area.center());
+    const QRectF there(QPointF(area.topLeft() - displays_[display].topLeft()) * scales_[display],
+                       QSizeF(area.size()) * scales_[display]);
+    return pictureOf(display).copy(there.toRect());
 }
 
 QImage PlasmaSession::pictureOf(std::size_t display) {

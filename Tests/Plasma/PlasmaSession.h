@@ -50,10 +50,14 @@ public:
     [[nodiscard]] bool isDragging() override;
     /// Whether KWin has the script.
     [[nodiscard]] bool hasScript(const QString& name);
+    /// Whether it has one that does an errand of the program's, of the first twenty.
+    [[nodiscard]] bool hasErrand();
     /// Whether it runs, and sees the keys.
     [[nodiscard]] bool hasCompanion();
     /// What the first display looks like.
     [[nodiscard]] QImage picture() override { return pictureOf(0); }
+    /// What that part of a display looks like, whichever one it is on.
+    [[nodiscard]] QImage pictureOf(const QRect& area);
     [[nodiscard]] QColor pixel(QPoint at) override;
     /// The frames of the displays at the beginning, the first the primary one.
     [[nodiscard]] const std::vector<QRect>& displays() const { return displays_; }
@@ -87,6 +91,8 @@ private:
     void installFiles() const;
     void installEffects() const;
     void installEntries() const;
+    /// By the place of a display among the others.
+    [[nodiscard]] std::size_t displayAt(QPoint at) const;
     [[nodiscard]] QImage pictureOf(std::size_t display);
     /// As KWin itself makes it, which KWin 6 does only with a graphics card.
     [[nodiscard]] QImage screenshot(const QRect& area);

@@ -22,6 +22,7 @@ struct ProgramInPlasma : ProgramInCompositor<PlasmaSession> {
         session.tell(QStringLiteral("0"));
     }
     [[nodiscard]] QRect workArea() override { return session.displays().front(); }
+    [[nodiscard]] QImage pictureOf(const QRect& area) override { return session.pictureOf(area); }
     void openPanel() override {
         startAgain();
         ASSERT_TRUE(waitUntil([&] { return isPanelReady(); })) << session.describe();

@@ -149,6 +149,34 @@ TEST_F(ProgramInPlasma, ShowsItsZonesAboveABarThatTakesNoRoomAway) {
     EXPECT_TRUE(waitUntil([&] { return session.pixel(onBar) == green; }));
 }
 
+TEST_F(ProgramInPlasma, FollowsABarAndAWindowThatWereThereBeforeIt) {
+    program->signal(SIGTERM);
+    ASSERT_TRUE(program->waitForEnd());
+    ASSERT_TRUE(waitUntil([&] { return !session.hasScript(companion); })) << session.describe();
+    const QRect display = session.displays().front();
+    const auto below = [&](int height) {
+        return frameOf(ZoneLayout::bentoBox().zones[0], display.adjusted(0, height, 0, 0));
+    };
+    const QString bar = session.startBar({0, 0, display.width(), 40});
+    session.keepFree(bar, 40);
+    const QString title = session.startClient(CompositorClient::qt, start);
+    program = &session.start(QStringLiteral(TILEWRIGHT_PROGRAM));
+    ASSERT_TRUE(waitUntil([&] { return session.hasCompanion(); })) << session.describe();
+    session.tell(QStringLiteral("0"));
+    dragTo(below(40), title);
+    drop();
+    EXPECT_TRUE(endsIn(title, below(40))) << session.describe();
+
+    // Not by a drag: what is free is told at the beginning of each.
+    session.keepFree(bar, 100);
+    session.place(bar, {0, 0, display.width(), 100});
+    session.input().move(start.center());
+    openPanel();
+    session.input().move(firstZoneInPanel());
+    session.input().click();
+    EXPECT_TRUE(endsIn(title, below(100))) << session.describe();
+}
+
 TEST_F(ProgramInPlasma, FillsAZoneWithATerminalAsFarAsItsCellsGo) {
     expectToFillAZoneWithATerminal(start);
 }
@@ -278,6 +306,9 @@ TEST_F(ProgramInPlasma, TakesItsCompanionAlongWhenItEnds) {
 TEST_F(ProgramInPlasma, DoesNotHoldUpADragWhileItIsStoppedAndMovesNothingAfterwards) {
     const QString title = session.startClient(CompositorClient::qt, start);
     dragWhileItIsStopped(title, *program);
+    // Of a key that is up nothing would be snapped, however soon it were told.
+    session.input().release();
+    EXPECT_TRUE(waitUntil([&] { return !session.isDragging(); }));
     const QRect dropped = session.frame(title);
     // An answer is too late after a second.
     EXPECT_TRUE(staysTrue([&] { return session.frame(title) == dropped; },
@@ -286,6 +317,7 @@ TEST_F(ProgramInPlasma, DoesNotHoldUpADragWhileItIsStoppedAndMovesNothingAfterwa
     EXPECT_TRUE(waitUntil([&] { return !isHighlighted(zone(0)) && !isHighlighted(zone(1)); }));
     EXPECT_TRUE(
         staysTrue([&] { return session.frame(title) == dropped; }, std::chrono::milliseconds(500)));
+    session.input().releaseKey(KernelKey::control);
     dragToFirstZone(title);
     drop();
     EXPECT_TRUE(endsIn(title, zone(0))) << session.describe();

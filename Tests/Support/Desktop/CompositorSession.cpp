@@ -152,6 +152,17 @@ QString CompositorSession::startBar(QRect area) {
     return title;
 }
 
+void CompositorSession::keepFree(const QString& bar, int height) {
+    Subprocess& tool =
+        start(QStringLiteral("xprop"),
+              {QStringLiteral("-name"), bar, QStringLiteral("-f"), QStringLiteral("_NET_WM_STRUT"),
+               QStringLiteral("32c"), QStringLiteral("-set"), QStringLiteral("_NET_WM_STRUT"),
+               QStringLiteral("0,0,%1,0").arg(height)},
+              xServer());
+    EXPECT_TRUE(tool.waitForEnd()) << describe();
+    EXPECT_EQ(tool.exitCode(), 0) << describe();
+}
+
 void CompositorSession::startProgramOf(CompositorClient client, const QString& title) {
     const QString platform = QStringLiteral("QT_QPA_PLATFORM");
     const QStringList arguments{title, QStringLiteral("window")};

@@ -51,6 +51,8 @@ public:
     /// Starts a green bar that takes no room away from other windows, on the X server beside the
     /// compositor, and waits for it. Answers its title.
     [[nodiscard]] QString startBar(QRect area);
+    /// Has that bar keep so much of the upper edge free of other windows from now on.
+    void keepFree(const QString& bar, int height);
 
     /// A window's frame, as the compositor itself has it; empty where there is no such window.
     [[nodiscard]] virtual QRect frame(const QString& title) = 0;

@@ -131,14 +131,12 @@ struct ProgramInCompositor : ::testing::Test {
         drop();
         EXPECT_TRUE(endsIn(title, zone(0), tolerance)) << session.describe();
     }
-    /// Stops the program in mid-drag, and expects the window to follow the pointer as ever until it
-    /// is dropped.
+    /// Stops the program in mid-drag, and expects the window to follow the pointer as ever.
     void dragWhileItIsStopped(const QString& title, const Subprocess& program) {
         dragToFirstZone(title);
         program.signal(SIGSTOP);
         session.input().glide({1300, 700}, 20);
         EXPECT_TRUE(waitUntil([&] { return session.frame(title).contains(1300, 710); }));
-        drop();
     }
     /// Drags a terminal into a zone, and expects it to fill that as far as its cells go.
     void expectToFillAZoneWithATerminal(const QRect& start) {
@@ -214,6 +212,10 @@ struct ProgramInCompositor : ::testing::Test {
     [[nodiscard]] QPoint settingsInPanel() {
         return session.frame(panelTitle).bottomLeft() + QPoint(60, -45);
     }
+    /// What a part of one display looks like.
+    [[nodiscard]] virtual QImage pictureOf(const QRect& area) {
+        return session.picture().copy(area);
+    }
     /// Where the panel's large picture of a layout has the zone in the upper left corner. Fails the
     /// test where the open panel has none.
     [[nodiscard]] QPoint firstZoneInPanel() {
@@ -225,14 +227,14 @@ struct ProgramInCompositor : ::testing::Test {
         std::optional<QPoint> corner;
         QImage before;
         EXPECT_TRUE(waitUntil([&] {
-            const QImage picture = session.picture();
-            // A panel that fades in looks otherwise in every picture.
-            if (const QImage panel = picture.copy(frame); std::exchange(before, panel) != panel)
+            const QImage panel = pictureOf(frame);
+            // One that fades in looks otherwise in every picture.
+            if (std::exchange(before, panel) != panel)
                 return false;
-            for (int y = frame.top(); y < frame.bottom() && !corner; ++y) {
-                for (int x = frame.left(); x < frame.right() && !corner; ++x) {
-                    if (isAmber(picture.pixelColor(x, y)))
-                        corner = QPoint(x, y);
+            for (int y = 0; y < panel.height() && !corner; ++y) {
+                for (int x = 0; x < panel.width() && !corner; ++x) {
+                    if (isAmber(panel.pixelColor(x, y)))
+                        corner = frame.topLeft() + QPoint(x, y);
                 }
             }
             return corner.has_value();
