@@ -24,6 +24,7 @@ ELSEWHERE = {
     "oldlibrary": "needs libc++ 14, the library of the oldest macOS that is supported",
     "x11-mutter": "needs a mutter that manages windows on X servers, as before GNOME 50",
     "desktop-labwc-quick": "needs labwc, as in newer releases",
+    "desktop-wayfire-quick": "needs wayfire, which Tests/Releases/root puts into a root when asked for wayfire",
     "desktop-plasma": "needs Plasma's desktop, which Tests/Releases/root puts into a root when asked for plasma",
 }
 

@@ -13,7 +13,7 @@ if(mutter_result EQUAL 0 AND NOT mutter_help MATCHES "--x11")
   set(mutter_lacks_x11 TRUE)
 endif()
 
-# tilewright_test(<target> SOURCES <files...> [DEPENDS <targets...>] [LABEL unit|desktop|long|desktop-plasma|desktop-labwc]
+# tilewright_test(<target> SOURCES <files...> [DEPENDS <targets...>] [LABEL unit|desktop|long|desktop-plasma|desktop-labwc|desktop-wayfire]
 #                 [QUICK] [GUI] [TIMEOUT <seconds>] [NEEDS <program>])
 #
 # A GoogleTest program; every test in it becomes a test of its own for ctest. GUI programs get a
