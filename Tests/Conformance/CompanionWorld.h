@@ -120,8 +120,7 @@ public:
     bool isThisApplicationInFront() const override { return isInFront_; }
 
     void startEarlierInstance() override {
-        earlier_ =
-            std::make_unique<FreeDesktopInstanceActivation>(compositorsSocket, bus_.connect());
+        earlier_ = std::make_unique<FreeDesktopInstanceActivation>(compositorsSocket, earliersBus_);
         QObject::connect(earlier_.get(), &InstanceActivation::activationRequested, earlier_.get(),
                          [this] { ++requestsToEarlier_; });
         EXPECT_EQ(earlier_->claim(), InstanceActivation::Claim::first);
@@ -132,7 +131,8 @@ public:
         std::atomic<bool> isDone = false;
         const QDBusConnection connection = bus_.connect();
         std::thread other([&] {
-            FreeDesktopInstanceActivation later(compositorsSocket, connection);
+            MessageBus bus(connection);
+            FreeDesktopInstanceActivation later(compositorsSocket, bus);
             EXPECT_EQ(later.claim(), InstanceActivation::Claim::another);
             isDone = true;
         });
@@ -252,6 +252,7 @@ private:
     WindowFrame frame_;
     bool isThere_ = false;
     bool isInFront_ = false;
+    MessageBus earliersBus_{bus_.connect()};
     QByteArray pointer_ = "[0,0]";
     int keys_ = 0;
     int serial_ = 0;

@@ -38,8 +38,9 @@ struct KWinWithAMadProgram : KWinWithAStandIn {
 
 TEST_F(ProgramInPlasma, ListensToNoStrangerHoweverOftenHeCallsDuringADrag) {
     // By this name it is found; the companion knows it by its address.
+    MessageBus bus(session.bus());
     QDBusMessage call = QDBusMessage::createMethodCall(
-        FreeDesktopInstanceActivation(QStringLiteral("wayland-test"), session.bus()).serviceName(),
+        FreeDesktopInstanceActivation(QStringLiteral("wayland-test"), bus).serviceName(),
         CompanionBus::objectPath(), CompanionBus::interfaceName(), QStringLiteral("Hello"));
     call << QStringLiteral(
         R"({"protocol":1,"shell":"5","displays":[],"focus":null,"pointer":[0,0],"keys":0})");

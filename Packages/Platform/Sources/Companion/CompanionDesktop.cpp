@@ -9,8 +9,8 @@ namespace tilewright {
 CompanionDesktop::CompanionDesktop(std::function<void()> notify, std::function<void()> showGuidance)
     : accessibility(state, screens, outbox, mainLoop, std::move(notify))
     , workspace(state, outbox, std::move(showGuidance))
-    , instanceActivation(qEnvironmentVariable("WAYLAND_DISPLAY"), sessionBus.connection(), state,
-                         outbox, mainLoop) {}
+    , instanceActivation(qEnvironmentVariable("WAYLAND_DISPLAY"), sessionBus, state, outbox,
+                         mainLoop) {}
 
 CompanionDesktop::~CompanionDesktop() = default;
 

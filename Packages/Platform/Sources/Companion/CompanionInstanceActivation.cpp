@@ -2,8 +2,7 @@
 
 namespace tilewright {
 
-CompanionInstanceActivation::CompanionInstanceActivation(const QString& display,
-                                                         const QDBusConnection& bus,
+CompanionInstanceActivation::CompanionInstanceActivation(const QString& display, MessageBus& bus,
                                                          CompanionState& state,
                                                          CompanionOutbox& outbox, MainLoop& loop)
     : state_(state)

@@ -19,8 +19,8 @@ public:
     static constexpr std::chrono::milliseconds answerBound{300};
 
     /// `display` names the compositor's socket. All others have to outlive this.
-    CompanionInstanceActivation(const QString& display, const QDBusConnection& bus,
-                                CompanionState& state, CompanionOutbox& outbox, MainLoop& loop);
+    CompanionInstanceActivation(const QString& display, MessageBus& bus, CompanionState& state,
+                                CompanionOutbox& outbox, MainLoop& loop);
     ~CompanionInstanceActivation() override;
 
     [[nodiscard]] Claim claim() override { return instance_.claim(); }

@@ -1,7 +1,5 @@
 #include "FreeDesktopInstanceActivation.h"
 
-#include "MessageBus.h"
-
 #include <QDBusAbstractAdaptor>
 #include <QDBusMessage>
 #include <utility>
@@ -12,6 +10,7 @@ namespace {
 
 constexpr int patienceInMilliseconds = 2000;
 constexpr int attempts = 3;
+constexpr quint32 queue = 0;
 constexpr quint32 doNotQueue = 4;
 constexpr quint32 isPrimaryOwner = 1;
 constexpr quint32 isAlreadyOwner = 4;
@@ -70,26 +69,33 @@ private:
 } // namespace
 
 FreeDesktopInstanceActivation::FreeDesktopInstanceActivation(const QString& display,
-                                                             QDBusConnection bus)
-    : bus_(std::move(bus))
+                                                             MessageBus& bus)
+    : bus_(bus)
     , serviceName_(nameFor(display)) {
     new InstanceAdaptor(this);
+    connect(&bus_, &MessageBus::joined, this, &FreeDesktopInstanceActivation::claimAgain);
 }
 
 FreeDesktopInstanceActivation::~FreeDesktopInstanceActivation() {
-    bus_.unregisterObject(objectPath());
+    if (!bus_.isJoined())
+        return;
+    QDBusConnection bus = bus_.connection();
+    bus.unregisterObject(objectPath());
     if (!isFirst_)
         return;
     QDBusMessage release = callToBus(QStringLiteral("ReleaseName"));
     release << serviceName_;
-    bus_.send(release);
+    bus.send(release);
 }
 
 InstanceActivation::Claim FreeDesktopInstanceActivation::claim() {
-    if (!bus_.isConnected())
+    if (!bus_.isJoined()) {
+        isFirst_ = true;
         return Claim::first;
+    }
     // Before the name, so that whoever sees the name can call the object.
-    bus_.registerObject(objectPath(), this, QDBusConnection::ExportAdaptors);
+    QDBusConnection(bus_.connection())
+        .registerObject(objectPath(), this, QDBusConnection::ExportAdaptors);
     for (int attempt = 0; attempt < attempts; ++attempt) {
         isFirst_ = ownsName();
         if (isFirst_)
@@ -98,13 +104,26 @@ InstanceActivation::Claim FreeDesktopInstanceActivation::claim() {
             return Claim::another;
         // The other one ended between the two calls: the name is free again.
     }
+    isFirst_ = true;
     return Claim::first;
+}
+
+void FreeDesktopInstanceActivation::claimAgain() {
+    if (!isFirst_)
+        return;
+    QDBusConnection bus = bus_.connection();
+    bus.registerObject(objectPath(), this, QDBusConnection::ExportAdaptors);
+    // Of two that were both the first, for want of a bus, the other one may have it until it ends.
+    QDBusMessage request = callToBus(QStringLiteral("RequestName"));
+    request << serviceName_ << queue;
+    bus.send(request);
 }
 
 bool FreeDesktopInstanceActivation::ownsName() {
     QDBusMessage request = callToBus(QStringLiteral("RequestName"));
     request << serviceName_ << doNotQueue;
-    const QDBusMessage reply = bus_.call(request, QDBus::Block, patienceInMilliseconds);
+    const QDBusMessage reply =
+        bus_.connection().call(request, QDBus::Block, patienceInMilliseconds);
     // A bus that does not answer cannot tell of another instance.
     if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty())
         return true;
@@ -116,7 +135,8 @@ bool FreeDesktopInstanceActivation::otherAnswers() {
     QDBusMessage request = QDBusMessage::createMethodCall(
         serviceName_, objectPath(), interfaceName(), QStringLiteral("Activate"));
     request.setAutoStartService(false);
-    const QDBusMessage reply = bus_.call(request, QDBus::Block, patienceInMilliseconds);
+    const QDBusMessage reply =
+        bus_.connection().call(request, QDBus::Block, patienceInMilliseconds);
     if (reply.type() == QDBusMessage::ReplyMessage)
         return true;
     const QString error = reply.errorName();
@@ -130,7 +150,8 @@ bool FreeDesktopInstanceActivation::otherAnswers() {
 bool FreeDesktopInstanceActivation::isOwned() {
     QDBusMessage request = callToBus(QStringLiteral("NameHasOwner"));
     request << serviceName_;
-    const QDBusMessage reply = bus_.call(request, QDBus::Block, patienceInMilliseconds);
+    const QDBusMessage reply =
+        bus_.connection().call(request, QDBus::Block, patienceInMilliseconds);
     return !reply.arguments().isEmpty() && reply.arguments().constFirst().toBool();
 }
 

@@ -101,7 +101,7 @@ private:
 /// In the order in which they need each other.
 struct WaylandPlatform::Parts : FreeDesktopSession {
     FreeDesktopInstanceActivation instanceActivation{qEnvironmentVariable("WAYLAND_DISPLAY"),
-                                                     sessionBus.connection()};
+                                                     sessionBus};
     WaylandConnection compositor{mainLoop,
                                  waylandSocketPath(QProcessEnvironment::systemEnvironment())};
     LayerShellScreenSaver screenSaver{compositor, mainLoop};

@@ -133,7 +133,8 @@ TEST_F(BusFlood, OfClicksIsOne) {
 
 TEST_F(BusFlood, OfStartsIsOne) {
     const QDBusConnection own = bus.connect();
-    FreeDesktopInstanceActivation instance(QStringLiteral(":0"), own);
+    MessageBus ownBus(own);
+    FreeDesktopInstanceActivation instance(QStringLiteral(":0"), ownBus);
     ASSERT_EQ(instance.claim(), InstanceActivation::Claim::first);
     QSignalSpy requested(&instance, &InstanceActivation::activationRequested);
     call(instance.serviceName(), QStringLiteral("/org/tilewright/Tilewright"),

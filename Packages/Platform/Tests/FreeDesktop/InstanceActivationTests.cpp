@@ -1,6 +1,8 @@
 #include "PrivateBus.h"
 
+#include <FakeMainLoop.h>
 #include <FreeDesktop/FreeDesktopInstanceActivation.h>
+#include <Platform/QtMainLoop.h>
 #include <Waiting.h>
 
 #include <QSignalSpy>
@@ -14,13 +16,23 @@ namespace {
 using namespace std::chrono_literals;
 using Claim = InstanceActivation::Claim;
 
+/// An instance with a connection of its own.
+struct Instance {
+    explicit Instance(const QDBusConnection& connection,
+                      const QString& display = QStringLiteral(":0"))
+        : bus(connection)
+        , activation(display, bus) {}
+
+    MessageBus bus;
+    FreeDesktopInstanceActivation activation;
+};
+
 /// Claims as another process would: while this thread's event loop runs on.
 std::optional<Claim> claimElsewhere(const QDBusConnection& bus, const QString& display) {
     std::atomic<bool> isDone = false;
     std::optional<Claim> claim;
     std::thread other([&] {
-        FreeDesktopInstanceActivation instance(display, bus);
-        claim = instance.claim();
+        claim = Instance(bus, display).activation.claim();
         isDone = true;
     });
     EXPECT_TRUE(waitUntil([&] { return isDone.load(); }));
@@ -36,65 +48,108 @@ protected:
 } // namespace
 
 TEST_F(FreeDesktopInstanceActivationTest, AsksTheFirstInstanceToShowItself) {
-    FreeDesktopInstanceActivation first(QStringLiteral(":0"), bus.connect());
-    QSignalSpy requested(&first, &InstanceActivation::activationRequested);
-    EXPECT_EQ(first.claim(), Claim::first);
+    Instance first(bus.connect());
+    QSignalSpy requested(&first.activation, &InstanceActivation::activationRequested);
+    EXPECT_EQ(first.activation.claim(), Claim::first);
     EXPECT_EQ(requested.size(), 0);
     EXPECT_EQ(claimElsewhere(bus.connect(), QStringLiteral(":0")), Claim::another);
     EXPECT_TRUE(waitUntil([&] { return requested.size() == 1; }));
 }
 
 TEST_F(FreeDesktopInstanceActivationTest, CountsTheScreensOfADisplayAsOne) {
-    FreeDesktopInstanceActivation first(QStringLiteral("host:10.0"), bus.connect());
-    EXPECT_EQ(first.claim(), Claim::first);
+    Instance first(bus.connect(), QStringLiteral("host:10.0"));
+    EXPECT_EQ(first.activation.claim(), Claim::first);
     EXPECT_EQ(claimElsewhere(bus.connect(), QStringLiteral("host:10.1")), Claim::another);
 }
 
 TEST_F(FreeDesktopInstanceActivationTest, LetsEachDisplayHaveItsOwnInstance) {
-    FreeDesktopInstanceActivation first(QStringLiteral(":0"), bus.connect());
-    EXPECT_EQ(first.claim(), Claim::first);
+    Instance first(bus.connect());
+    EXPECT_EQ(first.activation.claim(), Claim::first);
     EXPECT_EQ(claimElsewhere(bus.connect(), QStringLiteral(":1")), Claim::first);
 }
 
 TEST_F(FreeDesktopInstanceActivationTest, IsFirstAgainOnceTheFormerInstanceHasEnded) {
     {
-        FreeDesktopInstanceActivation former(QStringLiteral(":0"), bus.connect());
-        ASSERT_EQ(former.claim(), Claim::first);
+        Instance former(bus.connect());
+        ASSERT_EQ(former.activation.claim(), Claim::first);
     }
-    FreeDesktopInstanceActivation next(QStringLiteral(":0"), bus.connect());
-    EXPECT_EQ(next.claim(), Claim::first);
+    Instance next(bus.connect());
+    EXPECT_EQ(next.activation.claim(), Claim::first);
 }
 
 TEST_F(FreeDesktopInstanceActivationTest, EndsThoughTheFirstInstanceHangs) {
-    FreeDesktopInstanceActivation first(QStringLiteral(":0"), bus.connect());
-    QSignalSpy requested(&first, &InstanceActivation::activationRequested);
-    ASSERT_EQ(first.claim(), Claim::first);
+    Instance first(bus.connect());
+    QSignalSpy requested(&first.activation, &InstanceActivation::activationRequested);
+    ASSERT_EQ(first.activation.claim(), Claim::first);
     // On this thread: nobody turns the first one's event loop meanwhile.
-    FreeDesktopInstanceActivation second(QStringLiteral(":0"), bus.connect());
-    EXPECT_EQ(second.claim(), Claim::another);
+    Instance second(bus.connect());
+    EXPECT_EQ(second.activation.claim(), Claim::another);
     EXPECT_TRUE(waitUntil([&] { return requested.size() == 1; }));
 }
 
 TEST_F(FreeDesktopInstanceActivationTest, GivesItsNameUpWithoutWaitingForABusThatHangs) {
     const QDBusConnection own = bus.connect();
-    auto instance = std::make_unique<FreeDesktopInstanceActivation>(QStringLiteral(":0"), own);
-    ASSERT_EQ(instance->claim(), Claim::first);
+    auto instance = std::make_unique<Instance>(own);
+    ASSERT_EQ(instance->activation.claim(), Claim::first);
     // A call of the bus would be given up at two seconds.
     EXPECT_TRUE(bus.isDoneWithoutAnAnswer([&] { instance.reset(); }, 1500ms));
-    FreeDesktopInstanceActivation next(QStringLiteral(":0"), bus.connect());
+    Instance next(bus.connect());
     PrivateBus::takeAllIn(own);
-    EXPECT_EQ(next.claim(), Claim::first);
+    EXPECT_EQ(next.activation.claim(), Claim::first);
 }
 
 TEST_F(FreeDesktopInstanceActivationTest, IsFirstWithoutABus) {
-    FreeDesktopInstanceActivation instance(QStringLiteral(":0"), PrivateBus::absent());
-    EXPECT_EQ(instance.claim(), Claim::first);
+    Instance instance(PrivateBus::absent());
+    EXPECT_EQ(instance.activation.claim(), Claim::first);
+}
+
+TEST_F(FreeDesktopInstanceActivationTest, IsKnownOnABusThatAnswersAfterItsStart) {
+    FakeMainLoop loop;
+    bus.pause();
+    MessageBus own(loop, bus.address());
+    FreeDesktopInstanceActivation first(QStringLiteral(":0"), own);
+    QSignalSpy requested(&first, &InstanceActivation::activationRequested);
+    EXPECT_EQ(first.claim(), Claim::first) << "as far as anybody can tell";
+    bus.resume();
+    ASSERT_TRUE(waitUntil([&] { return own.isJoined(); }));
+    EXPECT_EQ(claimElsewhere(bus.connect(), QStringLiteral(":0")), Claim::another);
+    EXPECT_TRUE(waitUntil([&] { return requested.size() == 1; }));
+}
+
+TEST_F(FreeDesktopInstanceActivationTest, IsKnownOnTheNextBusWhereTheFormerEnds) {
+    QtMainLoop loop;
+    MessageBus own(loop, bus.address());
+    ASSERT_TRUE(waitUntil([&] { return own.isJoined(); }));
+    FreeDesktopInstanceActivation first(QStringLiteral(":0"), own);
+    QSignalSpy requested(&first, &InstanceActivation::activationRequested);
+    ASSERT_EQ(first.claim(), Claim::first);
+    bus.stop();
+    ASSERT_TRUE(waitUntil([&] { return !own.isJoined(); }));
+    bus.start();
+    ASSERT_TRUE(waitUntil([&] { return own.isJoined(); }));
+    EXPECT_EQ(claimElsewhere(bus.connect(), QStringLiteral(":0")), Claim::another);
+    EXPECT_TRUE(waitUntil([&] { return requested.size() == 1; }));
+}
+
+TEST_F(FreeDesktopInstanceActivationTest, IsNotKnownThoughABusIsJoinedAnewWhereItGaveWay) {
+    QtMainLoop loop;
+    std::optional<Instance> first(std::in_place, bus.connect());
+    ASSERT_EQ(first->activation.claim(), Claim::first);
+    MessageBus own(loop, bus.address());
+    ASSERT_TRUE(waitUntil([&] { return own.isJoined(); }));
+    FreeDesktopInstanceActivation second(QStringLiteral(":0"), own);
+    ASSERT_EQ(second.claim(), Claim::another);
+    first.reset();
+    bus.stop();
+    ASSERT_TRUE(waitUntil([&] { return !own.isJoined(); }));
+    bus.start();
+    ASSERT_TRUE(waitUntil([&] { return own.isJoined(); }));
+    EXPECT_EQ(claimElsewhere(bus.connect(), QStringLiteral(":0")), Claim::first);
 }
 
 TEST_F(FreeDesktopInstanceActivationTest, MakesAValidBusNameOfAnyDisplayName) {
-    const FreeDesktopInstanceActivation odd(QStringLiteral("/tmp/launch-é/org.x:0.2"),
-                                            PrivateBus::absent());
-    EXPECT_EQ(odd.serviceName(),
+    const Instance odd(PrivateBus::absent(), QStringLiteral("/tmp/launch-é/org.x:0.2"));
+    EXPECT_EQ(odd.activation.serviceName(),
               QStringLiteral("org.tilewright.Tilewright.Display_2ftmp_2flaunch_2d_c3_a9_2forg_2ex"
                              "_3a0"));
 }

@@ -341,8 +341,8 @@ TEST_F(GnomePartsTest, AClickOnTheItemTellsItsPlaceAndThePointer) {
 
 TEST_F(GnomePartsTest, ALaterStartIsToldOfOnceThePointerIsKnown) {
     PrivateBus bus;
-    CompanionInstanceActivation activation(QStringLiteral("wayland-9"), bus.connect(), state,
-                                           outbox, loop);
+    MessageBus own(bus.connect());
+    CompanionInstanceActivation activation(QStringLiteral("wayland-9"), own, state, outbox, loop);
     QSignalSpy requested(&activation, &InstanceActivation::activationRequested);
     ASSERT_EQ(activation.claim(), InstanceActivation::Claim::first);
     const auto startAgain = [&] {
