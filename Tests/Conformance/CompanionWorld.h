@@ -110,6 +110,12 @@ public:
     }
 
     void addPanel() override { teller().call("Displays", R"({"displays":[)" + display(40) + "]}"); }
+    void splitDisplay() override {
+        teller().call(
+            "Displays",
+            R"({"displays":[)" + displayText(true, "[0,0,720,900]", "[0,0,720,900]") + "," +
+                displayText(false, "[720,0,720,450]", "[720,0,720,450]", "Virtual-8") + "]}");
+    }
     bool showsPanel() const override {
         const QWidget* panel = panelWindow();
         return panel && panel->width() == 300;

@@ -57,6 +57,14 @@ public:
         values.visibleFrame = AppKitRect{0, 0, 1440, 860};
         fakes().fakeScreens.change({makeScreen(values)});
     }
+    void splitDisplay() override {
+        FakeScreen::Values left;
+        left.frame = {0, 0, 720, 900};
+        FakeScreen::Values right;
+        right.frame = {720, 450, 720, 450};
+        right.displayID = 2;
+        fakes().fakeScreens.change({makeScreen(left), makeScreen(right)});
+    }
     bool showsPanel() const override {
         const FakePanelSurface* panel = desktop_->platform.panel;
         return panel && panel->view && panel->view->isVisible();

@@ -68,6 +68,10 @@ public:
         appKit_.screens[0].visibleFrame.height -= 40;
         appKit_.announce(appkit::Notification::screenParametersChanged);
     }
+    void splitDisplay() override {
+        appKit_.screens = {makeFacts({0, 0, 720, 900}, 1), makeFacts({720, 450, 720, 450}, 2)};
+        appKit_.announce(appkit::Notification::screenParametersChanged);
+    }
     bool showsPanel() const override { return appKit_.keyView() != nullptr; }
 
     std::optional<AppKitRect> overlayFrame() const override {

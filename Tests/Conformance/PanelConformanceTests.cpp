@@ -120,6 +120,23 @@ TEST_P(PlatformConformance, GivesThePanelsContentNoMoreHeightThanItsDisplayHas) 
     EXPECT_LE(hand.view->height(), screens().front()->visibleFrame().height);
 }
 
+TEST_P(PlatformConformance, GivesThePanelsContentTheHeightOfTheDisplayThatItIsOpenedOn) {
+    ASSERT_TRUE(openKnownWindow());
+    world->splitDisplay();
+    ASSERT_TRUE(world->waitUntil([&] { return screens().size() == 2; }));
+    ASSERT_EQ(screens()[0]->frame().height, 2 * screens()[1]->frame().height);
+    PanelInHand hand(*world, 20'000);
+    for (const ScreenPtr& screen : std::vector<ScreenPtr>(screens())) {
+        const AppKitRect area = screen->visibleFrame();
+        hand.panel->open(AppKitRect{area.center().x, area.maxY() - 30, 0, 0});
+        ASSERT_TRUE(hand.isShownSoon());
+        EXPECT_LE(hand.view->height(), area.height);
+        EXPECT_GT(hand.view->height(), 0.7 * area.height);
+        hand.panel->close();
+        ASSERT_TRUE(hand.isGoneSoon());
+    }
+}
+
 TEST_P(PlatformConformance, OpensAndClosesThePanelByClicksOnTheItem) {
     ASSERT_TRUE(openKnownWindow());
     const AppKitRect item{600, 700, 24, 24};

@@ -62,6 +62,9 @@ public:
 
     /// A panel takes the uppermost 40 points of the primary display.
     virtual void addPanel() = 0;
+    /// The display's right half becomes a display of its own, and only the upper half of that: the
+    /// first one is twice as high.
+    virtual void splitDisplay() = 0;
     /// Whether a panel surface's content, 300 points wide, is on the display, by the word of
     /// somebody else than the surface where there is such a one.
     [[nodiscard]] virtual bool showsPanel() const = 0;

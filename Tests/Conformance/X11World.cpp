@@ -60,6 +60,10 @@ public:
                 client.process->stop();
         }
         desktop_.killWindowManager();
+        if (!isSplit_)
+            return;
+        for (const char* monitor : {"LEFT", "RIGHT"})
+            xrandr({QStringLiteral("--delmonitor"), QString::fromLatin1(monitor)});
     }
 
     [[nodiscard]] bool isOpen() const { return platform_ != nullptr; }
@@ -102,6 +106,16 @@ public:
         panel_ = std::make_unique<BareClient>(
             desktop_.display(), QRect(0, 0, int(width), 40),
             std::vector<quint32>{0, 0, 40, 0, 0, 0, 0, 0, 0, width - 1, 0, 0});
+    }
+    void splitDisplay() override {
+        isSplit_ = true;
+        const QSize whole = desktop_.inspector().screenSize();
+        const QString size = QStringLiteral("%1/100x%2/100+%3+0");
+        const int half = whole.width() / 2;
+        xrandr({QStringLiteral("--setmonitor"), QStringLiteral("LEFT"),
+                size.arg(half).arg(whole.height()).arg(0), QStringLiteral("screen")});
+        xrandr({QStringLiteral("--setmonitor"), QStringLiteral("RIGHT"),
+                size.arg(half).arg(whole.height() / 2).arg(half), QStringLiteral("none")});
     }
     bool showsPanel() const override {
         return openPanelFrame(desktop_.inspector(), getpid()).has_value();
@@ -173,6 +187,10 @@ public:
     QString home() const override { return desktop_.home(); }
 
 private:
+    void xrandr(const QStringList& arguments) const {
+        static_cast<void>(outputOf(QStringLiteral("xrandr"), arguments, desktop_.environment()));
+    }
+
     DesktopSession& desktop_ = *desktopOfThisRun;
     std::unique_ptr<X11Platform> platform_;
     std::optional<Platform::Installation> installation_;
@@ -180,6 +198,7 @@ private:
     std::unique_ptr<Instance> earlier_;
     std::vector<TestClient> clients_;
     std::unique_ptr<BareClient> panel_;
+    bool isSplit_ = false;
 };
 
 std::unique_ptr<PlatformWorld> makeX11World() {
