@@ -1,6 +1,7 @@
 #include "CompanionPanelSurface.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace tilewright {
@@ -46,7 +47,7 @@ CompanionPanel CompanionPanelSurface::description() const {
     CompanionPanel panel;
     panel.isShown = isOpen();
     panel.title = ToplevelPanelWindow::title();
-    panel.margins = chrome_->margins(PanelRendering::translucent);
+    panel.margins = window_ ? window_->margins() : chrome_->margins(PanelRendering::translucent);
     const ScreenPtr screen = screens_.nearest(anchor_.center());
     // Where the desktop counts pixels, Qt's points are more of them.
     const double units = screen ? CompanionScreens::unitsPerPoint(*screen) : 1;
@@ -99,6 +100,24 @@ void CompanionPanelSurface::fit() {
                                         2 * gap
                                   : QWIDGETSIZE_MAX;
     window_->fit(std::max(mostHeight, 1));
+    if (!screen || !state_.isConnected())
+        return;
+    const int groundHeight = window_->rect().marginsRemoved(window_->margins()).height();
+    window_->fit(std::max(mostHeight, 1), roomAbove(*screen, groundHeight));
+}
+
+int CompanionPanelSurface::roomAbove(const Screen& screen, int groundHeight) const {
+    // A compositor may let no window's top under a bar: with all of its shadow the panel would be
+    // further away from its item. The top of its ground, as the companion will place it.
+    const double unit = CompanionScreens::unitsPerPoint(screen);
+    const AppKitRect area = screen.visibleFrame();
+    const double space = gap * unit;
+    const double height = groundHeight * unit;
+    const double below = anchor_.y - space;
+    const double above = anchor_.maxY() + space + height;
+    const double wanted = anchor_.center().y >= screen.frame().center().y ? below : above;
+    const double top = std::min(std::max(wanted, area.y + space + height), area.maxY() - space);
+    return static_cast<int>(std::floor((area.maxY() - top) / unit));
 }
 
 void CompanionPanelSurface::close() {

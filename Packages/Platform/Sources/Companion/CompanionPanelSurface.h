@@ -50,6 +50,7 @@ private:
     void dismiss(PanelDismissal why);
     void focusChanged();
     void fit();
+    [[nodiscard]] int roomAbove(const Screen& screen, int groundHeight) const;
     void introduce();
     [[nodiscard]] CompanionPanel description() const;
 

@@ -34,9 +34,16 @@ QString ToplevelPanelWindow::title() {
     return QStringLiteral("Tilewright");
 }
 
-void ToplevelPanelWindow::fit(int mostHeight) {
+QMargins ToplevelPanelWindow::margins() const {
+    QMargins margins = chrome_.margins(PanelRendering::translucent);
+    margins.setTop(std::min(margins.top(), roomAbove_));
+    return margins;
+}
+
+void ToplevelPanelWindow::fit(int mostHeight, int roomAbove) {
     mostHeight_ = mostHeight;
-    const QMargins margins = chrome_.margins(PanelRendering::translucent);
+    roomAbove_ = roomAbove;
+    const QMargins margins = this->margins();
     view_->ensurePolished();
     QSize wanted = view_->sizeHint();
     if (view_->layout()) {
@@ -54,8 +61,7 @@ void ToplevelPanelWindow::letPressesThroughShadow() {
     // Not the widget's own mask, which would cut the shadow off. Off Wayland a window's mask does
     // so, too.
     if (windowHandle() && QGuiApplication::platformName() == QStringLiteral("wayland"))
-        windowHandle()->setMask(
-            rect().marginsRemoved(chrome_.margins(PanelRendering::translucent)));
+        windowHandle()->setMask(rect().marginsRemoved(margins()));
 }
 
 void ToplevelPanelWindow::retire() {
@@ -71,7 +77,9 @@ void ToplevelPanelWindow::showEvent(QShowEvent* event) {
 
 void ToplevelPanelWindow::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
-    chrome_.paint(painter, rect(), palette(), PanelRendering::translucent);
+    const int cut = chrome_.margins(PanelRendering::translucent).top() - margins().top();
+    painter.translate(0, -cut);
+    chrome_.paint(painter, rect().adjusted(0, 0, 0, cut), palette(), PanelRendering::translucent);
 }
 
 void ToplevelPanelWindow::keyPressEvent(QKeyEvent* event) {
@@ -85,7 +93,7 @@ bool ToplevelPanelWindow::event(QEvent* event) {
     const bool isHandled = QWidget::event(event);
     // Content with a layout tells itself of another size, content without one tells its window.
     if (event->type() == QEvent::LayoutRequest && isVisible())
-        fit(mostHeight_);
+        fit(mostHeight_, roomAbove_);
     // What pops up from the panel belongs to it.
     if (event->type() == QEvent::WindowDeactivate && !QApplication::activePopupWidget())
         tell(PanelDismissal::anotherWindow);
@@ -94,7 +102,7 @@ bool ToplevelPanelWindow::event(QEvent* event) {
 
 bool ToplevelPanelWindow::eventFilter(QObject* object, QEvent* event) {
     if (object == view_ && event->type() == QEvent::LayoutRequest && isVisible())
-        fit(mostHeight_);
+        fit(mostHeight_, roomAbove_);
     return QWidget::eventFilter(object, event);
 }
 

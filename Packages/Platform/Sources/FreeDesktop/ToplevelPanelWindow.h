@@ -25,8 +25,11 @@ public:
     [[nodiscard]] static QString title();
 
     /// Makes the window as large as its content wants to be, and follows that wish from now on, but
-    /// for what is higher than `mostHeight`, in Qt's points without the chrome's margins.
-    void fit(int mostHeight);
+    /// for what is higher than `mostHeight`, in Qt's points without the chrome's margins. Of the
+    /// chrome's margin at the top it has no more than `roomAbove`: the rest is cut off.
+    void fit(int mostHeight, int roomAbove = QWIDGETSIZE_MAX);
+    /// How far its ground is from its edges.
+    [[nodiscard]] QMargins margins() const;
     /// Hides it and deletes it on a later turn; nobody is told of it any longer.
     void retire();
 
@@ -47,6 +50,7 @@ private:
     Dismiss dismiss_;
     QWidget* const view_;
     int mostHeight_ = QWIDGETSIZE_MAX;
+    int roomAbove_ = QWIDGETSIZE_MAX;
 };
 
 } // namespace tilewright

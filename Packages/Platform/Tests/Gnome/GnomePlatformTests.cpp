@@ -169,9 +169,33 @@ TEST_F(GnomePartsTest, APanelIsDescribedBeforeItIsShownAndPlacedByItsAnchor) {
     EXPECT_EQ(shown[QStringLiteral("anchor")].toArray(), (QJsonArray{1800, 0, 24, 32}));
     EXPECT_EQ(shown[QStringLiteral("area")].toArray(), (QJsonArray{0, 32, 1920, 1048}));
     EXPECT_EQ(panel->window()->windowTitle(), ToplevelPanelWindow::title());
-    EXPECT_EQ(panel->window()->size(), QSize(346, 248));
     panel->close();
     EXPECT_FALSE(command("panel")[QStringLiteral("shown")].toBool());
+}
+
+TEST_F(GnomePartsTest, APanelHasNoMoreShadowAboveItThanThereIsRoomBelowTheBar) {
+    tell("Hello", helloText());
+    const auto panel = makePanel();
+    const auto expectTopMargin = [&](const CompanionRect& anchor, int top) {
+        panel->open(screens.coordinates().toAppKit(anchor));
+        EXPECT_EQ(command("panel")[QStringLiteral("margins")].toArray(),
+                  (QJsonArray{22, top, 24, 25}));
+        EXPECT_EQ(panel->window()->size(), QSize(346, 200 + top + 25));
+        EXPECT_EQ(view->y(), top);
+        panel->close();
+    };
+    constexpr int all = 23;
+    expectTopMargin({1800, 0, 24, 32}, CompanionPanelSurface::gap);
+    expectTopMargin({600, 40, 0, 0}, 40 + CompanionPanelSurface::gap - 32);
+    expectTopMargin({600, 400, 0, 0}, all);
+    expectTopMargin({600, 1000, 0, 0}, all);
+    viewHeight = 5000;
+    panel->open(screens.coordinates().toAppKit(CompanionRect{600, 1000, 0, 0}));
+    EXPECT_EQ(view->y(), CompanionPanelSurface::gap);
+    panel->close();
+    state.lose();
+    panel->open(std::nullopt);
+    EXPECT_EQ(view->y(), all) << "nobody places it";
 }
 
 TEST_F(GnomePartsTest, APanelIsNoHigherThanItsDisplaysFreePartInQtsPoints) {
@@ -181,14 +205,14 @@ TEST_F(GnomePartsTest, APanelIsNoHigherThanItsDisplaysFreePartInQtsPoints) {
     panel->open(screens.coordinates().toAppKit(CompanionRect{1800, 0, 24, 32}));
     EXPECT_EQ(view->height(), 1048 / 2 - 2 * CompanionPanelSurface::gap);
     const QJsonObject shown = command("panel");
-    EXPECT_EQ(shown[QStringLiteral("margins")].toArray(), (QJsonArray{44, 46, 48, 50}))
+    EXPECT_EQ(shown[QStringLiteral("margins")].toArray(), (QJsonArray{44, 8, 48, 50}))
         << "in the desktop's units";
 }
 
 TEST_F(GnomePartsTest, APanelFollowsTheSizeThatItsContentWants) {
     tell("Hello", helloText());
     const auto panel = makePanel();
-    panel->open(std::nullopt);
+    panel->open(screens.coordinates().toAppKit(CompanionRect{600, 400, 0, 0}));
     tell("PanelAwaited", "{}");
     viewHeight = 260;
     QEvent wish(QEvent::LayoutRequest);
