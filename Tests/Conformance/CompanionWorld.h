@@ -252,13 +252,13 @@ private:
     std::unique_ptr<Platform> platform_;
     MockTeller* teller_ = nullptr;
     std::optional<Platform::Installation> installation_;
+    MessageBus earliersBus_{bus_.connect()};
     std::unique_ptr<FreeDesktopInstanceActivation> earlier_;
     int requestsToEarlier_ = 0;
     int window_ = 0;
     WindowFrame frame_;
     bool isThere_ = false;
     bool isInFront_ = false;
-    MessageBus earliersBus_{bus_.connect()};
     QByteArray pointer_ = "[0,0]";
     int keys_ = 0;
     int serial_ = 0;

@@ -1,18 +1,11 @@
 // The whole way of a snap on GNOME: what a companion tells goes in, what it is to do comes out, in
 // the answers that belong to it.
 
-#include "MockCompanion.h"
-#include "PrivateBus.h"
+#include "GnomeSnapTest.h"
 
-#include <Gnome/GnomePlatform.h>
-#include <Tilewright/SnapController.h>
 #include <WindowManager/ZoneLayout.h>
 
-#include <QTemporaryDir>
-#include <algorithm>
 #include <cmath>
-#include <gtest/gtest.h>
-#include <optional>
 
 namespace tilewright::testing {
 namespace {
@@ -21,44 +14,6 @@ constexpr int control = 2;
 /// The middle of the display, in the second of the two halves.
 const QByteArray onTheRight = "[1500,500]";
 const QByteArray onTheLeft = "[300,500]";
-
-class GnomeSnapTest : public ::testing::Test {
-protected:
-    GnomeSnapTest() {
-        qputenv("DBUS_SESSION_BUS_ADDRESS", bus.address());
-        qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent/bus");
-        qputenv("HOME", home.path().toLocal8Bit());
-        for (const char* variable : {"XDG_CONFIG_HOME", "XDG_DATA_HOME"})
-            qunsetenv(variable);
-        platform.emplace();
-        installation.emplace(*platform);
-        EXPECT_TRUE(waitUntil([this] { return shell.seesProgram(); }));
-        shell.greet(helloText(displayText(), windowText(3)));
-        EXPECT_TRUE(waitUntil([this] { return shell.isAnswered(); }));
-        SnapController::shared().start();
-    }
-    /// What the call's own answer had the companion do, and nothing else.
-    void tell(const char* method, const QByteArray& text) {
-        shell.call(method, text);
-        ASSERT_TRUE(waitUntil([this] { return shell.isAnswered(); }));
-    }
-    [[nodiscard]] QJsonArray tiles() const {
-        return shell.overlay ? (*shell.overlay)[QStringLiteral("tiles")].toArray() : QJsonArray();
-    }
-    /// How wide a tile's border is: the one under the pointer has the widest.
-    [[nodiscard]] double widestBorder() const {
-        double widest = 0;
-        for (const auto& tile : tiles())
-            widest = std::max(widest, tile.toArray()[7].toDouble());
-        return widest;
-    }
-
-    PrivateBus bus;
-    QTemporaryDir home;
-    MockCompanion shell{bus.connect()};
-    std::optional<GnomePlatform> platform;
-    std::optional<Platform::Installation> installation;
-};
 
 } // namespace
 

@@ -1,6 +1,6 @@
 // Whatever comes, in whatever order: the program goes on, and nothing of it stays behind.
 
-#include "CompanionTexts.h"
+#include "CompanionNoise.h"
 
 #include <Companion/CompanionAccessibility.h>
 #include <Companion/CompanionDecoder.h>
@@ -12,7 +12,6 @@
 
 #include <algorithm>
 #include <gtest/gtest.h>
-#include <random>
 #include <vector>
 
 namespace tilewright::testing {
@@ -23,7 +22,7 @@ constexpr int messagesPerStorm = 4000;
 class Storm {
 public:
     explicit Storm(unsigned seed)
-        : random_(seed) {
+        : noise_(seed) {
         for (const bool isLocal : {false, true}) {
             const EventMask mask{EventType::flagsChanged, EventType::leftMouseDragged,
                                  EventType::leftMouseUp};
@@ -35,15 +34,15 @@ public:
 
     void rage() {
         for (int i = 0; i < messagesPerStorm; ++i) {
-            const auto [method, text] = anyMessage();
+            const auto [method, text] = noise_.anyMessage();
             const auto message = CompanionDecoder::decode(method, text);
             if (message)
                 state_.take(*message);
-            if (oneIn(50))
+            if (noise_.oneIn(50))
                 state_.lose();
-            if (oneIn(20))
+            if (noise_.oneIn(20))
                 tellKeysOfOthers();
-            if (oneIn(3))
+            if (noise_.oneIn(3))
                 act();
             loop_.runPosted();
             check();
@@ -73,90 +72,11 @@ public:
     }
 
 private:
-    [[nodiscard]] int upTo(int limit) {
-        return std::uniform_int_distribution<int>(0, limit - 1)(random_);
-    }
-    [[nodiscard]] bool oneIn(int count) { return upTo(count) == 0; }
-    template<class Item>
-    [[nodiscard]] const Item& anyOf(const std::vector<Item>& items) {
-        return items[static_cast<std::size_t>(upTo(static_cast<int>(items.size())))];
-    }
-    [[nodiscard]] QByteArray anyNumber() {
-        static const std::vector<QByteArray> odd{"0",     "-1",    "1e6",    "-1e6", "1e7",
-                                                 "1e308", "1e999", "0.5",    "null", "true",
-                                                 "\"7\"", "[]",    "999999", "-0.0", "{}"};
-        return oneIn(12) ? anyOf(odd) : QByteArray::number(upTo(2000) - 200);
-    }
-    [[nodiscard]] QByteArray anyNumbers(int count) {
-        QByteArray text = "[";
-        for (int i = 0; i < count; ++i)
-            text += (i > 0 ? "," : "") + anyNumber();
-        return text + "]";
-    }
-    [[nodiscard]] QByteArray anyRect() {
-        return oneIn(8) ? anyNumbers(4)
-                        : "[" + QByteArray::number(upTo(3000)) + ",5," +
-                              QByteArray::number(upTo(900)) + ",700]";
-    }
-    [[nodiscard]] QByteArray anyWindow() {
-        return windowText(upTo(6), anyRect(), oneIn(4), upTo(5) - 1);
-    }
-    [[nodiscard]] QByteArray anyDisplays() {
-        QByteArray text = "[";
-        const int count = oneIn(20) ? 40 : upTo(4);
-        for (int i = 0; i < count; ++i)
-            text += (i > 0 ? "," : "") + displayText(oneIn(2), anyRect(), anyRect());
-        return text + "]";
-    }
-    [[nodiscard]] std::pair<QString, QByteArray> anyMessage() {
-        const int serial = upTo(8);
-        const QByteArray pointer = anyNumbers(2);
-        std::vector<std::pair<QString, QByteArray>> messages{
-            {QStringLiteral("Hello"),
-             R"({"protocol":)" + QByteArray(oneIn(6) ? "2" : "1") + R"(,"shell":"","displays":)" +
-                 anyDisplays() + (oneIn(4) ? R"(,"tellsKeys":false)" : "") + R"(,"focus":)" +
-                 (oneIn(2) ? "null" : anyWindow()) + R"(,"pointer":)" + pointer + R"(,"keys":0})"},
-            {QStringLiteral("Displays"), R"({"displays":)" + anyDisplays() + "}"},
-            {QStringLiteral("Focus"),
-             R"({"focus":)" + (oneIn(3) ? QByteArray("null") : anyWindow()) + "}"},
-            {QStringLiteral("MotionWish"),
-             R"({"reduced":)" + QByteArray(oneIn(2) ? "true}" : "false}")},
-            {QStringLiteral("DragBegin"), dragText(serial, pointer, upTo(20), anyWindow())},
-            {QStringLiteral("DragMotion"), dragText(serial, pointer, upTo(20), anyWindow())},
-            {QStringLiteral("DragMotion"), dragText(serial, pointer, upTo(20), anyWindow())},
-            {QStringLiteral("DragEnd"),
-             dragEndText(serial, pointer, upTo(20), oneIn(2), anyWindow())},
-            {QStringLiteral("FrameSettled"),
-             R"({"window":)" + anyNumber() + R"(,"frame":)" + anyRect() + "}"},
-            {QStringLiteral("ItemClicked"),
-             R"({"item":)" + anyRect() + R"(,"pointer":)" + pointer + "}"},
-            {QStringLiteral("PanelAwaited"), "{}"},
-            {QStringLiteral("PressOutside"), R"({"overview":true})"},
-            {QStringLiteral("Pointer"), R"({"keys":1,"pointer":)" + pointer + "}"},
-            {QStringLiteral("Gone"), R"({"window":)" + anyNumber() + "}"},
-            {QStringLiteral("Nonsense"), "{}"}};
-        auto message = oneIn(10) && !last_.first.isEmpty() ? last_ : anyOf(messages);
-        last_ = message;
-        return spoilt(message);
-    }
-    [[nodiscard]] std::pair<QString, QByteArray> spoilt(std::pair<QString, QByteArray> message) {
-        QByteArray& text = message.second;
-        if (oneIn(15))
-            text.truncate(upTo(static_cast<int>(text.size())));
-        else if (oneIn(15))
-            text[upTo(static_cast<int>(text.size()))] = static_cast<char>(upTo(256));
-        else if (oneIn(200))
-            text.append(QByteArray(100'000, ' '));
-        else if (oneIn(200))
-            text = QByteArray(60'000, '[');
-        return message;
-    }
-
     /// Where somebody else than the companion knows the keys.
     void tellKeysOfOthers() {
         const ModifierFlags keys =
-            oneIn(2) ? ModifierFlags{ModifierFlag::control} : ModifierFlags();
-        state_.setKeys(oneIn(3) ? std::nullopt : std::optional(keys));
+            noise_.oneIn(2) ? ModifierFlags{ModifierFlag::control} : ModifierFlags();
+        state_.setKeys(noise_.oneIn(3) ? std::nullopt : std::optional(keys));
     }
     /// What the core does meanwhile.
     void act() {
@@ -183,14 +103,13 @@ private:
         EXPECT_LE(outbox_.take().size(), 64 * 1024);
     }
 
-    std::mt19937 random_;
+    CompanionNoise noise_;
     FakeMainLoop loop_;
     CompanionState state_;
     CompanionOutbox outbox_;
     CompanionScreens screens_{state_, DrmConnectors(QStringLiteral("/nonexistent"))};
     CompanionEventMonitors monitors_{state_};
     CompanionAccessibility accessibility_{state_, screens_, outbox_, loop_, [] {}};
-    std::pair<QString, QByteArray> last_;
     std::vector<EventType> heard_;
     ModifierFlags keys_;
     bool isDragged_ = false;
