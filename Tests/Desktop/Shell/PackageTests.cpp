@@ -2,10 +2,9 @@
 
 #include "ShellDesktop.h"
 
+#include <DebianRoot.h>
 #include <Waiting.h>
 
-#include <QDir>
-#include <QDirIterator>
 #include <QFile>
 #include <csignal>
 #include <gtest/gtest.h>
@@ -15,43 +14,12 @@ namespace {
 
 class DebianPackage : public ::testing::Test {
 protected:
-    DebianPackage() {
-        for (const char* part : {"/var/lib/dpkg/info", "/var/lib/dpkg/updates", "/packages"})
-            QDir().mkpath(root() + QLatin1String(part));
-        QFile status(root() + QStringLiteral("/var/lib/dpkg/status"));
-        EXPECT_TRUE(status.open(QIODevice::WriteOnly));
-        Subprocess cpack;
-        EXPECT_TRUE(cpack.start(QStringLiteral("cpack"),
-                                {QStringLiteral("--config"),
-                                 QStringLiteral(TILEWRIGHT_BUILD_FOLDER "/CPackConfig.cmake"),
-                                 QStringLiteral("-G"), QStringLiteral("DEB"), QStringLiteral("-B"),
-                                 root() + QStringLiteral("/packages")},
-                                QProcessEnvironment::systemEnvironment()));
-        // Looking up what the program links to takes its time.
-        EXPECT_TRUE(cpack.waitForEnd(180'000));
-        EXPECT_EQ(cpack.exitCode(), 0);
-        const QStringList built = QDir(root() + QStringLiteral("/packages"))
-                                      .entryList({QStringLiteral("tilewright_*.deb")});
-        EXPECT_EQ(built.size(), 1);
-        file = root() + QStringLiteral("/packages/") + built.value(0);
-    }
-
-    [[nodiscard]] QString root() const { return folder.path(); }
     QString run(const QString& program, const QStringList& arguments) {
         return outputOf(program, arguments, QProcessEnvironment::systemEnvironment());
     }
-    QString dpkg(const QStringList& arguments) {
-        return run(QStringLiteral("dpkg"),
-                   QStringList{
-                       QStringLiteral("--root=") + root(), QStringLiteral("--force-depends"),
-                       QStringLiteral("--force-not-root"),
-                       // A machine may be set up to leave manuals out.
-                       QStringLiteral("--path-include=/usr/*"), QStringLiteral("--log=/dev/null")} +
-                       arguments);
-    }
     /// What a checker has to say, and the code that it ends with.
     std::pair<QString, int> asked(const QString& checker, const QStringList& arguments) {
-        const QString said = root() + QStringLiteral("/said");
+        const QString said = root.path() + QStringLiteral("/said");
         QFile::remove(said);
         Subprocess process;
         EXPECT_TRUE(
@@ -81,19 +49,8 @@ protected:
             << words.toStdString();
         return found;
     }
-    /// What of the program is installed.
-    [[nodiscard]] QStringList installed() const {
-        QStringList files;
-        QDirIterator all(root() + QStringLiteral("/usr"), QDir::Files | QDir::NoDotAndDotDot,
-                         QDirIterator::Subdirectories);
-        while (all.hasNext())
-            files.append(all.next().mid(root().size()));
-        files.sort();
-        return files;
-    }
-
-    QTemporaryDir folder;
-    QString file;
+    DebianRoot root;
+    const QString file = root.package();
 };
 
 } // namespace
@@ -118,8 +75,8 @@ TEST_F(DebianPackage, NamesWhatItNeedsInstallsRunsAndLeavesNothingBehind) {
               "libxcb-screensaver0 libxcb-shape0 libxcb-shm0 libxcb-xfixes0 libxcb-xinput0 "
               "libxcb-xkb1 libxcb1");
 
-    dpkg({QStringLiteral("--install"), file});
-    const QStringList files = installed();
+    root.install(file);
+    const QStringList files = root.installed();
     EXPECT_TRUE(files.contains(QStringLiteral("/usr/bin/tilewright")));
     EXPECT_TRUE(
         files.contains(QStringLiteral("/usr/share/icons/hicolor/scalable/apps/tilewright.svg")));
@@ -133,7 +90,7 @@ TEST_F(DebianPackage, NamesWhatItNeedsInstallsRunsAndLeavesNothingBehind) {
                 .arg(QString::fromLatin1(part))))
             << part;
 
-    const QString share = root() + QStringLiteral("/usr/share");
+    const QString share = root.path() + QStringLiteral("/usr/share");
     EXPECT_EQ(
         contentedly(QStringLiteral("desktop-file-validate"),
                     {share + QStringLiteral("/applications/org.tilewright.Tilewright.desktop")}),
@@ -155,17 +112,15 @@ TEST_F(DebianPackage, NamesWhatItNeedsInstallsRunsAndLeavesNothingBehind) {
 
     ShellDesktop desktop;
     desktop.startTray(TrayHost::systemTray);
-    Subprocess& program =
-        desktop.startProgram(root() + QStringLiteral("/usr/bin/tilewright"),
-                             {{QStringLiteral("XDG_DATA_DIRS"),
-                               root() + QStringLiteral("/usr/share:/usr/local/share:/usr/share")}});
+    Subprocess& program = desktop.startProgram(
+        root.program(), {{QStringLiteral("XDG_DATA_DIRS"), root.dataFolders()}});
     desktop.openPanel();
     program.signal(SIGTERM);
     EXPECT_TRUE(program.waitForEnd());
     EXPECT_EQ(program.exitCode(), 0);
 
-    dpkg({QStringLiteral("--purge"), QStringLiteral("tilewright")});
-    EXPECT_EQ(installed(), QStringList());
+    root.purge();
+    EXPECT_EQ(root.installed(), QStringList());
 }
 
 } // namespace tilewright::testing
