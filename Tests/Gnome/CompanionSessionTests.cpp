@@ -1,6 +1,7 @@
 // The companion as a guest in GNOME Shell: whom it believes, how it comes and goes, what it leaves.
 
 #include "CompanionBench.h"
+#include "ShellTraces.h"
 
 #include <QJsonDocument>
 
@@ -18,6 +19,12 @@ QJsonObject item(const QString& icon, const QString& itemName) {
 
 const QJsonObject ourItem =
     item(QStringLiteral("tilewright-symbolic"), QStringLiteral("Tilewright"));
+
+const QJsonObject ourPanel{{QStringLiteral("c"), QStringLiteral("panel")},
+                           {QStringLiteral("shown"), true},
+                           {QStringLiteral("title"), QStringLiteral("Tilewright")},
+                           {QStringLiteral("margins"), QJsonArray{0, 0, 0, 0}},
+                           {QStringLiteral("anchor"), QJsonArray{1800, 0, 24, 32}}};
 
 } // namespace
 
@@ -64,6 +71,26 @@ TEST_F(CompanionTest, TellsOfTheWindowInFrontThePointerAndTheWorkArea) {
                    .toObject()[QStringLiteral("work")]
                    .toArray() == QJsonArray{0, 70, 1920, 1010};
     }));
+}
+
+TEST_F(CompanionTest, TellsTheWorkAreaAtALoginThoughTheProgramIsThereBeforeTheBars) {
+    greet();
+    const int greetings = program->count(hello);
+    session.logInAgain();
+    ASSERT_TRUE(program->waitFor(hello, greetings)) << session.describe();
+    const auto toldLast = [&] {
+        QRect area;
+        for (const CompanionCall& call : program->calls()) {
+            if (call.method != hello && call.method != QStringLiteral("Displays"))
+                continue;
+            const QJsonValue work =
+                call.body[QStringLiteral("displays")][0][QStringLiteral("work")];
+            area = {work[0].toInt(), work[1].toInt(), work[2].toInt(), work[3].toInt()};
+        }
+        return area;
+    };
+    EXPECT_GT(session.workArea().top(), 0);
+    EXPECT_TRUE(waitUntil([&] { return toldLast() == session.workArea(); })) << session.describe();
 }
 
 TEST_F(CompanionTest, WatchesNothingForAProgramThatSpeaksAnotherProtocol) {
@@ -239,25 +266,52 @@ TEST_F(CompanionTest, CanBeSwitchedOffAndOnInMidDrag) {
     session.input().releaseKey(KernelKey::control);
 }
 
-TEST_F(CompanionTest, LeavesNothingWhenItIsSwitchedOffHoweverOften) {
+TEST_F(CompanionTest, LeavesNothingWhenItIsSwitchedOffHoweverOftenAndWhateverItHasBegun) {
     greet();
-    program->answer = [](const CompanionCall& call) {
-        return call.method == hello ? QJsonArray{ourItem} : QJsonArray();
+    snapWithControl();
+    program->answer = [snap = program->answer](const CompanionCall& call) {
+        return call.method == hello ? QJsonArray{ourItem, ourPanel} : snap(call);
     };
+    const QString other = session.startClient(CompositorClient::gtk4, start.translated(-400, 200));
+    ASSERT_TRUE(waitUntil([&] { return isInFront(other); })) << session.describe();
+    const QJsonValue window = session.ask(QStringLiteral("global.display.focus_window.get_id()"));
+    const QString title = session.startClient(CompositorClient::qt, start);
     session.setCompanionEnabled(false);
+    const ShellTraces traces(session);
     const int actors = actorsOnStage();
-    const QString inBar = QStringLiteral("Main.panel._rightBox.get_n_children()");
-    const int itemsInBar = session.ask(inBar).toInt();
+    const int actorsInBar = traces.actorsInBar();
+    const QStringList matchRules = traces.matchRules();
+    const QStringList objects = traces.exportedObjects();
     for (int time = 0; time < 50; ++time) {
         const int greetings = program->count(hello);
         session.setCompanionEnabled(true);
         ASSERT_TRUE(program->waitFor(hello, greetings)) << time;
         ASSERT_TRUE(waitUntil([&] { return hasItem(); })) << time;
+        EXPECT_EQ(traces.held().watches, 1);
         session.setCompanionEnabled(false);
         ASSERT_FALSE(hasItem()) << time;
     }
+    // The last time in the midst of everything.
+    const int greetings = program->count(hello);
+    session.setCompanionEnabled(true);
+    ASSERT_TRUE(program->waitFor(hello, greetings));
+    dragToLeftZone(title);
+    EXPECT_GT(traces.held().handlers, 10) << "they are seen";
+    EXPECT_GT(traces.held().sources, 0);
+    program->isHung = true;
+    session.input().glide({760, 520}, 2);
+    program->command({{QStringLiteral("c"), QStringLiteral("frame")},
+                      {QStringLiteral("window"), window},
+                      {QStringLiteral("frame"), QJsonArray{8, 40, 944, 500}}});
+    session.setCompanionEnabled(false);
+    EXPECT_EQ(traces.held(), ShellTraces::Held());
     EXPECT_EQ(actorsOnStage(), actors);
-    EXPECT_EQ(session.ask(inBar).toInt(), itemsInBar);
+    EXPECT_EQ(traces.actorsInBar(), actorsInBar);
+    EXPECT_TRUE(waitUntil([&] { return traces.matchRules() == matchRules; }))
+        << traces.matchRules().join(u'\n').toStdString();
+    EXPECT_EQ(traces.exportedObjects(), objects);
+    session.input().release();
+    session.input().releaseKey(KernelKey::control);
     EXPECT_EQ(session.describe().find(companionUuid), std::string::npos) << session.describe();
 }
 

@@ -38,6 +38,24 @@ INSTANTIATE_TEST_SUITE_P(
         Arrangement{"AboveEachOtherOfScalesOneAndTwo", {{0, 1080}, 2}, CompositorClient::xwayland}),
     [](const auto& arrangement) { return std::string(arrangement.param.name); });
 
+struct PanelOnTwoMonitors : ProgramOnTwoMonitors {
+    /// Clicks the first zone in the open panel.
+    void snapByThePanel() {
+        session.input().move(firstZoneInPanel());
+        session.input().click();
+    }
+    void closePanel() {
+        session.input().tap(KernelKey::escape);
+        EXPECT_TRUE(waitUntil([&] { return !isPanelOpen(); })) << session.describe();
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(
+    Of, PanelOnTwoMonitors,
+    ::testing::Values(Arrangement{"AboveEachOther", {{0, 1080}, 1}, CompositorClient::qt},
+                      Arrangement{"OfScalesOneAndTwo", {{1920, 0}, 2}, CompositorClient::gtk4}),
+    [](const auto& arrangement) { return std::string(arrangement.param.name); });
+
 /// A session of its own for each scale: clients take a while to follow a change.
 struct Bench : ProgramInGnome {
     void TestBody() override {}
@@ -66,6 +84,43 @@ struct Bench : ProgramInGnome {
 TEST_P(ProgramOnTwoMonitors, ShowsTheZonesOfTheOneUnderThePointerAndEndsInThem) {
     const auto& [name, second, client] = GetParam();
     expectEachDisplaysOwnZones(session.startClient(client, start), session.workArea(second.place));
+}
+
+TEST_P(PanelOnTwoMonitors, OpensOnTheOneOfItsItemOrOfThePointerAndOffersThatOnesZones) {
+    const auto& [name, second, client] = GetParam();
+    const auto thirdOfSecond = [&] {
+        return frameOf(ZoneLayout::thirds().zones[0], session.workArea(second.place));
+    };
+    const QString title = session.startClient(client, start);
+    openPanel();
+    expectPanelBelowItem();
+    snapByThePanel();
+    EXPECT_TRUE(endsIn(title, zone(0))) << session.describe();
+    closePanel();
+
+    const QPoint onSecond = session.workArea(second.place).center() - QPoint(0, 100);
+    session.input().move(onSecond);
+    startAgain();
+    ASSERT_TRUE(waitUntil([&] { return isPanelReady(); })) << session.describe();
+    const QRect ground = panelGround();
+    EXPECT_TRUE(session.workArea(second.place).contains(ground));
+    EXPECT_NEAR(QRectF(ground).center().x(), onSecond.x() + 0.5, 0.5);
+    snapByThePanel();
+    EXPECT_TRUE(endsIn(title, thirdOfSecond())) << session.describe();
+    closePanel();
+
+    // The bar goes to the other display, and the item with it.
+    session.arrange({{}, second}, 1);
+    ASSERT_TRUE(waitUntil([&] {
+        item = session.item();
+        return item.width() > 10 && item.top() == second.place.y() &&
+               item.left() > second.place.x() + 100;
+    })) << session.describe();
+    session.place(title, start);
+    openPanel();
+    expectPanelBelowItem();
+    snapByThePanel();
+    EXPECT_TRUE(endsIn(title, thirdOfSecond())) << session.describe();
 }
 
 TEST(ProgramAtAnyScale, ShowsTheZonesAndEndsInThemAtEveryOneThatTheShellOffers) {

@@ -6,7 +6,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <Waiting.h>
-#include <cmath>
 #include <csignal>
 #include <gtest/gtest.h>
 #include <stdexcept>
@@ -30,18 +29,22 @@ QString windowScript(const QString& quotedTitle, const QString& rest) {
 
 } // namespace
 
-GnomeSession::GnomeSession(const QString& believedProgram, int displays, CompanionAtStart companion)
+GnomeSession::GnomeSession(const QString& believedProgram, int displays, CompanionAtStart companion,
+                           const QString& dataFolders)
     : CompositorSession(QStringLiteral("GNOME"))
-    , displays_(displays) {
-    writeSettings(companion);
+    , displays_(displays)
+    , uuid_(QString::fromLatin1(companion == CompanionAtStart::isPackaged ? packagedUuid
+                                                                          : companionUuid)) {
+    const bool isThere = companion != CompanionAtStart::isNowhere;
+    if (!dataFolders.isEmpty())
+        set("XDG_DATA_DIRS", dataFolders);
+    writeSettings(isThere);
     if (companion == CompanionAtStart::runs)
         installCompanion(believedProgram);
     if (!startBuses() || !startShell())
         throw std::runtime_error("no shell came up" + describe());
     waitUntilItRests();
-    EXPECT_TRUE(waitUntil([&] {
-        return isCompanionActive() == (companion == CompanionAtStart::runs);
-    })) << describe();
+    EXPECT_TRUE(waitUntil([&] { return isCompanionActive() == isThere; })) << describe();
 }
 
 void GnomeSession::logInAgain() {
@@ -53,10 +56,8 @@ void GnomeSession::logInAgain() {
     waitUntilItRests();
 }
 
-void GnomeSession::writeSettings(CompanionAtStart companion) const {
-    const QByteArray extensions = companion == CompanionAtStart::runs
-                                      ? QByteArray("['") + companionUuid + "']"
-                                      : QByteArray("@as []");
+void GnomeSession::writeSettings(bool isEnabled) const {
+    const QByteArray extensions = isEnabled ? "['" + uuid_.toLatin1() + "']" : QByteArray("@as []");
     // A plain ground, so that a picture says what lies on it.
     writeFile(home() + QStringLiteral("/.config/glib-2.0/settings/keyfile"),
               "[org/gnome/shell]\nenabled-extensions=" + extensions +
@@ -69,22 +70,15 @@ void GnomeSession::writeSettings(CompanionAtStart companion) const {
 }
 
 QString GnomeSession::companionFolder() const {
-    return home() + QStringLiteral("/.local/share/gnome-shell/extensions/") +
-           QString::fromLatin1(companionUuid);
+    return home() + QStringLiteral("/.local/share/gnome-shell/extensions/") + uuid_;
 }
 
-void GnomeSession::removeCompanion() {
-    EXPECT_TRUE(QDir(companionFolder()).removeRecursively());
-}
-
-void GnomeSession::installCompanion(const QString& believedProgram, const QString& version) {
-    removeCompanion();
-    Subprocess& assembly = start(QStringLiteral(TILEWRIGHT_CMAKE),
-                                 {QStringLiteral("-DOUTPUT=") + companionFolder(),
-                                  QStringLiteral("-DUUID=") + QString::fromLatin1(companionUuid),
-                                  QStringLiteral("-DPROGRAM=") + believedProgram,
-                                  QStringLiteral("-DVERSION=") + version, QStringLiteral("-P"),
-                                  QStringLiteral(TILEWRIGHT_COMPANION_ASSEMBLY)});
+void GnomeSession::installCompanion(const QString& believedProgram) {
+    Subprocess& assembly =
+        start(QStringLiteral(TILEWRIGHT_CMAKE),
+              {QStringLiteral("-DOUTPUT=") + companionFolder(), QStringLiteral("-DUUID=") + uuid_,
+               QStringLiteral("-DPROGRAM=") + believedProgram, QStringLiteral("-DVERSION=0"),
+               QStringLiteral("-P"), QStringLiteral(TILEWRIGHT_COMPANION_ASSEMBLY)});
     EXPECT_TRUE(assembly.waitForEnd());
     EXPECT_EQ(assembly.exitCode(), 0) << describe();
 }
@@ -199,103 +193,6 @@ QImage GnomeSession::picture() {
     return picture;
 }
 
-QRect GnomeSession::workArea(QPoint display) {
-    return toRect(ask(QStringLiteral("(r => [r.x, r.y, r.width, r.height])"
-                                     "(Main.layoutManager.getWorkAreaForMonitor("
-                                     "Main.layoutManager.monitors"
-                                     ".findIndex(m => m.x === %1 && m.y === %2)))")
-                          .arg(display.x())
-                          .arg(display.y())));
-}
-
-int GnomeSession::unitsPerPoint(QPoint at) const {
-    for (const auto& [display, units] : units_) {
-        if (display.contains(at))
-            return units;
-    }
-    return 1;
-}
-
-QJsonValue GnomeSession::displayState() {
-    // The shell serves the call itself, so nothing in it can wait for the answer.
-    tell(QStringLiteral(R"(imports.gi.Gio.DBus.session.call(
-        'org.gnome.Mutter.DisplayConfig', '/org/gnome/Mutter/DisplayConfig',
-        'org.gnome.Mutter.DisplayConfig', 'GetCurrentState', null, null, 0, -1, null,
-        (connection, result) => {
-            globalThis.displayState = connection.call_finish(result).deepUnpack();
-        }))"));
-    QJsonValue state;
-    EXPECT_TRUE(waitUntil([&] {
-        state = ask(QStringLiteral("(s => { globalThis.displayState = null; return s && ["
-                                   "s[0], s[1].map(([[connector], [[mode, , , , , scales]]]) =>"
-                                   " [connector, mode, scales]).sort()]; })"
-                                   "(globalThis.displayState ?? null)"));
-        return state.isArray();
-    })) << describe();
-    return state;
-}
-
-void GnomeSession::offerFractionalScales() {
-    tell(QStringLiteral("new imports.gi.Gio.Settings({schema_id: 'org.gnome.mutter'})"
-                        ".set_strv('experimental-features', ['scale-monitor-framebuffer'])"));
-    EXPECT_TRUE(waitUntil([&] {
-        const std::vector<double> scales = offeredScales();
-        return std::any_of(scales.begin(), scales.end(),
-                           [](double scale) { return std::floor(scale) != scale; });
-    })) << describe();
-}
-
-std::vector<double> GnomeSession::offeredScales() {
-    std::vector<double> scales;
-    for (const QJsonValue scale : displayState()[1][0][2].toArray())
-        scales.push_back(scale.toDouble());
-    return scales;
-}
-
-void GnomeSession::arrange(const std::vector<GnomeDisplay>& displays) {
-    const int barInPoints = workArea().top() / unitsPerPoint({});
-    const QColor ground = pixel(workArea().center());
-    const QJsonValue state = displayState();
-    QStringList wanted;
-    QStringList there;
-    for (std::size_t index = 0; index < displays.size(); ++index) {
-        const auto& [place, scale] = displays[index];
-        const QJsonValue monitor = state[1][int(index)];
-        wanted += QStringLiteral("[%1, %2, %3, 0, %4, [['%5', '%6', {}]]]")
-                      .arg(place.x())
-                      .arg(place.y())
-                      .arg(scale, 0, 'g', QLocale::FloatingPointShortest)
-                      .arg(index == 0 ? QStringLiteral("true") : QStringLiteral("false"),
-                           monitor[0].toString(), monitor[1].toString());
-        there += QStringLiteral("[%1, %2, %3]").arg(place.x()).arg(place.y()).arg(scale);
-    }
-    tell(QStringLiteral(R"(imports.gi.Gio.DBus.session.call(
-        'org.gnome.Mutter.DisplayConfig', '/org/gnome/Mutter/DisplayConfig',
-        'org.gnome.Mutter.DisplayConfig', 'ApplyMonitorsConfig',
-        new imports.gi.GLib.Variant('(uua(iiduba(ssa{sv}))a{sv})', [%1, 1, [%2], {}]),
-        null, 0, -1, null, null))")
-             .arg(state[0].toInt())
-             .arg(wanted.join(u',')));
-    // Each frame, and how many of its 1920 pixels are a unit, times the scale.
-    const QString frames =
-        QStringLiteral("Main.layoutManager.monitors.map(m => [m.x, m.y, m.width, m.height,"
-                       " global.display.get_monitor_scale(m.index)])");
-    EXPECT_TRUE(waitUntil([&] {
-        units_.clear();
-        for (const QJsonValue monitor : ask(frames).toArray())
-            units_.emplace_back(toRect(monitor), int(std::lround(monitor[4].toDouble() *
-                                                                 monitor[2].toDouble() / 1920)));
-        return ask(QStringLiteral("JSON.stringify([%1].filter(([x, y, scale]) =>"
-                                  " !%2.some(m => m[0] === x && m[1] === y"
-                                  " && Math.abs(m[4] - scale) < 0.01)))")
-                       .arg(there.join(u','), frames))
-                       .toString() == u"[]" &&
-               workArea().top() == barInPoints * unitsPerPoint({}) &&
-               // It makes the ground anew, and shows none until then.
-               pixel(workArea().center()) == ground;
-    })) << describe();
-}
-
 void GnomeSession::startSessionManager() {
     writeFile(home() + QStringLiteral("/.config/gnome-session/sessions/none.session"),
               "[GNOME Session]\nName=None\nRequiredComponents=\n");
@@ -327,13 +224,13 @@ bool GnomeSession::isKeptAwake() const {
 void GnomeSession::setCompanionEnabled(bool enabled) {
     tell(QStringLiteral("Main.extensionManager.%1('%2')")
              .arg(enabled ? QStringLiteral("enableExtension") : QStringLiteral("disableExtension"),
-                  QString::fromLatin1(companionUuid)));
+                  uuid_));
     EXPECT_TRUE(waitUntil([&] { return isCompanionActive() == enabled; })) << describe();
 }
 
 QString GnomeSession::companionVersion() {
     return ask(QStringLiteral("Main.extensionManager.lookup('%1')?.metadata['version-name'] ?? ''")
-                   .arg(QString::fromLatin1(companionUuid)))
+                   .arg(uuid_))
         .toString();
 }
 
@@ -349,8 +246,7 @@ void GnomeSession::unlock() {
 
 bool GnomeSession::isCompanionActive() {
     // 1 is what the shell has for "active" in all its versions.
-    return ask(QStringLiteral("Main.extensionManager.lookup('%1')?.state === 1")
-                   .arg(QString::fromLatin1(companionUuid)))
+    return ask(QStringLiteral("Main.extensionManager.lookup('%1')?.state === 1").arg(uuid_))
         .toBool();
 }
 
@@ -384,7 +280,7 @@ QRect GnomeSession::item() {
     return toRect(ask(
         QStringLiteral("(b => b ? [...b.get_transformed_position(), ...b.get_transformed_size()]"
                        " : [])(Main.panel.statusArea['%1']?.get_first_child())")
-            .arg(QString::fromLatin1(companionUuid))));
+            .arg(uuid_)));
 }
 
 QRect GnomeSession::waitForItem() {

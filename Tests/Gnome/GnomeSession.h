@@ -8,8 +8,9 @@
 
 namespace tilewright::testing {
 
-/// Whether our companion's files are there, and the companion is to run, before the shell starts.
-enum class CompanionAtStart { runs, isNowhere };
+/// Whether our companion's files are there, and the companion is to run, before the shell starts:
+/// of this build, or as a package has installed it in the folder that is the session's system.
+enum class CompanionAtStart { runs, isPackaged, isNowhere };
 
 /// Where a display is, and with how many of its pixels along each point.
 struct GnomeDisplay {
@@ -24,15 +25,13 @@ public:
     /// Starts it, with a companion that believes the program at this path, and waits until the
     /// shell rests. Throws where none comes up, which ends the running test. The displays are
     /// side by side, each of 1920 by 1080 pixels.
+    /// `dataFolders` is where data of the system is found; empty for the machine's own.
     explicit GnomeSession(const QString& believedProgram, int displays = 1,
-                          CompanionAtStart companion = CompanionAtStart::runs);
+                          CompanionAtStart companion = CompanionAtStart::runs,
+                          const QString& dataFolders = {});
 
-    /// Puts the companion's files where the shell finds them at its next start, in the place of
-    /// those that are there.
-    void installCompanion(const QString& believedProgram,
-                          const QString& version = QStringLiteral("0"));
-    /// Takes them away again.
-    void removeCompanion();
+    /// Puts the companion's files where the shell finds them at its next start.
+    void installCompanion(const QString& believedProgram);
     /// Ends the shell, and everything that was shown by it, and starts another for the same user.
     void logInAgain();
 
@@ -45,11 +44,14 @@ public:
     [[nodiscard]] QImage picture() override;
     /// What is free of bars of the display that begins there.
     [[nodiscard]] QRect workArea(QPoint display = {});
+    /// Where the display with the bar begins.
+    [[nodiscard]] QPoint primary();
     /// How many units lie along a point at a place: more than one where the stage has the display's
     /// pixels.
     [[nodiscard]] int unitsPerPoint(QPoint at) const;
-    /// Arranges the displays so, as the user would, the first one as the primary, and waits for it.
-    void arrange(const std::vector<GnomeDisplay>& displays);
+    /// Arranges the displays so, as the user would, one of them as the primary, which has the bar,
+    /// and waits for it. Nothing may lie in the lower right corner of a display.
+    void arrange(const std::vector<GnomeDisplay>& displays, std::size_t primaryIndex = 0);
     /// Has the shell offer its displays scales between the whole ones, too, as the user would, and
     /// waits for it.
     void offerFractionalScales();
@@ -82,7 +84,7 @@ public:
     [[nodiscard]] QRect waitForItem();
 
 private:
-    void writeSettings(CompanionAtStart companion) const;
+    void writeSettings(bool isEnabled) const;
     [[nodiscard]] QString companionFolder() const;
     [[nodiscard]] bool startShell();
     void waitUntilItRests();
@@ -93,6 +95,8 @@ private:
     [[nodiscard]] std::map<QString, QString> xServer() override;
 
     const int displays_;
+    /// The extension's name.
+    const QString uuid_;
     /// Which the base owns.
     GnomeInput* input_ = nullptr;
     int pictures_ = 0;
@@ -100,7 +104,8 @@ private:
     std::vector<std::pair<QRect, int>> units_;
 };
 
-/// The extension that a build brings along.
+/// The extension that a build brings along, and the one that a package has.
 inline constexpr char companionUuid[] = "tilewright-run@tilewright.org";
+inline constexpr char packagedUuid[] = "tilewright@tilewright.org";
 
 } // namespace tilewright::testing

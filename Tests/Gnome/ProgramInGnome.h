@@ -3,6 +3,7 @@
 #include "GnomeSession.h"
 
 #include <ProgramInCompositor.h>
+#include <algorithm>
 
 namespace tilewright::testing {
 
@@ -13,8 +14,9 @@ struct ProgramInGnome : ProgramInCompositor<GnomeSession> {
 
     /// Starts both, the program from that file.
     explicit ProgramInGnome(const QString& path = QStringLiteral(TILEWRIGHT_PROGRAM),
-                            int displays = 1)
-        : ProgramInCompositor(path, displays)
+                            int displays = 1, CompanionAtStart companion = CompanionAtStart::runs,
+                            const QString& dataFolders = {})
+        : ProgramInCompositor(path, displays, companion, dataFolders)
         , program(&startProgram(path, secondConnector()))
         , path_(path) {
         item = session.waitForItem();
@@ -30,6 +32,20 @@ struct ProgramInGnome : ProgramInCompositor<GnomeSession> {
                   QByteArray("[General]\nsnapActivationModifier=") + modifier + "\n");
         program = &startProgram(path_, secondConnector());
         item = session.waitForItem();
+    }
+    /// Whether the panel is to the unit, its shadow left out, below the item or, where the work
+    /// area ends, as near to that as it goes.
+    void expectPanelBelowItem() {
+        const int unit = unitsPerPoint(item.center());
+        const QRect area = session.workArea(session.primary());
+        const QRect ground = panelGround(area.top());
+        const int gap = panelGap * unit;
+        const int width = panelWidth * unit;
+        const double left = std::clamp<double>(QRectF(item).center().x() - width / 2.0,
+                                               area.left() + gap, area.right() + 1 - gap - width);
+        EXPECT_EQ(ground.width(), width);
+        EXPECT_NEAR(ground.left(), left, 0.5);
+        EXPECT_EQ(ground.top(), item.bottom() + 1 + gap);
     }
     void clickItem() {
         session.input().move(item.center());

@@ -2,27 +2,37 @@
 
 #include "ProgramInGnome.h"
 
-#include <QDir>
-#include <QFile>
+#include <DebianRoot.h>
+
 #include <QJsonArray>
 #include <csignal>
 
 namespace tilewright::testing {
 namespace {
 
-/// A program whose file can be replaced, as the companion's can.
-struct UpgradedPackage : ProgramInGnome {
-    UpgradedPackage()
-        : ProgramInGnome(copyOfTheProgram()) {}
-    ~UpgradedPackage() override { QFile::remove(path()); }
+/// A system with the package, which dpkg has installed.
+struct SystemWithPackage {
+    SystemWithPackage() { system.install(system.package()); }
 
-    [[nodiscard]] static QString path() {
-        return QStringLiteral("%1/tilewright-%2").arg(QDir::tempPath()).arg(::getpid());
+    DebianRoot system;
+};
+
+struct PackageInGnome : SystemWithPackage, ProgramInGnome {
+    PackageInGnome()
+        : ProgramInGnome(system.program(), 1, CompanionAtStart::isPackaged, system.dataFolders()) {}
+
+    void dragIntoAZone() {
+        const QString title = session.startClient(CompositorClient::qt, start);
+        dragToFirstZone(title);
+        drop();
+        EXPECT_TRUE(waitUntil([&] { return session.frame(title) == zone(0); }))
+            << session.describe();
     }
-    static QString copyOfTheProgram() {
-        QFile::remove(path());
-        EXPECT_TRUE(QFile::copy(QStringLiteral(TILEWRIGHT_PROGRAM), path()));
-        return path();
+    void lockAndUnlock() {
+        session.lock();
+        EXPECT_TRUE(session.item().isEmpty());
+        session.unlock();
+        static_cast<void>(session.waitForItem());
     }
 };
 
@@ -32,14 +42,16 @@ TEST_F(ProgramInGnome, TakesNoPartInADragThatEscapeCancelsOrThatHasNoControl) {
     expectNoPartAfterEscapeAndWithoutControl(session.startClient(CompositorClient::qt, start));
 }
 
-TEST_F(ProgramInGnome, LeavesNothingWhenItIsKilledInMidDrag) {
+TEST_F(ProgramInGnome, LeavesNothingAndMovesNothingWhenItIsEndedOrKilledInMidDrag) {
     const QString title = session.startClient(CompositorClient::qt, start);
-    dragToFirstZone(title);
-    program->signal(SIGKILL);
-    EXPECT_TRUE(waitUntil([&] { return !isHighlighted(zone(0)); }));
+    endInMidDrag(title, *program, SIGTERM);
+    EXPECT_EQ(program->exitCode(), 0);
     EXPECT_TRUE(session.item().isEmpty());
-    drop();
-    EXPECT_EQ(session.frame(title).size(), start.size());
+
+    startAgainWith("control");
+    session.place(title, start);
+    endInMidDrag(title, *program, SIGKILL);
+    EXPECT_TRUE(session.item().isEmpty());
 }
 
 TEST_F(ProgramInGnome, DoesNotHoldUpADragWhileItIsStopped) {
@@ -58,13 +70,7 @@ TEST_F(ProgramInGnome, OpensItsPanelBelowTheItemWithTheFocusAndClosesItInEveryWa
     ASSERT_TRUE(waitUntil([&] { return isPanelReady(); })) << session.describe();
     EXPECT_TRUE(panelIs(QStringLiteral("is_on_all_workspaces()")));
     EXPECT_TRUE(panelIs(QStringLiteral("skip_taskbar")));
-    const QRect frame = session.frame(panelTitle);
-    // The shadow aside, which is at most as wide as the panel is from the screen's edge.
-    constexpr int shadow = 60;
-    EXPECT_GT(frame.top(), item.bottom() - shadow);
-    EXPECT_LT(frame.top(), item.bottom() + shadow);
-    EXPECT_LT(frame.right(), 1920 + shadow);
-    EXPECT_GT(frame.right(), item.left());
+    expectPanelBelowItem();
 
     session.input().tap(KernelKey::escape);
     EXPECT_TRUE(waitUntil([&] { return !isPanelOpen(); })) << "Escape";
@@ -80,6 +86,25 @@ TEST_F(ProgramInGnome, OpensItsPanelBelowTheItemWithTheFocusAndClosesItInEveryWa
     ASSERT_TRUE(waitUntil([&] { return isPanelReady(); }));
     session.input().click();
     EXPECT_TRUE(waitUntil([&] { return !isPanelOpen(); })) << "the item";
+    EXPECT_TRUE(staysTrue([&] { return !isPanelOpen(); }, std::chrono::milliseconds(300)));
+
+    constexpr QRect elsewhere(100, 500, 400, 300);
+    const QString other = session.startClient(CompositorClient::qt, elsewhere);
+    clickItem();
+    ASSERT_TRUE(waitUntil([&] { return isPanelReady(); }));
+    // Without a press, as by the keys.
+    session.place(other, elsewhere);
+    EXPECT_TRUE(waitUntil([&] { return !isPanelOpen(); })) << "another window has the focus";
+    EXPECT_TRUE(isInFront(other));
+    // A click right now would be taken for the one that has cost it the focus.
+    EXPECT_TRUE(staysTrue([&] { return !isPanelOpen(); }, std::chrono::milliseconds(600)));
+
+    clickItem();
+    ASSERT_TRUE(waitUntil([&] { return isPanelReady(); }));
+    session.lock();
+    EXPECT_TRUE(waitUntil([&] { return !isPanelOpen(); })) << "the lock";
+    session.unlock();
+    item = session.waitForItem();
     EXPECT_TRUE(staysTrue([&] { return !isPanelOpen(); }, std::chrono::milliseconds(300)));
 
     clickItem();
@@ -159,41 +184,33 @@ TEST_F(ProgramInGnome, ShowsNothingBehindTheLockAndGoesOnAfterIt) {
     EXPECT_TRUE(waitUntil([&] { return session.frame(title) == zone(0); })) << session.describe();
 }
 
-TEST_F(UpgradedPackage, GoesOnWithTheShellsOldCompanionUntilTheNextLoginBringsTheNewOne) {
-    const auto dragIntoAZone = [&] {
-        const QString title = session.startClient(CompositorClient::qt, start);
-        dragToFirstZone(title);
-        drop();
-        EXPECT_TRUE(waitUntil([&] { return session.frame(title) == zone(0); }))
-            << session.describe();
-    };
+TEST_F(PackageInGnome, GoesOnThroughAnUpgradeAndARemovalAndFollowsThemAtTheNextLogin) {
+    const QString before = session.companionVersion();
+    const QString newer = QStringLiteral("999");
+    EXPECT_FALSE(before.isEmpty());
     // The program that runs has lost its file by that.
-    copyOfTheProgram();
-    session.installCompanion(path(), QStringLiteral("1"));
-    session.lock();
-    EXPECT_TRUE(session.item().isEmpty());
-    session.unlock();
-    static_cast<void>(session.waitForItem());
-    EXPECT_EQ(session.companionVersion(), QStringLiteral("0"));
+    system.install(system.packageAsVersion(newer));
+    lockAndUnlock();
+    EXPECT_EQ(session.companionVersion(), before);
     dragIntoAZone();
 
     session.logInAgain();
-    session.start(path());
+    session.start(system.program());
     static_cast<void>(session.waitForItem());
-    EXPECT_EQ(session.companionVersion(), QStringLiteral("1"));
+    EXPECT_EQ(session.companionVersion(), newer);
     dragIntoAZone();
-}
 
-TEST_F(UpgradedPackage, LeavesNothingThatFailsAtTheNextLoginWhenItIsRemoved) {
-    QFile::remove(path());
-    session.removeCompanion();
-    // It is there for as long as nothing is switched.
-    EXPECT_FALSE(session.item().isEmpty());
+    system.purge();
+    EXPECT_EQ(system.installed(), QStringList());
+    lockAndUnlock();
+    dragIntoAZone();
+
     session.logInAgain();
     EXPECT_EQ(session.companionVersion(), QString());
     const QString enabled = QStringLiteral("global.settings.get_strv('enabled-extensions')");
-    EXPECT_TRUE(session.ask(enabled).toArray().contains(QString::fromLatin1(companionUuid)));
-    EXPECT_EQ(session.describe().find(companionUuid), std::string::npos) << session.describe();
+    EXPECT_TRUE(session.ask(enabled).toArray().contains(QString::fromLatin1(packagedUuid)))
+        << "what the user has chosen stays, and does nothing";
+    EXPECT_EQ(session.describe().find(packagedUuid), std::string::npos) << session.describe();
 }
 
 TEST(CompanionThatTheShellHasYetToSee, RunsAfterTheNextLoginWithoutAClick) {
@@ -207,6 +224,33 @@ TEST(CompanionThatTheShellHasYetToSee, RunsAfterTheNextLoginWithoutAClick) {
             .contains(QString::fromLatin1(companionUuid));
     })) << session.describe();
     EXPECT_FALSE(session.isCompanionActive());
+
+    // Meanwhile a second start shows the panel, as a window like any other.
+    Subprocess& second = session.start(program);
+    EXPECT_TRUE(second.waitForEnd());
+    EXPECT_EQ(second.exitCode(), 0);
+    const QString panel = QStringLiteral("Tilewright");
+    ASSERT_TRUE(waitUntil([&] { return !session.frame(panel).isEmpty(); })) << session.describe();
+    EXPECT_TRUE(session
+                    .ask(QStringLiteral("global.get_window_actors().map(a => a.meta_window)"
+                                        ".some(w => w.get_title() === '%1' && !w.is_above()"
+                                        " && !w.skip_taskbar && !w.is_on_all_workspaces())")
+                             .arg(panel))
+                    .toBool());
+    // A click before that goes nowhere.
+    QImage before;
+    ASSERT_TRUE(waitUntil([&] {
+        const QImage now = session.picture();
+        return std::exchange(before, now) == now;
+    }));
+    const QPoint settings = session.frame(panel).bottomLeft() + QPoint(60, -45);
+    session.input().move(settings);
+    session.input().click();
+    EXPECT_TRUE(waitUntil([&] {
+        return session.frame(panel).isEmpty() &&
+               !session.frame(QStringLiteral("Tilewright Settings")).isEmpty();
+    })) << session.describe();
+
     session.logInAgain();
     session.start(program);
     EXPECT_FALSE(session.waitForItem().isEmpty()) << session.describe();

@@ -97,9 +97,9 @@ struct ProgramInCompositor : ::testing::Test {
         EXPECT_TRUE(waitUntil([&] { return !session.isDragging(); }));
         EXPECT_EQ(session.frame(title).size(), start.size());
     }
-    /// Drags a window to a display with this work area and back, the key pressed where each drag
-    /// began, and expects each display to show and to fill its own zones, and only while the
-    /// pointer is over it.
+    /// Drags a window to a display with this work area and back, within one drag and in several,
+    /// the key pressed on either display, and expects each of them to show and to fill its own
+    /// zones, and only while the pointer is over it.
     void expectEachDisplaysOwnZones(const QString& title, const QRect& second, int tolerance = 0) {
         const auto third = [&](int index) {
             return frameOf(ZoneLayout::thirds().zones[std::size_t(index)], second);
@@ -112,24 +112,47 @@ struct ProgramInCompositor : ::testing::Test {
         const auto becomes = [&](QPoint at, const QColor& ground) {
             return waitUntil([&] { return session.pixel(at) == ground; });
         };
-        dragToFirstZone(title);
-        EXPECT_NE(session.pixel(onFirst), groundOfFirst);
-        EXPECT_TRUE(becomes(onSecond, groundOfSecond));
-        session.input().glide(third(1).center());
-        EXPECT_TRUE(waitUntil([&] { return isHighlighted(third(1)); })) << session.describe();
-        EXPECT_NE(session.pixel(onSecond), groundOfSecond);
-        EXPECT_TRUE(becomes(onFirst, groundOfFirst));
-        drop();
-        EXPECT_TRUE(endsIn(title, third(1), tolerance)) << session.describe();
-        EXPECT_TRUE(becomes(onSecond, groundOfSecond));
-
-        dragTo(third(0), title);
-        EXPECT_TRUE(becomes(onFirst, groundOfFirst));
-        session.input().glide(zone(0).center());
-        EXPECT_TRUE(waitUntil([&] { return isHighlighted(zone(0)); })) << session.describe();
-        EXPECT_TRUE(becomes(onSecond, groundOfSecond));
-        drop();
-        EXPECT_TRUE(endsIn(title, zone(0), tolerance)) << session.describe();
+        const auto goToFirst = [&] {
+            session.input().glide(zone(0).center());
+            EXPECT_TRUE(waitUntil([&] { return isHighlighted(zone(0)); })) << session.describe();
+            EXPECT_NE(session.pixel(onFirst), groundOfFirst);
+            EXPECT_TRUE(becomes(onSecond, groundOfSecond));
+        };
+        const auto goToSecond = [&] {
+            session.input().glide(third(1).center());
+            EXPECT_TRUE(waitUntil([&] { return isHighlighted(third(1)); })) << session.describe();
+            EXPECT_NE(session.pixel(onSecond), groundOfSecond);
+            EXPECT_TRUE(becomes(onFirst, groundOfFirst));
+        };
+        const auto dropIn = [&](const QRect& zone) {
+            drop();
+            EXPECT_TRUE(endsIn(title, zone, tolerance)) << session.describe();
+            EXPECT_TRUE(becomes(onFirst, groundOfFirst) && becomes(onSecond, groundOfSecond));
+        };
+        {
+            SCOPED_TRACE("the key pressed on the first display, there, back and there again");
+            dragToFirstZone(title);
+            EXPECT_TRUE(becomes(onSecond, groundOfSecond));
+            goToSecond();
+            goToFirst();
+            goToSecond();
+            dropIn(third(1));
+        }
+        {
+            SCOPED_TRACE("begun and the key pressed on the second display, there and back");
+            dragTo(third(0), title);
+            EXPECT_TRUE(becomes(onFirst, groundOfFirst));
+            goToFirst();
+            goToSecond();
+            dropIn(third(1));
+        }
+        {
+            SCOPED_TRACE("begun on the second display, the key pressed on the first one");
+            dragTo(zone(0), title);
+            goToSecond();
+            goToFirst();
+            dropIn(zone(0));
+        }
     }
     /// Stops the program in mid-drag, and expects the window to follow the pointer as ever.
     void dragWhileItIsStopped(const QString& title, const Subprocess& program) {
@@ -137,6 +160,29 @@ struct ProgramInCompositor : ::testing::Test {
         program.signal(SIGSTOP);
         session.input().glide({1300, 700}, 20);
         EXPECT_TRUE(waitUntil([&] { return session.frame(title).contains(1300, 710); }));
+    }
+    /// Ends the program by that signal in mid-drag, and expects the overlay to go and the window to
+    /// stay where the user lets go of it.
+    void endInMidDrag(const QString& title, Subprocess& program, int signal) {
+        const QSize size = session.frame(title).size();
+        dragToFirstZone(title);
+        program.signal(signal);
+        EXPECT_TRUE(waitUntil([&] { return !isHighlighted(zone(0)); })) << session.describe();
+        EXPECT_TRUE(program.waitForEnd());
+        EXPECT_TRUE(session.isDragging()) << "the drag is the user's";
+        const QPoint end = zone(1).center();
+        session.input().glide(end);
+        session.input().release();
+        EXPECT_TRUE(waitUntil([&] { return !session.isDragging(); }));
+        const auto isAsDropped = [&] {
+            const QRect frame = session.frame(title);
+            return frame.size() == size && frame.contains(end);
+        };
+        EXPECT_TRUE(waitUntil(isAsDropped)) << session.describe();
+        const QRect dropped = session.frame(title);
+        session.input().releaseKey(KernelKey::control);
+        EXPECT_TRUE(staysTrue([&] { return session.frame(title) == dropped; },
+                              std::chrono::milliseconds(400)));
     }
     /// Drags a terminal into a zone, and expects it to fill that as far as its cells go.
     void expectToFillAZoneWithATerminal(const QRect& start) {
@@ -212,34 +258,76 @@ struct ProgramInCompositor : ::testing::Test {
     [[nodiscard]] QPoint settingsInPanel() {
         return session.frame(panelTitle).bottomLeft() + QPoint(60, -45);
     }
-    /// What a part of one display looks like.
+    /// What a part of one display looks like, in the display's pixels.
     [[nodiscard]] virtual QImage pictureOf(const QRect& area) {
-        return session.picture().copy(area);
+        const QImage picture = session.picture();
+        const double ratio = picture.devicePixelRatio();
+        return picture.copy(
+            QRectF(QPointF(area.topLeft()) * ratio, QSizeF(area.size()) * ratio).toRect());
     }
     /// Where the panel's large picture of a layout has the zone in the upper left corner. Fails the
     /// test where the open panel has none.
     [[nodiscard]] QPoint firstZoneInPanel() {
+        const QRect frame = session.frame(panelTitle);
+        const int unit = unitsPerPoint(frame.center());
         // The shadow, and what lies to the right of that picture's corner, left out.
-        const QRect frame = session.frame(panelTitle).adjusted(30, 30, -200, 0);
+        const QRect part = frame.adjusted(30 * unit, 30 * unit, -200 * unit, 0);
         const auto isAmber = [](QColor colour) {
             return colour.red() - colour.blue() > 60 && colour.red() > colour.green();
         };
         std::optional<QPoint> corner;
-        QImage before;
         EXPECT_TRUE(waitUntil([&] {
-            const QImage panel = pictureOf(frame);
-            // One that fades in looks otherwise in every picture.
-            if (std::exchange(before, panel) != panel)
-                return false;
-            for (int y = 0; y < panel.height() && !corner; ++y) {
-                for (int x = 0; x < panel.width() && !corner; ++x) {
-                    if (isAmber(panel.pixelColor(x, y)))
-                        corner = frame.topLeft() + QPoint(x, y);
+            const QImage panel = pictureOfPanelAtRest();
+            for (int y = part.top(); y < part.bottom() && !corner; ++y) {
+                for (int x = part.left(); x < part.right() && !corner; ++x) {
+                    if (isAmber(colorIn(panel, frame, {x, y})))
+                        corner = QPoint(x, y);
                 }
             }
             return corner.has_value();
         })) << session.describe();
-        return corner.value_or(QPoint()) + QPoint(30, 30);
+        return corner.value_or(QPoint()) + QPoint(30, 30) * unit;
+    }
+    /// A picture of the panel's window, taken once it has faded in: until then it looks otherwise
+    /// in every picture.
+    [[nodiscard]] QImage pictureOfPanelAtRest() {
+        QImage now;
+        QImage before;
+        EXPECT_TRUE(waitUntil([&] {
+            now = pictureOf(session.frame(panelTitle));
+            return !now.isNull() && std::exchange(before, now) == now;
+        })) << session.describe();
+        return now;
+    }
+    /// The colour of a place in a picture of an area.
+    [[nodiscard]] static QColor colorIn(const QImage& picture, const QRect& area, QPoint at) {
+        const double ratio = double(picture.width()) / area.width();
+        return picture.pixelColor((QPointF(at - area.topLeft()) * ratio).toPoint());
+    }
+    /// What of the open panel is seen as such: its light ground, without the shadow around it. What
+    /// lies beneath has to be darker, the bar left out, which is above the given line.
+    [[nodiscard]] QRect panelGround(int bar = 0) {
+        const QRect frame = session.frame(panelTitle);
+        const QImage panel = pictureOfPanelAtRest();
+        const auto isGround = [&](QPoint at) {
+            return colorIn(panel, frame, at).lightness() > 160;
+        };
+        QRect ground = frame;
+        ground.setTop(std::max(ground.top(), bar));
+        const auto inset = [&](auto shrink, auto edge) {
+            while (!ground.isEmpty() && !isGround(edge()))
+                shrink();
+        };
+        const QPoint middle = frame.center();
+        inset([&] { ground.setTop(ground.top() + 1); },
+              [&] { return QPoint(middle.x(), ground.top()); });
+        inset([&] { ground.setBottom(ground.bottom() - 1); },
+              [&] { return QPoint(middle.x(), ground.bottom()); });
+        inset([&] { ground.setLeft(ground.left() + 1); },
+              [&] { return QPoint(ground.left(), middle.y()); });
+        inset([&] { ground.setRight(ground.right() - 1); },
+              [&] { return QPoint(ground.right(), middle.y()); });
+        return ground;
     }
     /// Clicks a zone in the panel while the settings have the focus, and expects the window that
     /// had it before them to end there, and another one to stay.
@@ -262,14 +350,18 @@ struct ProgramInCompositor : ::testing::Test {
         openSettings();
     }
     [[nodiscard]] bool isPanelOpen() { return !session.frame(panelTitle).isEmpty(); }
+    /// Whether it is to the unit, its shadow left out, what is below the pointer's place.
     void expectPanelBelow(QPoint pointer) {
-        const QRect frame = session.frame(panelTitle);
-        EXPECT_NEAR(frame.center().x(), pointer.x(), 1);
-        // Its shadow begins above it.
-        constexpr int shadow = 60;
-        EXPECT_GT(frame.top(), pointer.y() - shadow);
-        EXPECT_LT(frame.top(), pointer.y() + shadow);
+        const QRect ground = panelGround();
+        EXPECT_EQ(ground.width(), panelWidth);
+        EXPECT_NEAR(QRectF(ground).center().x(), pointer.x() + 0.5, 0.5);
+        EXPECT_NEAR(ground.top(), pointer.y() + 0.5 + panelGap, 0.5);
     }
+
+    /// In points: how wide the panel's ground is, and how far from what it belongs to and from the
+    /// edges of the work area.
+    static constexpr int panelWidth = 300;
+    static constexpr int panelGap = 4;
 
     Session session;
     const QString panelTitle = QStringLiteral("Tilewright");
