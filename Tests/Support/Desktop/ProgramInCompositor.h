@@ -354,8 +354,8 @@ struct ProgramInCompositor : ::testing::Test {
     void expectPanelBelow(QPoint pointer) {
         const QRect ground = panelGround();
         EXPECT_EQ(ground.width(), panelWidth);
-        EXPECT_NEAR(QRectF(ground).center().x(), pointer.x() + 0.5, 0.5);
-        EXPECT_NEAR(ground.top(), pointer.y() + 0.5 + panelGap, 0.5);
+        EXPECT_EQ(ground.left(), pointer.x() - panelWidth / 2);
+        EXPECT_EQ(ground.top(), pointer.y() + panelGap);
     }
 
     /// In points: how wide the panel's ground is, and how far from what it belongs to and from the
