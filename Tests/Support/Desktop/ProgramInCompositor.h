@@ -97,9 +97,9 @@ struct ProgramInCompositor : ::testing::Test {
         EXPECT_TRUE(waitUntil([&] { return !session.isDragging(); }));
         EXPECT_EQ(session.frame(title).size(), start.size());
     }
-    /// Drags a window to a display with this work area and back, within one drag and in several,
-    /// the key pressed on either display, and expects each of them to show and to fill its own
-    /// zones, and only while the pointer is over it.
+    /// Drags a window to a display with this work area, back and there again, and from there the
+    /// same way, the key pressed where each drag began, and expects each display to show and to
+    /// fill its own zones, and only while the pointer is over it.
     void expectEachDisplaysOwnZones(const QString& title, const QRect& second, int tolerance = 0) {
         const auto third = [&](int index) {
             return frameOf(ZoneLayout::thirds().zones[std::size_t(index)], second);
@@ -139,16 +139,10 @@ struct ProgramInCompositor : ::testing::Test {
             dropIn(third(1));
         }
         {
-            SCOPED_TRACE("begun and the key pressed on the second display, there and back");
+            SCOPED_TRACE("begun and the key pressed on the second display, the same");
             dragTo(third(0), title);
             EXPECT_TRUE(becomes(onFirst, groundOfFirst));
             goToFirst();
-            goToSecond();
-            dropIn(third(1));
-        }
-        {
-            SCOPED_TRACE("begun on the second display, the key pressed on the first one");
-            dragTo(zone(0), title);
             goToSecond();
             goToFirst();
             dropIn(zone(0));
