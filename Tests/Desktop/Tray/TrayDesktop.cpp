@@ -30,6 +30,17 @@ Subprocess& TrayDesktop::startProgram(double scale) {
     return *program_;
 }
 
+void TrayDesktop::waitUntilFound() {
+    const XInspector& look = inspector();
+    EXPECT_TRUE(waitUntil([&] {
+        const XReply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
+            look.connection(),
+            xcb_get_selection_owner(look.connection(), look.atom("_TILEWRIGHT_INSTANCE")),
+            nullptr));
+        return reply && reply->owner != XCB_NONE;
+    }));
+}
+
 void TrayDesktop::startAgain() {
     Subprocess& second = session_.start(QStringLiteral(TILEWRIGHT_PROGRAM), {}, environment());
     EXPECT_TRUE(second.waitForEnd());

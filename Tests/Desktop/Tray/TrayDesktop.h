@@ -16,6 +16,8 @@ public:
 
     /// Starts the program as on a desktop whose points are this many pixels.
     Subprocess& startProgram(double scale = 1);
+    /// Waits until another start would find the program, which then knows of trays that come.
+    void waitUntilFound();
     /// Starts the program once more, which opens the panel of the first by the pointer.
     void startAgain();
 

@@ -3,6 +3,7 @@
 
 #include "FakeNotifierWatcher.h"
 #include "SilentNotifierWatcher.h"
+#include "SlowTray.h"
 #include "TrayDesktop.h"
 
 #include <Bars.h>
@@ -10,6 +11,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <csignal>
 #include <gtest/gtest.h>
 
 namespace tilewright::testing {
@@ -61,6 +63,40 @@ TEST(LoneTray, ShowsTheItemThatOpensAndClosesThePanel) {
         EXPECT_GE(panel.right(), item.center().x());
         desktop.input().click(item.center());
         EXPECT_TRUE(waitUntil([&] { return !desktop.panel(); })) << "by a second click";
+    }
+}
+
+TEST(SlowSystemTray, IsAskedToTakeTheItemInBeforeItAnnouncesItselfAndNotAgain) {
+    TrayDesktop desktop;
+    desktop.startProgram();
+    desktop.waitUntilFound();
+    for (int start = 0; start < 2; ++start) {
+        {
+            SlowTray tray(desktop.session().display());
+            EXPECT_TRUE(waitUntil([&] { return tray.isLastThere(); }));
+            tray.announce();
+            EXPECT_TRUE(staysTrue([&] { return tray.asked().size() == 1 && tray.isLastThere(); },
+                                  std::chrono::milliseconds(300)));
+        }
+        EXPECT_TRUE(waitUntil([&] { return !desktop.item(); }));
+    }
+}
+
+TEST(SlowSystemTray, GivesTheItemToTheNextOneThatComesWhileTheProgramIsBusy) {
+    TrayDesktop desktop;
+    Subprocess& program = desktop.startProgram();
+    desktop.waitUntilFound();
+    std::optional<SlowTray> tray(desktop.session().display());
+    ASSERT_TRUE(waitUntil([&] { return tray->isLastThere(); }));
+    for (int round = 0; round < 5; ++round) {
+        program.signal(SIGSTOP);
+        tray.reset();
+        tray.emplace(desktop.session().display());
+        tray->announce();
+        program.signal(SIGCONT);
+        EXPECT_TRUE(waitUntil([&] { return tray->isLastThere(); }));
+        EXPECT_TRUE(staysTrue([&] { return tray->asked().size() == 1 && tray->isLastThere(); },
+                              std::chrono::milliseconds(300)));
     }
 }
 

@@ -104,12 +104,19 @@ void FreeDesktopStatusItem::setAccessibleName(const QString& name) {
 void FreeDesktopStatusItem::chooseHost() {
     // Qt settles on the system tray for good when its first tray icon finds no notifier host, and
     // on the bus for good when it finds one. So none is made here before there is a tray to take
-    // it: while a session starts a host may come at any moment.
-    const bool wantsSystemTray = display_ && display_->systemTray.isThere() &&
-                                 notifierItem_.isSettled() && !notifierItem_.isHosted() &&
-                                 !icon_.isNull();
-    if (wantsSystemTray == isInSystemTray())
+    // it: while a session starts a host may come at any moment. One that is made stays when the
+    // tray goes: where the next has come already, Qt may have had it taken in there.
+    const bool isTrayThere = display_ && display_->systemTray.isThere();
+    const bool wantsSystemTray = (isTrayThere || isInSystemTray()) && notifierItem_.isSettled() &&
+                                 !notifierItem_.isHosted() && !icon_.isNull();
+    if (wantsSystemTray == isInSystemTray()) {
+        if (isTrayThere && wantsSystemTray && systemTray_->geometry().isNull()) {
+            // It has no window, and gets one where there is a tray to ask.
+            systemTray_->hide();
+            systemTray_->show();
+        }
         return;
+    }
     if (!wantsSystemTray) {
         systemTray_.reset();
         return;

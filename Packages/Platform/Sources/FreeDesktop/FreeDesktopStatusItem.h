@@ -42,7 +42,7 @@ public:
     void setSymbol(const QString& symbolName, const QIcon& icon) override;
     void setAccessibleName(const QString& name) override;
 
-    /// Whether the item is offered to the system tray now.
+    /// Whether the item is offered to whatever system tray there is.
     [[nodiscard]] bool isInSystemTray() const { return systemTray_ != nullptr; }
 
 private Q_SLOTS:

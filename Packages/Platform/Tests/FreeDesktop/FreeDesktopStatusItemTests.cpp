@@ -182,17 +182,16 @@ TEST_F(FreeDesktopStatusItemTest, IsWhereItsHostTellsWhereNobodyTellsOfThePointe
     EXPECT_EQ(clicks.at({20, 10}), placeAt({20, 10}));
 }
 
-TEST_F(FreeDesktopStatusItemTest, WaitsForASystemTrayToTake) {
+TEST_F(FreeDesktopStatusItemTest, WaitsForASystemTrayAndLeavesTheNextOnesToQt) {
     tray.setThere(false);
     MessageBus absent(PrivateBus::absent());
     FreeDesktopStatusItem item(screens, centerOf, loop, absent, display);
     item.setSymbol(QStringLiteral("cup.and.saucer"), discIcon());
-    for (int coming = 0; coming < 2; ++coming) {
-        EXPECT_FALSE(item.isInSystemTray());
-        tray.setThere(true);
-        EXPECT_TRUE(item.isInSystemTray());
-        tray.setThere(false);
-    }
+    EXPECT_FALSE(item.isInSystemTray());
+    tray.setThere(true);
+    EXPECT_TRUE(item.isInSystemTray());
+    tray.setThere(false);
+    EXPECT_TRUE(item.isInSystemTray()) << "its window would go while the next one takes it in";
 }
 
 TEST_F(FreeDesktopStatusItemTest, TakesNoSystemTrayThatComesWhileAHostShowsItems) {
