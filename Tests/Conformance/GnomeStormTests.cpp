@@ -89,10 +89,18 @@ protected:
     [[nodiscard]] bool isPanelShown() const {
         return shell.panel && (*shell.panel)[QStringLiteral("shown")].toBool();
     }
-    /// What has to be after everything that may have been, once the shell says that it is well.
+    /// What has to be after everything that may have been, once the shell says that it is well, in
+    /// the midst of a drag and with the panel open.
     void expectToGoOn() {
         shell.extensionState = 1;
         shell.announceExtension();
+        shell.call("Hello", helloText());
+        shell.call("DragBegin", dragText(1, "[300,500]", 0));
+        shell.call("DragMotion", dragText(1, "[302,500]", control));
+        expectAnswers();
+        panel->open(AppKitRect{700, 500, 24, 24});
+        EXPECT_TRUE(SnapController::shared().overlayVisible());
+        EXPECT_TRUE(panel->isOpen());
         forget();
         shell.greet(helloText(displayText(), windowText(3)));
         expectAnswers();
