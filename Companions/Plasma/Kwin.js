@@ -105,6 +105,8 @@ function callKWin(path, interfaceName, method, args, then) {
     callDBus('org.kde.KWin', path, interfaceName, method, ...args, then);
 }
 
+/** KWin does what it calls itself for at once, by no bus: the name is still that of the script which
+ *  calls this, and not of one that has taken its place. */
 function unload(name) {
     callKWin('/Scripting', 'org.kde.kwin.Scripting', 'unloadScript', [name], () => {});
 }

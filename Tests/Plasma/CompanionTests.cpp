@@ -31,7 +31,22 @@ struct KWinWithErrands : KWinWithAStandIn {
     }
 };
 
+struct KWinWithTwoDisplays : KWinWithAStandIn {
+    KWinWithTwoDisplays()
+        : KWinWithAStandIn({.scales = {1, 1}, .primary = 1}) {}
+};
+
 } // namespace
+
+TEST_F(KWinWithTwoDisplays, TellsOfThePrimaryOneThatTheUserHasChosenWhereScriptsAreToldOfIt) {
+    std::vector<int> primaries;
+    const QJsonObject hello = program.last[QStringLiteral("Hello")];
+    for (const QJsonValue display : hello[QStringLiteral("displays")].toArray())
+        if (display[QStringLiteral("primary")].toBool())
+            primaries.push_back(display[QStringLiteral("frame")][0].toInt());
+    const bool isTold = session.generation() > 5;
+    EXPECT_EQ(primaries, std::vector{session.displays()[isTold ? 1 : 0].left()});
+}
 
 TEST_F(KWinWithAStandIn, TellsOfOneMotionAtATimeAndOfTheNewestNext) {
     const QString motion = QStringLiteral("DragMotion");

@@ -10,8 +10,10 @@ namespace tilewright::testing {
 namespace {
 
 struct ProgramInPlasmasDesktop : ProgramInCompositor<PlasmaSession> {
-    ProgramInPlasmasDesktop()
+    explicit ProgramInPlasmasDesktop(
+        PlasmaDesktop::Panel panel = PlasmaDesktop::Panel::besideWindows)
         : ProgramInCompositor(PlasmaDisplays{}, PlasmaSession::Around::desktop)
+        , desktop(session, panel)
         , program(&startProgram(QStringLiteral(TILEWRIGHT_PROGRAM), session.secondConnector())) {
         EXPECT_TRUE(waitUntil([&] { return session.hasCompanion(); })) << session.describe();
         // It slides into its place.
@@ -43,10 +45,15 @@ struct ProgramInPlasmasDesktop : ProgramInCompositor<PlasmaSession> {
         return session.isWindow(title, QStringLiteral("active"));
     }
 
-    PlasmaDesktop desktop{session};
+    PlasmaDesktop desktop;
     Subprocess* const program;
     /// Where the tray shows it.
     QPoint item;
+};
+
+struct ProgramBelowPlasmasPanel : ProgramInPlasmasDesktop {
+    ProgramBelowPlasmasPanel()
+        : ProgramInPlasmasDesktop(PlasmaDesktop::Panel::aboveWindows) {}
 };
 
 } // namespace
@@ -77,6 +84,47 @@ TEST_F(ProgramInPlasmasDesktop, DividesWhatThePanelLeavesOfTheDisplay) {
     drop();
     EXPECT_TRUE(endsIn(title, zone(0))) << session.describe();
     EXPECT_TRUE(waitUntil([&] { return !isHighlighted(zone(0)); }));
+}
+
+TEST_F(ProgramBelowPlasmasPanel, ShowsItsZonesAboveThatAndAboveAFullScreenWindow) {
+    const QRect display = session.displays().front();
+    ASSERT_TRUE(waitUntil([&] { return workArea() == display; })) << session.describe();
+    const QString below = session.startClient(CompositorClient::gtk4, {0, 400, 1000, 680});
+    const QString title = session.startClient(CompositorClient::qt, {600, 200, 640, 420});
+    // Between the tasks and the tray.
+    const QPoint onPanel(zone(0).right() - 60, desktop.panel().center().y());
+    const QPoint besidePanel(onPanel.x(), desktop.panel().top() - 60);
+    const auto amber = [&] {
+        const QColor colour = session.pixel(onPanel);
+        return colour.red() - colour.blue();
+    };
+    session.grab(title);
+    session.input().glide(zone(0).center());
+    EXPECT_TRUE(waitUntil([&] { return session.pixel(onPanel) != session.pixel(besidePanel); }))
+        << "it is above windows";
+    // It changes with the windows below it, a little and for a while.
+    int bare = 0;
+    EXPECT_TRUE(waitUntil([&] {
+        bare = amber();
+        return staysTrue([&] { return amber() == bare; }, std::chrono::milliseconds(500));
+    }));
+    const auto isLit = [&] { return amber() > bare + 10; };
+    session.input().pressKey(KernelKey::control);
+    session.input().glide(zone(0).center() + QPoint(6, 0), 3);
+    ASSERT_TRUE(waitUntil([&] { return isHighlighted(zone(0)); })) << session.describe();
+    EXPECT_TRUE(waitUntil(isLit)) << amber() << " after " << bare;
+    session.input().tap(KernelKey::escape);
+    EXPECT_TRUE(waitUntil([&] { return !isHighlighted(zone(0)); }));
+    EXPECT_TRUE(waitUntil([&] { return !isLit(); })) << amber() << " after " << bare;
+    drop();
+
+    session.tell(QStringLiteral("find('%1').fullScreen = true").arg(below));
+    ASSERT_TRUE(waitUntil([&] { return session.frame(below) == display; }));
+    const QString above = session.startClient(CompositorClient::qt, {600, 200, 640, 420});
+    dragToFirstZone(above);
+    drop();
+    EXPECT_TRUE(endsIn(above, zone(0))) << session.describe();
+    EXPECT_TRUE(session.isWindow(below, QStringLiteral("fullScreen")));
 }
 
 } // namespace tilewright::testing

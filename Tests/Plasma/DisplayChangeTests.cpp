@@ -1,10 +1,8 @@
 // The program with its companion while displays go, come back, turn and change their scale.
 
 #include "ProgramInPlasma.h"
-#include "StandInProgram.h"
 
 #include <QDBusConnection>
-#include <optional>
 
 namespace tilewright::testing {
 namespace {
@@ -29,24 +27,20 @@ private:
     int beginnings_ = 0;
 };
 
-/// Has KWin do that to the second display, by Plasma's own tool.
-void changeSecond(PlasmaSession& session, const QString& what) {
-    Subprocess& tool =
-        session.start(QStringLiteral("kscreen-doctor"),
-                      {QStringLiteral("output.%1.%2").arg(session.secondConnector(), what)},
-                      {{QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("wayland")},
-                       {QStringLiteral("KSCREEN_BACKEND_INPROCESS"), QStringLiteral("1")}});
-    EXPECT_TRUE(tool.waitForEnd()) << session.describe();
-}
-
 struct ProgramAmongChangingDisplays : ProgramInPlasma {
     ProgramAmongChangingDisplays()
         : ProgramInPlasma("control", {.scales = {1, 1}}) {}
 
-    /// Has KWin do that to the second display, and waits until it has these frames.
+    /// Has KWin do that to the second display, by Plasma's own tool, and waits until it has these
+    /// frames.
     void change(const QString& what, const std::vector<QRect>& frames) {
         const int before = painting.beginnings();
-        changeSecond(session, what);
+        Subprocess& tool =
+            session.start(QStringLiteral("kscreen-doctor"),
+                          {QStringLiteral("output.%1.%2").arg(session.secondConnector(), what)},
+                          {{QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("wayland")},
+                           {QStringLiteral("KSCREEN_BACKEND_INPROCESS"), QStringLiteral("1")}});
+        EXPECT_TRUE(tool.waitForEnd()) << session.describe();
         EXPECT_TRUE(waitUntil([&] { return session.currentDisplays() == frames; }))
             << what.toStdString() << session.describe();
         if (session.generation() == 5)
@@ -68,24 +62,6 @@ struct ProgramAmongChangingDisplays : ProgramInPlasma {
     const PaintingWatch painting{session.bus()};
     const QRect first = session.displays()[0];
     const QRect second = session.displays()[1];
-};
-
-struct KWinWithTwoDisplays : KWinWithAStandIn {
-    KWinWithTwoDisplays()
-        : KWinWithAStandIn({.scales = {1, 1}}) {}
-
-    /// Which of the two, by its left edge, was last said to be the primary one; none where not
-    /// exactly one was.
-    [[nodiscard]] std::optional<int> primary() {
-        const bool hasNews = program.calls[QStringLiteral("Displays")] > 0;
-        const QJsonObject told =
-            program.last[hasNews ? QStringLiteral("Displays") : QStringLiteral("Hello")];
-        std::vector<int> lefts;
-        for (const QJsonValue display : told[QStringLiteral("displays")].toArray())
-            if (display[QStringLiteral("primary")].toBool())
-                lefts.push_back(display[QStringLiteral("frame")][0].toInt());
-        return lefts.size() == 1 ? std::optional(lefts.front()) : std::nullopt;
-    }
 };
 
 } // namespace
@@ -162,16 +138,6 @@ TEST_F(ProgramAmongChangingDisplays, DividesADisplayAsItIsAfterATurnOrAnotherSca
     dropsIntoMiddleThirdOf(scaled);
     change(QStringLiteral("scale.1"), {first, second});
     dropsIntoMiddleThirdOf(second);
-}
-
-TEST_F(KWinWithTwoDisplays, HasThePrimaryOneThatTheUserHasChosenWhereItTellsScripts) {
-    EXPECT_EQ(primary(), 0);
-    const std::vector<QRect> frames = session.displays();
-    const bool isTold = session.generation() > 5;
-    changeSecond(session, isTold ? QStringLiteral("priority.1") : QStringLiteral("primary"));
-    EXPECT_TRUE(waitUntil([&] { return primary() == (isTold ? frames[1].left() : 0); }))
-        << session.describe();
-    EXPECT_EQ(session.currentDisplays(), frames);
 }
 
 } // namespace tilewright::testing

@@ -9,7 +9,7 @@
 namespace tilewright::testing {
 
 void writeDisplaysOfKwin5(const QString& home, const std::vector<QRect>& frames,
-                          const std::vector<double>& scales, QSize pixels) {
+                          const std::vector<double>& scales, QSize pixels, std::size_t primary) {
     QJsonArray outputs;
     QByteArray connectors;
     for (const QRect& frame : frames) {
@@ -26,7 +26,7 @@ void writeDisplaysOfKwin5(const QString& home, const std::vector<QRect>& frames,
                          {QStringLiteral("size"),
                           QJsonObject{{QStringLiteral("width"), pixels.width()},
                                       {QStringLiteral("height"), pixels.height()}}}}},
-            {QStringLiteral("primary"), number == 0},
+            {QStringLiteral("primary"), std::size_t(number) == primary},
             {QStringLiteral("scale"), scales[std::size_t(number)]},
             {QStringLiteral("pos"),
              QJsonObject{{QStringLiteral("x"), frame.x()}, {QStringLiteral("y"), frame.y()}}}});
@@ -38,7 +38,7 @@ void writeDisplaysOfKwin5(const QString& home, const std::vector<QRect>& frames,
 }
 
 void writeDisplaysOfKwin6(const QString& home, const std::vector<QRect>& frames,
-                          const std::vector<double>& scales, QSize pixels) {
+                          const std::vector<double>& scales, QSize pixels, std::size_t primary) {
     QJsonArray outputs;
     QJsonArray places;
     for (const QRect& frame : frames) {
@@ -52,7 +52,7 @@ void writeDisplaysOfKwin6(const QString& home, const std::vector<QRect>& frames,
         places.append(QJsonObject{
             {QStringLiteral("enabled"), true},
             {QStringLiteral("outputIndex"), number},
-            {QStringLiteral("priority"), number},
+            {QStringLiteral("priority"), std::size_t(number) == primary ? 0 : number + 1},
             {QStringLiteral("position"),
              QJsonObject{{QStringLiteral("x"), frame.x()}, {QStringLiteral("y"), frame.y()}}}});
     }

@@ -12,10 +12,21 @@ namespace {
 
 constexpr std::chrono::seconds afterItsStart{60};
 
+/// As Plasma numbers what its panel does about windows.
+constexpr int windowsGoBelow = 3;
+
 } // namespace
 
-PlasmaDesktop::PlasmaDesktop(PlasmaSession& session)
+PlasmaDesktop::PlasmaDesktop(PlasmaSession& session, Panel panel)
     : session_(session) {
+    if (panel == Panel::aboveWindows) {
+        // Which number the first one gets is not said.
+        QByteArray panels;
+        for (int number = 1; number < 20; ++number)
+            panels += "[PlasmaViews][Panel " + QByteArray::number(number) +
+                      "]\npanelVisibility=" + QByteArray::number(windowsGoBelow) + '\n';
+        writeFile(session_.home() + QStringLiteral("/.config/plasmashellrc"), panels);
+    }
     start(plasmaProgram(QStringLiteral("kactivitymanagerd")), "org.kde.ActivityManager");
     start(QStringLiteral("kded%1").arg(session_.generation()), "org.kde.StatusNotifierWatcher");
     start(plasmaProgram(QStringLiteral("org_kde_powerdevil")),
@@ -23,7 +34,7 @@ PlasmaDesktop::PlasmaDesktop(PlasmaSession& session)
     start(QStringLiteral("plasmashell"), "org.kde.plasmashell");
     EXPECT_TRUE(waitUntil(
         [&] {
-            first_ = panel().isEmpty() ? QImage() : tray();
+            first_ = this->panel().isEmpty() ? QImage() : tray();
             return !first_.isNull() &&
                    staysTrue([&] { return tray() == first_; }, std::chrono::milliseconds(2000));
         },

@@ -8,9 +8,12 @@ namespace tilewright::testing {
 /// a session that has room for them.
 class PlasmaDesktop {
 public:
+    /// What its panel is to windows: it takes room from them, or lies above them.
+    enum class Panel { besideWindows, aboveWindows };
+
     /// Starts it and waits until the panel shows what it shows at first. Fails the running test
     /// where it does not come up.
-    explicit PlasmaDesktop(PlasmaSession& session);
+    explicit PlasmaDesktop(PlasmaSession& session, Panel panel = Panel::besideWindows);
 
     /// Where the tray shows an item that has come since, by its middle; null where none has. What
     /// has to move for it stands further right.

@@ -96,7 +96,7 @@ PlasmaSession::PlasmaSession(const PlasmaDisplays& displays, Around around)
     set("QT_FORCE_STDERR_LOGGING", QStringLiteral("1"));
     if (isKwin6_ || displays.seen == PlasmaDisplays::Seen::onXServer)
         host_ = std::make_unique<HostDisplay>(int(scales_.size()), pixels_);
-    installFiles();
+    installFiles(displays.primary);
     EXPECT_TRUE(startBuses()) << describe();
     if (!isKwin6_)
         // Without a graphics card KWin would paint without OpenGL, and make no pictures.
@@ -114,9 +114,10 @@ PlasmaSession::~PlasmaSession() {
     static_cast<void>(compositor().waitForEnd());
 }
 
-void PlasmaSession::installFiles() const {
+void PlasmaSession::installFiles(std::size_t primary) const {
     writeFile(home() + QStringLiteral("/.config/kwinrc"), configuration);
-    (isKwin6_ ? writeDisplaysOfKwin6 : writeDisplaysOfKwin5)(home(), displays_, scales_, pixels_);
+    (isKwin6_ ? writeDisplaysOfKwin6 : writeDisplaysOfKwin5)(home(), displays_, scales_, pixels_,
+                                                             primary);
     installEntries();
     installEffects();
 }

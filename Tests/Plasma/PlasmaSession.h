@@ -21,6 +21,8 @@ struct PlasmaDisplays {
     /// How many pixels each of them has.
     QSize pixels{1920, 1080};
     Seen seen = Seen::anyhow;
+    /// Which one the user has made the primary one.
+    std::size_t primary = 0;
 };
 
 /// A session of KWin, with what it takes to see the keys installed for its home: effects for KWin
@@ -88,7 +90,7 @@ public:
 private:
     class Ear;
 
-    void installFiles() const;
+    void installFiles(std::size_t primary) const;
     void installEffects() const;
     void installEntries() const;
     /// By the place of a display among the others.

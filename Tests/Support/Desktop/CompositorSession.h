@@ -51,7 +51,8 @@ public:
     /// Starts a green bar that takes no room away from other windows, on the X server beside the
     /// compositor, and waits for it. Answers its title.
     [[nodiscard]] QString startBar(QRect area);
-    /// Has that bar keep so much of the upper edge free of other windows from now on.
+    /// Has that bar keep so much of the upper edge free of other windows; from when its frame
+    /// changes next on at the latest.
     void keepFree(const QString& bar, int height);
 
     /// A window's frame, as the compositor itself has it; empty where there is no such window.
