@@ -44,7 +44,7 @@ class Companion {
     }
 
     _removed(window) {
-        this._frames.forget(window);
+        this._frames.lose(window);
         this._drags.gone(window);
         if (this._known.delete(idOf(window)))
             this._program.tell('Gone', {window: idOf(window)});

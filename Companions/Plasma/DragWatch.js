@@ -36,7 +36,7 @@ class DragWatch {
 
     /** A window that is gone is dragged no more. */
     gone(window) {
-        if (this._drag && this._drag.window === window)
+        if (this._drag && idOf(this._drag.window) === idOf(window))
             this._end(true);
     }
 

@@ -15,7 +15,7 @@ class Errand {
         /** Kept, since nobody else does. */
         this._timers = [];
         kwin.removed.connect(window => {
-            this._frames.forget(window);
+            this._frames.lose(window);
             this._goIfDone();
         });
     }
@@ -50,8 +50,9 @@ class Errand {
     _dress(window, command) {
         ++this._open;
         this._panel = new Panel(window, command);
+        const id = idOf(window);
         kwin.removed.connect(gone => {
-            if (gone === window)
+            if (idOf(gone) === id)
                 this._close();
         });
     }

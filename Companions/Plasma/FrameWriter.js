@@ -10,6 +10,7 @@ class FrameWriter {
     /** `settled(window)` is called when a window's frame is as asked for, or will not be. */
     constructor(settled) {
         this._settled = settled;
+        /** By the windows' numbers: KWin 5 tells at times of another object when a window closes. */
         this._pending = new Map();
     }
 
@@ -22,19 +23,27 @@ class FrameWriter {
         const pending = {frame, asks: 0, isAsking: false, refusal: null};
         pending.look = () => this._look(window, pending);
         pending.timer = later(CALM, () => this._settle(window, pending));
-        this._pending.set(window, pending);
+        this._pending.set(idOf(window), pending);
         window.frameGeometryChanged.connect(pending.look);
         FrameWriter._ask(window, pending);
     }
 
     /** Leaves the window as it is from now on. */
     forget(window) {
-        const pending = this._pending.get(window);
+        const pending = this._pending.get(idOf(window));
+        this.lose(window);
+        if (pending)
+            window.frameGeometryChanged.disconnect(pending.look);
+    }
+
+    /** The same for one that is no more, of which nothing may be touched. */
+    lose(window) {
+        const pending = this._pending.get(idOf(window));
         if (!pending)
             return;
-        this._pending.delete(window);
+        this._pending.delete(idOf(window));
         pending.timer.stop();
-        window.frameGeometryChanged.disconnect(pending.look);
+        pending.isAsking = true;
     }
 
     /** Whatever undoes what was asked for, it is asked for again at once. */
