@@ -175,9 +175,13 @@ std::unique_ptr<DesktopBackend> DesktopBackend::find(std::span<char*> arguments)
     facts.isCalledWayland =
         environment.value(QStringLiteral("XDG_SESSION_TYPE")) == QStringLiteral("wayland");
     // Asked only where the answer matters.
-    facts.hasGnomeShell = facts.hasWaylandCompositor && isOnSessionBus(GnomeExtension::shellName());
-    facts.hasKWin = facts.hasWaylandCompositor && !facts.hasGnomeShell &&
-                    isOnSessionBus(KWinCompanion::compositorName());
+    if (facts.hasWaylandCompositor) {
+        const QString gnomeShell = GnomeExtension::shellName();
+        const QString kwin = KWinCompanion::compositorName();
+        const QString found = firstOnSessionBus({gnomeShell, kwin});
+        facts.hasGnomeShell = found == gnomeShell;
+        facts.hasKWin = found == kwin;
+    }
     facts.hasQtWayland = hasQtWaylandPlugin(environment);
     switch (chooseDesktop(facts)) {
     case DesktopChoice::x11:
