@@ -100,6 +100,19 @@ TEST(SlowSystemTray, GivesTheItemToTheNextOneThatComesWhileTheProgramIsBusy) {
     }
 }
 
+TEST(SlowSystemTray, GivesTheItemToTheOneThatTakesItsPlaceThoughItsWindowStays) {
+    TrayDesktop desktop;
+    desktop.startProgram();
+    desktop.waitUntilFound();
+    SlowTray former(desktop.session().display());
+    ASSERT_TRUE(waitUntil([&] { return former.isLastThere(); }));
+    SlowTray next(desktop.session().display());
+    EXPECT_TRUE(waitUntil([&] { return next.isLastThere(); }));
+    EXPECT_TRUE(staysTrue([&] { return next.asked().size() == 1 && next.isLastThere(); },
+                          std::chrono::milliseconds(300)));
+    EXPECT_FALSE(former.isLastThere());
+}
+
 TEST(WatcherWithoutAHost, LeavesTheItemInTheSystemTrayUntilAHostComes) {
     TrayDesktop desktop;
     const QString name = QStringLiteral("watcher");
