@@ -287,7 +287,9 @@ QRect GnomeSession::waitForItem() {
     QRect place;
     EXPECT_TRUE(waitUntil([&] {
         place = item();
-        return place.width() > 10 && place.left() > 960;
+        return place.width() > 10 && place.left() > 960 &&
+               // It is as high as the bar once the bar has given it its room.
+               place.height() == ask(QStringLiteral("Main.panel.height")).toInt();
     })) << "there is no item"
         << describe();
     return place;
