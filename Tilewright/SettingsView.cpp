@@ -12,6 +12,7 @@
 #include <TilewrightUI/SlimScrollBar.h>
 
 #include <QAbstractScrollArea>
+#include <QEvent>
 #include <QShortcut>
 #include <QStackedWidget>
 #include <QVBoxLayout>
@@ -61,10 +62,18 @@ void SettingsView::limitHeight(int most) {
     makeRoom();
 }
 
-void SettingsView::makeRoom() {
+int SettingsView::heightNeededBy(const QWidget& page) {
     // A page that scrolls by itself gets no second bar beside its own.
-    const bool scrolls = height_ < contentSize.height() &&
-                         !qobject_cast<const QAbstractScrollArea*>(pages_->currentWidget());
+    if (qobject_cast<const QAbstractScrollArea*>(&page))
+        return 0;
+    const int width = contentSize.width();
+    const int wanted =
+        page.hasHeightForWidth() ? page.heightForWidth(width) : page.sizeHint().height();
+    return std::min(wanted, contentSize.height());
+}
+
+void SettingsView::makeRoom() {
+    const bool scrolls = height_ < heightNeededBy(*pages_->currentWidget());
     // The bar takes its room of the contents' trailing padding.
     room_->setVerticalScrollBarPolicy(scrolls ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAlwaysOff);
     pages_->setFixedSize(contentSize.width() - (scrolls ? SlimScrollBar::thickness : 0),
@@ -79,6 +88,14 @@ void SettingsView::add(Tab tab, const char* symbol, const QString& title, QWidge
     tabBar_->addSymbolTab(QString::fromLatin1(symbol), title);
     content->setAccessibleName(title);
     pages_->addWidget(content);
+    content->installEventFilter(this);
+}
+
+bool SettingsView::eventFilter(QObject* object, QEvent* event) {
+    // What the page that shows says has become longer or shorter.
+    if (event->type() == QEvent::LayoutRequest && object == pages_->currentWidget())
+        makeRoom();
+    return SettingsContent::eventFilter(object, event);
 }
 
 int SettingsView::indexOf(Tab tab) const {

@@ -32,9 +32,14 @@ public:
     /// The view of a tab.
     [[nodiscard]] QWidget* content(Tab tab) const;
 
+protected:
+    bool eventFilter(QObject* object, QEvent* event) override;
+
 private:
     void add(Tab tab, const char* symbol, const QString& title, QWidget* content);
     [[nodiscard]] int indexOf(Tab tab) const;
+    /// The height that this page cannot do without, in points; no more than that of the contents.
+    [[nodiscard]] static int heightNeededBy(const QWidget& page);
     /// Gives the tab that shows the height that there is.
     void makeRoom();
 

@@ -327,6 +327,37 @@ TEST_F(SettingsViewTest, ATabThatScrollsByItselfHasOneBarWhereThereIsLessRoom) {
     EXPECT_EQ(barsOf(SettingsView::Tab::manage), 1);
 }
 
+TEST_F(SettingsViewTest, ATabThatFitsHasNoBarWhereThereIsLessRoom) {
+    SettingsView view;
+    view.show();
+    view.limitHeight(400);
+    for (const auto tab : {SettingsView::Tab::general, SettingsView::Tab::accessibility}) {
+        view.setSelection(tab);
+        settle();
+        for (const QScrollBar* bar : view.findChildren<QScrollBar*>())
+            EXPECT_FALSE(bar->isVisible());
+        EXPECT_EQ(view.height(), 400);
+        EXPECT_EQ(view.content(tab)->width(), SettingsView::contentSize.width());
+        EXPECT_LT(view.content(tab)->height(), 400);
+    }
+}
+
+TEST_F(SettingsViewTest, ATabThatNoLongerFitsScrollsAtOnce) {
+    SettingsView view;
+    view.show();
+    view.limitHeight(400);
+    view.setSelection(SettingsView::Tab::general);
+    settle();
+    QWidget* page = view.content(SettingsView::Tab::general);
+    QMargins margins = page->layout()->contentsMargins();
+    margins.setBottom(margins.bottom() + 300);
+    page->layout()->setContentsMargins(margins);
+    settle();
+    EXPECT_EQ(page->height(), SettingsView::contentSize.height());
+    EXPECT_LT(page->width(), SettingsView::contentSize.width()) << "there is a bar beside it";
+    EXPECT_EQ(view.height(), 400);
+}
+
 TEST_F(SettingsViewTest, GeneralStoresAChoiceAtOnceAndFollowsIt) {
     GeneralSettingsView view;
     view.show();
