@@ -69,6 +69,43 @@ QPoint GnomeSession::primary() {
         .topLeft();
 }
 
+QString GnomeSession::refusalToArrange(const std::vector<GnomeDisplay>& displays,
+                                       std::size_t primaryIndex) {
+    const QJsonValue state = displayState();
+    QStringList wanted;
+    for (std::size_t index = 0; index < displays.size(); ++index) {
+        const auto& [place, scale] = displays[index];
+        const QJsonValue monitor = state[1][int(index)];
+        wanted += QStringLiteral("[%1, %2, %3, 0, %4, [['%5', '%6', {}]]]")
+                      .arg(place.x())
+                      .arg(place.y())
+                      .arg(scale, 0, 'g', QLocale::FloatingPointShortest)
+                      .arg(index == primaryIndex ? QStringLiteral("true") : QStringLiteral("false"),
+                           monitor[0].toString(), monitor[1].toString());
+    }
+    tell(QStringLiteral(R"(globalThis.refusal = null;
+        imports.gi.Gio.DBus.session.call(
+        'org.gnome.Mutter.DisplayConfig', '/org/gnome/Mutter/DisplayConfig',
+        'org.gnome.Mutter.DisplayConfig', 'ApplyMonitorsConfig',
+        new imports.gi.GLib.Variant('(uua(iiduba(ssa{sv}))a{sv})', [%1, 1, [%2], {}]),
+        null, 0, -1, null, (connection, result) => {
+            try {
+                connection.call_finish(result);
+                globalThis.refusal = '';
+            } catch (error) {
+                globalThis.refusal = error.message;
+            }
+        }))")
+             .arg(state[0].toInt())
+             .arg(wanted.join(u',')));
+    QJsonValue refusal;
+    EXPECT_TRUE(waitUntil([&] {
+        refusal = ask(QStringLiteral("globalThis.refusal"));
+        return refusal.isString();
+    })) << describe();
+    return refusal.toString();
+}
+
 void GnomeSession::arrange(const std::vector<GnomeDisplay>& displays, std::size_t primaryIndex) {
     const auto barInPoints = [&](QPoint display) {
         return (workArea(display).top() - display.y()) / unitsPerPoint(display);
@@ -80,27 +117,15 @@ void GnomeSession::arrange(const std::vector<GnomeDisplay>& displays, std::size_
     // The plain one of the session's settings.
     const QColor ground(0x20, 0x40, 0x60);
     const QPoint wantedPrimary = displays[primaryIndex].place;
-    const QJsonValue state = displayState();
-    QStringList wanted;
     QStringList there;
-    for (std::size_t index = 0; index < displays.size(); ++index) {
-        const auto& [place, scale] = displays[index];
-        const QJsonValue monitor = state[1][int(index)];
-        wanted += QStringLiteral("[%1, %2, %3, 0, %4, [['%5', '%6', {}]]]")
-                      .arg(place.x())
-                      .arg(place.y())
-                      .arg(scale, 0, 'g', QLocale::FloatingPointShortest)
-                      .arg(index == primaryIndex ? QStringLiteral("true") : QStringLiteral("false"),
-                           monitor[0].toString(), monitor[1].toString());
+    for (const auto& [place, scale] : displays)
         there += QStringLiteral("[%1, %2, %3]").arg(place.x()).arg(place.y()).arg(scale);
-    }
-    tell(QStringLiteral(R"(imports.gi.Gio.DBus.session.call(
-        'org.gnome.Mutter.DisplayConfig', '/org/gnome/Mutter/DisplayConfig',
-        'org.gnome.Mutter.DisplayConfig', 'ApplyMonitorsConfig',
-        new imports.gi.GLib.Variant('(uua(iiduba(ssa{sv}))a{sv})', [%1, 1, [%2], {}]),
-        null, 0, -1, null, null))")
-             .arg(state[0].toInt())
-             .arg(wanted.join(u',')));
+    // The shell takes nothing that was said of an older state than its newest.
+    QString refusal;
+    ASSERT_TRUE(waitUntil([&] {
+        refusal = refusalToArrange(displays, primaryIndex);
+        return refusal.isEmpty();
+    })) << refusal.toStdString();
     // Each frame, and how many of its 1920 pixels are a unit, times the scale.
     const QString frames =
         QStringLiteral("Main.layoutManager.monitors.map(m => [m.x, m.y, m.width, m.height,"

@@ -92,6 +92,9 @@ private:
     /// The serial of what the shell has now, and each display with its connector, its mode and the
     /// scales it is offered.
     [[nodiscard]] QJsonValue displayState();
+    /// Asks the shell to arrange the displays so, and says why it did not; empty where it did.
+    [[nodiscard]] QString refusalToArrange(const std::vector<GnomeDisplay>& displays,
+                                           std::size_t primaryIndex);
     [[nodiscard]] std::map<QString, QString> xServer() override;
 
     const int displays_;
