@@ -3,14 +3,13 @@
 #include "MockTeller.h"
 #include "PlatformWorld.h"
 #include "PrivateBus.h"
+#include "SessionEnvironment.h"
 #include "SessionHands.h"
 
 #include <FreeDesktop/FreeDesktopInstanceActivation.h>
 
 #include <QApplication>
-#include <QDir>
 #include <QKeyEvent>
-#include <QTemporaryDir>
 #include <QWidget>
 #include <atomic>
 #include <cmath>
@@ -22,7 +21,6 @@ namespace tilewright::testing {
 inline constexpr int displayWidth = 1440;
 inline constexpr int displayHeight = 900;
 inline constexpr int control = 2;
-inline const QString compositorsSocket = QStringLiteral("wayland-7");
 
 inline QByteArray numbers(double x, double y) {
     return "[" + QByteArray::number(x) + "," + QByteArray::number(y) + "]";
@@ -33,26 +31,6 @@ inline QByteArray numbers(const WindowFrame& frame) {
            "," + QByteArray::number(frame.size.width) + "," +
            QByteArray::number(frame.size.height) + "]";
 }
-
-/// The environment of a program that is started in the session.
-struct SessionEnvironment {
-    explicit SessionEnvironment(const QByteArray& bus) {
-        qputenv("DBUS_SESSION_BUS_ADDRESS", bus);
-        qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent/bus");
-        qputenv("WAYLAND_DISPLAY", compositorsSocket.toLatin1());
-        qputenv("HOME", home.path().toLocal8Bit());
-        for (const char* variable : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME"})
-            qunsetenv(variable);
-        EXPECT_TRUE(QDir().mkpath(runtimeFolder()));
-        QFile::setPermissions(runtimeFolder(),
-                              QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        qputenv("XDG_RUNTIME_DIR", runtimeFolder().toLocal8Bit());
-    }
-
-    [[nodiscard]] QString runtimeFolder() const { return home.filePath(QStringLiteral("run")); }
-
-    QTemporaryDir home;
-};
 
 /// A session whose compositor has a companion inside: what that tells and does is the same
 /// everywhere. What differs is left to the session's own world.
