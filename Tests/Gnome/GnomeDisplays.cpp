@@ -48,6 +48,11 @@ QJsonValue GnomeSession::displayState() {
 }
 
 void GnomeSession::offerFractionalScales() {
+    // From 51 on it always does, and has no setting for it.
+    if (ask(QStringLiteral("!new imports.gi.Gio.Settings({schema_id: 'org.gnome.mutter'})"
+                           ".list_keys().includes('experimental-features')"))
+            .toBool())
+        return;
     tell(QStringLiteral("new imports.gi.Gio.Settings({schema_id: 'org.gnome.mutter'})"
                         ".set_strv('experimental-features', ['scale-monitor-framebuffer'])"));
     EXPECT_TRUE(waitUntil([&] {
