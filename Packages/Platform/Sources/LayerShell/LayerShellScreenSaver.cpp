@@ -55,8 +55,6 @@ void LayerShellScreenSaver::begin() {
     LayerSurface::Owner& owner = *this;
     surface_ = std::make_unique<LayerSurface>(
         connection_, LayerSurface::Wish{"tilewright-keep-awake", nullptr, onePixel}, owner);
-    wish_ = connection_.own(zwp_idle_inhibit_manager_v1_create_inhibitor(
-        connection_.globals().idleInhibition.get(), &surface_->object()));
     connection_.flush();
 }
 
@@ -70,6 +68,11 @@ void LayerShellScreenSaver::surfaceResized(QSize /*size*/) {
     pixel_ = std::make_unique<OverlayBuffer>(connection_, onePixel, [] {});
     if (pixel_->isValid())
         surface_->show(pixel_->object(), onePixel, QRect(QPoint(), onePixel));
+    // Only for a surface that shows already: sway 1.12 looks whether it does when it gets the wish,
+    // and again only when something else is shown or hidden.
+    if (!wish_)
+        wish_ = connection_.own(zwp_idle_inhibit_manager_v1_create_inhibitor(
+            connection_.globals().idleInhibition.get(), &surface_->object()));
     connection_.flush();
 }
 

@@ -39,6 +39,8 @@ wl_resource* make(wl_client* client, const wl_interface& interface, std::uint32_
 struct FakeCompositor::Inhibitor {
     FakeSurface* surface;
     wl_resource* resource;
+    /// Whether the surface showed when the wish came.
+    bool hasBegun;
 };
 
 /// A picture that was shown once, until the client destroys it.
@@ -244,13 +246,15 @@ void FakeCompositor::makeInhibitor(wl_client* client, std::uint32_t id, FakeSurf
             std::erase_if(compositorOf(gone).inhibitors_,
                           [gone](const auto& one) { return one->resource == gone; });
         });
-    inhibitors_.push_back(std::make_unique<Inhibitor>(Inhibitor{surface, resource}));
+    inhibitors_.push_back(
+        std::make_unique<Inhibitor>(Inhibitor{surface, resource, surface->isShown()}));
 }
 
 int FakeCompositor::effectiveInhibitors() const {
     return static_cast<int>(
-        std::count_if(inhibitors_.begin(), inhibitors_.end(),
-                      [](const auto& one) { return one->surface && one->surface->isShown(); }));
+        std::count_if(inhibitors_.begin(), inhibitors_.end(), [](const auto& one) {
+            return one->hasBegun && one->surface && one->surface->isShown();
+        }));
 }
 
 void FakeCompositor::addOutput(const FakeOutput& output) {

@@ -57,7 +57,8 @@ public:
     /// The only surface with a role; null where there is another number of them.
     [[nodiscard]] FakeSurface* layer() const;
     [[nodiscard]] int connections() const { return connections_; }
-    /// How many wishes there are that the displays stay on, by surfaces that are shown.
+    /// How many wishes there are that the displays stay on, by surfaces that are shown and were so
+    /// when the wish came: some compositors look only then.
     [[nodiscard]] int effectiveInhibitors() const;
     [[nodiscard]] const FakeOutput* output(const QString& name) const;
     /// How many of the pictures that were ever shown are still allocated.
