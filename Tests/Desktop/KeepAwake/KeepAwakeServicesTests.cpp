@@ -45,6 +45,11 @@ class RealService : public KeepAwakeDesktop {
 public:
     explicit RealService(const Service& service)
         : service_(service) {
+        // Xfce's asks at its start who shows messages, and waits for the answer. Where Plasma is
+        // installed too, what is started for that waits for Plasma, beyond any patience.
+        const QString messages = u"org.freedesktop.Notifications"_s;
+        startService(messages, {u"--path"_s, u"/org/freedesktop/Notifications"_s, u"--interface"_s,
+                                messages});
         start();
     }
 
