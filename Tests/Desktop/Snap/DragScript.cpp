@@ -30,8 +30,15 @@ DragScript::Grip DragScript::gripOf(const TestClient& client) const {
     const int bar = inner.y() - outer.y();
     // A window without the window manager's bar draws its own.
     const bool isOwn = bar <= 4;
-    return {QPoint(outer.x() + outer.width() / 3, outer.y() + (isOwn ? 20 : bar / 2)),
-            isOwn ? Bar::ofTheClient : Bar::ofTheWindowManager};
+    Grip grip{{0, outer.y() + (isOwn ? 20 : bar / 2)},
+              isOwn ? Bar::ofTheClient : Bar::ofTheWindowManager};
+    // From 0.4 on pekwm's bar is no wider than the title in it.
+    for (const int along : {outer.width() / 3, 80}) {
+        grip.place.setX(outer.x() + along);
+        if (inspector.toplevelAt(grip.place) == inspector.toplevelOf(client.window))
+            break;
+    }
+    return grip;
 }
 
 void DragScript::grab(const TestClient& client, KeyTiming timing) {
