@@ -126,7 +126,8 @@ void SnapCases::closeWhileDragged(ClientKind kind, KeyTiming timing, QPoint from
     })) << desktop_.describe();
 }
 
-void SnapCases::closeInMidDrag(ClientKind kind, KeyTiming timing, std::size_t zone, QPoint from) {
+void SnapCases::closeInMidDrag(ClientKind kind, KeyTiming timing, std::size_t zone, QPoint from,
+                               QPoint nextFrom) {
     SCOPED_TRACE(std::string("the window closes: ") + name(kind));
     // Not where the button is let go: muffin goes on with the drag of a window that is gone, on the
     // one that it finds there.
@@ -143,7 +144,7 @@ void SnapCases::closeInMidDrag(ClientKind kind, KeyTiming timing, std::size_t zo
         closeWhileDragged(kind, timing, from);
     }
     // A drag that does snap comes after it: what was to happen first has happened.
-    const TestClient next = open(ClientKind::qt, {420, 260, 640, 420});
+    const TestClient next = open(ClientKind::qt, {nextFrom, QSize(640, 420)});
     dragAndDrop(ClientKind::qt, next, KeyTiming::beforeThePress, frame(zone).center(), frame(zone));
     EXPECT_EQ(inspector_.outerFrame(other.window), untouched) << desktop_.describe();
     next.process->stop();

@@ -31,9 +31,9 @@ public:
     /// window. The next drag does snap.
     void pressEscape(ClientKind kind, KeyTiming timing, std::size_t zone);
     /// A window that closes in mid-drag costs nothing, neither another window's place. It opens at
-    /// this place.
+    /// the one place, the window that is dragged after it at the other.
     void closeInMidDrag(ClientKind kind, KeyTiming timing, std::size_t zone,
-                        QPoint from = {360, 220});
+                        QPoint from = {360, 220}, QPoint nextFrom = {420, 260});
     /// A maximised window is pulled off into a zone.
     void pullOffMaximised(ClientKind kind, KeyTiming timing, std::size_t zone);
     /// The same by the window manager's way to move it, above another one, the key only then: the

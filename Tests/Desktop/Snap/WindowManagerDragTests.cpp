@@ -47,6 +47,13 @@ struct WindowManagerDrag : ::testing::TestWithParam<Desk> {
         return jumps ? QPoint(0, 0) : QPoint(360, 220);
     }
 
+    /// Where the next window opens after one that closed while it was moved with Shift. KWin, from
+    /// 6 on, leaves the outline of the tile in the middle then, with no other program about as
+    /// well, and a press there goes to the outline.
+    static QPoint placeAfterShift() {
+        return GetParam().kind == WindowManagerKind::kwin ? QPoint(10, 40) : QPoint(420, 260);
+    }
+
     DesktopSession desktop;
 };
 
@@ -65,7 +72,8 @@ TEST_P(WindowManagerDrag, SnapsByShift) {
     SnapCases cases(desktop, QStringLiteral("shift"), restart());
     cases.dropInAZone(ClientKind::qt, KeyTiming::afterTheDragBegan, 3);
     cases.dropInAZone(ownBar(), KeyTiming::beforeThePress, 2);
-    cases.closeInMidDrag(ClientKind::xterm, KeyTiming::afterTheDragBegan, 1, placeForShift());
+    cases.closeInMidDrag(ClientKind::xterm, KeyTiming::afterTheDragBegan, 1, placeForShift(),
+                         placeAfterShift());
 }
 
 TEST_P(WindowManagerDrag, SnapsByOption) {
