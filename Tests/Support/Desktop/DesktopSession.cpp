@@ -214,9 +214,11 @@ bool DesktopSession::startWindowManager(WindowManagerKind kind, Compositing comp
     QProcessEnvironment environment = home_.environment();
     for (const auto& [key, value] : command.environment)
         environment.insert(key, value);
+    // Some start services of their desktop first, one after the other.
+    constexpr std::chrono::seconds longEnough(60);
     const bool isUp =
         windowManager_.start(command.program, command.arguments, environment, logFile()) &&
-        waitUntil([&] { return inspector_->hasWindowManager(); });
+        waitUntil([&] { return inspector_->hasWindowManager(); }, longEnough);
     EXPECT_TRUE(isUp) << name(kind) << " did not come up";
     if (isUp && kind == WindowManagerKind::wmaker) {
         // A window that comes and goes while it looks around at its start is its end.
