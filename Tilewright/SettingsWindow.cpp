@@ -50,6 +50,8 @@ void SettingsWindow::fitToDisplay() {
     const int known = frameGeometry().height() - height();
     const int frame = known > 0 ? known : style()->pixelMetric(QStyle::PM_TitleBarHeight);
     content_->limitHeight(screen()->availableGeometry().height() - frame);
+    // At once: where the window belongs depends on how high it is.
+    layout()->activate();
 }
 
 void SettingsWindow::showEvent(QShowEvent* event) {

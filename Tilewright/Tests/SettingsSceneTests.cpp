@@ -110,6 +110,22 @@ TEST_F(SettingsSceneTest, TakesNoMoreHeightThanItsDisplayHas) {
     EXPECT_EQ(scene.window()->size(), QSize(520, 300)) << "the window follows";
 }
 
+TEST_F(SettingsSceneTest, StaysWholeWhenItsDisplayLetsItGrow) {
+    scene.open();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(scene.window()));
+    desktop.platform.fakeMainLoop.runPosted();
+    QScreen* display = scene.window()->screen();
+    const QRect room = display->availableGeometry();
+    content->limitHeight(300);
+    QApplication::processEvents();
+    scene.window()->move(room.left() + 20, room.bottom() + 1 - 300);
+    QApplication::processEvents();
+    Q_EMIT display->availableGeometryChanged(room);
+    desktop.platform.fakeMainLoop.runPosted();
+    EXPECT_GT(scene.window()->height(), 300);
+    EXPECT_TRUE(room.contains(scene.window()->frameGeometry()));
+}
+
 TEST_F(SettingsSceneTest, ClosesByTheUsualKeys) {
     scene.open();
     ASSERT_TRUE(QTest::qWaitForWindowActive(scene.window()));
