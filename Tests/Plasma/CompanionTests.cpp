@@ -34,18 +34,34 @@ struct KWinWithErrands : KWinWithAStandIn {
 struct KWinWithTwoDisplays : KWinWithAStandIn {
     KWinWithTwoDisplays()
         : KWinWithAStandIn({.scales = {1, 1}, .primary = 1}) {}
+
+    /// Where the primary displays begin of which the newest such call has told.
+    [[nodiscard]] std::vector<int> primariesIn(const char* call) {
+        std::vector<int> primaries;
+        const QJsonObject told = program.last[QString::fromLatin1(call)];
+        for (const QJsonValue display : told[QStringLiteral("displays")].toArray())
+            if (display[QStringLiteral("primary")].toBool())
+                primaries.push_back(display[QStringLiteral("frame")][0].toInt());
+        return primaries;
+    }
+
+    const std::vector<int> theFirst{session.displays()[0].left()};
+    const std::vector<int> theSecond{session.displays()[1].left()};
 };
 
 } // namespace
 
-TEST_F(KWinWithTwoDisplays, TellsOfThePrimaryOneThatTheUserHasChosenWhereScriptsAreToldOfIt) {
-    std::vector<int> primaries;
-    const QJsonObject hello = program.last[QStringLiteral("Hello")];
-    for (const QJsonValue display : hello[QStringLiteral("displays")].toArray())
-        if (display[QStringLiteral("primary")].toBool())
-            primaries.push_back(display[QStringLiteral("frame")][0].toInt());
+TEST_F(KWinWithTwoDisplays, TellsOfThePrimaryOneThatTheUserChoosesWhereScriptsAreToldOfIt) {
     const bool isTold = session.generation() > 5;
-    EXPECT_EQ(primaries, std::vector{session.displays()[isTold ? 1 : 0].left()});
+    EXPECT_EQ(primariesIn("Hello"), isTold ? theSecond : theFirst);
+    if (!isTold)
+        return;
+    session.changeSecondDisplay(QStringLiteral("priority.2"));
+    EXPECT_TRUE(waitUntil([&] { return primariesIn("Displays") == theFirst; }))
+        << session.describe();
+    session.changeSecondDisplay(QStringLiteral("priority.1"));
+    EXPECT_TRUE(waitUntil([&] { return primariesIn("Displays") == theSecond; }))
+        << session.describe();
 }
 
 TEST_F(KWinWithAStandIn, TellsOfOneMotionAtATimeAndOfTheNewestNext) {

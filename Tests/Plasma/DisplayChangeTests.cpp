@@ -35,12 +35,7 @@ struct ProgramAmongChangingDisplays : ProgramInPlasma {
     /// frames.
     void change(const QString& what, const std::vector<QRect>& frames) {
         const int before = painting.beginnings();
-        Subprocess& tool =
-            session.start(QStringLiteral("kscreen-doctor"),
-                          {QStringLiteral("output.%1.%2").arg(session.secondConnector(), what)},
-                          {{QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("wayland")},
-                           {QStringLiteral("KSCREEN_BACKEND_INPROCESS"), QStringLiteral("1")}});
-        EXPECT_TRUE(tool.waitForEnd()) << session.describe();
+        session.changeSecondDisplay(what);
         EXPECT_TRUE(waitUntil([&] { return session.currentDisplays() == frames; }))
             << what.toStdString() << session.describe();
         if (session.generation() == 5)
@@ -51,9 +46,27 @@ struct ProgramAmongChangingDisplays : ProgramInPlasma {
     void awaitCompanionAfter(int beginnings) {
         static_cast<void>(waitUntil([&] { return painting.beginnings() > beginnings; },
                                     std::chrono::milliseconds(4000)));
+        awaitCompanion();
+    }
+    void awaitCompanion() {
         EXPECT_TRUE(waitUntil([&] { return session.hasCompanion(); })) << session.describe();
         // It greets once it has heard of the effects, which KWin tells one after the other.
         session.tell(QStringLiteral("0"));
+    }
+    /// KWin 5 does not tell scripts.
+    [[nodiscard]] bool isPrimary(const QRect& display) {
+        return session.generation() == 5 ||
+               session.frameOf(QStringLiteral(
+                   "({frameGeometry: workspace.screenOrder[0].geometry})")) == display;
+    }
+    /// Has KWin begin anew to paint, as after another choice of how it does, and waits for that.
+    void haveKwinBeginAnew() {
+        const int before = painting.beginnings();
+        session.bus().send(QDBusMessage::createSignal(QStringLiteral("/Compositor"),
+                                                      QStringLiteral("org.kde.kwin.Compositing"),
+                                                      QStringLiteral("reinit")));
+        EXPECT_TRUE(waitUntil([&] { return painting.beginnings() > before; }))
+            << session.describe();
     }
     [[nodiscard]] QRect third(const QRect& display, std::size_t index) {
         return frameOf(ZoneLayout::thirds().zones[index], display);
@@ -138,6 +151,30 @@ TEST_F(ProgramAmongChangingDisplays, DividesADisplayAsItIsAfterATurnOrAnotherSca
     dropsIntoMiddleThirdOf(scaled);
     change(QStringLiteral("scale.1"), {first, second});
     dropsIntoMiddleThirdOf(second);
+}
+
+TEST_F(ProgramAmongChangingDisplays, DividesBothAsEverOnceTheUserHasMadeTheOtherThePrimaryOne) {
+    const QString title = session.startClient(CompositorClient::qt, start);
+    static_cast<void>(session.startClient(CompositorClient::qt, second));
+    change(QStringLiteral("priority.1"), {first, second});
+    ASSERT_TRUE(waitUntil([&] { return isPrimary(second); })) << session.describe();
+    expectEachDisplaysOwnZones(title, second);
+}
+
+TEST_F(ProgramAmongChangingDisplays, HearsOfTheKeysHoweverOftenKWinBeginsAnewToPaintUnderADrag) {
+    const QString title = session.startClient(CompositorClient::qt, start);
+    dragToFirstZone(title);
+    for (int round = 0; round < 5; ++round) {
+        session.input().glide({900, 500 + 10 * round}, 3);
+        haveKwinBeginAnew();
+        session.input().glide({800, 500 + 10 * round}, 3);
+    }
+    awaitCompanion();
+    drop();
+    session.place(title, start);
+    dragToFirstZone(title);
+    drop();
+    EXPECT_TRUE(endsIn(title, zone(0))) << session.describe();
 }
 
 } // namespace tilewright::testing

@@ -274,6 +274,14 @@ std::vector<QRect> PlasmaSession::currentDisplays() {
     return frames;
 }
 
+void PlasmaSession::changeSecondDisplay(const QString& what) {
+    Subprocess& tool = start(QStringLiteral("kscreen-doctor"),
+                             {QStringLiteral("output.%1.%2").arg(secondConnector(), what)},
+                             {{QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("wayland")},
+                              {QStringLiteral("KSCREEN_BACKEND_INPROCESS"), QStringLiteral("1")}});
+    EXPECT_TRUE(tool.waitForEnd()) << describe();
+}
+
 bool PlasmaSession::isWindow(const QString& title, const QString& property) {
     return ask(QStringLiteral("(w => Boolean(w && w.%2))(find(%1))").arg(quoted(title), property))
         .toBool();
