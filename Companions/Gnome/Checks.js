@@ -41,6 +41,12 @@ function rectOf(value) {
     return {x, y, width: Math.round(left + width) - x, height: Math.round(top + height) - y};
 }
 
+/** `[x, y]` in whole stage units. */
+function pointOf(value) {
+    const [x, y] = arrayOf(value, 2).map(number => Math.round(numberWithin(number, -LARGEST_LENGTH, LARGEST_LENGTH)));
+    return {x, y};
+}
+
 /** A rectangle as it goes over the bus. */
 function numbersOf({x, y, width, height}) {
     return [x, y, width, height];

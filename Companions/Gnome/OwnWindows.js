@@ -1,7 +1,4 @@
 
-/** How far the panel keeps from the item and from the work area's edges, in points. */
-const GAP = 4;
-
 /** The program's own windows: its panel, which it cannot place itself, and those that it wants in front. */
 class OwnWindows {
     /**
@@ -37,13 +34,8 @@ class OwnWindows {
         this._panel = null;
         if (command.shown !== true)
             return;
-        const anchor = rectOf(command.anchor);
-        this._panel = {
-            title: textOf(command.title),
-            margins: arrayOf(command.margins, 4).map(margin => numberWithin(margin, 0, LARGEST_LENGTH)),
-            area: command.area ? rectOf(command.area) : null,
-            anchor,
-        };
+        // An older program tells none: its panel stays where the shell puts it.
+        this._panel = {title: textOf(command.title), corner: command.corner ? pointOf(command.corner) : null};
         this._panelSignals.connect(global.stage, 'captured-event', (_stage, event) => this._lookAt(event));
         this._panelSignals.connect(Main.overview, 'showing', () => this._pressedOutside(true));
         for (const window of this._windows.keys()) {
@@ -131,30 +123,10 @@ class OwnWindows {
             delete window.skip_taskbar;
     }
 
-    /** Below its anchor, the item or a point, or above it in the lower half, centred on it, within the
-     *  work area. What counts is the panel's ground; its shadow may lie anywhere. */
+    /** Again with each new size: the shell scales a window that comes to a display of another scale. */
     _place(window) {
-        if (!this._isPanel(window) || !this._dressed.has(window))
-            return;
-        const {anchor, margins: [left, top, right, bottom]} = this._panel;
-        const frame = window.get_frame_rect();
-        const width = frame.width - left - right;
-        const height = frame.height - top - bottom;
-        const monitor = OwnWindows._monitorOf(anchor);
-        const area = this._panel.area ?? Main.layoutManager.getWorkAreaForMonitor(monitor.index);
-        const gap = GAP * St.ThemeContext.get_for_stage(global.stage).scale_factor;
-        const isInUpperHalf = anchor.y + anchor.height / 2 <= monitor.y + monitor.height / 2;
-        const inside = (start, length, low, high) => Math.max(Math.min(start, high - gap - length), low + gap);
-        const x = inside(anchor.x + (anchor.width - width) / 2, width, area.x, area.x + area.width);
-        const y = inside(isInUpperHalf ? anchor.y + anchor.height + gap : anchor.y - gap - height,
-            height, area.y, area.y + area.height);
-        window.move_frame(false, Math.round(x - left), Math.round(y - top));
-    }
-
-    static _monitorOf(rect) {
-        const x = rect.x + rect.width / 2;
-        const y = rect.y + rect.height / 2;
-        return Main.layoutManager.monitors.find(monitor => isInRect(x, y, monitor)) ?? Main.layoutManager.primaryMonitor;
+        if (this._isPanel(window) && this._dressed.has(window) && this._panel.corner)
+            window.move_frame(false, this._panel.corner.x, this._panel.corner.y);
     }
 
     /** A press on nothing takes the focus from nobody: the program would not hear of it. */

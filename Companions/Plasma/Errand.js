@@ -33,7 +33,7 @@ class Errand {
             break;
         case 'panel':
             if (command.shown) {
-                this._whenThere(command.title, window => this._dress(window, command));
+                this._whenThere(command.title, window => makePanel(window, command.corner));
                 this._program.tell('PanelAwaited', {});
             }
             break;
@@ -44,17 +44,6 @@ class Errand {
             this._program.tell('Pointer', {pointer: pointer(), keys: 0});
             break;
         }
-    }
-
-    /** Stays for as long as the panel does, whose size may change. */
-    _dress(window, command) {
-        ++this._open;
-        this._panel = new Panel(window, command);
-        const id = idOf(window);
-        kwin.removed.connect(gone => {
-            if (idOf(gone) === id)
-                this._close();
-        });
     }
 
     /** Does so with the program's window of that title, now or in the moment that it is there. */

@@ -23,8 +23,7 @@ const QJsonObject ourItem =
 const QJsonObject ourPanel{{QStringLiteral("c"), QStringLiteral("panel")},
                            {QStringLiteral("shown"), true},
                            {QStringLiteral("title"), QStringLiteral("Tilewright")},
-                           {QStringLiteral("margins"), QJsonArray{0, 0, 0, 0}},
-                           {QStringLiteral("anchor"), QJsonArray{1800, 0, 24, 32}}};
+                           {QStringLiteral("corner"), QJsonArray{1662, 36}}};
 
 } // namespace
 
@@ -342,6 +341,8 @@ TEST_F(CompanionTest, BelievesNothingThatMakesNoSenseAndGoesOn) {
     sent(changed(overlay(0), "transition", -1));
     sent(changed(ourItem, "icon", QStringLiteral("../metadata.json")));
     sent(changed(ourItem, "name", 7));
+    sent(changed(ourPanel, "corner", QJsonArray{0, 1e9}));
+    sent(changed(ourPanel, "corner", QStringLiteral("left")));
     // More commands than any answer has: what lies beyond is not looked at.
     QJsonArray many;
     for (int index = 0; index < 32; ++index)
@@ -353,6 +354,7 @@ TEST_F(CompanionTest, BelievesNothingThatMakesNoSenseAndGoesOn) {
     EXPECT_TRUE(waitUntil([&] { return program->isListenedTo(); }));
     EXPECT_EQ(actorsOnStage(), actors);
     EXPECT_FALSE(hasItem());
+    EXPECT_EQ(program->count(QStringLiteral("PanelAwaited")), 0);
 
     // What makes no sense as a whole is as good as no answer: it listens again a second later.
     program->answerRaw(QStringLiteral("[[["));

@@ -103,8 +103,11 @@ TEST_P(PanelOnTwoMonitors, OpensOnTheOneOfItsItemOrOfThePointerAndOffersThatOnes
     startAgain();
     ASSERT_TRUE(waitUntil([&] { return isPanelReady(); })) << session.describe();
     const QRect ground = panelGround();
+    const int gap = panelGap * unitsPerPoint(onSecond);
+    const int lowest = session.workArea(second.place).bottom() - gap;
     EXPECT_TRUE(session.workArea(second.place).contains(ground));
     EXPECT_NEAR(QRectF(ground).center().x(), onSecond.x() + 0.5, 0.5);
+    EXPECT_EQ(ground.top(), std::min(onSecond.y() + gap, lowest + 1 - ground.height()));
     snapByThePanel();
     EXPECT_TRUE(endsIn(title, thirdOfSecond())) << session.describe();
     closePanel();

@@ -42,12 +42,8 @@ struct ProgramInGnome : ProgramInCompositor<GnomeSession> {
         const QRect ground = panelGround(area.top());
         const int gap = panelGap * unit;
         const int width = panelWidth * unit;
-        // The shell lets no window out of all displays sideways, and the shadow belongs to it.
-        const int shadow = session.frame(panelTitle).right() - ground.right();
-        const int all = session.ask(QStringLiteral("global.stage.width")).toInt();
-        const double left =
-            std::clamp<double>(QRectF(item).center().x() - width / 2.0, area.left() + gap,
-                               std::min(area.right() + 1 - gap, all - shadow) - width);
+        const double left = std::clamp<double>(QRectF(item).center().x() - width / 2.0,
+                                               area.left() + gap, area.right() + 1 - gap - width);
         EXPECT_EQ(ground.width(), width);
         EXPECT_NEAR(ground.left(), left, 0.5);
         EXPECT_EQ(ground.top(), item.bottom() + 1 + gap);

@@ -52,7 +52,10 @@ struct CompanionItem {
 struct CompanionPanel {
     bool isShown = false;
     QString title;
-    /// The room around its ground.
+    /// Where the top-left corner of its window belongs.
+    CompanionPoint corner;
+    /// The room around its ground in that window. This and what follows is for companions that know
+    /// no corner.
     QMargins margins;
     /// Where its ground has to fit.
     CompanionRect area;

@@ -71,6 +71,7 @@ QJsonObject written(const CompanionPanel& panel) {
                                                    panel.margins.right(), panel.margins.bottom()};
     object[QStringLiteral("shown")] = panel.isShown;
     if (panel.isShown) {
+        object[QStringLiteral("corner")] = QJsonArray{panel.corner.x, panel.corner.y};
         object[QStringLiteral("area")] = numbers(panel.area);
         object[QStringLiteral("anchor")] = numbers(panel.anchor);
     }

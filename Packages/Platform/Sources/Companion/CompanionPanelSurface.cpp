@@ -1,7 +1,6 @@
 #include "CompanionPanelSurface.h"
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 namespace tilewright {
@@ -30,9 +29,9 @@ CompanionPanelSurface::CompanionPanelSurface(CompanionState& state, const Compan
     connect(&screens_, &Screens::screensChanged, this, [this] {
         if (!window_)
             return;
+        // The desktop may have moved it to where it does not belong.
+        told_.reset();
         fit();
-        if (state_.isConnected())
-            outbox_.setPanel(description());
     });
     introduce();
 }
@@ -48,13 +47,10 @@ CompanionPanel CompanionPanelSurface::description() const {
     panel.isShown = isOpen();
     panel.title = ToplevelPanelWindow::title();
     panel.margins = window_ ? window_->margins() : chrome_->margins(PanelRendering::translucent);
-    const ScreenPtr screen = screens_.nearest(anchor_.center());
-    // Where the desktop counts pixels, Qt's points are more of them.
-    const double units = screen ? CompanionScreens::unitsPerPoint(*screen) : 1;
-    panel.margins *= units;
-    if (screen)
-        panel.area = screens_.coordinates().toCompanion(screen->visibleFrame());
-    panel.anchor = screens_.coordinates().toCompanion(anchor_);
+    panel.margins *= placement_.unit;
+    panel.corner = {ground_.x - panel.margins.left(), ground_.y - panel.margins.top()};
+    panel.area = placement_.visibleFrame;
+    panel.anchor = placement_.item;
     return panel;
 }
 
@@ -63,7 +59,16 @@ void CompanionPanelSurface::introduce() {
         return;
     // It has forgotten the panel that it placed, if it did.
     dismiss(PanelDismissal::desktop);
-    outbox_.setPanel(description());
+    told_.reset();
+    describe();
+}
+
+void CompanionPanelSurface::describe() {
+    CompanionPanel panel = description();
+    if (!state_.isConnected() || panel == told_)
+        return;
+    told_ = panel;
+    outbox_.setPanel(panel);
 }
 
 void CompanionPanelSurface::open(const Anchor& anchor) {
@@ -73,10 +78,10 @@ void CompanionPanelSurface::open(const Anchor& anchor) {
     anchor_ = anchor.value_or(AppKitRect{pointer.x, pointer.y, 0, 0});
     window_ = std::make_unique<ToplevelPanelWindow>(makeView_(), *chrome_,
                                                     [this](PanelDismissal why) { dismiss(why); });
+    connect(window_.get(), &ToplevelPanelWindow::fitted, this, &CompanionPanelSurface::describe);
     hasHadFocus_ = false;
     if (state_.isConnected()) {
         fit();
-        outbox_.setPanel(description());
         presenting_ = ScopedTimer(loop_.scheduleOnce(companionPatience, [this] { present(); }));
     } else {
         present();
@@ -95,29 +100,31 @@ void CompanionPanelSurface::present() {
 
 void CompanionPanelSurface::fit() {
     const ScreenPtr screen = screens_.nearest(anchor_.center());
-    const int mostHeight = screen ? static_cast<int>(screen->visibleFrame().height /
-                                                     CompanionScreens::unitsPerPoint(*screen)) -
-                                        2 * gap
-                                  : QWIDGETSIZE_MAX;
-    window_->fit(std::max(mostHeight, 1));
-    if (!screen || !state_.isConnected())
+    if (!screen) {
+        window_->fit(QWIDGETSIZE_MAX);
         return;
-    const int groundHeight = window_->rect().marginsRemoved(window_->margins()).height();
-    window_->fit(std::max(mostHeight, 1), roomAbove(*screen, groundHeight));
+    }
+    const CompanionCoordinates& coordinates = screens_.coordinates();
+    placement_ = {};
+    placement_.item = coordinates.toCompanion(anchor_);
+    placement_.frame = coordinates.toCompanion(screen->frame());
+    placement_.visibleFrame = coordinates.toCompanion(screen->visibleFrame());
+    // Where the desktop counts pixels, Qt's points are more of them.
+    placement_.unit = CompanionScreens::unitsPerPoint(*screen);
+    if (state_.isConnected())
+        window_->fit(placement_.availableHeight(),
+                     [this](QSize ground, int roomToGrow) { return place(ground, roomToGrow); });
+    else
+        window_->fit(placement_.availableHeight());
 }
 
-int CompanionPanelSurface::roomAbove(const Screen& screen, int groundHeight) const {
-    // A compositor may let no window's top under a bar: with all of its shadow the panel would be
-    // further away from its item. The top of its ground, as the companion will place it.
-    const double unit = CompanionScreens::unitsPerPoint(screen);
-    const AppKitRect area = screen.visibleFrame();
-    const double space = gap * unit;
-    const double height = groundHeight * unit;
-    const double below = anchor_.y - space;
-    const double above = anchor_.maxY() + space + height;
-    const double wanted = anchor_.center().y >= screen.frame().center().y ? below : above;
-    const double top = std::min(std::max(wanted, area.y + space + height), area.maxY() - space);
-    return static_cast<int>(std::floor((area.maxY() - top) / unit));
+QMargins CompanionPanelSurface::place(QSize ground, int roomToGrow) {
+    if (!placement_.top) {
+        const int highest = std::min(ground.height() + roomToGrow, placement_.availableHeight());
+        placement_.top = placement_.place({ground.width(), highest}).y;
+    }
+    ground_ = CompanionCoordinates::withRoundEdges(placement_.place(ground));
+    return placement_.roomAround(ground_);
 }
 
 void CompanionPanelSurface::close() {
@@ -151,8 +158,7 @@ void CompanionPanelSurface::dismiss(PanelDismissal why) {
     window_.release()->retire();
     if (why == PanelDismissal::anotherWindow)
         lostFocusAt_ = loop_.now();
-    if (state_.isConnected())
-        outbox_.setPanel(description());
+    describe();
     Q_EMIT dismissed(why);
 }
 

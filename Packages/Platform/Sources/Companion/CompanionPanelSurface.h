@@ -7,6 +7,7 @@
 #include <Platform/MainLoop.h>
 #include <Platform/PanelSurface.h>
 #include <Platform/Pointer.h>
+#include <Popup/PanelPlacement.h>
 
 #include <memory>
 #include <optional>
@@ -21,9 +22,6 @@ class CompanionPanelSurface final : public PanelSurface {
     Q_OBJECT
 
 public:
-    /// How far the panel keeps from the edges of its display's free part, in Qt's points.
-    static constexpr int gap = 4;
-
     /// How long a click on the item takes at most: where its press has cost the panel the focus,
     /// and so dismissed it, the click that follows does not open it again.
     static constexpr MainLoop::Interval clickPatience{500};
@@ -50,8 +48,11 @@ private:
     void dismiss(PanelDismissal why);
     void focusChanged();
     void fit();
-    [[nodiscard]] int roomAbove(const Screen& screen, int groundHeight) const;
+    /// Places a ground of that size, and answers what room there is around it.
+    QMargins place(QSize ground, int roomToGrow);
     void introduce();
+    /// Tells the companion of the panel, unless it knows all of this.
+    void describe();
     [[nodiscard]] CompanionPanel description() const;
 
     CompanionState& state_;
@@ -63,6 +64,10 @@ private:
     std::unique_ptr<PanelChrome> chrome_;
     std::unique_ptr<ToplevelPanelWindow> window_;
     AppKitRect anchor_;
+    PanelPlacementIn<CompanionRect> placement_;
+    CompanionRect ground_;
+    /// What the companion has been told last.
+    std::optional<CompanionPanel> told_;
     /// Runs while the companion is waited for.
     ScopedTimer presenting_;
     /// Whether the companion has told, since the opening, that the panel has the focus.

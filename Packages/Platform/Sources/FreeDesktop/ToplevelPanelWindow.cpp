@@ -1,9 +1,10 @@
 #include "ToplevelPanelWindow.h"
 
+#include <Popup/PanelContentSize.h>
+
 #include <QApplication>
 #include <QEvent>
 #include <QKeyEvent>
-#include <QLayout>
 #include <QPainter>
 #include <QWindow>
 #include <algorithm>
@@ -34,27 +35,25 @@ QString ToplevelPanelWindow::title() {
     return QStringLiteral("Tilewright");
 }
 
-QMargins ToplevelPanelWindow::margins() const {
-    QMargins margins = chrome_.margins(PanelRendering::translucent);
-    margins.setTop(std::min(margins.top(), roomAbove_));
-    return margins;
+void ToplevelPanelWindow::fit(int mostHeight, RoomAround roomAround) {
+    mostHeight_ = mostHeight;
+    roomAround_ = std::move(roomAround);
+    refit();
 }
 
-void ToplevelPanelWindow::fit(int mostHeight, int roomAbove) {
-    mostHeight_ = mostHeight;
-    roomAbove_ = roomAbove;
-    const QMargins margins = this->margins();
-    view_->ensurePolished();
-    QSize wanted = view_->sizeHint();
-    if (view_->layout()) {
-        view_->layout()->activate();
-        wanted = view_->layout()->totalSizeHint();
+void ToplevelPanelWindow::refit() {
+    const QSize ground = panelContentSize(*view_, mostHeight_);
+    margins_ = chrome_.margins(PanelRendering::translucent);
+    if (roomAround_) {
+        const QMargins room = roomAround_(ground, panelRoomToGrow(*view_));
+        margins_ = {std::min(margins_.left(), room.left()), std::min(margins_.top(), room.top()),
+                    std::min(margins_.right(), room.right()),
+                    std::min(margins_.bottom(), room.bottom())};
     }
-    wanted = wanted.expandedTo(view_->minimumSize()).boundedTo(view_->maximumSize());
-    wanted.setHeight(std::min(wanted.height(), mostHeight_));
-    setFixedSize(wanted.grownBy(margins));
-    view_->setGeometry(QRect({margins.left(), margins.top()}, wanted));
+    setFixedSize(ground.grownBy(margins_));
+    view_->setGeometry(QRect({margins_.left(), margins_.top()}, ground));
     letPressesThroughShadow();
+    Q_EMIT fitted();
 }
 
 void ToplevelPanelWindow::letPressesThroughShadow() {
@@ -66,6 +65,7 @@ void ToplevelPanelWindow::letPressesThroughShadow() {
 
 void ToplevelPanelWindow::retire() {
     dismiss_ = nullptr;
+    roomAround_ = nullptr;
     hide();
     deleteLater();
 }
@@ -77,9 +77,10 @@ void ToplevelPanelWindow::showEvent(QShowEvent* event) {
 
 void ToplevelPanelWindow::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
-    const int cut = chrome_.margins(PanelRendering::translucent).top() - margins().top();
-    painter.translate(0, -cut);
-    chrome_.paint(painter, rect().adjusted(0, 0, 0, cut), palette(), PanelRendering::translucent);
+    const QMargins cut = chrome_.margins(PanelRendering::translucent) - margins_;
+    const QRect whole(QPoint(), size().grownBy(cut));
+    painter.translate(-cut.left(), -cut.top());
+    chrome_.paint(painter, whole, palette(), PanelRendering::translucent);
 }
 
 void ToplevelPanelWindow::keyPressEvent(QKeyEvent* event) {
@@ -93,7 +94,7 @@ bool ToplevelPanelWindow::event(QEvent* event) {
     const bool isHandled = QWidget::event(event);
     // Content with a layout tells itself of another size, content without one tells its window.
     if (event->type() == QEvent::LayoutRequest && isVisible())
-        fit(mostHeight_, roomAbove_);
+        refit();
     // What pops up from the panel belongs to it.
     if (event->type() == QEvent::WindowDeactivate && !QApplication::activePopupWidget())
         tell(PanelDismissal::anotherWindow);
@@ -102,7 +103,7 @@ bool ToplevelPanelWindow::event(QEvent* event) {
 
 bool ToplevelPanelWindow::eventFilter(QObject* object, QEvent* event) {
     if (object == view_ && event->type() == QEvent::LayoutRequest && isVisible())
-        fit(mostHeight_, roomAbove_);
+        refit();
     return QWidget::eventFilter(object, event);
 }
 

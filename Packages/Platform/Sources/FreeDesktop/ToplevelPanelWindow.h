@@ -16,6 +16,10 @@ class ToplevelPanelWindow final : public QWidget {
 public:
     using Dismiss = std::function<void(PanelDismissal)>;
 
+    /// How much room there is around its ground once that has this size; called with how much
+    /// higher that may yet become, too. All in Qt's points.
+    using RoomAround = std::function<QMargins(QSize ground, int roomToGrow)>;
+
     /// `chrome` has to outlive this. `dismiss` is called at Escape, once another window has the
     /// focus, and when the desktop closes this one; it may retire it.
     ToplevelPanelWindow(std::unique_ptr<QWidget> view, PanelChrome& chrome, Dismiss dismiss);
@@ -25,13 +29,17 @@ public:
     [[nodiscard]] static QString title();
 
     /// Makes the window as large as its content wants to be, and follows that wish from now on, but
-    /// for what is higher than `mostHeight`, in Qt's points without the chrome's margins. Of the
-    /// chrome's margin at the top it has no more than `roomAbove`: the rest is cut off.
-    void fit(int mostHeight, int roomAbove = QWIDGETSIZE_MAX);
+    /// for what is higher than `mostHeight`, in Qt's points without the chrome's margins. Of these
+    /// margins it has no more than `roomAround` answers: the rest is cut off.
+    void fit(int mostHeight, RoomAround roomAround = nullptr);
     /// How far its ground is from its edges.
-    [[nodiscard]] QMargins margins() const;
+    [[nodiscard]] QMargins margins() const { return margins_; }
     /// Hides it and deletes it on a later turn; nobody is told of it any longer.
     void retire();
+
+Q_SIGNALS:
+    /// Its size, and the room around its ground, are what they are to be.
+    void fitted();
 
 protected:
     void showEvent(QShowEvent* event) override;
@@ -44,13 +52,15 @@ protected:
 private:
     /// What is beneath the shadow is pressed as if there were none: the item, before all.
     void letPressesThroughShadow();
+    void refit();
     void tell(PanelDismissal why);
 
     PanelChrome& chrome_;
     Dismiss dismiss_;
     QWidget* const view_;
     int mostHeight_ = QWIDGETSIZE_MAX;
-    int roomAbove_ = QWIDGETSIZE_MAX;
+    RoomAround roomAround_;
+    QMargins margins_;
 };
 
 } // namespace tilewright

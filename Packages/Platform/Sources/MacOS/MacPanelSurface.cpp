@@ -130,7 +130,7 @@ private:
         placement.item = space.toQt(place_);
         placement.frame = space.insideQt(screen->frame());
         placement.visibleFrame = space.insideQt(screen->visibleFrame());
-        const int available = placement.visibleFrame.height - 2 * PanelPlacement::gap;
+        const int available = placement.availableHeight();
         const QSize wanted = panelContentSize(*view_, available);
         if (!top_) {
             const int highest = std::min(wanted.height() + panelRoomToGrow(*view_), available);

@@ -155,7 +155,7 @@ void PanelWindow::fitAndPlace() {
         placement.item = space.toQt(place_);
         placement.frame = space.insideQt(screen->frame());
         placement.visibleFrame = space.insideQt(screen->visibleFrame());
-        const int available = placement.visibleFrame.height - 2 * PanelPlacement::gap;
+        const int available = placement.availableHeight();
         const QSize ground = panelContentSize(*view_, available);
         if (!top_) {
             const int highest = std::min(ground.height() + panelRoomToGrow(*view_), available);

@@ -45,7 +45,8 @@ TEST(CompanionOutbox, WritesEachCommandAsTheCompanionReadsIt) {
     outbox.showOverlay(shown);
     outbox.setFrame(CompanionWindowID{7}, {1, 2, 3, 4});
     outbox.showItem({QStringLiteral("tilewright-symbolic"), QStringLiteral("Tilewright")});
-    outbox.setPanel({true, QStringLiteral("Panel"), {1, 2, 3, 4}, {0, 32, 10, 20}, {5, 6, 7, 8}});
+    outbox.setPanel(
+        {true, QStringLiteral("Panel"), {9, 10}, {1, 2, 3, 4}, {0, 32, 10, 20}, {5, 6, 7, 8}});
     outbox.bringForward(QStringLiteral("Settings"));
     outbox.askForPointer();
     EXPECT_EQ(
@@ -56,7 +57,7 @@ TEST(CompanionOutbox, WritesEachCommandAsTheCompanionReadsIt) {
             R"("lines":[[[1,[255,255,255,1]],[1.5,[0,0,0,0.5]]]],)"
             R"("tiles":[[8,9,100,50,14,[255,128,0,0.25],[0,0,255,1],2,0.9]],"transition":120},)"
             R"({"c":"item","icon":"tilewright-symbolic","name":"Tilewright","shown":true},)"
-            R"({"anchor":[5,6,7,8],"area":[0,32,10,20],"c":"panel","margins":[1,2,3,4],)"
+            R"({"anchor":[5,6,7,8],"area":[0,32,10,20],"c":"panel","corner":[9,10],"margins":[1,2,3,4],)"
             R"("shown":true,"title":"Panel"},)"
             R"({"c":"front","title":"Settings"},{"c":"pointer"}]})"));
     EXPECT_TRUE(outbox.isEmpty()) << "what was taken is not done twice";

@@ -170,32 +170,57 @@ TEST_F(GnomePartsTest, APanelIsDescribedBeforeItIsShownAndPlacedByItsAnchor) {
     EXPECT_EQ(shown[QStringLiteral("area")].toArray(), (QJsonArray{0, 32, 1920, 1048}));
     EXPECT_EQ(panel->window()->windowTitle(), ToplevelPanelWindow::title());
     panel->close();
-    EXPECT_FALSE(command("panel")[QStringLiteral("shown")].toBool());
+    EXPECT_EQ(command("panel")[QStringLiteral("shown")], QJsonValue(false));
 }
 
-TEST_F(GnomePartsTest, APanelHasNoMoreShadowAboveItThanThereIsRoomBelowTheBar) {
-    tell("Hello", helloText());
+TEST_F(GnomePartsTest, APanelHasNoMoreShadowAroundItThanThereIsRoomInItsDisplaysFreePart) {
+    // A bar at each edge.
+    tell("Hello", helloText(displayText(true, "[0,0,1920,1080]", "[50,32,1800,1000]")));
     const auto panel = makePanel();
-    const auto expectTopMargin = [&](const CompanionRect& anchor, int top) {
+    const auto expectAt = [&](const CompanionRect& anchor, QPoint ground, const QMargins& margins) {
+        SCOPED_TRACE(::testing::Message() << anchor.x << ", " << anchor.y);
         panel->open(screens.coordinates().toAppKit(anchor));
-        EXPECT_EQ(command("panel")[QStringLiteral("margins")].toArray(),
-                  (QJsonArray{22, top, 24, 25}));
-        EXPECT_EQ(panel->window()->size(), QSize(346, 200 + top + 25));
-        EXPECT_EQ(view->y(), top);
+        const QJsonObject shown = command("panel");
+        EXPECT_EQ(shown[QStringLiteral("corner")].toArray(),
+                  (QJsonArray{ground.x() - margins.left(), ground.y() - margins.top()}));
+        EXPECT_EQ(shown[QStringLiteral("margins")].toArray(),
+                  (QJsonArray{margins.left(), margins.top(), margins.right(), margins.bottom()}));
+        EXPECT_EQ(panel->window()->size(), QSize(300, 200).grownBy(margins));
+        EXPECT_EQ(view->geometry(), QRect(margins.left(), margins.top(), 300, 200));
         panel->close();
     };
-    constexpr int all = 23;
-    expectTopMargin({1800, 0, 24, 32}, CompanionPanelSurface::gap);
-    expectTopMargin({600, 40, 0, 0}, 40 + CompanionPanelSurface::gap - 32);
-    expectTopMargin({600, 400, 0, 0}, all);
-    expectTopMargin({600, 1000, 0, 0}, all);
-    viewHeight = 5000;
-    panel->open(screens.coordinates().toAppKit(CompanionRect{600, 1000, 0, 0}));
-    EXPECT_EQ(view->y(), CompanionPanelSurface::gap);
-    panel->close();
+    constexpr int gap = PanelPlacement::gap;
+    constexpr QMargins all(22, 23, 24, 25);
+    expectAt({600, 400, 0, 0}, {450, 400 + gap}, all);
+    expectAt({600, 1000, 0, 0}, {450, 1000 - gap - 200}, all);
+    // In the bar at the top, right below it, and at the foot of that at the bottom.
+    expectAt({600, 0, 24, 32}, {612 - 150, 32 + gap}, {22, gap, 24, 25});
+    expectAt({600, 40, 0, 0}, {450, 40 + gap}, {22, 40 + gap - 32, 24, 25});
+    expectAt({600, 1032, 24, 48}, {612 - 150, 1032 - gap - 200}, {22, 23, 24, gap});
+    // At the sides, and in the corners.
+    expectAt({0, 500, 50, 24}, {50 + gap, 512 - 100}, {gap, 23, 24, 25});
+    expectAt({1850, 500, 70, 24}, {1850 - gap - 300, 512 - 100}, {22, 23, gap, 25});
+    expectAt({1690, 0, 24, 32}, {1850 - gap - 300, 32 + gap}, {22, gap, gap, 25});
+    expectAt({1685, 0, 10, 32}, {1690 - 150, 32 + gap}, {22, gap, 1850 - 1840, 25});
+    expectAt({60, 1032, 24, 48}, {50 + gap, 1032 - gap - 200}, {gap, 23, 24, gap});
+}
+
+TEST_F(GnomePartsTest, APanelThatNobodyPlacesHasAllOfItsShadow) {
+    tell("Hello", helloText());
+    const auto panel = makePanel();
     state.lose();
-    panel->open(std::nullopt);
-    EXPECT_EQ(view->y(), all) << "nobody places it";
+    panel->open(screens.coordinates().toAppKit(CompanionRect{1800, 0, 24, 32}));
+    EXPECT_EQ(view->geometry(), QRect(22, 23, 300, 200));
+}
+
+TEST_F(GnomePartsTest, APanelIsPlacedInTheDesktopsUnits) {
+    tell("Hello", helloText(displayText().replace(R"("unit":1)", R"("unit":2)")));
+    const auto panel = makePanel();
+    panel->open(screens.coordinates().toAppKit(CompanionRect{1001, 0, 25, 32}));
+    constexpr int gap = 2 * PanelPlacement::gap;
+    // The middle of the item is in that of a unit.
+    EXPECT_EQ(command("panel")[QStringLiteral("corner")].toArray(),
+              (QJsonArray{1014 - 300 - 44, 32 + gap - gap}));
 }
 
 TEST_F(GnomePartsTest, APanelIsNoHigherThanItsDisplaysFreePartInQtsPoints) {
@@ -203,9 +228,9 @@ TEST_F(GnomePartsTest, APanelIsNoHigherThanItsDisplaysFreePartInQtsPoints) {
     viewHeight = 5000;
     const auto panel = makePanel();
     panel->open(screens.coordinates().toAppKit(CompanionRect{1800, 0, 24, 32}));
-    EXPECT_EQ(view->height(), 1048 / 2 - 2 * CompanionPanelSurface::gap);
+    EXPECT_EQ(view->height(), 1048 / 2 - 2 * PanelPlacement::gap);
     const QJsonObject shown = command("panel");
-    EXPECT_EQ(shown[QStringLiteral("margins")].toArray(), (QJsonArray{44, 8, 48, 50}))
+    EXPECT_EQ(shown[QStringLiteral("margins")].toArray(), (QJsonArray{44, 8, 8, 8}))
         << "in the desktop's units";
 }
 
@@ -218,6 +243,27 @@ TEST_F(GnomePartsTest, APanelFollowsTheSizeThatItsContentWants) {
     QEvent wish(QEvent::LayoutRequest);
     QCoreApplication::sendEvent(view, &wish);
     EXPECT_EQ(panel->window()->height(), 260 + 23 + 25);
+}
+
+TEST_F(GnomePartsTest, APanelThatGrowsKeepsItsTopAndItsPlaceIsToldAgainOnlyWhereItCannot) {
+    tell("Hello", helloText());
+    const auto panel = makePanel();
+    panel->open(screens.coordinates().toAppKit(CompanionRect{600, 500, 0, 0}));
+    constexpr int gap = PanelPlacement::gap;
+    const auto corner = [&] { return command("panel")[QStringLiteral("corner")].toArray(); };
+    const auto grow = [&](int height) {
+        viewHeight = height;
+        QEvent wish(QEvent::LayoutRequest);
+        QCoreApplication::sendEvent(view, &wish);
+    };
+    EXPECT_EQ(corner(), (QJsonArray{450 - 22, 500 + gap - 23}));
+    tell("PanelAwaited", "{}");
+    EXPECT_TRUE(corner().isEmpty());
+    grow(300);
+    EXPECT_TRUE(corner().isEmpty());
+    grow(1080 - 500);
+    EXPECT_EQ(corner(), (QJsonArray{450 - 22, 500 - gap - 23}));
+    EXPECT_EQ(view->y(), 23);
 }
 
 TEST_F(GnomePartsTest, APanelComesOnceTheCompanionAwaitsIt) {

@@ -56,6 +56,19 @@ TEST(PanelPlacement, KeepsItsTopLeftCornerVisibleWhereItDoesNotFit) {
     EXPECT_EQ(place(placement).topLeft(), QPoint(gap, gap));
 }
 
+TEST(PanelPlacement, TellsTheRoomAroundAPlaceOnEachSide) {
+    const PanelPlacement placement{{}, frame, {50, 32, 1800, 1000}};
+    EXPECT_EQ(placement.roomAround({60, 52, 300, 200}), QMargins(10, 20, 1490, 780));
+    EXPECT_EQ(placement.roomAround({10, 12, 2000, 1100}), QMargins(0, 0, 0, 0));
+}
+
+TEST(PanelPlacement, CountsInTheUnitsOfItsSpace) {
+    const PanelPlacement placement{{1000, 0, 24, 28}, frame, {0, 28, 1920, 1052}, {}, 2};
+    EXPECT_EQ(place(placement, {300, 200}), QRect(1012 - 300, 28 + 2 * gap, 600, 400));
+    EXPECT_EQ(placement.availableHeight(), 1052 / 2 - 2 * gap);
+    EXPECT_EQ(placement.roomAround({101, 36, 600, 400}), QMargins(50, 4, 609, 322));
+}
+
 TEST(PanelPlacement, IsWhollyInsideTheVisibleFrameFromEveryPointOfItsScreen) {
     for (const QRect& screen :
          {QRect(0, 0, 1920, 1080), QRect(-1280, -200, 1280, 1024), QRect(1920, 300, 800, 600)}) {
