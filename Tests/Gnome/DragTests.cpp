@@ -131,16 +131,7 @@ TEST_F(ProgramInGnome, LeavesAWindowWhereItIsDroppedOnceTheKeyIsReleasedFirst) {
     dragToFirstZone(title);
     session.input().releaseKey(KernelKey::control);
     EXPECT_TRUE(waitUntil([&] { return !isHighlighted(zone(0)); })) << session.describe();
-    const QPoint end = zone(1).center();
-    session.input().glide(end);
-    session.input().release();
-    EXPECT_TRUE(waitUntil([&] { return !session.isDragging(); }));
-    const auto isAsDropped = [&] {
-        const QRect frame = session.frame(title);
-        return frame.size() == start.size() && frame.contains(end);
-    };
-    EXPECT_TRUE(waitUntil(isAsDropped)) << session.describe();
-    EXPECT_TRUE(staysTrue(isAsDropped, std::chrono::milliseconds(400)));
+    expectToStayWhereDropped(title, start.size());
 }
 
 TEST_F(ProgramInGnome, FillsAZoneWithATerminalAsFarAsItsCellsGo) {

@@ -164,6 +164,12 @@ struct ProgramInCompositor : ::testing::Test {
         EXPECT_TRUE(waitUntil([&] { return !isHighlighted(zone(0)); })) << session.describe();
         EXPECT_TRUE(program.waitForEnd());
         EXPECT_TRUE(session.isDragging()) << "the drag is the user's";
+        expectToStayWhereDropped(title, size, KernelKey::control);
+    }
+    /// Drags a window on, drops it over the second zone and lets go of the key that is held, if one
+    /// is; expects it to be where the user let go of it, in that size, and to stay there.
+    void expectToStayWhereDropped(const QString& title, const QSize& size,
+                                  std::optional<KernelKey> held = std::nullopt) {
         const QPoint end = zone(1).center();
         session.input().glide(end);
         session.input().release();
@@ -174,7 +180,8 @@ struct ProgramInCompositor : ::testing::Test {
         };
         EXPECT_TRUE(waitUntil(isAsDropped)) << session.describe();
         const QRect dropped = session.frame(title);
-        session.input().releaseKey(KernelKey::control);
+        if (held)
+            session.input().releaseKey(*held);
         EXPECT_TRUE(staysTrue([&] { return session.frame(title) == dropped; },
                               std::chrono::milliseconds(400)));
     }
