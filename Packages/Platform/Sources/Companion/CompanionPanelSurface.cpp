@@ -119,9 +119,11 @@ void CompanionPanelSurface::fit() {
 }
 
 QMargins CompanionPanelSurface::place(QSize ground, int roomToGrow) {
-    if (!placement_.top) {
-        const int highest = std::min(ground.height() + roomToGrow, placement_.availableHeight());
-        placement_.top = placement_.place({ground.width(), highest}).y;
+    // It keeps its top as far as was foreseen, and what it opened at uncovered beyond that.
+    if (!placement_.top || ground.height() > foreseenHeight_) {
+        foreseenHeight_ = std::min(ground.height() + roomToGrow, placement_.availableHeight());
+        placement_.top.reset();
+        placement_.top = placement_.place({ground.width(), foreseenHeight_}).y;
     }
     ground_ = CompanionCoordinates::withRoundEdges(placement_.place(ground));
     return placement_.roomAround(ground_);

@@ -66,6 +66,8 @@ private:
     AppKitRect anchor_;
     PanelPlacementIn<CompanionRect> placement_;
     CompanionRect ground_;
+    /// How high its ground may become before it needs another place, in points.
+    int foreseenHeight_ = 0;
     /// What the companion has been told last.
     std::optional<CompanionPanel> told_;
     /// Runs while the companion is waited for.

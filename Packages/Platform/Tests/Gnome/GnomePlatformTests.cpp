@@ -266,6 +266,21 @@ TEST_F(GnomePartsTest, APanelThatGrowsKeepsItsTopAndItsPlaceIsToldAgainOnlyWhere
     EXPECT_EQ(view->y(), 23);
 }
 
+TEST_F(GnomePartsTest, APanelAboveThePointerGrowsUpward) {
+    tell("Hello", helloText());
+    const auto panel = makePanel();
+    panel->open(screens.coordinates().toAppKit(CompanionRect{600, 1000, 0, 0}));
+    const auto top = [&] {
+        return command("panel")[QStringLiteral("corner")].toArray().at(1).toInt(-1);
+    };
+    EXPECT_EQ(top(), 1000 - PanelPlacement::gap - viewHeight - 23);
+    tell("PanelAwaited", "{}");
+    viewHeight += 5;
+    QEvent wish(QEvent::LayoutRequest);
+    QCoreApplication::sendEvent(view, &wish);
+    EXPECT_EQ(top(), 1000 - PanelPlacement::gap - viewHeight - 23);
+}
+
 TEST_F(GnomePartsTest, APanelComesOnceTheCompanionAwaitsIt) {
     tell("Hello", helloText());
     const auto panel = makePanel();
