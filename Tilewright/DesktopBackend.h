@@ -28,8 +28,8 @@ public:
     /// neither the user's arguments nor the environment choose what only this desktop can be.
     /// Nothing of it reaches the programs that this one starts.
     [[nodiscard]] virtual std::vector<std::string> qtArguments() const = 0;
-    /// To be held while Qt's application object is made, where Qt has to be kept from waiting for
-    /// somebody who does not answer.
+    /// To be held while Qt's application object is made: keeps Qt from what this program has no use
+    /// for, and from waiting for somebody who does not answer.
     [[nodiscard]] virtual std::shared_ptr<void> precaution() const = 0;
     /// Opens the desktop; null, after saying why on standard error, when it is gone by now. Needs
     /// Qt's application object, and the platform has to end before that.

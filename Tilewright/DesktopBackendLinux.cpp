@@ -2,6 +2,7 @@
 
 #include <FreeDesktop/BusNameQuestion.h>
 #include <FreeDesktop/BusPrecaution.h>
+#include <FreeDesktop/ScopedVariable.h>
 #include <FreeDesktop/WaylandSocket.h>
 #include <Gnome/GnomeExtension.h>
 #include <Gnome/GnomePlatform.h>
@@ -32,10 +33,22 @@ namespace tilewright {
 
 namespace {
 
+/// Windows are painted in memory. A desktop's theme may ask Qt whether there is OpenGL all the
+/// same, as Plasma's does: for a no the graphics driver would be loaded, eight megabytes and five
+/// threads.
+class DrawingPrecaution {
+    const ScopedVariable x11_{"QT_XCB_GL_INTEGRATION", "none"};
+    const ScopedVariable wayland_{"QT_WAYLAND_CLIENT_BUFFER_INTEGRATION", "none"};
+};
+
 class LinuxBackend : public DesktopBackend {
 public:
     [[nodiscard]] std::shared_ptr<void> precaution() const override {
-        return std::make_shared<BusPrecaution>();
+        struct Precaution {
+            DrawingPrecaution drawing;
+            BusPrecaution bus;
+        };
+        return std::make_shared<Precaution>();
     }
     [[nodiscard]] std::unique_ptr<Platform> open() const final {
         // Window managers and bars take it from the windows, not from the program as macOS does.
@@ -83,28 +96,6 @@ protected:
     }
 };
 
-/// Plasma 6 has Qt connect to the next KWin by itself, with whatever was there in the midst of what
-/// it did. To begin anew, as with every other version, is the surer way: what Plasma says stays
-/// with the programs that this one starts.
-class ReconnectPrecaution {
-public:
-    ReconnectPrecaution()
-        : wish_(qgetenv(variable)) {
-        qunsetenv(variable);
-    }
-    ReconnectPrecaution(const ReconnectPrecaution&) = delete;
-    ReconnectPrecaution& operator=(const ReconnectPrecaution&) = delete;
-    ~ReconnectPrecaution() {
-        if (!wish_.isNull())
-            qputenv(variable, wish_);
-    }
-
-private:
-    static constexpr auto variable = "QT_WAYLAND_RECONNECT";
-    const QByteArray wish_;
-    const BusPrecaution bus_;
-};
-
 /// KWin may end and come back within a session.
 class PlasmaBackend final : public WaylandBackend<PlasmaPlatform> {
 public:
@@ -113,10 +104,16 @@ public:
 
     [[nodiscard]] std::shared_ptr<void> precaution() const override {
         struct Precaution {
-            ReconnectPrecaution reconnect;
+            std::shared_ptr<void> asEverywhere;
+            /// Plasma 6 has Qt connect to the next KWin by itself, with whatever was there in the
+            /// midst of what it did. To begin anew, as with every other version, is the surer way.
+            ScopedVariable reconnecting{"QT_WAYLAND_RECONNECT", std::nullopt};
             std::shared_ptr<void> start = Succession::throughStart();
+
+            explicit Precaution(std::shared_ptr<void> everywhere)
+                : asEverywhere(std::move(everywhere)) {}
         };
-        return std::make_shared<Precaution>();
+        return std::make_shared<Precaution>(WaylandBackend::precaution());
     }
     [[nodiscard]] std::shared_ptr<void> beginLife() const override { return succession_->begin(); }
 

@@ -165,30 +165,6 @@ protected:
     std::unique_ptr<X11Trust> trust;
 };
 
-/// Sets a variable of the environment for as long as it lives.
-class ScopedVariable {
-public:
-    ScopedVariable(const char* name, const std::optional<QByteArray>& value)
-        : name_(name)
-        , before_(qEnvironmentVariableIsSet(name) ? std::optional(qgetenv(name)) : std::nullopt) {
-        set(value);
-    }
-    ScopedVariable(const ScopedVariable&) = delete;
-    ScopedVariable& operator=(const ScopedVariable&) = delete;
-    ~ScopedVariable() { set(before_); }
-
-private:
-    void set(const std::optional<QByteArray>& value) const {
-        if (value)
-            qputenv(name_, *value);
-        else
-            qunsetenv(name_);
-    }
-
-    const char* name_;
-    std::optional<QByteArray> before_;
-};
-
 } // namespace
 
 TEST_F(TrustInADesktop, IsThereAtOnceWhereTheWindowManagerOffersWhatIsNeeded) {

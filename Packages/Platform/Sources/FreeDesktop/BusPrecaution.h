@@ -1,7 +1,9 @@
 #pragma once
 
-#include <QByteArray>
+#include "ScopedVariable.h"
+
 #include <chrono>
+#include <optional>
 
 namespace tilewright {
 
@@ -20,8 +22,7 @@ public:
     ~BusPrecaution();
 
 private:
-    bool isSilent_;
-    QByteArray told_;
+    std::optional<ScopedVariable> silence_;
 };
 
 } // namespace tilewright

@@ -1,6 +1,7 @@
 #include "PrivateBus.h"
 
 #include <FreeDesktop/BusNameQuestion.h>
+#include <FreeDesktop/ScopedVariable.h>
 
 #include <gtest/gtest.h>
 
@@ -9,24 +10,7 @@ using namespace std::chrono_literals;
 namespace tilewright::testing {
 namespace {
 
-/// Has the environment name another session bus for as long as it lives.
-class SessionBusOfTheEnvironment {
-public:
-    explicit SessionBusOfTheEnvironment(const QByteArray& address) {
-        qputenv("DBUS_SESSION_BUS_ADDRESS", address);
-    }
-    ~SessionBusOfTheEnvironment() {
-        if (former_.isEmpty())
-            qunsetenv("DBUS_SESSION_BUS_ADDRESS");
-        else
-            qputenv("DBUS_SESSION_BUS_ADDRESS", former_);
-    }
-    SessionBusOfTheEnvironment(const SessionBusOfTheEnvironment&) = delete;
-
-private:
-    const QByteArray former_ = qgetenv("DBUS_SESSION_BUS_ADDRESS");
-};
-
+constexpr auto busVariable = "DBUS_SESSION_BUS_ADDRESS";
 const QString name = QStringLiteral("org.example.Somebody");
 const QString other = QStringLiteral("org.example.SomebodyElse");
 
@@ -34,7 +18,7 @@ const QString other = QStringLiteral("org.example.SomebodyElse");
 
 TEST(BusNameQuestion, IsAnsweredByTheBus) {
     PrivateBus bus;
-    const SessionBusOfTheEnvironment environment(bus.address());
+    const ScopedVariable environment(busVariable, bus.address());
     EXPECT_EQ(firstOnSessionBus({name, other}), QString());
     QDBusConnection owner = bus.connect();
     ASSERT_TRUE(owner.registerService(other));
@@ -47,7 +31,7 @@ TEST(BusNameQuestion, IsAnsweredByTheBus) {
 
 TEST(BusNameQuestion, IsAnsweredByABusThatIsSlowAsAtALogin) {
     PrivateBus bus;
-    const SessionBusOfTheEnvironment environment(bus.address());
+    const ScopedVariable environment(busVariable, bus.address());
     QDBusConnection owner = bus.connect();
     ASSERT_TRUE(owner.registerService(name));
     QString answer;
@@ -57,13 +41,13 @@ TEST(BusNameQuestion, IsAnsweredByABusThatIsSlowAsAtALogin) {
 
 TEST(BusNameQuestion, IsAnsweredWithNoByABusThatIsNotThereOrSaysNothing) {
     {
-        const SessionBusOfTheEnvironment environment("unix:path=/nonexistent/bus");
+        const ScopedVariable environment(busVariable, "unix:path=/nonexistent/bus");
         EXPECT_EQ(firstOnSessionBus({name}), QString());
     }
     PrivateBus bus;
     QDBusConnection owner = bus.connect();
     ASSERT_TRUE(owner.registerService(name));
-    const SessionBusOfTheEnvironment environment(bus.address());
+    const ScopedVariable environment(busVariable, bus.address());
     bus.pause();
     EXPECT_EQ(firstOnSessionBus({name}, 100ms), QString());
     bus.resume();

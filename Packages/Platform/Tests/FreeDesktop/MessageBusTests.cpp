@@ -6,6 +6,7 @@
 #include <FreeDesktop/BusPrecaution.h>
 #include <FreeDesktop/FreeDesktopAppearance.h>
 #include <FreeDesktop/MessageBus.h>
+#include <FreeDesktop/ScopedVariable.h>
 #include <Waiting.h>
 
 #include <QSignalSpy>
@@ -27,28 +28,7 @@ protected:
     FakeMainLoop loop;
 };
 
-/// Has the environment name a session bus, for as long as it lives.
-class SessionBusInTheEnvironment {
-public:
-    explicit SessionBusInTheEnvironment(const QByteArray& address)
-        : before_(now()) {
-        qputenv(variable, address);
-    }
-    ~SessionBusInTheEnvironment() {
-        if (before_.isNull())
-            qunsetenv(variable);
-        else
-            qputenv(variable, before_);
-    }
-    SessionBusInTheEnvironment(const SessionBusInTheEnvironment&) = delete;
-    SessionBusInTheEnvironment& operator=(const SessionBusInTheEnvironment&) = delete;
-
-    [[nodiscard]] static QByteArray now() { return qgetenv(variable); }
-
-private:
-    static constexpr auto variable = "DBUS_SESSION_BUS_ADDRESS";
-    const QByteArray before_;
-};
+constexpr auto busVariable = "DBUS_SESSION_BUS_ADDRESS";
 
 /// A socket that takes connections and says nothing.
 class MuteSocket {
@@ -148,7 +128,7 @@ TEST_F(MessageBusTest, IsLeftAlsoWhereTheNextOneIsThereAtOnce) {
 }
 
 TEST_F(MessageBusTest, OfTheEnvironmentIsJoinedAtOnceWhereItAnswers) {
-    const SessionBusInTheEnvironment told(bus.address());
+    const ScopedVariable told(busVariable, bus.address());
     // On a machine that is busy the answer may be late: then the next one is joined at once.
     EXPECT_TRUE(waitUntil([&] {
         std::optional<MessageBus> joining;
@@ -245,17 +225,17 @@ TEST(BusGreeting, FindsNobodyWhereTheOtherSideHangsUp) {
 
 TEST(BusPrecaution, TellsQtOfNoBusWhereItIsSilentAndLeavesTheEnvironmentAsItWas) {
     PrivateBus bus;
-    const SessionBusInTheEnvironment told(bus.address());
+    const ScopedVariable told(busVariable, bus.address());
     bus.pause();
     {
         const BusPrecaution precaution;
-        EXPECT_NE(SessionBusInTheEnvironment::now(), bus.address());
+        EXPECT_NE(qgetenv(busVariable), bus.address());
         bus.resume();
     }
-    EXPECT_EQ(SessionBusInTheEnvironment::now(), bus.address());
+    EXPECT_EQ(qgetenv(busVariable), bus.address());
     EXPECT_TRUE(waitUntil([&] {
         const BusPrecaution precaution;
-        return SessionBusInTheEnvironment::now() == bus.address();
+        return qgetenv(busVariable) == bus.address();
     })) << "one that answers is Qt's as well";
 }
 
