@@ -62,9 +62,15 @@ struct ProgramAmongChangingDisplays : ProgramInPlasma {
     /// Has KWin begin anew to paint, as after another choice of how it does, and waits for that.
     void haveKwinBeginAnew() {
         const int before = painting.beginnings();
-        session.bus().send(QDBusMessage::createSignal(QStringLiteral("/Compositor"),
-                                                      QStringLiteral("org.kde.kwin.Compositing"),
-                                                      QStringLiteral("reinit")));
+        const QString path = QStringLiteral("/Compositor");
+        const QString interface = QStringLiteral("org.kde.kwin.Compositing");
+        // Older ones wait for a signal instead, which newer ones do not hear.
+        if (session.bus()
+                .call(QDBusMessage::createMethodCall(QStringLiteral("org.kde.KWin"), path,
+                                                     interface, QStringLiteral("reinitialize")))
+                .type() != QDBusMessage::ReplyMessage)
+            session.bus().send(
+                QDBusMessage::createSignal(path, interface, QStringLiteral("reinit")));
         EXPECT_TRUE(waitUntil([&] { return painting.beginnings() > before; }))
             << session.describe();
     }

@@ -52,7 +52,7 @@ void writeDisplaysOfKwin6(const QString& home, const std::vector<QRect>& frames,
         places.append(QJsonObject{
             {QStringLiteral("enabled"), true},
             {QStringLiteral("outputIndex"), number},
-            {QStringLiteral("priority"), std::size_t(number) == primary ? 0 : number + 1},
+            {QStringLiteral("priority"), std::size_t(number) == primary ? 1 : number + 2},
             {QStringLiteral("position"),
              QJsonObject{{QStringLiteral("x"), frame.x()}, {QStringLiteral("y"), frame.y()}}}});
     }
