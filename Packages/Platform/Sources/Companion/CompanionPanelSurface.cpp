@@ -1,6 +1,5 @@
 #include "CompanionPanelSurface.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace tilewright {
@@ -105,7 +104,7 @@ void CompanionPanelSurface::fit() {
         return;
     }
     const CompanionCoordinates& coordinates = screens_.coordinates();
-    placement_ = {};
+    growth_.reset();
     placement_.item = coordinates.toCompanion(anchor_);
     placement_.frame = coordinates.toCompanion(screen->frame());
     placement_.visibleFrame = coordinates.toCompanion(screen->visibleFrame());
@@ -119,13 +118,7 @@ void CompanionPanelSurface::fit() {
 }
 
 QMargins CompanionPanelSurface::place(QSize ground, int roomToGrow) {
-    // It keeps its top as far as was foreseen, and what it opened at uncovered beyond that.
-    if (!placement_.top || ground.height() > foreseenHeight_) {
-        foreseenHeight_ = std::min(ground.height() + roomToGrow, placement_.availableHeight());
-        placement_.top.reset();
-        placement_.top = placement_.place({ground.width(), foreseenHeight_}).y;
-    }
-    ground_ = CompanionCoordinates::withRoundEdges(placement_.place(ground));
+    ground_ = CompanionCoordinates::withRoundEdges(growth_.place(placement_, ground, roomToGrow));
     return placement_.roomAround(ground_);
 }
 

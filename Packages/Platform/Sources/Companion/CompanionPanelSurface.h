@@ -65,9 +65,8 @@ private:
     std::unique_ptr<ToplevelPanelWindow> window_;
     AppKitRect anchor_;
     PanelPlacementIn<CompanionRect> placement_;
+    PanelGrowth growth_;
     CompanionRect ground_;
-    /// How high its ground may become before it needs another place, in points.
-    int foreseenHeight_ = 0;
     /// What the companion has been told last.
     std::optional<CompanionPanel> told_;
     /// Runs while the companion is waited for.

@@ -12,8 +12,6 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QWidget>
-#include <algorithm>
-#include <optional>
 #include <utility>
 
 namespace tilewright {
@@ -53,7 +51,7 @@ public:
         view_->setAutoFillBackground(false);
         view_->installEventFilter(this);
         connect(&services_.screens, &Screens::screensChanged, this, [this] {
-            top_.reset();
+            growth_.reset();
             fitAndPlace();
         });
     }
@@ -130,14 +128,10 @@ private:
         placement.item = space.toQt(place_);
         placement.frame = space.insideQt(screen->frame());
         placement.visibleFrame = space.insideQt(screen->visibleFrame());
-        const int available = placement.availableHeight();
-        const QSize wanted = panelContentSize(*view_, available);
-        if (!top_) {
-            const int highest = std::min(wanted.height() + panelRoomToGrow(*view_), available);
-            top_ = placement.place({wanted.width(), highest}).y;
-        }
-        placement.top = top_;
-        const QRect surface = placement.place(wanted).toQRect().marginsAdded(margins());
+        const QSize wanted = panelContentSize(*view_, placement.availableHeight());
+        const QRect surface = growth_.place(placement, wanted, panelRoomToGrow(*view_))
+                                  .toQRect()
+                                  .marginsAdded(margins());
         // The window before the view: it passes each change of its own size on to the view.
         host_->setFrame(space.toAppKit(QtRect::of(surface)));
         resize(surface.size());
@@ -151,8 +145,7 @@ private:
     const AppKitRect place_;
     const Dismiss dismiss_;
     std::unique_ptr<appkit::HostWindow> host_;
-    /// The ground's top edge, which stays where it is until the displays change.
-    std::optional<int> top_;
+    PanelGrowth growth_;
     bool isFitting_ = false;
 };
 

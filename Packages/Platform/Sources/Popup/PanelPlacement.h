@@ -21,8 +21,6 @@ struct PanelPlacementIn {
     Rect frame;
     /// The screen less its bars.
     Rect visibleFrame;
-    /// The top edge of a panel that is open already, which it keeps.
-    std::optional<Length> top = std::nullopt;
     /// How long a point of Qt's is in this space.
     Length unit = 1;
 
@@ -57,8 +55,7 @@ struct PanelPlacementIn {
             break;
         }
         return {insideSpan(x, width, visibleFrame.x, visibleFrame.width),
-                insideSpan(top.value_or(y), height, visibleFrame.y, visibleFrame.height), width,
-                height};
+                insideSpan(y, height, visibleFrame.y, visibleFrame.height), width, height};
     }
 
     /// How much there is around a panel's place inside the visible frame, in Qt's points: a
@@ -101,5 +98,25 @@ private:
 
 /// The same among widgets.
 using PanelPlacement = PanelPlacementIn<QtRect>;
+
+/// Keeps the top edge of an open panel where it is while its content changes its height, as far as
+/// that was foreseen. Higher than that the panel is placed anew: it does not grow over its item.
+class PanelGrowth {
+public:
+    /// The place of a panel of that size that may yet become so much higher, in Qt's points.
+    template<class Rect>
+    [[nodiscard]] Rect place(const PanelPlacementIn<Rect>& placement, QSize panel, int roomToGrow) {
+        if (!foreseenHeight_ || panel.height() > *foreseenHeight_)
+            foreseenHeight_ = panel.height() + roomToGrow;
+        Rect place = placement.place(panel);
+        place.y = placement.place({panel.width(), *foreseenHeight_}).y;
+        return place;
+    }
+    /// To be called once the panel belongs elsewhere: where it opens, and on other displays.
+    void reset() { foreseenHeight_.reset(); }
+
+private:
+    std::optional<int> foreseenHeight_;
+};
 
 } // namespace tilewright

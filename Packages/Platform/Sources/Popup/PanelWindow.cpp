@@ -1,7 +1,6 @@
 #include "PanelWindow.h"
 
 #include "PanelContentSize.h"
-#include "PanelPlacement.h"
 
 #include <QAccessibleWidget>
 #include <QApplication>
@@ -11,7 +10,6 @@
 #include <QPainter>
 #include <QPixmap>
 #include <QWindow>
-#include <algorithm>
 
 namespace tilewright {
 
@@ -140,7 +138,7 @@ void PanelWindow::hideEvent(QHideEvent* event) {
 }
 
 void PanelWindow::placeAnew() {
-    top_.reset();
+    growth_.reset();
     fitAndPlace();
 }
 
@@ -155,14 +153,9 @@ void PanelWindow::fitAndPlace() {
         placement.item = space.toQt(place_);
         placement.frame = space.insideQt(screen->frame());
         placement.visibleFrame = space.insideQt(screen->visibleFrame());
-        const int available = placement.availableHeight();
-        const QSize ground = panelContentSize(*view_, available);
-        if (!top_) {
-            const int highest = std::min(ground.height() + panelRoomToGrow(*view_), available);
-            top_ = placement.place({ground.width(), highest}).y;
-        }
-        placement.top = top_;
-        setGeometry(placement.place(ground).toQRect().marginsAdded(margins()));
+        const QSize size = panelContentSize(*view_, placement.availableHeight());
+        const QtRect ground = growth_.place(placement, size, panelRoomToGrow(*view_));
+        setGeometry(ground.toQRect().marginsAdded(margins()));
     } else {
         resize(panelContentSize(*view_, QWIDGETSIZE_MAX).grownBy(margins()));
     }

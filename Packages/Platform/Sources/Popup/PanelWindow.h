@@ -1,5 +1,6 @@
 #pragma once
 
+#include "PanelPlacement.h"
 #include "PopupGrab.h"
 
 #include <Platform/Platform.h>
@@ -7,15 +8,14 @@
 #include <QPointer>
 #include <QWidget>
 #include <memory>
-#include <optional>
 
 namespace tilewright {
 
 /// The popup's window: the content on its ground, with the chrome around it, beside its item and
-/// wholly on its display. Its top edge stays where it is wherever the rest fits below. While it is
-/// shown it has the keyboard and the pointer, by grabs, and no other window loses the focus to it.
-/// It says what the user does; whoever opened it closes it. One window serves every opening. Main
-/// thread only.
+/// wholly on its display. Its top edge stays where it is as far as its growth was foreseen. While
+/// it is shown it has the keyboard and the pointer, by grabs, and no other window loses the focus
+/// to it. It says what the user does; whoever opened it closes it. One window serves every opening.
+/// Main thread only.
 class PanelWindow final : public QWidget {
     Q_OBJECT
 
@@ -68,8 +68,7 @@ private:
     PanelRendering rendering_ = PanelRendering::opaque;
     QPointer<QWidget> view_;
     AppKitRect place_;
-    /// Of the ground, while the displays stay as they are; in Qt's coordinates.
-    std::optional<int> top_;
+    PanelGrowth growth_;
     bool isFitting_ = false;
     PopupGrab grab_;
 };

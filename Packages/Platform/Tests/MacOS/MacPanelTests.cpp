@@ -138,6 +138,16 @@ TEST_F(MacPanel, OpensByThePointerWhereTheProgramIsOpenedOnceMore) {
     EXPECT_NEAR(window().frame.center().x, 700, 1);
 }
 
+TEST_F(MacPanel, GrowsAwayFromThePointerThatItOpenedAbove) {
+    appKit.mouse = {700, 100};
+    panel->open(std::nullopt);
+    const AppKitRect before = window().frame;
+    ASSERT_GE(before.y + 10, 104);
+    first->setFixedHeight(60);
+    QCoreApplication::sendPostedEvents(view, QEvent::LayoutRequest);
+    EXPECT_EQ(window().frame, (AppKitRect{before.x, before.y, before.width, before.height + 20}));
+}
+
 TEST_F(MacPanel, ClosesOnEscapeAndMovesTheFocusOnTab) {
     clickItem();
     first->setFocus();

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+using tilewright::PanelGrowth;
 using tilewright::PanelPlacement;
 using tilewright::QtRect;
 
@@ -63,7 +64,7 @@ TEST(PanelPlacement, TellsTheRoomAroundAPlaceOnEachSide) {
 }
 
 TEST(PanelPlacement, CountsInTheUnitsOfItsSpace) {
-    const PanelPlacement placement{{1000, 0, 24, 28}, frame, {0, 28, 1920, 1052}, {}, 2};
+    const PanelPlacement placement{{1000, 0, 24, 28}, frame, {0, 28, 1920, 1052}, 2};
     EXPECT_EQ(place(placement, {300, 200}), QRect(1012 - 300, 28 + 2 * gap, 600, 400));
     EXPECT_EQ(placement.availableHeight(), 1052 / 2 - 2 * gap);
     EXPECT_EQ(placement.roomAround({101, 36, 600, 400}), QMargins(50, 4, 609, 322));
@@ -81,4 +82,34 @@ TEST(PanelPlacement, IsWhollyInsideTheVisibleFrameFromEveryPointOfItsScreen) {
             }
         }
     }
+}
+
+TEST(PanelGrowth, KeepsTheTopAsFarAsItWasForeseen) {
+    const PanelPlacement above{{1000, 1052, 24, 28}, frame, {0, 0, 1920, 1052}};
+    const PanelPlacement beside{{0, 500, 40, 24}, frame, {40, 0, 1880, 1080}};
+    for (const PanelPlacement& placement : {above, beside}) {
+        PanelGrowth growth;
+        const int top = place(placement, {300, 600}).top();
+        EXPECT_EQ(growth.place(placement, {300, 500}, 100).y, top);
+        EXPECT_EQ(growth.place(placement, {300, 600}, 0).y, top);
+        EXPECT_EQ(growth.place(placement, {300, 400}, 0).y, top) << "it may grow once more";
+        EXPECT_EQ(growth.place(placement, {200, 400}, 0).toQRect(),
+                  QRect(QPoint(place(placement, {200, 400}).left(), top), QSize(200, 400)));
+    }
+}
+
+TEST(PanelGrowth, PlacesAPanelAnewThatIsHigherThanForeseen) {
+    const PanelPlacement placement{{1000, 1052, 24, 28}, frame, frame};
+    PanelGrowth growth;
+    EXPECT_EQ(growth.place(placement, {300, 500}, 100).y, 1052 - gap - 600);
+    EXPECT_EQ(growth.place(placement, {300, 601}, 50).y, 1052 - gap - 651);
+    EXPECT_EQ(growth.place(placement, {300, 651}, 0).y, 1052 - gap - 651);
+}
+
+TEST(PanelGrowth, ForeseesAnewOnceReset) {
+    const PanelPlacement placement{{1000, 1052, 24, 28}, frame, frame};
+    PanelGrowth growth;
+    EXPECT_EQ(growth.place(placement, {300, 500}, 100).y, 1052 - gap - 600);
+    growth.reset();
+    EXPECT_EQ(growth.place(placement, {300, 500}, 0).y, 1052 - gap - 500);
 }
