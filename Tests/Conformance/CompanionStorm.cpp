@@ -26,6 +26,7 @@ std::unique_ptr<QWidget> makeView() {
 
 CompanionStorm::CompanionStorm(Platform& platform, MockTeller& teller)
     : panel(platform.makePanelSurface(makeView, std::make_unique<BareChrome>()))
+    , platform_(platform)
     , teller_(teller) {
     QObject::connect(panel.get(), &PanelSurface::opened, panel.get(), [this] { ++openings_; });
 }
@@ -40,6 +41,16 @@ void CompanionStorm::expectToGoOnAfterEach() {
     EXPECT_GT(openings_, 100);
     EXPECT_GT(overlays, 100) << "hardly anything of the storm was understood";
     EXPECT_GT(teller_.errors.size(), 100) << "it told next to no nonsense";
+}
+
+void CompanionStorm::expectToEndWell() {
+    rage(5);
+    leave();
+    EXPECT_TRUE(waitUntil([this] { return !platform_.accessibility.isTrusted(); }));
+    EXPECT_FALSE(SnapController::shared().isDragging());
+    EXPECT_FALSE(SnapController::shared().overlayVisible());
+    panel->close();
+    EXPECT_FALSE(panel->isOpen());
 }
 
 void CompanionStorm::rage(unsigned seed) {

@@ -25,6 +25,7 @@ protected:
         shell.announceExtension();
     }
     void greet(const QByteArray& hello) override { shell.greet(hello); }
+    void leave() override { shell.leave(); }
     // It tells them itself.
     void setControl(bool /*isHeld*/) override {}
     [[nodiscard]] bool isOverlayShown() const override { return shell.overlay.has_value(); }
@@ -37,14 +38,7 @@ protected:
 
 TEST_F(GnomeStorm, LeavesNothingShownOrHeldWhateverIsToldInWhateverOrder) {
     expectToGoOnAfterEach();
-    // The shell's end, in the midst of it.
-    rage(5);
-    shell.leave();
-    EXPECT_TRUE(waitUntil([this] { return !platform->accessibility.isTrusted(); }));
-    EXPECT_FALSE(SnapController::shared().isDragging());
-    EXPECT_FALSE(SnapController::shared().overlayVisible());
-    panel->close();
-    EXPECT_FALSE(panel->isOpen());
+    expectToEndWell();
 }
 
 } // namespace tilewright::testing

@@ -73,6 +73,7 @@ protected:
         EXPECT_TRUE(waitUntil([&] { return kwin.hasCompanion() && kwin.isAnswered(); }));
     }
     void greet(const QByteArray& hello) override { kwin.greet(hello); }
+    void leave() override { kwin.leave(); }
     void setControl(bool isHeld) override {
         compositor.setKey(controlKey, isHeld ? pressed : released);
     }
@@ -96,15 +97,8 @@ protected:
 
 TEST_F(PlasmaStorm, LeavesNothingShownOrHeldWhateverIsToldInWhateverOrder) {
     expectToGoOnAfterEach();
-    // KWin's end on the bus, in the midst of it.
-    rage(5);
-    kwin.leave();
-    EXPECT_TRUE(waitUntil([this] { return !platform->accessibility.isTrusted(); }));
-    EXPECT_FALSE(SnapController::shared().isDragging());
-    EXPECT_FALSE(SnapController::shared().overlayVisible());
+    expectToEndWell();
     EXPECT_TRUE(waitUntil([this] { return !isOverlayShown(); }));
-    panel->close();
-    EXPECT_FALSE(panel->isOpen());
 }
 
 } // namespace tilewright::testing
