@@ -4,6 +4,7 @@
 #include "ProgramInPlasma.h"
 
 #include <QJsonArray>
+#include <csignal>
 #include <cstdlib>
 
 namespace tilewright::testing {
@@ -51,6 +52,28 @@ TEST_F(ProgramInPlasma, OpensItsPanelBelowThePointerAtASecondStartAndClosesItInE
     session.input().move(QPoint(session.frame(panelTitle).left() + 4, 400));
     session.input().click();
     EXPECT_TRUE(waitUntil([&] { return !isPanelOpen(); })) << "another window, through the shadow";
+}
+
+TEST_F(ProgramInPlasma, OpensItsPanelWhereThePointerIsAlsoWhenKWinIsSlowToTell) {
+    session.input().move({1200, 500});
+    openPanel();
+    session.input().tap(KernelKey::escape);
+    ASSERT_TRUE(waitUntil([&] { return !isPanelOpen(); }));
+    constexpr QPoint pointer(600, 300);
+    session.input().move(pointer);
+    session.tell(QStringLiteral("0"));
+    ::kill(session.kwinPid(), SIGSTOP);
+    // As a second start does; that would have to wait for KWin itself.
+    const QString name = QStringLiteral("org.tilewright.Tilewright.Displaywayland_2dtest");
+    const QDBusMessage answer = session.bus().call(QDBusMessage::createMethodCall(
+        name, QStringLiteral("/org/tilewright/Tilewright"),
+        QStringLiteral("org.tilewright.Instance"), QStringLiteral("Activate")));
+    EXPECT_EQ(answer.type(), QDBusMessage::ReplyMessage) << answer.errorMessage().toStdString();
+    const auto isStillThere = [&] { return program->isRunning(); };
+    EXPECT_TRUE(staysTrue(isStillThere, std::chrono::milliseconds(600)));
+    ::kill(session.kwinPid(), SIGCONT);
+    ASSERT_TRUE(waitUntil([&] { return isPanelReady(); })) << session.describe();
+    expectPanelBelow(pointer);
 }
 
 TEST_F(ProgramInPlasma, KnowsItsPanelWhereAnotherWindowHasTheSameTitle) {

@@ -15,8 +15,9 @@ class CompanionInstanceActivation final : public InstanceActivation {
     Q_OBJECT
 
 public:
-    /// How long the companion has to say it.
-    static constexpr std::chrono::milliseconds answerBound{300};
+    /// How long the companion has to say it. A compositor that is too busy to has no panel to show
+    /// either.
+    static constexpr std::chrono::milliseconds answerBound{1000};
 
     /// `display` names the compositor's socket. All others have to outlive this.
     CompanionInstanceActivation(const QString& display, MessageBus& bus, CompanionState& state,
