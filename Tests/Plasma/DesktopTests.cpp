@@ -4,17 +4,28 @@
 
 #include <ProgramInCompositor.h>
 
+#include <QFile>
+#include <QRegularExpression>
+#include <algorithm>
 #include <csignal>
 
 namespace tilewright::testing {
 namespace {
 
 struct ProgramInPlasmasDesktop : ProgramInCompositor<PlasmaSession> {
+    /// Where clients begin.
+    static constexpr QRect start{600, 300, 640, 420};
+
+    /// Whether the program prints, in the home, what it says to the compositor and hears from it.
+    enum class Trace { none, toFile };
+
     explicit ProgramInPlasmasDesktop(
-        PlasmaDesktop::Panel panel = PlasmaDesktop::Panel::besideWindows)
+        PlasmaDesktop::Panel panel = PlasmaDesktop::Panel::besideWindows, Trace trace = Trace::none)
         : ProgramInCompositor(PlasmaDisplays{}, PlasmaSession::Around::desktop)
         , desktop(session, panel)
-        , program(&startProgram(QStringLiteral(TILEWRIGHT_PROGRAM), session.secondConnector())) {
+        , program(&startProgram(trace == Trace::none ? QStringLiteral(TILEWRIGHT_PROGRAM)
+                                                     : tracedProgram(),
+                                session.secondConnector())) {
         EXPECT_TRUE(waitUntil([&] { return session.hasCompanion(); })) << session.describe();
         // It slides into its place.
         const auto isInPlace = [&] { return desktop.newItem() && *desktop.newItem() == item; };
@@ -45,10 +56,43 @@ struct ProgramInPlasmasDesktop : ProgramInCompositor<PlasmaSession> {
         return session.isWindow(title, QStringLiteral("active"));
     }
 
+    [[nodiscard]] QString traceFile() const { return session.home() + QStringLiteral("/trace"); }
+    /// A script that becomes the program, traced.
+    [[nodiscard]] QString tracedProgram() const {
+        QString script = session.home() + QStringLiteral("/traced");
+        writeFile(script, "#!/bin/sh\nWAYLAND_DEBUG=1 exec '" TILEWRIGHT_PROGRAM "' 2>'" +
+                              QFile::encodeName(traceFile()) + "'\n");
+        EXPECT_TRUE(QFile::setPermissions(script, QFile::ReadOwner | QFile::ExeOwner));
+        return script;
+    }
+
     PlasmaDesktop desktop;
     Subprocess* const program;
     /// Where the tray shows it.
     QPoint item;
+};
+
+struct ProgramTracedInPlasmasDesktop : ProgramInPlasmasDesktop {
+    ProgramTracedInPlasmasDesktop()
+        : ProgramInPlasmasDesktop(PlasmaDesktop::Panel::besideWindows, Trace::toFile) {}
+    /// How often the program has asked to come to the front with a token that it had not asked the
+    /// compositor for itself.
+    [[nodiscard]] qsizetype leavesFromElsewhere() const {
+        QFile file(traceFile());
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        const QString trace = QString::fromUtf8(file.readAll());
+        const auto tokens = [&trace](const QString& before) {
+            const QRegularExpression call(before + QStringLiteral("\\(\"([^\"]+)\""));
+            QStringList found;
+            for (const QRegularExpressionMatch& match : call.globalMatch(trace))
+                found += match.captured(1);
+            return found;
+        };
+        const QStringList own = tokens(QStringLiteral("xdg_activation_token_v1[@#]\\d+\\.done"));
+        const QStringList used = tokens(QStringLiteral("xdg_activation_v1[@#]\\d+\\.activate"));
+        return std::count_if(used.begin(), used.end(),
+                             [&own](const QString& token) { return !own.contains(token); });
+    }
 };
 
 struct ProgramBelowPlasmasPanel : ProgramInPlasmasDesktop {
@@ -78,12 +122,43 @@ TEST_F(ProgramInPlasmasDesktop, KeepsTheDisplayAwakeUntilItIsToldToStopOrIsKille
         *program, [&] { openPanel(); }, [&] { return desktop.isKeptAwake(); }, plasmaThinksItOver);
 }
 
-TEST_F(ProgramInPlasmasDesktop, DividesWhatThePanelLeavesOfTheDisplay) {
-    const QString title = session.startClient(CompositorClient::qt, {600, 300, 640, 420});
-    dragToFirstZone(title);
-    drop();
-    EXPECT_TRUE(endsIn(title, zone(0))) << session.describe();
-    EXPECT_TRUE(waitUntil([&] { return !isHighlighted(zone(0)); }));
+TEST_F(ProgramInPlasmasDesktop, DividesWhatThePanelLeavesOfTheDisplayWhicheverWayItHides) {
+    const QString title = session.startClient(CompositorClient::qt, start);
+    const QRect display = session.displays().front();
+    const QRect beside = workArea();
+    ASSERT_LT(beside.height(), display.height());
+    const auto expectItDivides = [&](const QRect& area, const QString& hiding) {
+        SCOPED_TRACE(hiding.toStdString());
+        ASSERT_EQ(desktop.setPanelHiding(hiding), hiding);
+        // Plasma takes its time.
+        ASSERT_TRUE(waitUntil([&] { return workArea() == area; }, std::chrono::seconds(20)))
+            << "the work area ends at " << workArea().bottom();
+        dragToFirstZone(title);
+        drop();
+        EXPECT_TRUE(endsIn(title, zone(0))) << session.describe();
+        EXPECT_TRUE(waitUntil([&] { return !isHighlighted(zone(0)); }));
+        session.place(title, start);
+    };
+    const bool isPlasma5 = session.generation() == 5;
+    expectItDivides(beside, QStringLiteral("none"));
+    expectItDivides(display, QStringLiteral("autohide"));
+    expectItDivides(display,
+                    isPlasma5 ? QStringLiteral("windowscover") : QStringLiteral("dodgewindows"));
+    expectItDivides(beside, QStringLiteral("none"));
+}
+
+TEST_F(ProgramTracedInPlasmasDesktop, ComesToTheFrontWithTheLeaveThatTheTrayHandsIt) {
+    const QString other = session.startClient(CompositorClient::qt, start);
+    ASSERT_TRUE(waitUntil([&] { return isInFront(other); })) << session.describe();
+    openPanel();
+    EXPECT_TRUE(waitUntil([&] { return leavesFromElsewhere() == 1; }))
+        << leavesFromElsewhere() << session.describe();
+    // No shadow fits below the panel there.
+    constexpr int shadowBelow = 20;
+    session.input().move(settingsInPanel() + QPoint(0, shadowBelow));
+    session.input().click();
+    EXPECT_TRUE(waitUntil([&] { return isInFront(settingsTitle); })) << session.describe();
+    EXPECT_EQ(leavesFromElsewhere(), 1) << "used once";
 }
 
 TEST_F(ProgramBelowPlasmasPanel, ShowsItsZonesAboveThatAndAboveAFullScreenWindow) {

@@ -61,6 +61,16 @@ QRect PlasmaDesktop::panel() const {
     return session_.frameOf(QStringLiteral("all().filter(window => window.dock)[0]"));
 }
 
+QString PlasmaDesktop::setPanelHiding(const QString& how) {
+    QDBusMessage script = QDBusMessage::createMethodCall(
+        QStringLiteral("org.kde.plasmashell"), QStringLiteral("/PlasmaShell"),
+        QStringLiteral("org.kde.PlasmaShell"), QStringLiteral("evaluateScript"));
+    script << QStringLiteral("panels()[0].hiding = '%1'; print(panels()[0].hiding)").arg(how);
+    const QDBusReply<QString> printed = session_.bus().call(script);
+    EXPECT_TRUE(printed.isValid()) << printed.error().message().toStdString();
+    return printed.value().trimmed();
+}
+
 QRect PlasmaDesktop::workArea() const {
     return session_.frameOf(
         QStringLiteral("({frameGeometry: workspace.clientArea(KWin.MaximizeArea, all()[0])})"));

@@ -20,6 +20,9 @@ public:
     [[nodiscard]] std::optional<QPoint> newItem() const;
     /// Whether somebody keeps the display awake, as Plasma tells everybody who asks.
     [[nodiscard]] bool isKeptAwake() const;
+    /// Has the user choose what the panel does about windows, as Plasma's scripts call it. Answers
+    /// what Plasma has then.
+    QString setPanelHiding(const QString& how);
     /// Plasma's panel, with what it leaves bare around itself.
     [[nodiscard]] QRect panel() const;
     /// What a maximized window would fill.
