@@ -173,6 +173,15 @@ void GnomeSession::place(const QString& title, QRect area) {
         << " stays " << frame(title).width() << " x " << frame(title).height() << describe();
 }
 
+void GnomeSession::waitUntilShown() {
+    tell(QStringLiteral("(() => { globalThis.isShown = false;"
+                        "const id = global.stage.connect('after-paint', () => {"
+                        "global.stage.disconnect(id); globalThis.isShown = true; });"
+                        "global.stage.queue_redraw(); })()"));
+    EXPECT_TRUE(waitUntil([&] { return ask(QStringLiteral("globalThis.isShown")).toBool(); }))
+        << describe();
+}
+
 bool GnomeSession::isDragging() {
     return ask(QStringLiteral("global.display.get_grab_op ? global.display.get_grab_op() !== 0"
                               " : global.display.is_grabbed()"))

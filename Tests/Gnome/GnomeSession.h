@@ -40,6 +40,7 @@ public:
 
     [[nodiscard]] QRect frame(const QString& title) override;
     void place(const QString& title, QRect area) override;
+    void waitUntilShown() override;
     [[nodiscard]] bool isDragging() override;
     [[nodiscard]] QImage picture() override;
     /// What is free of bars of the display that begins there.

@@ -198,6 +198,7 @@ void CompositorSession::grab(const QString& title) {
     constexpr std::chrono::milliseconds onceTold{1500};
     constexpr int attempts = 4;
     for (int attempt = 1; attempt <= attempts; ++attempt) {
+        waitUntilShown();
         const QRect before = frame(title);
         const QPoint from = QPoint(before.center().x(), before.top()) + inTitleBar;
         input_->move(from);

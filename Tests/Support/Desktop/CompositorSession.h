@@ -59,6 +59,9 @@ public:
     [[nodiscard]] virtual QRect frame(const QString& title) = 0;
     /// Gives a window a frame, as if the compositor did so of its own, and waits for it.
     virtual void place(const QString& title, QRect area) = 0;
+    /// Waits until all windows are shown where the compositor has them by now, where it tells a
+    /// client of a press by where its window was shown last.
+    virtual void waitUntilShown() {}
     /// Whether the compositor is moving a window for the user.
     [[nodiscard]] virtual bool isDragging() = 0;
     /// Takes hold of a window by its title bar and drags it some way; fails the test where the
