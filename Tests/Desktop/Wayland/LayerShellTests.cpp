@@ -51,10 +51,20 @@ protected:
         environment.insert(u"QT_QPA_PLATFORM"_s, u"wayland"_s);
         ASSERT_TRUE(window.start(QStringLiteral(TILEWRIGHT_TEST_WINDOW),
                                  {u"Beneath"_s, u"window"_s}, environment));
-        const QImage empty = sway.picture(display);
+        // Until it fills the display there is something of both, however long that lasts.
+        waitUntilAllOver(Tone::light);
+    }
+    /// What a display shows without the overlay: sway's ground, or the window.
+    enum class Tone { dark, light };
+    /// Waits until the display shows nothing else, and takes that for what is beneath.
+    void waitUntilAllOver(Tone tone) {
         ASSERT_TRUE(waitUntil([&] {
             beneath = sway.picture(display);
-            return difference(beneath, empty) > 16 && beneath == sway.picture(display);
+            if (beneath.isNull() || (qGray(beneath.pixel(0, 0)) > 128) != (tone == Tone::light))
+                return false;
+            QImage plain(beneath.size(), beneath.format());
+            plain.fill(beneath.pixel(0, 0));
+            return beneath == plain;
         }));
     }
     void highlight(std::size_t zone) {
@@ -126,7 +136,7 @@ class LayerShellSession : public LayerShellDesktop {
 protected:
     LayerShellSession()
         : LayerShellDesktop(1) {
-        beneath = sway.picture(display);
+        waitUntilAllOver(Tone::dark);
     }
 };
 
