@@ -69,6 +69,9 @@ private:
     /// The pixels of the bar that have the item's tone.
     [[nodiscard]] QRegion itemPixels();
     [[nodiscard]] std::optional<QPoint> findItem();
+    /// Whether the program shows a window on the bar, which it takes away for the host that there
+    /// is: a click on that one may go nowhere.
+    [[nodiscard]] bool isInFormerHost();
     [[nodiscard]] std::vector<int> amberRows(const QRect& panel);
 
     DesktopSession session_;
