@@ -37,7 +37,6 @@ void replaceIn(const QString& path, const QString& pattern, const QString& repla
 DebianRoot::DebianRoot() {
     for (const char* part : {"/var/lib/dpkg/info", "/var/lib/dpkg/updates", "/packages"})
         QDir().mkpath(path() + QLatin1String(part));
-    writeFile(path() + QStringLiteral("/var/lib/dpkg/status"), {});
     const QString packages = path() + QStringLiteral("/packages");
     run(QStringLiteral("cpack"),
         {QStringLiteral("--config"), QStringLiteral(TILEWRIGHT_BUILD_FOLDER "/CPackConfig.cmake"),
@@ -45,6 +44,18 @@ DebianRoot::DebianRoot() {
     const QStringList built = QDir(packages).entryList({QStringLiteral("tilewright_*.deb")});
     EXPECT_EQ(built.size(), 1);
     package_ = packages + u'/' + built.value(0);
+    writeFile(path() + QStringLiteral("/var/lib/dpkg/status"), whatItNeeds().toUtf8());
+}
+
+QString DebianRoot::whatItNeeds() const {
+    const QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    QStringList arguments{QStringLiteral("--status")};
+    const QString needs =
+        outputOf(QStringLiteral("dpkg-deb"),
+                 {QStringLiteral("-f"), package_, QStringLiteral("Depends")}, environment);
+    for (const QString& entry : needs.split(u','))
+        arguments.append(entry.trimmed().section(u' ', 0, 0));
+    return outputOf(QStringLiteral("dpkg"), arguments, environment);
 }
 
 QString DebianRoot::packageAsVersion(const QString& version) const {
@@ -75,8 +86,7 @@ QStringList DebianRoot::installed() const {
 
 void DebianRoot::dpkg(const QStringList& arguments) const {
     run(QStringLiteral("dpkg"),
-        QStringList{QStringLiteral("--root=") + path(), QStringLiteral("--force-depends"),
-                    QStringLiteral("--force-not-root"),
+        QStringList{QStringLiteral("--root=") + path(), QStringLiteral("--force-not-root"),
                     // A machine may be set up to leave manuals out.
                     QStringLiteral("--path-include=/usr/*"), QStringLiteral("--log=/dev/null")} +
             arguments);

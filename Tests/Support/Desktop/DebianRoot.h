@@ -6,7 +6,8 @@
 
 namespace tilewright::testing {
 
-/// The Debian package of this build, and a folder that dpkg takes for the whole system.
+/// The Debian package of this build, and a folder that dpkg takes for the whole system: one that
+/// has of what the package needs whatever this machine has, in its versions.
 class DebianRoot {
 public:
     /// Builds the package; nothing is installed yet.
@@ -28,6 +29,8 @@ public:
     }
 
 private:
+    /// What dpkg has on record of the packages that the package names as needed.
+    [[nodiscard]] QString whatItNeeds() const;
     void dpkg(const QStringList& arguments) const;
 
     QTemporaryDir folder_;
