@@ -2,7 +2,6 @@
 
 #include <QDBusAbstractAdaptor>
 #include <QDBusMessage>
-#include <utility>
 
 namespace tilewright {
 
@@ -48,22 +47,10 @@ public:
         , instance_(instance) {}
 
 public Q_SLOTS:
-    void Activate() {
-        // Anybody on the bus may ask. Wishes that wait together are one.
-        if (std::exchange(isActivationPosted_, true))
-            return;
-        QMetaObject::invokeMethod(
-            this,
-            [this] {
-                isActivationPosted_ = false;
-                Q_EMIT instance_->activationRequested();
-            },
-            Qt::QueuedConnection);
-    }
+    void Activate() { instance_->requestActivation(); }
 
 private:
     InstanceActivation* instance_;
-    bool isActivationPosted_ = false;
 };
 
 } // namespace

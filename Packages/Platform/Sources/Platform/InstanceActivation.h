@@ -23,9 +23,16 @@ public:
     /// Claims to be the one instance; called once at start.
     [[nodiscard]] virtual Claim claim() = 0;
 
+    /// Tells on a later turn that somebody asked, who may be anybody: once of requests that wait
+    /// together.
+    void requestActivation();
+
 Q_SIGNALS:
     /// The program was started again: show the panel near the pointer.
     void activationRequested();
+
+private:
+    bool isRequestPosted_ = false;
 };
 
 } // namespace tilewright

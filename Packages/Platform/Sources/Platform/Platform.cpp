@@ -24,7 +24,6 @@ std::vector<std::function<void()>>& uninstallActions() {
 } // namespace
 
 StatusItem::~StatusItem() = default;
-InstanceActivation::~InstanceActivation() = default;
 PanelSurface::~PanelSurface() = default;
 Workspace::~Workspace() = default;
 Appearance::~Appearance() = default;

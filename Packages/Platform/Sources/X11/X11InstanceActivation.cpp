@@ -75,19 +75,9 @@ void X11InstanceActivation::ask(xcb_window_t first) {
 }
 
 void X11InstanceActivation::heard(const xcb_generic_event_t& event) {
-    if (eventType(event) != XCB_CLIENT_MESSAGE ||
-        eventAs<xcb_client_message_event_t>(event).type != selection_)
-        return;
-    // Anybody on the display may ask. Wishes that wait together are one.
-    if (std::exchange(isActivationPosted_, true))
-        return;
-    QMetaObject::invokeMethod(
-        this,
-        [this] {
-            isActivationPosted_ = false;
-            Q_EMIT activationRequested();
-        },
-        Qt::QueuedConnection);
+    if (eventType(event) == XCB_CLIENT_MESSAGE &&
+        eventAs<xcb_client_message_event_t>(event).type == selection_)
+        requestActivation();
 }
 
 } // namespace tilewright

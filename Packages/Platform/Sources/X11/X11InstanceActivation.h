@@ -27,7 +27,6 @@ private:
     const xcb_atom_t selection_;
     xcb_window_t window_ = XCB_NONE;
     X11Listener listener_;
-    bool isActivationPosted_ = false;
 };
 
 } // namespace tilewright
