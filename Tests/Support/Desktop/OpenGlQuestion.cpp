@@ -13,10 +13,10 @@ class OpenGlQuestion final : public QGenericPlugin {
     Q_PLUGIN_METADATA(IID QGenericPluginFactoryInterface_iid FILE "OpenGlQuestion.json")
 
 public:
-    QObject* create(const QString& /*key*/, const QString& specification) override {
+    QObject* create(const QString& /*key*/, const QString& file) override {
         QOpenGLContext context;
         const bool isThere = context.create();
-        QFile answer(specification);
+        QFile answer(file);
         if (answer.open(QIODevice::WriteOnly))
             answer.write(isThere ? "yes" : "no");
         return nullptr;
