@@ -56,12 +56,10 @@ TEST_F(KWinWithTwoDisplays, TellsOfThePrimaryOneThatTheUserChoosesWhereScriptsAr
     EXPECT_EQ(primariesIn("Hello"), isTold ? theSecond : theFirst);
     if (!isTold)
         return;
-    session.changeSecondDisplay(QStringLiteral("priority.2"));
-    EXPECT_TRUE(waitUntil([&] { return primariesIn("Displays") == theFirst; }))
-        << session.describe();
-    session.changeSecondDisplay(QStringLiteral("priority.1"));
-    EXPECT_TRUE(waitUntil([&] { return primariesIn("Displays") == theSecond; }))
-        << session.describe();
+    session.changeSecondDisplay(QStringLiteral("priority.2"),
+                                [&] { return primariesIn("Displays") == theFirst; });
+    session.changeSecondDisplay(QStringLiteral("priority.1"),
+                                [&] { return primariesIn("Displays") == theSecond; });
 }
 
 TEST_F(KWinWithAStandIn, TellsOfOneMotionAtATimeAndOfTheNewestNext) {

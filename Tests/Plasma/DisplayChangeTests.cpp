@@ -35,9 +35,7 @@ struct ProgramAmongChangingDisplays : ProgramInPlasma {
     /// frames.
     void change(const QString& what, const std::vector<QRect>& frames) {
         const int before = painting.beginnings();
-        session.changeSecondDisplay(what);
-        EXPECT_TRUE(waitUntil([&] { return session.currentDisplays() == frames; }))
-            << what.toStdString() << session.describe();
+        session.changeSecondDisplay(what, [&] { return session.currentDisplays() == frames; });
         if (session.generation() == 5)
             awaitCompanionAfter(before);
     }

@@ -275,12 +275,16 @@ std::vector<QRect> PlasmaSession::currentDisplays() {
     return frames;
 }
 
-void PlasmaSession::changeSecondDisplay(const QString& what) {
+void PlasmaSession::changeSecondDisplay(const QString& what, const std::function<bool()>& isDone) {
     Subprocess& tool = start(QStringLiteral("kscreen-doctor"),
                              {QStringLiteral("output.%1.%2").arg(secondConnector(), what)},
                              {{QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("wayland")},
                               {QStringLiteral("KSCREEN_BACKEND_INPROCESS"), QStringLiteral("1")}});
-    EXPECT_TRUE(tool.waitForEnd()) << describe();
+    EXPECT_TRUE(waitUntil(isDone)) << what.toStdString() << describe();
+    // At times it does not end after it has said that it has done so.
+    constexpr int longestEnd = 5'000;
+    if (!tool.waitForEnd(longestEnd))
+        tool.stop();
 }
 
 bool PlasmaSession::isWindow(const QString& title, const QString& property) {

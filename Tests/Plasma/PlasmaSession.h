@@ -66,8 +66,9 @@ public:
     /// Those that KWin has now, after whatever was done to them.
     [[nodiscard]] std::vector<QRect> currentDisplays();
 
-    /// Has KWin do that to the second display, by Plasma's own tool, which calls it so.
-    void changeSecondDisplay(const QString& what);
+    /// Has KWin do that to the second display, by Plasma's own tool, which calls it so, and waits
+    /// until it is done.
+    void changeSecondDisplay(const QString& what, const std::function<bool()>& isDone);
 
     /// How far a frame may be from what was asked for: KWin 6 and its clients make sizes whole
     /// pixels, each of the parts of a window by itself.

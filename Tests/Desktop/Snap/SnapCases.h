@@ -53,6 +53,9 @@ private:
     /// Opens a window, drags it and has it close meanwhile; returns when the window manager has
     /// taken note of that, or has ended.
     void closeWhileDragged(ClientKind kind, KeyTiming timing, QPoint from);
+    /// Has the window manager move that window a little, and back; false where it has ended by
+    /// then.
+    [[nodiscard]] bool movesThereAndBack(const TestClient& client) const;
     void maximise(const TestClient& client) const;
     void dragAndDrop(ClientKind kind, const TestClient& client, KeyTiming timing, QPoint target,
                      const QRect& expected);
