@@ -69,7 +69,8 @@ TEST_P(CompanionDrag, OfAMaximizedWindowEndsInTheZonesFrame) {
     ASSERT_TRUE(waitUntil([&] { return isInFront(title); })) << session.describe();
     session.tell(QStringLiteral("global.display.focus_window.maximize("
                                 "imports.gi.Meta.MaximizeFlags.BOTH)"));
-    ASSERT_TRUE(waitUntil([&] { return session.frame(title).width() == 1920; }));
+    ASSERT_TRUE(waitUntil([&] { return session.frame(title).width() == 1920; }))
+        << text(session.frame(title)) << session.describe();
     dragToLeftZone(title);
     session.input().release();
     EXPECT_TRUE(waitUntil([&] { return session.frame(title) == leftZone; })) << session.describe();

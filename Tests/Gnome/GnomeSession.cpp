@@ -170,7 +170,7 @@ void GnomeSession::place(const QString& title, QRect area) {
         tell(script);
         return waitUntil([&] { return frame(title) == area; }, once);
     })) << title.toStdString()
-        << " stays " << frame(title).width() << " x " << frame(title).height() << describe();
+        << " has " << text(frame(title)) << " instead of " << text(area) << describe();
 }
 
 void GnomeSession::waitUntilShown() {

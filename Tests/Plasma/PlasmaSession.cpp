@@ -249,8 +249,8 @@ void PlasmaSession::place(const QString& title, QRect area) {
              .arg(area.width())
              .arg(area.height()));
     EXPECT_TRUE(waitUntil([&] { return isNear(frame(title), area, roundOff()); }))
-        << title.toStdString() << " does not get its place, but has "
-        << ::testing::PrintToString(frame(title)) << describe();
+        << title.toStdString() << " does not get its place, but has " << text(frame(title))
+        << describe();
 }
 
 QRect PlasmaSession::frame(const QString& title) {

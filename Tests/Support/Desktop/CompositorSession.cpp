@@ -44,6 +44,15 @@ bool isNear(const QRect& frame, const QRect& other, int tolerance) {
            !differ(frame.width(), other.width()) && !differ(frame.height(), other.height());
 }
 
+std::string text(const QRect& frame) {
+    return QStringLiteral("%1 x %2 at %3, %4")
+        .arg(frame.width())
+        .arg(frame.height())
+        .arg(frame.x())
+        .arg(frame.y())
+        .toStdString();
+}
+
 CompositorSession::CompositorSession(const QString& desktop)
     : witness_(QStringLiteral("witness-") + home_.path()) {
     set("XDG_SESSION_TYPE", QStringLiteral("wayland"));
@@ -166,14 +175,20 @@ void CompositorSession::keepFree(const QString& bar, int height) {
 void CompositorSession::startProgramOf(CompositorClient client, const QString& title) {
     const QString platform = QStringLiteral("QT_QPA_PLATFORM");
     const QStringList arguments{title, QStringLiteral("window")};
+    const auto startTraced = [&](const QString& program, const QStringList& with,
+                                 std::map<QString, QString> environment = {}) {
+        environment[QStringLiteral("WAYLAND_DEBUG")] = QStringLiteral("client");
+        home_.start(program, with, environment, title + QStringLiteral(".log"));
+    };
     switch (client) {
     case CompositorClient::qt:
-        start(QStringLiteral(TILEWRIGHT_TEST_WINDOW), arguments,
-              {{platform, QStringLiteral("wayland")}});
+        startTraced(QStringLiteral(TILEWRIGHT_TEST_WINDOW), arguments,
+                    {{platform, QStringLiteral("wayland")}});
         break;
     case CompositorClient::gtk4:
-        start(QStringLiteral("/usr/bin/python3"), {QStringLiteral(TILEWRIGHT_GTK4_WINDOW), title},
-              {{QStringLiteral("GSK_RENDERER"), QStringLiteral("cairo")}});
+        startTraced(QStringLiteral("/usr/bin/python3"),
+                    {QStringLiteral(TILEWRIGHT_GTK4_WINDOW), title},
+                    {{QStringLiteral("GSK_RENDERER"), QStringLiteral("cairo")}});
         break;
     case CompositorClient::xwayland: {
         std::map<QString, QString> environment = xServer();
@@ -187,7 +202,7 @@ void CompositorSession::startProgramOf(CompositorClient client, const QString& t
             shell,
             QStringLiteral("#!/bin/sh\nprintf '\\033]0;%1\\007'\nexec cat\n").arg(title).toUtf8());
         EXPECT_TRUE(QFile::setPermissions(shell, QFile::ReadOwner | QFile::ExeOwner));
-        start(QStringLiteral("weston-terminal"), {QStringLiteral("--shell=") + shell});
+        startTraced(QStringLiteral("weston-terminal"), {QStringLiteral("--shell=") + shell});
         break;
     }
     }

@@ -23,6 +23,9 @@ enum class CompositorClient { qt, gtk4, xwayland, terminal };
 /// Whether neither the place nor the size of two frames differs by more than that along a side.
 [[nodiscard]] bool isNear(const QRect& frame, const QRect& other, int tolerance);
 
+/// A frame for the message of a failed test.
+[[nodiscard]] std::string text(const QRect& frame);
+
 /// A session of a compositor on Wayland of a test's own: without a screen, with a home, a session
 /// bus and a system bus of its own. It and whatever was started in it are gone when the object
 /// ends. All places are the compositor's units.

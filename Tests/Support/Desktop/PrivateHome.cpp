@@ -8,6 +8,20 @@
 
 namespace tilewright::testing {
 
+namespace {
+
+/// Some 30 lines.
+std::string lastPartOf(const QString& path) {
+    constexpr qint64 lastPart = 3000;
+    QFile log(path);
+    if (!log.open(QIODevice::ReadOnly))
+        return "nothing\n";
+    log.seek(std::max<qint64>(0, log.size() - lastPart));
+    return log.readAll().toStdString();
+}
+
+} // namespace
+
 void writeFile(const QString& path, const QByteArray& contents) {
     EXPECT_TRUE(QDir().mkpath(QFileInfo(path).path()));
     QFile file(path);
@@ -48,12 +62,16 @@ void PrivateHome::set(const char* variable, const QString& value) {
 }
 
 Subprocess& PrivateHome::start(const QString& program, const QStringList& arguments,
-                               const std::map<QString, QString>& moreEnvironment) {
+                               const std::map<QString, QString>& moreEnvironment,
+                               const QString& ownLog) {
     QProcessEnvironment environment = environment_;
     for (const auto& [key, value] : moreEnvironment)
         environment.insert(key, value);
     auto& process = *programs_.emplace_back(std::make_unique<Subprocess>());
-    EXPECT_TRUE(process.start(program, arguments, environment, logFile()))
+    if (!ownLog.isEmpty())
+        ownLogs_.append(folder_.filePath(ownLog));
+    EXPECT_TRUE(process.start(program, arguments, environment,
+                              ownLog.isEmpty() ? logFile() : ownLogs_.last()))
         << program.toStdString() << " did not start";
     return process;
 }
@@ -63,12 +81,10 @@ QString PrivateHome::logFile() const {
 }
 
 std::string PrivateHome::lastPrinted() const {
-    constexpr qint64 lastPart = 3000;
-    QFile log(logFile());
-    if (!log.open(QIODevice::ReadOnly))
-        return "\nnothing was printed\n";
-    log.seek(std::max<qint64>(0, log.size() - lastPart));
-    return "\nthe programs printed:\n" + log.readAll().toStdString();
+    std::string text = "\nthe programs printed:\n" + lastPartOf(logFile());
+    for (const QString& log : ownLogs_)
+        text += '\n' + QFileInfo(log).fileName().toStdString() + ":\n" + lastPartOf(log);
+    return text;
 }
 
 } // namespace tilewright::testing

@@ -33,15 +33,17 @@ public:
     /// Gives the environment of programs started from now on a variable.
     void set(const char* variable, const QString& value);
 
-    /// Starts a program; it ends with the home. The reference stays valid.
+    /// Starts a program; it ends with the home. The reference stays valid. It prints to logFile(),
+    /// or to a log of its own with that name.
     Subprocess& start(const QString& program, const QStringList& arguments = {},
-                      const std::map<QString, QString>& moreEnvironment = {});
+                      const std::map<QString, QString>& moreEnvironment = {},
+                      const QString& ownLog = {});
     /// Ends what was started here.
     void endPrograms() { programs_.clear(); }
 
-    /// Where programs started here print to.
+    /// Where programs started here print to that have no log of their own.
     [[nodiscard]] QString logFile() const;
-    /// What they have printed last, for the message of a failed test.
+    /// What has been printed last, to each log, for the message of a failed test.
     [[nodiscard]] std::string lastPrinted() const;
 
 private:
@@ -49,6 +51,7 @@ private:
     QTemporaryDir folder_;
     QProcessEnvironment environment_;
     std::vector<std::unique_ptr<Subprocess>> programs_;
+    QStringList ownLogs_;
 };
 
 } // namespace tilewright::testing

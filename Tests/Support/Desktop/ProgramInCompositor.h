@@ -76,9 +76,14 @@ struct ProgramInCompositor : ::testing::Test {
     }
 
     /// Whether a window gets a frame that is no more than that off, and keeps it.
-    [[nodiscard]] bool endsIn(const QString& title, const QRect& frame, int tolerance = 0) {
+    [[nodiscard]] ::testing::AssertionResult endsIn(const QString& title, const QRect& frame,
+                                                    int tolerance = 0) {
         const auto isThere = [&] { return isNear(session.frame(title), frame, tolerance); };
-        return waitUntil(isThere) && staysTrue(isThere, std::chrono::milliseconds(400));
+        if (waitUntil(isThere) && staysTrue(isThere, std::chrono::milliseconds(400)))
+            return ::testing::AssertionSuccess();
+        return ::testing::AssertionFailure()
+               << title.toStdString() << " has " << text(session.frame(title)) << " instead of "
+               << text(frame);
     }
     /// Drags a window twice, and expects that the program does nothing to it: one drag is cancelled
     /// by Escape, the other has no key held.
