@@ -204,13 +204,10 @@ void CompanionBus::postAnswers() {
         send(calls_.front());
         calls_.pop_front();
     }
-    if (std::exchange(areAnswersPosted_, true))
-        return;
-    loop_.post(life_.guard([this] { answer(); }));
+    answering_.post();
 }
 
 void CompanionBus::answer() {
-    areAnswersPosted_ = false;
     // A carrier sees its window close, as it would see it come.
     if (carrier_)
         outbox_.dropClosedPanel();

@@ -7,6 +7,7 @@
 #include <FreeDesktop/MessageBus.h>
 #include <Platform/Lifetime.h>
 #include <Platform/MainLoop.h>
+#include <Platform/PostedCall.h>
 
 #include <QDBusMessage>
 #include <QObject>
@@ -94,10 +95,10 @@ private:
     /// The call that waits for commands.
     std::optional<QDBusMessage> poll_;
     bool isReceiving_ = false;
-    bool areAnswersPosted_ = false;
     /// How many messages may still come now, and when that was counted.
     double allowance_ = mostMessagesASecond;
     MainLoop::Interval counted_{0};
+    PostedCall answering_{loop_, [this] { answer(); }};
     Lifetime life_;
 };
 

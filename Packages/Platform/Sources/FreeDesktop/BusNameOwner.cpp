@@ -27,17 +27,12 @@ BusNameOwner::~BusNameOwner() = default;
 void BusNameOwner::heard(const QString& owner) {
     hasHeard_ = true;
     newest_ = owner;
-    if (std::exchange(isNewsPosted_, true))
-        return;
-    // Somebody may take and give up a name as fast as he can.
-    QMetaObject::invokeMethod(
-        this,
-        [this] {
-            isNewsPosted_ = false;
-            owner_ = newest_;
-            Q_EMIT changed();
-        },
-        Qt::QueuedConnection);
+    news_.post();
+}
+
+void BusNameOwner::tell() {
+    owner_ = newest_;
+    Q_EMIT changed();
 }
 
 } // namespace tilewright

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <Platform/PostedCall.h>
+#include <Platform/QtMainLoop.h>
+
 #include <QDBusConnection>
 #include <QObject>
 #include <QString>
@@ -28,11 +31,14 @@ Q_SIGNALS:
 
 private:
     void heard(const QString& owner);
+    void tell();
 
     QString owner_;
     QString newest_;
     bool hasHeard_ = false;
-    bool isNewsPosted_ = false;
+    QtMainLoop loop_;
+    /// Somebody may take and give up a name as fast as he can.
+    PostedCall news_{loop_, [this] { tell(); }};
 };
 
 } // namespace tilewright

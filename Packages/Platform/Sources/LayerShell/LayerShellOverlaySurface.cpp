@@ -194,12 +194,7 @@ void LayerShellOverlaySurface::repaint(const QRegion& region) {
     if (!isShown_ || size_.isEmpty())
         return;
     dirty_ += region;
-    if (std::exchange(isPaintPosted_, true))
-        return;
-    loop_.post(life_.guard([this] {
-        isPaintPosted_ = false;
-        paint();
-    }));
+    painting_.post();
 }
 
 void LayerShellOverlaySurface::paint() {

@@ -10,6 +10,7 @@
 #include <Platform/MainLoop.h>
 #include <Platform/OverlaySurface.h>
 #include <Platform/Pointer.h>
+#include <Platform/PostedCall.h>
 
 #include <chrono>
 #include <functional>
@@ -85,12 +86,12 @@ private:
     std::unique_ptr<OverlayBuffer> veil_;
     /// What has to be painted.
     QRegion dirty_;
-    bool isPaintPosted_ = false;
     ScopedTimer releasing_;
     /// Ends what tells of drags.
     std::function<void()> forgetDrags_;
     bool isDragging_ = false;
     std::vector<QMetaObject::Connection> following_;
+    PostedCall painting_{loop_, [this] { paint(); }};
     Lifetime life_;
 };
 

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "PostedCall.h"
+#include "QtMainLoop.h"
+
 #include <QObject>
 
 namespace tilewright {
@@ -32,7 +35,8 @@ Q_SIGNALS:
     void activationRequested();
 
 private:
-    bool isRequestPosted_ = false;
+    QtMainLoop loop_;
+    PostedCall request_{loop_, [this] { Q_EMIT activationRequested(); }};
 };
 
 } // namespace tilewright

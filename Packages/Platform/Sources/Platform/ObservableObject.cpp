@@ -8,7 +8,7 @@ ObservableObject::~ObservableObject() = default;
 
 Refresh::Refresh(std::function<void()> action, QObject* parent)
     : QObject(parent)
-    , action_(std::move(action)) {}
+    , call_(Platform::current().mainLoop, std::move(action)) {}
 
 Refresh::~Refresh() = default;
 
@@ -17,13 +17,7 @@ void Refresh::observe(const ObservableObject& object) {
 }
 
 void Refresh::schedule() {
-    if (isScheduled_)
-        return;
-    isScheduled_ = true;
-    Platform::current().mainLoop.post(life_.guard([this] {
-        isScheduled_ = false;
-        action_();
-    }));
+    call_.post();
 }
 
 } // namespace tilewright

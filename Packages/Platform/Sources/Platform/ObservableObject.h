@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Lifetime.h"
+#include "PostedCall.h"
 
 #include <QObject>
 #include <functional>
@@ -63,9 +63,7 @@ public:
     void schedule();
 
 private:
-    std::function<void()> action_;
-    bool isScheduled_ = false;
-    Lifetime life_;
+    PostedCall call_;
 };
 
 } // namespace tilewright

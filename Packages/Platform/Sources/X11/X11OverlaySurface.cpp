@@ -186,12 +186,8 @@ void X11OverlaySurface::readBlurOffer() {
 
 void X11OverlaySurface::repaint(const QRegion& region) {
     dirty_ += region;
-    if (!isShown_ || std::exchange(isPaintPosted_, true))
-        return;
-    loop_.post(life_.guard([this] {
-        isPaintPosted_ = false;
-        paint(Painting::whenRead);
-    }));
+    if (isShown_)
+        painting_.post();
 }
 
 void X11OverlaySurface::paint(Painting when) {

@@ -10,6 +10,7 @@
 #include <Platform/Lifetime.h>
 #include <Platform/MainLoop.h>
 #include <Platform/OverlaySurface.h>
+#include <Platform/PostedCall.h>
 
 #include <chrono>
 #include <memory>
@@ -91,8 +92,8 @@ private:
     ScopedTimer appearing_;
     ScopedTimer releasing_;
     bool isShown_ = false;
-    bool isPaintPosted_ = false;
     bool isBlurOffered_ = false;
+    PostedCall painting_{loop_, [this] { paint(Painting::whenRead); }};
     Lifetime life_;
 };
 
