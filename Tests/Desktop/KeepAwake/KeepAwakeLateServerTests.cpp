@@ -79,6 +79,24 @@ TEST_F(KeepAwakeOnALateServer, WhatItSuspendsTooLateIsKeptUntilTheSessionEnds) {
     EXPECT_TRUE(waitUntil([&] { return desktop.isBlanked(); }));
 }
 
+TEST_F(KeepAwakeOnALateServer, MoreThanAHeldServerTakesInIsNotWaitedForAndComesToItLater) {
+    const auto name = u"org.mate.ScreenSaver"_s;
+    desktop.startService(name, {u"--path"_s, u"/org/mate/ScreenSaver"_s, u"--interface"_s, name});
+    KeepAwakeHost host(desktop.environment());
+    holdServer();
+    // A socket takes some seventy writes that nobody reads.
+    for (int times = 0; times < 100; ++times) {
+        ASSERT_TRUE(host.startIndefinite());
+        ASSERT_FALSE(host.deactivate());
+    }
+    EXPECT_TRUE(host.startIndefinite());
+    letGoOfServer();
+    desktop.blankAfterOneSecond();
+    EXPECT_TRUE(staysTrue([&] { return !desktop.isBlanked(); }, 2s));
+    EXPECT_FALSE(host.deactivate());
+    EXPECT_TRUE(waitUntil([&] { return desktop.isBlanked(); }));
+}
+
 TEST_F(KeepAwakeOnALateServer, TheProgramGoesOnWhileTheServerIsHeldByTheClientThatGaveItTheFocus) {
     KeepAwakeHost host(desktop.environment(), {u"--window"_s});
     const XInspector& look = desktop.session().inspector();

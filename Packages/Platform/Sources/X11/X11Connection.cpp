@@ -151,6 +151,10 @@ X11Connection::X11Connection(xcb_connection_t* connection, int screenNumber)
     notifier_ = std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(connection_),
                                                   QSocketNotifier::Read);
     connect(notifier_.get(), &QSocketNotifier::activated, this, &X11Connection::dispatchEvents);
+    writable_ = std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(connection_),
+                                                  QSocketNotifier::Write);
+    writable_->setEnabled(false);
+    connect(writable_.get(), &QSocketNotifier::activated, this, &X11Connection::flush);
     if (QAbstractEventDispatcher* dispatcher = QAbstractEventDispatcher::instance()) {
         // Not dispatched on the spot: a loop about to block has already looked at its timers.
         connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, this, [this] {
@@ -164,6 +168,7 @@ X11Connection::X11Connection(xcb_connection_t* connection, int screenNumber)
 
 X11Connection::~X11Connection() {
     notifier_.reset();
+    writable_.reset();
     xcb_disconnect(connection_);
 }
 
@@ -264,7 +269,7 @@ X11Outcome X11Connection::check(xcb_void_cookie_t cookie, std::chrono::milliseco
 }
 
 void X11Connection::flush() {
-    xcb_flush(connection_);
+    writable_->setEnabled(!replies_.send());
 }
 
 X11Reply<void> X11Connection::waitForReply(unsigned int sequence, std::chrono::milliseconds bound) {
@@ -392,6 +397,7 @@ void X11Connection::noticeLoss() {
         return;
     isLost_ = true;
     notifier_->setEnabled(false);
+    writable_->setEnabled(false);
     // Not from within a request: whoever made it deals with its failure first.
     QMetaObject::invokeMethod(this, &X11Connection::connectionLost, Qt::QueuedConnection);
 }

@@ -158,7 +158,8 @@ public:
     /// Another number whenever something may have come from the server, and at each turn of the
     /// event loop: what was read last is the newest there is for as long as this stays the same.
     [[nodiscard]] std::uint64_t moment() const { return moment_; }
-    /// Sends what is buffered. The event loop does so too before it blocks.
+    /// Sends what is buffered, later where the server reads nothing now. The event loop does so too
+    /// before it blocks.
     void flush();
 
     /// Calls `handler` for each event that the filter lets through, in the order of their arrival,
@@ -220,6 +221,8 @@ private:
     X11Extension xinput_;
     X11Extension xkb_;
     std::unique_ptr<QSocketNotifier> notifier_;
+    /// Tells when what could not be sent can be.
+    std::unique_ptr<QSocketNotifier> writable_;
     X11EventQueue stash_;
     X11Flood flood_;
     std::vector<std::shared_ptr<X11Listener::Entry>> listeners_;

@@ -42,6 +42,16 @@ void X11AwaitedReply::reset() {
     entry_.reset();
 }
 
+bool X11Replies::send() {
+    // A client may hold the server, which reads nothing of others meanwhile; xcb would wait for as
+    // long as that takes.
+    pollfd descriptor{xcb_get_file_descriptor(connection_), POLLOUT, 0};
+    isAllSent_ = poll(&descriptor, 1, 0) != 0;
+    if (isAllSent_)
+        xcb_flush(connection_);
+    return isAllSent_;
+}
+
 std::optional<X11Reply<void>> X11Replies::wait(unsigned int sequence,
                                                std::chrono::milliseconds bound) {
     const auto deadline = std::chrono::steady_clock::now() + bound;
@@ -57,14 +67,17 @@ std::optional<X11Reply<void>> X11Replies::wait(unsigned int sequence,
     return X11Reply<void>(answer);
 }
 
-bool X11Replies::waitForSocket(std::chrono::steady_clock::time_point deadline) const {
+bool X11Replies::waitForSocket(std::chrono::steady_clock::time_point deadline) {
     for (;;) {
         const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
             deadline - std::chrono::steady_clock::now());
         if (left.count() <= 0)
             return false;
-        pollfd descriptor{xcb_get_file_descriptor(connection_), POLLIN, 0};
+        const auto wanted = static_cast<short>(isAllSent_ ? POLLIN : POLLIN | POLLOUT);
+        pollfd descriptor{xcb_get_file_descriptor(connection_), wanted, 0};
         const int ready = poll(&descriptor, 1, static_cast<int>(left.count()));
+        if (!isAllSent_ && (descriptor.revents & POLLOUT) != 0)
+            send();
         if (ready > 0)
             return true;
         if (ready < 0 && errno != EINTR)

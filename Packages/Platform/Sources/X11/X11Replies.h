@@ -58,9 +58,13 @@ public:
         : connection_(connection) {}
 
     /// Waits for a request's reply, which is null where the request failed; none where the server
-    /// has not answered within the bound.
+    /// has not answered within the bound. What `send` left is sent as soon as that can be.
     [[nodiscard]] std::optional<X11Reply<void>> wait(unsigned int sequence,
                                                      std::chrono::milliseconds bound);
+
+    /// Sends what is buffered. False, and nothing is sent, where the server has so much to read
+    /// still that it would have to be waited for.
+    bool send();
 
     /// Has the handler called when the turn of a request's reply comes, for as long as the answer
     /// is kept. To be called in the order of the requests.
@@ -74,9 +78,10 @@ public:
     void handOver();
 
 private:
-    [[nodiscard]] bool waitForSocket(std::chrono::steady_clock::time_point deadline) const;
+    [[nodiscard]] bool waitForSocket(std::chrono::steady_clock::time_point deadline);
 
     xcb_connection_t* connection_;
+    bool isAllSent_ = true;
     /// In the order of their requests, which is the order of their replies.
     std::deque<std::shared_ptr<X11AwaitedReply::Entry>> awaited_;
 };
