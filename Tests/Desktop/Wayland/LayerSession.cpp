@@ -1,5 +1,6 @@
 #include "LayerSession.h"
 
+#include <ListeningSocket.h>
 #include <Waiting.h>
 
 #include <QFile>
@@ -34,7 +35,7 @@ void LayerSession::startCompositor(const QString& program, const QStringList& ar
     own.remove(u"WAYLAND_DISPLAY"_s);
     const QString first = words.takeFirst();
     EXPECT_TRUE(compositor_.start(first, words, own, log()));
-    EXPECT_TRUE(waitUntil([&] { return QFile::exists(socketPath()); })) << logged();
+    EXPECT_TRUE(waitUntil([&] { return isListenedAt(socketPath()); })) << logged();
     set(u"WAYLAND_DISPLAY"_s, socketName());
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <ListeningSocket.h>
 #include <PrivateHome.h>
 #include <Waiting.h>
 #include <XClient.h>
@@ -35,7 +36,7 @@ protected:
         if (beside == Beside::xServer)
             arguments.append(u"--xwayland"_s);
         ASSERT_TRUE(compositor.start(u"weston"_s, arguments, environment, compositorLog()));
-        ASSERT_TRUE(waitUntil([&] { return QFile::exists(folder.filePath(u"wayland-test"_s)); }))
+        ASSERT_TRUE(waitUntil([&] { return isListenedAt(folder.filePath(u"wayland-test"_s)); }))
             << contentsOf(compositorLog()).toStdString();
         environment.insert(u"WAYLAND_DISPLAY"_s, u"wayland-test"_s);
     }

@@ -1,5 +1,6 @@
 #include "CompositorSession.h"
 
+#include "ListeningSocket.h"
 #include "Repetition.h"
 #include "Waiting.h"
 
@@ -106,7 +107,7 @@ bool CompositorSession::startBus(Subprocess& bus, const QString& name, const cha
     return bus.start(QStringLiteral("dbus-daemon"),
                      {QStringLiteral("--nofork"), QStringLiteral("--config-file=") + configuration},
                      home_.environment(), home_.logFile()) &&
-           waitUntil([&] { return QFile::exists(socket); });
+           waitUntil([&] { return isListenedAt(socket); });
 }
 
 QString CompositorSession::busAddress() const {

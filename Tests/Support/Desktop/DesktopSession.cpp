@@ -1,6 +1,7 @@
 #include "DesktopSession.h"
 
 #include "BareClient.h"
+#include "ListeningSocket.h"
 #include "Waiting.h"
 
 #include <QDir>
@@ -203,7 +204,7 @@ bool DesktopSession::startBus() {
                                 QStringLiteral("--nopidfile"),
                                 QStringLiteral("--address=") + busAddress_};
     return bus_.start(QStringLiteral("dbus-daemon"), arguments, home_.environment(), logFile()) &&
-           waitUntil([&] { return QFile::exists(socket); });
+           waitUntil([&] { return isListenedAt(socket); });
 }
 
 bool DesktopSession::startWindowManager(WindowManagerKind kind, Compositing compositing) {

@@ -3,6 +3,7 @@
 #include <QFile>
 #include <QString>
 #include <QTemporaryDir>
+#include <algorithm>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <map>
@@ -40,6 +41,20 @@ public:
 private:
     int descriptor_;
 };
+
+/// Whether anybody listens at a path. The file is there a moment before that, and whoever comes in
+/// between is turned away.
+[[nodiscard]] inline bool isListenedAt(const QString& path) {
+    QFile sockets(QStringLiteral("/proc/net/unix"));
+    if (!sockets.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray name = ' ' + QFile::encodeName(path);
+    const QList<QByteArray> lines = sockets.readAll().split('\n');
+    return std::any_of(lines.begin(), lines.end(), [&](const QByteArray& line) {
+        constexpr const char* takesConnections = " 00010000 ";
+        return line.endsWith(name) && line.contains(takesConnections);
+    });
+}
 
 /// What a program that is started with this in its environment takes for a Wayland session beside
 /// an X server that does not say whose it is.
