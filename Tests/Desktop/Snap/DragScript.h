@@ -49,6 +49,9 @@ private:
     /// Presses the button, and moves to and fro until the window has moved more than once. Where it
     /// does not, lets go and does so again, as a hand would.
     void takeHold(const TestClient& client, QPoint from, QPoint here);
+    /// Wakes a window manager that sleeps while the pointer stands frozen where the button went
+    /// down, though the hand has moved on. False where there was no such one.
+    bool wakeSleeper(QPoint pressedAt);
     /// Whether the window has followed the mouse more than once; looks at it for a second.
     [[nodiscard]] bool follows(const TestClient& client, QPoint here);
 

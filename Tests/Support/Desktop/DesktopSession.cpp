@@ -215,6 +215,7 @@ bool DesktopSession::startWindowManager(WindowManagerKind kind, Compositing comp
     QProcessEnvironment environment = home_.environment();
     for (const auto& [key, value] : command.environment)
         environment.insert(key, value);
+    windowManagerKind_ = kind;
     // Some start services of their desktop first, one after the other.
     constexpr std::chrono::seconds longEnough(60);
     const bool isUp =
@@ -257,6 +258,21 @@ void DesktopSession::killWindowManager() {
         return;
     windowManager_.stop();
     EXPECT_TRUE(waitUntil([&] { return !inspector_->hasWindowManager(); }));
+}
+
+bool DesktopSession::wakeWindowManager() {
+    if (windowManagerKind_ != WindowManagerKind::pekwm)
+        return false;
+    xcb_client_message_event_t nothing{};
+    nothing.response_type = XCB_CLIENT_MESSAGE;
+    nothing.format = 32;
+    nothing.window = inspector_->root();
+    nothing.type = inspector_->atom("_TILEWRIGHT_TEST_NOTHING");
+    xcb_send_event(inspector_->connection(), 0, inspector_->root(),
+                   XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                   reinterpret_cast<const char*>(&nothing));
+    xcb_flush(inspector_->connection());
+    return true;
 }
 
 bool DesktopSession::startCompositor() {

@@ -6,6 +6,7 @@
 #include "XServer.h"
 
 #include <map>
+#include <optional>
 
 namespace tilewright::testing {
 
@@ -52,6 +53,10 @@ public:
     bool startWindowManager(WindowManagerKind kind, Compositing compositing = Compositing::off);
     /// Ends the window manager at once, as when it crashes.
     void killWindowManager();
+    /// pekwm 0.1 may go to sleep with an event that it has taken in and not looked at, until the
+    /// next one comes; a press leaves the mouse frozen for as long. Where pekwm runs, this sends it
+    /// an event without meaning, and is true.
+    bool wakeWindowManager();
     /// Starts or ends a compositing manager of its own (picom).
     bool startCompositor();
     void stopCompositor();
@@ -87,6 +92,8 @@ private:
     QString busAddress_;
     Subprocess bus_;
     Subprocess windowManager_;
+    /// Which one was started last.
+    std::optional<WindowManagerKind> windowManagerKind_;
     /// The window that the window manager met first.
     std::unique_ptr<BareClient> firstWindow_;
     Subprocess compositor_;

@@ -1,7 +1,9 @@
 #include "TestClients.h"
 
+#include "Repetition.h"
 #include "Waiting.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace tilewright::testing {
@@ -76,13 +78,23 @@ TestClient startClient(DesktopSession& desktop, ClientKind kind, QRect area) {
         break;
     }
     XInspector& inspector = desktop.inspector();
-    const bool shows = waitUntil([&] {
+    const auto isShown = [&] {
         const auto found = inspector.clientTitled(client.title);
         if (!found || !inspector.isMapped(*found))
             return false;
         client.window = *found;
         return true;
-    });
+    };
+    bool shows = waitUntil(isShown, std::chrono::seconds(5));
+    if (!shows) {
+        const auto windows = inspector.allWindows();
+        const bool isThere = std::any_of(windows.begin(), windows.end(), [&](auto window) {
+            return inspector.title(window) == client.title;
+        });
+        if (isThere && desktop.wakeWindowManager())
+            tellRepetition("a window manager slept with a new window unread");
+        shows = waitUntil(isShown);
+    }
     EXPECT_TRUE(shows) << "no window of " << name(kind) << " appeared";
     if (shows) {
         EXPECT_TRUE(waitUntilStill(inspector, client.window))
