@@ -83,6 +83,8 @@ TEST_F(KeepAwakeOnALateServer, MoreThanAHeldServerTakesInIsNotWaitedForAndComesT
     const auto name = u"org.mate.ScreenSaver"_s;
     desktop.startService(name, {u"--path"_s, u"/org/mate/ScreenSaver"_s, u"--interface"_s, name});
     KeepAwakeHost host(desktop.environment());
+    // As its event loop begins, Qt waits for the server.
+    EXPECT_FALSE(host.isActive());
     holdServer();
     // A socket takes some seventy writes that nobody reads.
     for (int times = 0; times < 100; ++times) {
